@@ -1,0 +1,57 @@
+# The repetition of the folders' build files.
+
+# What every target of the tree is compiled with. -ffp-contract=off: a fused multiply
+# and add rounds once where the source rounds twice, and results would depend on the
+# processor.
+add_library(lx_flags INTERFACE)
+target_compile_features(lx_flags INTERFACE cxx_std_20)
+target_include_directories(lx_flags INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(
+  lx_flags
+  INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+            -fvisibility=hidden -fvisibility-inlines-hidden -fno-gnu-unique -ffp-contract=off)
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+# One library a folder: lx_library(name SOURCES ... LINKS ...), linked by others as
+# lx::name.
+function(lx_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_library(lx_${name} STATIC ${ARG_SOURCES})
+  add_library(lx::${name} ALIAS lx_${name})
+  target_link_libraries(lx_${name} PUBLIC lx_flags ${ARG_LINKS})
+endfunction()
+
+# One test program: lx_test(name SOURCES ... LINKS ...). Each test in it becomes a
+# test of CTest.
+function(lx_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE lx_flags ${ARG_LINKS} GTest::gtest GTest::gtest_main)
+  # Tests take numbers apart and put them together in ways that a product would not.
+  target_compile_options(${name} PRIVATE -Wno-conversion)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+endfunction()
+
+# One benchmark program: lx_benchmark(name SOURCES ... LINKS ...).
+function(lx_benchmark name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE lx_flags ${ARG_LINKS} benchmark::benchmark)
+endfunction()
+
+# Compiles each header alone, so that none leans on what its reader included before.
+function(lx_check_headers name)
+  cmake_parse_arguments(ARG "" "" "HEADERS;LINKS" ${ARGN})
+  set(sources)
+  foreach(header IN LISTS ARG_HEADERS)
+    string(MAKE_C_IDENTIFIER ${header} identifier)
+    set(source ${CMAKE_CURRENT_BINARY_DIR}/header_alone_${identifier}.cpp)
+    file(CONFIGURE OUTPUT ${source} CONTENT "#include \"${header}\"\n")
+    list(APPEND sources ${source})
+  endforeach()
+  add_library(${name} OBJECT ${sources})
+  target_link_libraries(${name} PRIVATE lx_flags ${ARG_LINKS})
+endfunction()

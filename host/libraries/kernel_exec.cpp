@@ -1,0 +1,7 @@
+#include "hostframe/interfaces/factory.h"
+
+namespace quantel {
+
+cPtr<iFactory> gFactory;
+
+}  // namespace quantel

@@ -1,0 +1,38 @@
+// The count that a cPtr shares with the object it points at.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+#include "hostframe/interfaces/visibility.h"
+
+namespace quantel {
+
+// Base of every counted object. It has no virtual operations and holds one
+// 32-bit count and nothing else. An object starts at 0: its first cPtr makes it 1,
+// so a cPtr must never be made to an object that lives on the stack or that is
+// still in its constructor, or the end of that cPtr deletes it.
+// Any thread may count.
+class QTL_BORDER cRefCount {
+ public:
+  cRefCount() = default;
+  cRefCount(const cRefCount&) = delete;
+  cRefCount& operator=(const cRefCount&) = delete;
+
+  void Add() { count_.fetch_add(1, std::memory_order_relaxed); }
+
+  // The value before the subtraction; 1 means that the caller held the last one.
+  std::int32_t Subtract() { return count_.fetch_sub(1, std::memory_order_acq_rel); }
+
+  std::int32_t Count() const { return count_.load(std::memory_order_relaxed); }
+
+ protected:
+  ~cRefCount() = default;
+
+ private:
+  std::atomic<std::int32_t> count_{0};
+};
+
+static_assert(sizeof(cRefCount) == 4, "the count crosses the border as one 32-bit word");
+
+}  // namespace quantel
