@@ -1,0 +1,255 @@
+// DefocusEngine: convolves frames with a point-spread function (PSF).
+//
+// Before the first run: load a PSF (BuildShapePsf, BuildImagePsf or LoadPsf), then give
+// a frame of the PSF's size with SetSourceImage. Convolve then blurs it into a second
+// image, as often as asked; whatever a run needs is allocated and planned by the first
+// one and kept.
+//
+//   N x N grid, row stride N      The padded size N is a power of two, the same for
+//   +--------------------------+  both sides: the next one above the longer of
+//   |      margin repeats      |  width + 2 margin and height + 2 margin. The frame's
+//   |    +---------------+     |  pixel (x, y) stands in row offsetY + y, column
+//   |    | frame, at     |     |  offsetX + x. A spectrum has N rows of N/2 + 1
+//   |    | offsetX, Y    |     |  complex numbers.
+//   |    +---------------+     |
+//   +--------------------------+
+//
+// Every failure is a false result and a code in status; nothing is logged, nothing is
+// thrown. One thread at a time per engine; different engines may work on different
+// threads. Images that are handed over are borrowed and must outlive the run.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+#include "imagelib/imagelib.h"
+
+struct fftw_plan_s;  // a plan of the transform library
+
+namespace lx {
+
+class DefocusEngine;
+
+// Handles the rows (or columns) first to last, both inclusive, of a pass over an image.
+// A range with first above last is empty.
+using PassFunction = void (*)(DefocusEngine* engine, std::int32_t first, std::int32_t last);
+
+// Runs a pass over ranges that cover 0 to count - 1 exactly once, and returns when all
+// have finished.
+using ParallelForFunction = void (*)(void* context, PassFunction pass, std::int32_t count,
+                                     DefocusEngine* engine);
+
+// Asked at the start of each row, from every thread that works on a pass; non-zero ends
+// the pass early, without an error.
+using CancelQueryFunction = std::int32_t (*)(void* context);
+
+// Values of engineMode. Modes 1 to 3 have no back-end in this build: their loads and runs
+// answer false and leave status alone.
+inline constexpr std::int32_t kModeFftw = 4;
+
+// Values of status.
+inline constexpr std::int32_t kStatusOk = 0;
+inline constexpr std::int32_t kStatusSizeRange = 1;  // a padded size outside 2 to 8192
+inline constexpr std::int32_t kStatusNoMemory = 2;
+inline constexpr std::int32_t kStatusSourceSize = 3;   // source not of the PSF's size
+inline constexpr std::int32_t kStatusNotLoaded = 4;    // run without PSF or source
+inline constexpr std::int32_t kStatusDestination = 5;  // destination unlike the source
+inline constexpr std::int32_t kStatusFloatImage = 6;   // float image not accepted here
+inline constexpr std::int32_t kStatusChannels = 7;     // too few channels or mask bits
+inline constexpr std::int32_t kStatusEdgeMode = 8;     // SetEdgeMode knows 1 and 2
+inline constexpr std::int32_t kStatusNoPlan = 9;
+inline constexpr std::int32_t kStatusNoThreads = 10;  // transform threads did not start
+
+// Bits of Convolve's channel mask.
+inline constexpr std::uint32_t kBitLuma = 1;
+inline constexpr std::uint32_t kBitCr = 2;
+inline constexpr std::uint32_t kBitCb = 4;
+inline constexpr std::uint32_t kBitAlpha = 8;
+
+inline constexpr std::int32_t kEdgeZero = 1;       // pads with zero
+inline constexpr std::int32_t kEdgeReplicate = 2;  // repeats the frame's edge
+
+inline constexpr std::int32_t kLargestPaddedSize = 8192;
+
+// 1 for n below 2, else the smallest power of two not below n.
+//   exponent  receives its exponent; may be null
+std::int64_t NextPowerOfTwo(std::int64_t n, std::int32_t* exponent = nullptr);
+
+// The fields are open for tests and measurements; whoever renders uses the operations.
+class DefocusEngine {
+ public:
+  DefocusEngine();
+  explicit DefocusEngine(std::int32_t mode);  // 5 counts as 4
+  virtual ~DefocusEngine();
+  DefocusEngine(const DefocusEngine&) = delete;
+  DefocusEngine& operator=(const DefocusEngine&) = delete;
+
+  // How passes run: the context is the first argument of both callbacks. Without a
+  // function, or with a null context, passes run on the calling thread. True.
+  bool SetParallelFor(void* context, ParallelForFunction function);
+
+  // Intended: the context is ignored; polls get the one given to SetParallelFor. True.
+  bool SetCancelQuery(void* context, CancelQueryFunction function);
+
+  // Divisors of an outline's x and y extent. True.
+  bool SetPixelAspect(float x, float y);
+
+  // Draws an outline into the mask and loads it. Failure shows in status.
+  //   width, height     the frame's size in pixels
+  //   shape             1 ellipse, 2 regular polygon, 3 rectangle from the centre
+  //                     outwards, 4 rectangle moved towards the centre; others: empty
+  //   radiusX, radiusY  pixels; below 1 as 1
+  //   rotation          degrees
+  //   sides             of a polygon, 3 to 50; values outside are brought inside
+  void BuildShapePsf(std::int32_t width, std::int32_t height, std::int32_t shape, float radiusX,
+                     float radiusY, float rotation, std::int32_t sides);
+
+  // Cuts a soft disc out of a picture and loads it. Failure shows in status.
+  //   image             any integer sample type; only its first channel counts. The frame
+  //                     must have its size. May be freed when the call returns
+  //   centreX, centreY  the disc's centre, in pixels of the picture; may lie outside
+  //   innerRadius       pixels; full weight up to here
+  //   falloff           pixels from there to weight 0; below 1 as 1
+  void BuildImagePsf(const ImageRec* image, std::int32_t centreX, std::int32_t centreY,
+                     float innerRadius, float falloff);
+
+  // Takes a mask of the frame's size as the PSF: softens it, normalises its sum to 1,
+  // moves its middle to sample (0, 0) and keeps its spectrum. False on failure.
+  //   mask    8-bit, one channel; softened in place. Borrowed until the next load
+  //   margin  pixels by which the frame is padded on each side; below 0 as 0
+  // Intended: a load at an unchanged padded size adds the mask to what the earlier load
+  // left in the grid outside the frame's rectangle.
+  bool LoadPsf(ImageRec* mask, std::int32_t margin);
+
+  // The frame to blur. False, with no source then, unless it has the PSF's size.
+  bool SetSourceImage(const ImageRec* image);
+
+  void SetEmphasis(float value);        // kept in 0..500; up to 1 there is no emphasis
+  bool SetEmphasisAlpha(bool enabled);  // whether alpha is emphasised too; gives it back
+
+  // Blurs the source into dest, as luma, two chroma planes and alpha.
+  //   dest         of the source's size and sample type; may be the source itself
+  //   channelMask  bits 0 to 2 must be set; bit 3 writes alpha, if both images have it
+  // False on failure, with dest as it was.
+  bool Convolve(ImageRec* dest, std::uint32_t channelMask);
+
+  // Blurs stored channels one by one, without colour transform.
+  //   channelMask  bit n selects channel n
+  // False on failure; channels before the failing one are written.
+  bool ConvolveChannels(ImageRec* dest, std::uint32_t channelMask);
+
+  std::int32_t GetStatus() const { return status.load(std::memory_order_relaxed); }
+
+  bool SetEdgeMode(std::int32_t mode);  // kEdgeZero or kEdgeReplicate, else false
+  void SetPsfSoftness(float radius);    // blur of every mask in pixels; negative as 0
+  bool SetGamma(float value);           // of ConvolveChannels, kept in 0.2..5; true
+  void SetOutputGain(float value);      // kept in 0.2..5
+  void SetOutputOffset(float value);    // kept in -5..5
+
+  // Scales the buffer to sum 1 and rotates it left by width / 2 and up by height / 2.
+  // 0, or kStatusNoMemory with the buffer as it was.
+  static std::int32_t NormaliseAndShiftPsf(double* buffer, std::int32_t width, std::int32_t height);
+
+  using Plan = fftw_plan_s*;
+  using Complex = double[2];
+
+  const ImageRec* psfImage = nullptr;     // mask last loaded; only ever compared with null
+  const ImageRec* sourceImage = nullptr;  // borrowed
+  void* kernelPsf = nullptr;              // the kernel modes' blocks
+  void* kernelWork = nullptr;
+  void* kernelLuma = nullptr;
+  void* kernelCr = nullptr;
+  void* kernelCb = nullptr;
+  Plan psfPlan = nullptr;      // psfSpatial to psfSpectrum
+  Plan forwardPlan = nullptr;  // workSpatial to workSpectrum
+  Plan inversePlan = nullptr;  // workSpectrum to workSpatial
+  double* psfSpatial = nullptr;
+  Complex* psfSpectrum = nullptr;
+  double* workSpatial = nullptr;  // after a run: alpha's result
+  Complex* workSpectrum = nullptr;
+  double* lumaResult = nullptr;  // N * N times the planes' values, in the frame's rectangle
+  double* crResult = nullptr;
+  double* cbResult = nullptr;
+  std::uint32_t threadsReady = 0;  // 0: the transform library has no threads
+  std::uint32_t threadCount = 1;   // given to the planner
+  std::int32_t useWisdom = 0;      // plans are measured
+  std::int32_t wisdomLoaded = 0;
+  bool followSourceSize = false;
+  std::int32_t frameWidth = -1;  // size of the mask last loaded
+  std::int32_t frameHeight = -1;
+  std::int32_t paddedWidth = -1;
+  std::int32_t paddedHeight = -1;
+  std::int32_t offsetX = -1;
+  std::int32_t offsetY = -1;
+  std::int32_t margin = -1;
+  double* passTarget = nullptr;  // parameters of the pass in work
+  bool passIsPsf = false;
+  const ImageRec* passSource = nullptr;
+  std::int32_t passEdgeMode = 0;
+  float emphasis = 0.0F;
+  bool emphasisAlpha = false;
+  float gamma = 1.0F;
+  bool gammaActive = false;
+  float outputGain = 1.0F;
+  float outputOffset = 0.0F;
+  float psfSoftness = 0.0F;
+  const ImageRec* separableSource = nullptr;  // the separable filter's
+  ImageRec* separableWork = nullptr;
+  std::int32_t separableWidth = -1;
+  std::int32_t separableHeight = -1;
+  std::int32_t separablePaddedWidth = 0;
+  std::int32_t separablePaddedHeight = 0;
+  float* separableKernel = nullptr;
+  std::int32_t separableKernelLength = -1;
+  std::int32_t separableSpare = -1;
+  const ImageRec* separableRowSource = nullptr;
+  const ImageRec* separableColumnSource = nullptr;
+  ImageRec* passDest = nullptr;
+  std::uint32_t passChannelBit = 0;
+  std::int32_t passChannel = 0;  // the stored channel in work of ConvolveChannels
+  std::int32_t edgeMode = kEdgeReplicate;
+  ImageRec* psfMask = nullptr;          // owned; the mask that the builders draw
+  std::atomic<std::int32_t> status{0};  // last error, until a pass clears it
+  void* callbackContext = nullptr;
+  ParallelForFunction parallelFor = nullptr;
+  CancelQueryFunction cancelQuery = nullptr;
+  float aspectX = 1.0F;
+  float aspectY = 1.0F;
+  std::int32_t* frequencyTable = nullptr;
+  std::int32_t frequencyTableSize = 0;
+  std::int32_t engineMode = kModeFftw;
+
+  // Runs a pass over the indices 0 to count - 1.
+  void RunRows(PassFunction pass, std::int32_t count);
+
+  // For passes: whether the owner wants no more rows.
+  bool CancelRequested() const;
+
+ private:
+  bool LoadPsfFftw(const ImageRec* mask, std::int32_t newMargin);
+  bool ConvolveFftw(ImageRec* dest, std::uint32_t channelMask);
+  bool ConvolveChannelsFftw(ImageRec* dest, std::uint32_t channelMask);
+  bool Fail(std::int32_t code);  // stores the code; false
+  bool CheckRun(const ImageRec* dest);
+
+  ImageRec* PrepareMask(std::int32_t width, std::int32_t height);  // cleared; null on failure
+
+  // Grids and plans, made where they are missing. False with a code in status.
+  bool PreparePsfGrids();
+  bool PrepareWorkGrids(bool clearNew);
+  bool PrepareResult(double** result);
+  template <class Create>
+  bool MakePlan(Plan* plan, Create create);
+  void FreeGrids();
+
+  // One plane from input pass to inverse transform, which leaves it in workSpatial.
+  void TransformPlane(PassFunction inputPass);
+  void PadRows();
+  void KeepPlane(double* result) const;
+
+  // The side for which the grids and plans were made. Runs need it to equal the padded
+  // size, which other operations may have moved on.
+  std::int32_t gridSize_ = -1;
+};
+
+}  // namespace lx

@@ -1,0 +1,105 @@
+#include <cstddef>
+#include <cstdint>
+
+#include "baselib/utils/convert.h"
+#include "fftlib/fftlib.h"
+#include "fftlib/fftlib/emphasis.h"
+#include "fftlib/fftlib/passes.h"
+#include "fftlib/fftlib/sample_types.h"
+
+namespace lx {
+namespace {
+
+// Single-precision constants, widened; the inverse of the input pass's.
+constexpr double kRCr = 1.4019999504089355;
+constexpr double kGY = 0.9960359930992126;
+constexpr double kGCr = 0.714136004447937;
+constexpr double kGCb = 0.27783599495887756;
+constexpr double kBY = 1.020408034324646;
+constexpr double kBCb = 1.4306119680404663;
+
+template <class Sample>
+Sample StoreUnit(double value) {
+  return static_cast<Sample>(
+      static_cast<std::uint64_t>(ClampToUnit(value) * SampleScale<Sample>::full + 0.5));
+}
+
+template <class Sample>
+Sample StoreAlpha(double value) {
+  return StoreUnit<Sample>(value);
+}
+
+// Intended: alpha of 32-bit pixels keeps its low 16 bits only.
+template <>
+std::uint32_t StoreAlpha(double value) {
+  return StoreUnit<std::uint32_t>(value) & 0xFFFFU;
+}
+
+// The three planes of one row, each at its first pixel of the frame.
+struct PlaneRows {
+  const double* luma;
+  const double* cr;
+  const double* cb;
+};
+
+template <class Sample>
+void StoreColourRow(const PlaneRows& planes, double scale, double emphasis, std::int32_t width,
+                    std::int32_t channels, Sample* pixels) {
+  for (std::int32_t x = 0; x < width; ++x, pixels += channels) {
+    const double y = UndoEmphasisD(scale * planes.luma[x], emphasis);
+    const double cr = scale * planes.cr[x] - 0.5;
+    const double cb = scale * planes.cb[x] - 0.5;
+    pixels[0] = StoreUnit<Sample>(y + kRCr * cr);
+    pixels[1] = StoreUnit<Sample>(kGY * y - kGCr * cr - kGCb * cb);
+    pixels[2] = StoreUnit<Sample>(kBY * y + kBCb * cb);
+  }
+}
+
+template <class Sample>
+void StoreAlphaRow(const double* plane, double scale, bool curved, double emphasis,
+                   std::int32_t width, std::int32_t channels, Sample* pixels) {
+  for (std::int32_t x = 0; x < width; ++x, pixels += channels) {
+    const double alpha = scale * plane[x];
+    pixels[3] = StoreAlpha<Sample>(curved ? UndoEmphasisD(alpha, emphasis) : alpha);
+  }
+}
+
+template <class Sample>
+void OutputRow(const DefocusEngine& engine, std::int32_t y) {
+  ImageRec* dest = engine.passDest;
+  const std::ptrdiff_t start =
+      static_cast<std::ptrdiff_t>(engine.offsetY + y) * engine.paddedWidth + engine.offsetX;
+  const double side = engine.paddedWidth;
+  const double scale = 1.0 / (side * side);
+  Sample* pixels = SampleRow<Sample>(dest, y);
+  const PlaneRows planes{engine.lumaResult + start, engine.crResult + start,
+                         engine.cbResult + start};
+  StoreColourRow(planes, scale, engine.emphasis, dest->width, dest->channels, pixels);
+  if ((engine.passChannelBit & kBitAlpha) != 0) {
+    StoreAlphaRow(engine.passTarget + start, scale, engine.emphasisAlpha, engine.emphasis,
+                  dest->width, dest->channels, pixels);
+  }
+}
+
+}  // namespace
+
+void PictureOutputPass(DefocusEngine* engine, std::int32_t first, std::int32_t last) {
+  engine->status.store(kStatusOk, std::memory_order_relaxed);
+  for (std::int32_t y = first; y <= last && !engine->CancelRequested(); ++y) {
+    switch (engine->passDest->sampleType) {
+      case kSampleU8:
+        OutputRow<std::uint8_t>(*engine, y);
+        break;
+      case kSampleU16:
+        OutputRow<std::uint16_t>(*engine, y);
+        break;
+      case kSampleU32:
+        OutputRow<std::uint32_t>(*engine, y);
+        break;
+      default:
+        break;  // float images are left as they are
+    }
+  }
+}
+
+}  // namespace lx

@@ -1,0 +1,30 @@
+// The row passes of the FFTW back-end. Parameters are the engine's pass fields; each
+// pass clears status first and writes only its own rows.
+#pragma once
+
+#include <cstdint>
+
+namespace lx {
+
+class DefocusEngine;
+
+// A PSF mask into the frame's rectangle of passTarget, and nothing else of it.
+void PsfInputPass(DefocusEngine* engine, std::int32_t first, std::int32_t last);
+
+// One plane (passChannelBit: luma, Cr, Cb, alpha) of source rows into grid rows,
+// left and right margins included.
+void PlaneInputPass(DefocusEngine* engine, std::int32_t first, std::int32_t last);
+
+// psfSpectrum times workSpectrum into workSpectrum, row by row. It has no cancel poll.
+void MultiplyPass(DefocusEngine* engine, std::int32_t first, std::int32_t last);
+
+// The three result planes, and workSpatial as alpha, into rows of passDest.
+void PictureOutputPass(DefocusEngine* engine, std::int32_t first, std::int32_t last);
+
+// One stored channel of source rows into grid rows.
+void ChannelInputPass(DefocusEngine* engine, std::int32_t first, std::int32_t last);
+
+// workSpatial into one stored channel of passDest.
+void ChannelOutputPass(DefocusEngine* engine, std::int32_t first, std::int32_t last);
+
+}  // namespace lx
