@@ -1,0 +1,61 @@
+// GlimmerBlur: the effect object that both adapters are built around.
+#pragma once
+
+#include <cstdint>
+
+#include "effect/glimmer_blur_info.h"
+#include "fftlib/fftlib.h"
+#include "library/overlay_lx.h"
+#include "library/plugin_lx.h"
+
+namespace lx {
+
+class GlimmerBlur : public PluginLX, public OverlayLX, public GlimmerBlurInfo {
+ public:
+  // Makes an engine; where there is no memory for one the object is usable without it.
+  GlimmerBlur();
+  ~GlimmerBlur() override;
+
+  // Carries one frame from sourcePort (and spreadPort) to outputPort, all LXImages of
+  // equal size, by the controls' values. A frame that cannot be blurred leaves as a copy
+  // of its source; without an engine or without memory the output is left as it is.
+  // Nothing is reported: the engine's status says what happened.
+  void RenderFrame() override;
+
+  // Sets the disabled flag of each control that shape and match govern.
+  void UpdateControlState() override;
+
+  // The PsfKey: the values of the previous frame, which decide whether its PSF is kept.
+  float aspectX = 0.0F;  // of the current frame
+  float aspectY = 0.0F;
+  float prevRadiusX = 0.0F;  // pixels
+  float prevRadiusY = 0.0F;
+  float prevRotation = 0.0F;
+  std::int32_t prevShape = 0;
+  std::int32_t prevSides = 0;
+  float prevAspectX = 0.0F;
+  float prevAspectY = 0.0F;
+  std::int32_t prevWidth = 0;
+  std::int32_t prevHeight = 0;
+  bool psfValid = false;  // a build has been asked for
+
+  DefocusEngine* engine = nullptr;  // owned
+
+ private:
+  struct Radii {
+    float x;
+    float y;
+  };
+
+  Radii RadiiInPixels(std::int32_t width) const;
+  bool KeepsPsf(std::int32_t width, std::int32_t height, const Radii& radii) const;
+  ImageRec* BuildPsf(std::int32_t width, std::int32_t height, const Radii& radii);
+  ImageRec* BuildPsfFromImage(std::int32_t width, std::int32_t height);
+  void StorePsfKey(std::int32_t width, std::int32_t height, const Radii& radii);
+  void SetRadiusYState();
+  void RunPassRows(std::int32_t first, std::int32_t last);
+  static void ParallelFor(void* context, PassFunction pass, std::int32_t count,
+                          DefocusEngine* engine);
+};
+
+}  // namespace lx
