@@ -1,0 +1,64 @@
+// cGlimmerBlurUI: the class that a host makes for the effect's page and on-screen work.
+//
+// It keeps the host's connections and names its render class. The page's controls and
+// the handles on the picture are not connected: their operations do nothing.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "effect/glimmer_blur.h"
+#include "hostframe/interfaces/class_info.h"
+#include "hostframe/interfaces/plugin_ui.h"
+#include "hostframe/module_statics.h"
+
+namespace allplugins {
+
+class cGlimmerBlurUI final : public qplugin::iQpluginUI,
+                             public qplugin::iQpluginUI4,
+                             public quantel::cRefCount {
+ public:
+  cGlimmerBlurUI();
+  ~cGlimmerBlurUI() override = default;
+
+  quantel::cPtr<quantel::iFactory::iClassInfo> classInfo() override;
+  quantel::cGuid uiGuid() override;
+  quantel::cGuid renderGuid() override;
+  quantel::wstring moduleText() override;
+  void setInputs(quantel::cPtr<qplugin::iQpluginInputs> inputs) override;
+  void setParams(quantel::cPtr<qplugin::iQpluginParams> newParams) override;
+  void setResult(quantel::cPtr<qplugin::iQpluginUIResult> newResult) override;
+  void empty1() override {}
+  void empty2() override {}
+  void parameterChanged(const quantel::wstring& /*key*/) override {}
+  void mouseDown(const quantel::cPoint2& /*point*/) override {}
+  void mouseUp(const quantel::cPoint2& /*point*/) override {}
+  void mouseMove(const quantel::cPoint2& /*point*/) override {}
+  void empty3() override {}
+  void drawOverlays() override {}
+  void empty4() override {}
+
+  void colourRequest(std::uintptr_t /*word*/) override {}
+  void empty1(std::uintptr_t /*word*/) override {}
+  void empty2(std::uintptr_t /*word*/) override {}
+  void empty3(std::uintptr_t /*word*/) override {}
+  void empty5() override {}
+
+  // In this order: destruction lets go of result, params, spreadClip and sourceClip, then
+  // of the effect.
+  lx::GlimmerBlur effect;
+  quantel::cPtr<qplugin::iQpluginSource> sourceClip;
+  quantel::cPtr<qplugin::iQpluginSource> spreadClip;
+  quantel::cPtr<qplugin::iQpluginParams> params;
+  quantel::cPtr<qplugin::iQpluginUIResult> result;
+};
+
+}  // namespace allplugins
+
+template <>
+struct quantel::ClassDescription<allplugins::cGlimmerBlurUI> {
+  using Base = qplugin::iQpluginUI;
+  static constexpr std::string_view kName = "cGlimmerBlurUI";
+  static constexpr std::uint32_t kCreateWithLine = 41;
+  static cGuid Guid() { return allplugins::uiClassGuid; }
+};
