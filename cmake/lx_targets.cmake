@@ -15,6 +15,11 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
+# The build tree looks like the installed one: what is run in bin, the host's libraries
+# beside the modules' folder in lib.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+
 # One library a folder: lx_library(name SOURCES ... LINKS ...), linked by others as
 # lx::name.
 function(lx_library name)

@@ -6,9 +6,6 @@
 namespace lx {
 namespace {
 
-// A signed comparison: every emphasis up to 1 is off.
-bool IsOff(double g) { return g - 1.0 < 0.001; }
-
 // Above 50 the hyperbola cannot get steeper fast enough, so a power takes over.
 double PowerExponent(double g) { return (std::min(g, 500.0) - 50.0) * 0.03 + 1.0; }
 
@@ -17,8 +14,11 @@ double Clamp(double v) { return v < 0.0 ? 0.0 : v > 1.0 ? 1.0 : v; }
 
 }  // namespace
 
+// A signed comparison: every emphasis up to 1 is off. One that is not a number is on.
+bool HasEmphasis(double g) { return !(g - 1.0 < 0.001); }
+
 double ApplyEmphasisD(double x, double g) {
-  if (IsOff(g)) {
+  if (!HasEmphasis(g)) {
     return x;
   }
   const double a = 1.0 / g;
@@ -29,7 +29,7 @@ double ApplyEmphasisD(double x, double g) {
 }
 
 double UndoEmphasisD(double y, double g) {
-  if (IsOff(g)) {
+  if (!HasEmphasis(g)) {
     return y;
   }
   y = Clamp(y);

@@ -7,6 +7,9 @@
 
 namespace lx {
 
+// Whether the curve changes anything. Loops ask once and leave it out.
+bool HasEmphasis(double g);
+
 double ApplyEmphasisD(double x, double g);
 double UndoEmphasisD(double y, double g);
 

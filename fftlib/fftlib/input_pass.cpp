@@ -29,6 +29,9 @@ double Cr(double r, double g, double b) { return kCrR * r + kCrG * g + kCrB * b 
 double Cb(double r, double g, double b) { return kCbR * r + kCbG * g + kCbB * b + 0.5; }
 
 void Emphasise(double* row, std::int32_t width, double g) {
+  if (!HasEmphasis(g)) {
+    return;
+  }
   for (std::int32_t x = 0; x < width; ++x) {
     row[x] = ApplyEmphasisD(row[x], g);
   }

@@ -1,5 +1,6 @@
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "baselib/utils/convert.h"
 #include "fftlib/fftlib.h"
@@ -20,8 +21,10 @@ constexpr double kBCb = 1.4306119680404663;
 
 template <class Sample>
 Sample StoreUnit(double value) {
+  // Narrow samples go through the 32-bit conversion, which works on several at once.
+  using Whole = std::conditional_t<sizeof(Sample) < 4, std::int32_t, std::uint64_t>;
   return static_cast<Sample>(
-      static_cast<std::uint64_t>(ClampToUnit(value) * SampleScale<Sample>::full + 0.5));
+      static_cast<Whole>(ClampToUnit(value) * SampleScale<Sample>::full + 0.5));
 }
 
 template <class Sample>
@@ -42,25 +45,38 @@ struct PlaneRows {
   const double* cb;
 };
 
-template <class Sample>
-void StoreColourRow(const PlaneRows& planes, double scale, double emphasis, std::int32_t width,
+// What a row of the output needs beside its planes.
+struct RowScale {
+  double scale;  // of the planes: 1 / (N * N)
+  double emphasis;
+};
+
+// Curved: whether the inverse curve is in force.
+template <bool Curved, class Sample>
+void StoreColourRow(const PlaneRows& planes, const RowScale& by, std::int32_t width,
                     std::int32_t channels, Sample* pixels) {
   for (std::int32_t x = 0; x < width; ++x, pixels += channels) {
-    const double y = UndoEmphasisD(scale * planes.luma[x], emphasis);
-    const double cr = scale * planes.cr[x] - 0.5;
-    const double cb = scale * planes.cb[x] - 0.5;
+    double y = by.scale * planes.luma[x];
+    if constexpr (Curved) {
+      y = UndoEmphasisD(y, by.emphasis);
+    }
+    const double cr = by.scale * planes.cr[x] - 0.5;
+    const double cb = by.scale * planes.cb[x] - 0.5;
     pixels[0] = StoreUnit<Sample>(y + kRCr * cr);
     pixels[1] = StoreUnit<Sample>(kGY * y - kGCr * cr - kGCb * cb);
     pixels[2] = StoreUnit<Sample>(kBY * y + kBCb * cb);
   }
 }
 
-template <class Sample>
-void StoreAlphaRow(const double* plane, double scale, bool curved, double emphasis,
-                   std::int32_t width, std::int32_t channels, Sample* pixels) {
+template <bool Curved, class Sample>
+void StoreAlphaRow(const double* plane, const RowScale& by, std::int32_t width,
+                   std::int32_t channels, Sample* pixels) {
   for (std::int32_t x = 0; x < width; ++x, pixels += channels) {
-    const double alpha = scale * plane[x];
-    pixels[3] = StoreAlpha<Sample>(curved ? UndoEmphasisD(alpha, emphasis) : alpha);
+    double alpha = by.scale * plane[x];
+    if constexpr (Curved) {
+      alpha = UndoEmphasisD(alpha, by.emphasis);
+    }
+    pixels[3] = StoreAlpha<Sample>(alpha);
   }
 }
 
@@ -70,14 +86,17 @@ void OutputRow(const DefocusEngine& engine, std::int32_t y) {
   const std::ptrdiff_t start =
       static_cast<std::ptrdiff_t>(engine.offsetY + y) * engine.paddedWidth + engine.offsetX;
   const double side = engine.paddedWidth;
-  const double scale = 1.0 / (side * side);
+  const RowScale by{1.0 / (side * side), engine.emphasis};
+  const bool curved = HasEmphasis(by.emphasis);
   Sample* pixels = SampleRow<Sample>(dest, y);
   const PlaneRows planes{engine.lumaResult + start, engine.crResult + start,
                          engine.cbResult + start};
-  StoreColourRow(planes, scale, engine.emphasis, dest->width, dest->channels, pixels);
+  const auto storeColour = curved ? StoreColourRow<true, Sample> : StoreColourRow<false, Sample>;
+  storeColour(planes, by, dest->width, dest->channels, pixels);
   if ((engine.passChannelBit & kBitAlpha) != 0) {
-    StoreAlphaRow(engine.passTarget + start, scale, engine.emphasisAlpha, engine.emphasis,
-                  dest->width, dest->channels, pixels);
+    const auto storeAlpha =
+        curved && engine.emphasisAlpha ? StoreAlphaRow<true, Sample> : StoreAlphaRow<false, Sample>;
+    storeAlpha(engine.passTarget + start, by, dest->width, dest->channels, pixels);
   }
 }
 
