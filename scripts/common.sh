@@ -27,10 +27,9 @@ install_missing() {
   rm -f "$log"
 }
 
-# What the program needs to be built. openimageio-tools: the library's CMake package
-# refuses to be found without its tools.
-build_packages=(g++ cmake ninja-build pkg-config libfftw3-dev libopenimageio-dev
-  openimageio-tools libcli11-dev libtomlplusplus-dev)
+# What the program needs to be built.
+build_packages=(g++ cmake ninja-build pkg-config libfftw3-dev libopenimageio-dev libcli11-dev
+  libtomlplusplus-dev)
 
 # What the tests and the benchmarks need beside it.
 test_packages=(libgtest-dev libbenchmark-dev binutils)
