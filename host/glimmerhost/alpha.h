@@ -1,0 +1,20 @@
+// Between straight and premultiplied alpha.
+#pragma once
+
+#include <cstdint>
+
+#include "host/glimmerhost/picture.h"
+
+namespace glimmerhost {
+
+// colour * alpha, with 65535 as one, to the nearest.
+std::uint16_t Multiplied(std::uint16_t colour, std::uint16_t alpha);
+
+// colour / alpha, to the nearest and at most 65535. Alpha 0 gives 0.
+std::uint16_t Divided(std::uint16_t colour, std::uint16_t alpha);
+
+// Pictures that are not straight, or not premultiplied, are left as they are.
+void Premultiply(Picture* picture);
+void Unpremultiply(Picture* picture);
+
+}  // namespace glimmerhost

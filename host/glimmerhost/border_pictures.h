@@ -1,0 +1,89 @@
+// What this host offers of clips and targets: frames over pictures in memory.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "host/glimmerhost/picture.h"
+#include "hostframe/interfaces/pictures.h"
+#include "hostframe/interfaces/ptr.h"
+
+namespace glimmerhost {
+
+// A frame that owns its samples, in the border's order: blue, green, red, alpha.
+class FrameImage final : public qplugin::iQpluginImage, public quantel::cRefCount {
+ public:
+  FrameImage(int width, int height);
+  explicit FrameImage(const Picture& picture);
+
+  quantel::cSize2 size() override { return size_; }
+  void reserved1() override {}
+  std::uint16_t* buffer() override { return samples_.data(); }
+
+  // Writes the frame's samples into a picture of its size.
+  void CopyTo(Picture* picture) const;
+
+ private:
+  quantel::cSize2 size_;
+  std::vector<std::uint16_t> samples_;
+};
+
+class FrameFormat final : public qplugin::iQpluginFormat, public quantel::cRefCount {
+ public:
+  FrameFormat(quantel::cSize2 pixelAspect, quantel::cSize2 pictureSize)
+      : pixelAspect_(pixelAspect), pictureSize_(pictureSize) {}
+
+  quantel::cPtr<qplugin::iQpluginDescriptor> descriptor() override;
+  quantel::cSize2 pixelAspect() override { return pixelAspect_; }
+  quantel::cSize2 pictureSize() override { return pictureSize_; }
+
+ private:
+  quantel::cSize2 pixelAspect_;
+  quantel::cSize2 pictureSize_;
+};
+
+// A clip that has the same picture at every frame number.
+class StillClip final : public qplugin::iQpluginSource, public quantel::cRefCount {
+ public:
+  explicit StillClip(const Picture& picture) : frame_(new FrameImage(picture)) {}
+
+  void reserved1() override {}
+  quantel::cPtr<qplugin::iQpluginImage> frame(int frame,
+                                              quantel::cPtr<qplugin::iQpluginDescriptor> descriptor,
+                                              int three) override;
+
+ private:
+  quantel::cPtr<FrameImage> frame_;
+};
+
+// The main clip, and the second one under its key.
+class Inputs final : public qplugin::iQpluginInputs, public quantel::cRefCount {
+ public:
+  //   spread  null if there is none
+  Inputs(const quantel::cPtr<qplugin::iQpluginSource>& main,
+         const quantel::cPtr<qplugin::iQpluginSource>& spread)
+      : main_(main), spread_(spread) {}
+
+  quantel::cPtr<qplugin::iQpluginSource> mainInput() override { return main_; }
+  quantel::cPtr<qplugin::iQpluginSource> namedInput(const quantel::wstring& key) override;
+
+ private:
+  quantel::cPtr<qplugin::iQpluginSource> main_;
+  quantel::cPtr<qplugin::iQpluginSource> spread_;
+};
+
+class Target final : public qplugin::iQpluginTarget, public quantel::cRefCount {
+ public:
+  Target(const quantel::cPtr<FrameImage>& output, const quantel::cPtr<FrameFormat>& format)
+      : output_(output), format_(format) {}
+
+  void reserved1() override {}
+  quantel::cPtr<qplugin::iQpluginImage> outputFrame(int /*three*/) override { return output_; }
+  quantel::cPtr<qplugin::iQpluginFormat> format() override { return format_; }
+
+ private:
+  quantel::cPtr<FrameImage> output_;
+  quantel::cPtr<FrameFormat> format_;
+};
+
+}  // namespace glimmerhost

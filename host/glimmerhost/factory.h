@@ -1,0 +1,43 @@
+// Factory: where modules register their classes, and what hands out this host's services.
+#pragma once
+
+#include <vector>
+
+#include "hostframe/interfaces/factory.h"
+#include "hostframe/interfaces/iqplugin.h"
+#include "hostframe/interfaces/ptr.h"
+
+namespace glimmerhost {
+
+class Factory final : public quantel::iFactory, public quantel::cRefCount {
+ public:
+  Factory();
+  ~Factory() override;
+
+  // The constructors registered at the moment, in the order of registration.
+  const std::vector<quantel::cPtr<iConstructor>>& Classes() const;
+
+  quantel::cPtr<quantel::cRegistration> registerClass(
+      quantel::cPtr<iConstructor> constructor) override;
+  void reserved1() override {}
+  quantel::cPtr<qplugin::iQplugin> findService(const quantel::cGuid& interfaceGuid) override;
+  void reserved2() override {}
+  void reserved3() override {}
+  void reserved4() override {}
+  void reserved5() override {}
+  void reserved6() override {}
+  void reserved7() override {}
+  void reserved8() override {}
+  void reserved9() override {}
+  void reserved10() override {}
+  void reserved11() override {}
+  void instanceDestroyed(iInstance* instance) override;
+
+ private:
+  class Registrar;
+
+  quantel::cPtr<Registrar> registrar_;
+  quantel::cPtr<qplugin::iQplugin> messages_;
+};
+
+}  // namespace glimmerhost

@@ -1,0 +1,24 @@
+// How the program ends when it cannot do what was asked.
+#pragma once
+
+#include <stdexcept>
+
+namespace glimmerhost {
+
+inline constexpr int kExitDone = 0;
+inline constexpr int kExitFailed = 1;
+inline constexpr int kExitUsage = 2;
+
+// The work failed: one line for a person, which names the thing and says what is wrong.
+class Failure : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// The command was wrong: one line that names the option, the value and what is allowed.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+}  // namespace glimmerhost

@@ -1,0 +1,123 @@
+#include "host/glimmerhost/measures.h"
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "host/glimmerhost/failure.h"
+#include "host/glimmerhost/page.h"
+
+namespace glimmerhost {
+namespace {
+
+enum class Unit { kPlain, kPercent, kPixels };
+
+struct Measure {
+  double number;
+  Unit unit;
+};
+
+bool TakeSuffix(std::string_view* text, std::string_view suffix) {
+  if (!text->ends_with(suffix)) {
+    return false;
+  }
+  text->remove_suffix(suffix.size());
+  return true;
+}
+
+bool ParseMeasure(std::string_view text, Measure* measure) {
+  measure->unit = TakeSuffix(&text, "px")  ? Unit::kPixels
+                  : TakeSuffix(&text, "%") ? Unit::kPercent
+                                           : Unit::kPlain;
+  return ParseNumber(text, &measure->number);
+}
+
+}  // namespace
+
+double ParseRadius(const std::string& option, const std::string& text, int width) {
+  Measure measure{};
+  if (!ParseMeasure(text, &measure)) {
+    throw UsageError(option + " " + text +
+                     ": allowed is a radius in pixels (40px), a part of the width (4%) or a "
+                     "plain number (0.04)");
+  }
+  switch (measure.unit) {
+    case Unit::kPixels:
+      return 2.0 * measure.number / width;
+    case Unit::kPercent:
+      return measure.number / 100.0;
+    case Unit::kPlain:
+      break;
+  }
+  return measure.number;
+}
+
+Fractions ParsePoint(const std::string& option, const std::string& text, int width, int height) {
+  const std::size_t comma = text.find(',');
+  Measure x{};
+  Measure y{};
+  if (comma == std::string::npos || !ParseMeasure(std::string_view(text).substr(0, comma), &x) ||
+      !ParseMeasure(std::string_view(text).substr(comma + 1), &y) ||
+      (x.unit == Unit::kPixels) != (y.unit == Unit::kPixels)) {
+    throw UsageError(option + " " + text +
+                     ": allowed is X,Y in fractions (0.5,0.5), in percent (50%,50%) or in pixels "
+                     "from the top left (100px,50px)");
+  }
+  if (x.unit == Unit::kPixels) {
+    // The effect counts rows from the bottom one.
+    return {x.number / width, (height - 1 - y.number) / height};
+  }
+  const auto fraction = [](const Measure& measure) {
+    return measure.unit == Unit::kPercent ? measure.number / 100.0 : measure.number;
+  };
+  return {fraction(x), fraction(y)};
+}
+
+quantel::cSize2 ParseRatio(const std::string& option, const std::string& text) {
+  constexpr double kLargest = 1000000.0;
+  const std::size_t colon = text.find(':');
+  double first = 0.0;
+  double second = 0.0;
+  const auto isCount = [](double n) { return n >= 1.0 && n <= kLargest && n == std::floor(n); };
+  if (colon == std::string::npos || !ParseNumber(std::string_view(text).substr(0, colon), &first) ||
+      !ParseNumber(std::string_view(text).substr(colon + 1), &second) || !isCount(first) ||
+      !isCount(second)) {
+    throw UsageError(option + " " + text +
+                     ": allowed is A:B, two whole numbers from 1 to 1000000 (16:15)");
+  }
+  return {static_cast<std::int32_t>(first), static_cast<std::int32_t>(second)};
+}
+
+// By continued fractions, up to a denominator that no real pixel needs.
+quantel::cSize2 NearestRatio(double value) {
+  constexpr double kLargest = 100000.0;
+  if (!(value > 1.0 / kLargest && value < kLargest)) {
+    return {1, 1};
+  }
+  double numerator = 1.0;
+  double denominator = 0.0;
+  double previousNumerator = 0.0;
+  double previousDenominator = 1.0;
+  double rest = value;
+  for (;;) {
+    const double whole = std::floor(rest);
+    const double nextNumerator = whole * numerator + previousNumerator;
+    const double nextDenominator = whole * denominator + previousDenominator;
+    if (nextNumerator > kLargest || nextDenominator > kLargest) {
+      break;
+    }
+    previousNumerator = numerator;
+    previousDenominator = denominator;
+    numerator = nextNumerator;
+    denominator = nextDenominator;
+    // Files hold the ratio in single precision.
+    if (std::fabs(numerator / denominator - value) < 1e-6 * value || rest == whole) {
+      break;
+    }
+    rest = 1.0 / (rest - whole);
+  }
+  return {static_cast<std::int32_t>(numerator), static_cast<std::int32_t>(denominator)};
+}
+
+}  // namespace glimmerhost

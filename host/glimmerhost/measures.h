@@ -1,0 +1,33 @@
+// Values with units, as they are typed on the command line.
+#pragma once
+
+#include <string>
+
+#include "hostframe/interfaces/geometry.h"
+
+namespace glimmerhost {
+
+// A radius in the effect's own measure, a diameter as a part of the picture's width.
+//   text   "40px" is a radius in pixels, "4%" a part of the width, a plain number the
+//          measure itself
+//   width  the picture's, in pixels
+// Throws UsageError, which names the option.
+double ParseRadius(const std::string& option, const std::string& text, int width);
+
+// A point as the effect counts it: fractions of width and height, y from the bottom.
+struct Fractions {
+  double x;
+  double y;
+};
+
+//   text  "X,Y": each a fraction, a percentage, or pixels from the top left ("100px,50px")
+// Throws UsageError, which names the option.
+Fractions ParsePoint(const std::string& option, const std::string& text, int width, int height);
+
+// A ratio of two whole numbers from 1 to 1000000, "16:15". Throws UsageError.
+quantel::cSize2 ParseRatio(const std::string& option, const std::string& text);
+
+// The nearest ratio of whole numbers, 1:1 for a value that is no ratio.
+quantel::cSize2 NearestRatio(double value);
+
+}  // namespace glimmerhost

@@ -1,0 +1,230 @@
+#include "host/glimmerhost/page.h"
+
+#include <toml++/toml.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <numeric>
+#include <stdexcept>
+
+#include "host/glimmerhost/failure.h"
+#include "host/glimmerhost/text.h"
+
+namespace glimmerhost {
+namespace {
+
+// How many letters must be changed, added or taken away to turn one text into another.
+std::size_t EditDistance(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 1; i <= a.size(); ++i) {
+    std::size_t diagonal = row[0];
+    row[0] = i;
+    for (std::size_t j = 1; j <= b.size(); ++j) {
+      const std::size_t above = row[j];
+      row[j] = std::min({above + 1, row[j - 1] + 1, diagonal + (a[i - 1] == b[j - 1] ? 0U : 1U)});
+      diagonal = above;
+    }
+  }
+  return row[b.size()];
+}
+
+std::string JoinOr(const std::vector<std::string>& names, std::size_t count) {
+  std::string joined;
+  for (std::size_t i = 0; i < count; ++i) {
+    joined += i == 0 ? "" : i + 1 == count ? " or " : ", ";
+    joined += names[i];
+  }
+  return joined;
+}
+
+template <class T>
+T Need(const toml::table& table, const char* name) {
+  const auto value = table[name].value<T>();
+  if (!value) {
+    throw std::runtime_error(std::string("a parameter has no ") + name);
+  }
+  return *value;
+}
+
+void ReadRange(const toml::table& table, Parameter* parameter) {
+  const toml::array* range = table["range"].as_array();
+  if (range == nullptr || range->size() != 2) {
+    throw std::runtime_error(parameter->key + " has no range of two numbers");
+  }
+  parameter->lowest = (*range)[0].value<double>().value_or(0.0);
+  parameter->highest = (*range)[1].value<double>().value_or(0.0);
+}
+
+void ReadEntries(const toml::table& table, Parameter* parameter) {
+  if (const toml::array* entries = table["entries"].as_array()) {
+    for (const toml::node& entry : *entries) {
+      parameter->entries.push_back(entry.value<std::string>().value_or(""));
+    }
+  }
+  parameter->available = static_cast<std::size_t>(
+      table["available"].value_or(static_cast<std::int64_t>(parameter->entries.size())));
+  if (parameter->available == 0 || parameter->available > parameter->entries.size()) {
+    throw std::runtime_error(parameter->key + " offers none or more than all of its entries");
+  }
+}
+
+Parameter ReadParameter(const toml::table& table) {
+  Parameter parameter;
+  parameter.key = Need<std::string>(table, "key");
+  parameter.label = Need<std::string>(table, "label");
+  parameter.option = table["option"].value_or(std::string());
+  const auto kind = Need<std::string>(table, "kind");
+  if (kind == "list") {
+    parameter.kind = Kind::kList;
+    parameter.initial = static_cast<int>(Need<std::int64_t>(table, "default"));
+    ReadEntries(table, &parameter);
+  } else if (kind == "switch") {
+    parameter.kind = Kind::kSwitch;
+    parameter.initial = Need<bool>(table, "default");
+  } else if (kind == "number" || kind == "whole") {
+    parameter.kind = kind == "number" ? Kind::kNumber : Kind::kWhole;
+    parameter.initial = Need<double>(table, "default");
+    ReadRange(table, &parameter);
+  } else {
+    throw std::runtime_error(parameter.key + " is of the unknown kind " + kind);
+  }
+  return parameter;
+}
+
+[[noreturn]] void Refuse(const Parameter& parameter, const std::string& name,
+                         const std::string& text) {
+  throw UsageError(name + " " + text + ": allowed is " + parameter.Allowed());
+}
+
+}  // namespace
+
+std::string Parameter::Allowed() const {
+  switch (kind) {
+    case Kind::kList:
+      return JoinOr(entries, available) + " (in the store 0 to " + std::to_string(available - 1) +
+             ")" +
+             (available < entries.size() ? "; " + entries.back() + " is not offered yet" : "");
+    case Kind::kSwitch:
+      return "on or off";
+    case Kind::kWhole:
+      return "a whole number from " + Shortest(lowest) + " to " + Shortest(highest);
+    case Kind::kNumber:
+      break;
+  }
+  return "a number from " + Shortest(lowest) + " to " + Shortest(highest);
+}
+
+Value Parameter::Parse(const std::string& name, const std::string& text) const {
+  if (kind == Kind::kSwitch) {
+    for (const char* on : {"on", "true", "1"}) {
+      if (text == on) {
+        return true;
+      }
+    }
+    for (const char* off : {"off", "false", "0"}) {
+      if (text == off) {
+        return false;
+      }
+    }
+    Refuse(*this, name, text);
+  }
+  if (kind == Kind::kList) {
+    const auto entry = std::find(entries.begin(), entries.end(), text);
+    if (entry != entries.end()) {
+      return Check(name, text, static_cast<double>(entry - entries.begin()));
+    }
+  }
+  double number = 0.0;
+  if (!ParseNumber(text, &number)) {
+    Refuse(*this, name, text);
+  }
+  return Check(name, text, number);
+}
+
+Value Parameter::Check(const std::string& name, const std::string& text, double number) const {
+  const bool whole = number == std::floor(number);
+  switch (kind) {
+    case Kind::kList:
+      if (whole && number >= 0.0 && number < static_cast<double>(available)) {
+        return static_cast<int>(number);
+      }
+      break;
+    case Kind::kSwitch:
+      break;
+    case Kind::kWhole:
+    case Kind::kNumber:
+      if ((kind == Kind::kNumber || whole) && number >= lowest && number <= highest) {
+        return number;
+      }
+      break;
+  }
+  Refuse(*this, name, text);
+}
+
+std::string Parameter::Show(const Value& value) const {
+  if (const int* index = std::get_if<int>(&value)) {
+    return entries.at(static_cast<std::size_t>(*index));
+  }
+  if (const bool* on = std::get_if<bool>(&value)) {
+    return *on ? "on" : "off";
+  }
+  return Shortest(std::get<double>(value));
+}
+
+Page Page::Load(const std::filesystem::path& file) {
+  Page page;
+  try {
+    const toml::table root = toml::parse_file(file.string());
+    const toml::array* list = root["parameter"].as_array();
+    if (list == nullptr || list->empty()) {
+      throw std::runtime_error("it has no parameters");
+    }
+    for (const toml::node& node : *list) {
+      const toml::table* table = node.as_table();
+      if (table == nullptr) {
+        throw std::runtime_error("a parameter is not a table");
+      }
+      page.parameters_.push_back(ReadParameter(*table));
+    }
+  } catch (const std::exception& fault) {
+    throw Failure(file.string() + ": not a page description: " + fault.what());
+  }
+  return page;
+}
+
+const Parameter& Page::Find(const std::string& key) const {
+  const Parameter* nearest = nullptr;
+  std::size_t best = std::numeric_limits<std::size_t>::max();
+  for (const Parameter& parameter : parameters_) {
+    const std::size_t distance = EditDistance(key, parameter.key);
+    if (distance == 0) {
+      return parameter;
+    }
+    if (distance < best) {
+      best = distance;
+      nearest = &parameter;
+    }
+  }
+  throw UsageError("--set " + key + ": there is no such parameter; the nearest is " + nearest->key);
+}
+
+std::map<std::string, Value> Page::Defaults() const {
+  std::map<std::string, Value> values;
+  for (const Parameter& parameter : parameters_) {
+    values[parameter.key] = parameter.initial;
+  }
+  return values;
+}
+
+bool ParseNumber(std::string_view text, double* number) {
+  if (!text.empty() && text.front() == '+') {
+    text.remove_prefix(1);
+  }
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), *number);
+  return error == std::errc() && end == text.data() + text.size() && std::isfinite(*number);
+}
+
+}  // namespace glimmerhost

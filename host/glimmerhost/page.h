@@ -1,0 +1,71 @@
+// The page: which parameters the effect has, with their kinds, ranges and defaults.
+//
+// The module has no page of its own, so this host reads one from a data file.
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace glimmerhost {
+
+enum class Kind {
+  kList,    // one of some entries; the store holds its index from 0
+  kSwitch,  // on or off
+  kNumber,
+  kWhole,  // a whole number, held as a number
+};
+
+// What the store holds under a key: an index, a switch or a number, by kind.
+using Value = std::variant<int, bool, double>;
+
+struct Parameter {
+  std::string key;
+  std::string option;  // empty if no option sets it
+  std::string label;
+  Kind kind;
+  Value initial;
+  double lowest = 0.0;
+  double highest = 0.0;
+  std::vector<std::string> entries;  // of a list
+  std::size_t available = 0;         // how many of them are offered
+
+  // "0 to 1", "circle, ellipse or polygon", "on or off".
+  std::string Allowed() const;
+
+  // The value a text stands for. Lists take an entry's name or its index.
+  //   name  how the text's origin is called in an error: an option, or a key
+  // Throws UsageError, which names the origin, the text and what is allowed.
+  Value Parse(const std::string& name, const std::string& text) const;
+
+  // The same for a number that was computed from text.
+  Value Check(const std::string& name, const std::string& text, double number) const;
+
+  // As a person would type it.
+  std::string Show(const Value& value) const;
+};
+
+class Page {
+ public:
+  // Throws Failure if the file cannot be read or is not a page.
+  static Page Load(const std::filesystem::path& file);
+
+  const std::vector<Parameter>& Parameters() const { return parameters_; }
+
+  // Throws UsageError, with the nearest known key, if there is none of that name.
+  const Parameter& Find(const std::string& key) const;
+
+  std::map<std::string, Value> Defaults() const;
+
+ private:
+  std::vector<Parameter> parameters_;
+};
+
+// A number, all of the text: "12", "-0.5", "1e-3". False for anything else.
+bool ParseNumber(std::string_view text, double* number);
+
+}  // namespace glimmerhost

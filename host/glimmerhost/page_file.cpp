@@ -1,0 +1,12 @@
+#include "host/glimmerhost/page_file.h"
+
+#include "host/glimmerhost/module_file.h"
+
+namespace glimmerhost {
+
+Page LoadPage() {
+  return Page::Load(
+      (ProgramFolder() / GLIMMERHOST_PAGE_FOLDER / "glimmerblur.toml").lexically_normal());
+}
+
+}  // namespace glimmerhost

@@ -1,0 +1,38 @@
+// Picture: one picture in memory, as the effect sees it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "hostframe/interfaces/geometry.h"
+
+namespace glimmerhost {
+
+enum class Alpha {
+  kNone,           // no alpha channel; samples say opaque
+  kStraight,       // colour is independent of alpha
+  kPremultiplied,  // colour is already multiplied by alpha
+};
+
+struct FileMetadata;  // what a file says beside its samples; picture_file.cpp knows it
+
+// Samples are 16 bits, red, green, blue, alpha; rows follow one another without a gap, the
+// top row first. Grey pictures have three equal colours.
+struct Picture {
+  int width = 0;
+  int height = 0;
+  std::vector<std::uint16_t> samples;
+  Alpha alpha = Alpha::kNone;
+  bool grey = false;
+  int bits = 16;  // of the file that it came from: 8 or 16
+  quantel::cSize2 pixelAspect{1, 1};
+  std::shared_ptr<const FileMetadata> metadata;
+
+  std::size_t PixelCount() const {
+    return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+  }
+};
+
+}  // namespace glimmerhost

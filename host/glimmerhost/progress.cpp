@@ -1,0 +1,41 @@
+#include "host/glimmerhost/progress.h"
+
+#include <unistd.h>
+
+#include <iomanip>
+#include <iostream>
+
+namespace glimmerhost {
+namespace {
+
+// Back to the first column, and the rest of the line away.
+constexpr const char* kClearLine = "\r\033[K";
+
+}  // namespace
+
+Progress::Progress(bool wanted)
+    : active_(wanted && isatty(STDERR_FILENO) != 0), start_(std::chrono::steady_clock::now()) {}
+
+Progress::~Progress() {
+  if (open_) {
+    std::cerr << kClearLine << std::flush;
+  }
+}
+
+void Progress::Show(const std::string& what) {
+  if (active_) {
+    std::cerr << kClearLine << what << " ..." << std::flush;
+    open_ = true;
+  }
+}
+
+void Progress::Finish(const std::string& what) {
+  if (active_) {
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start_;
+    std::cerr << kClearLine << what << ", " << std::fixed << std::setprecision(1) << taken.count()
+              << " s\n";
+    open_ = false;
+  }
+}
+
+}  // namespace glimmerhost

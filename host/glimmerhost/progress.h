@@ -1,0 +1,31 @@
+// Progress: one line on a terminal that says what is being done.
+#pragma once
+
+#include <chrono>
+#include <string>
+
+namespace glimmerhost {
+
+class Progress {
+ public:
+  //   wanted  false, or no terminal on stderr: nothing is ever written
+  explicit Progress(bool wanted);
+
+  // Wipes an unfinished line, so that an error stands alone.
+  ~Progress();
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  // Replaces the line.
+  void Show(const std::string& what);
+
+  // The last line, with the seconds since the start.
+  void Finish(const std::string& what);
+
+ private:
+  bool active_;
+  bool open_ = false;
+  std::chrono::steady_clock::time_point start_;
+};
+
+}  // namespace glimmerhost

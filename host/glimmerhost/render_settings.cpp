@@ -1,0 +1,108 @@
+#include "host/glimmerhost/render_settings.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+#include "host/glimmerhost/failure.h"
+#include "host/glimmerhost/measures.h"
+#include "host/glimmerhost/text.h"
+
+namespace glimmerhost {
+namespace {
+
+using Values = std::map<std::string, Value>;
+
+// The longest side of the effect's padded grid, in pixels.
+constexpr double kLargestGrid = 8192.0;
+
+class Setter {
+ public:
+  Setter(const Page& page, Values* values) : page_(page), values_(*values) {}
+
+  void Text(const char* key, const std::string& option, const std::string& text) {
+    if (!text.empty()) {
+      values_[key] = page_.Find(key).Parse(option, text);
+    }
+  }
+
+  void Radius(const char* key, const std::string& option, const std::string& text, int width) {
+    if (!text.empty()) {
+      values_[key] = page_.Find(key).Check(option, text, ParseRadius(option, text, width));
+    }
+  }
+
+  void Point(const std::string& option, const std::string& text, int width, int height) {
+    if (!text.empty()) {
+      const Fractions point = ParsePoint(option, text, width, height);
+      values_["PRM_Center_X"] = page_.Find("PRM_Center_X").Check(option, text, point.x);
+      values_["PRM_Center_Y"] = page_.Find("PRM_Center_Y").Check(option, text, point.y);
+    }
+  }
+
+  void Switch(const char* key, bool on) {
+    if (on) {
+      values_[key] = true;
+    }
+  }
+
+  void Assignment(const std::string& text) {
+    const std::size_t equals = text.find('=');
+    if (equals == std::string::npos) {
+      throw UsageError("--set " + text + ": allowed is KEY=VALUE (PRM_Sides=5)");
+    }
+    const Parameter& parameter = page_.Find(text.substr(0, equals));
+    values_[parameter.key] =
+        parameter.Parse("--set " + parameter.key + "=", text.substr(equals + 1));
+  }
+
+ private:
+  const Page& page_;
+  Values& values_;
+};
+
+double Number(const Values& values, const char* key) { return std::get<double>(values.at(key)); }
+
+}  // namespace
+
+Values MakeStoreValues(const Page& page, const TypedValues& typed, int width, int height) {
+  Values values = page.Defaults();
+  Setter set(page, &values);
+  set.Text("PRM_Shape", "--shape", typed.shape);
+  set.Switch("PRM_Match", typed.match);
+  set.Radius("PRM_RadiusX", "--radius", typed.radius, width);
+  set.Radius("PRM_RadiusY", "--radius", typed.radius, width);
+  set.Radius("PRM_RadiusX", "--radius-x", typed.radiusX, width);
+  set.Radius("PRM_RadiusY", "--radius-y", typed.radiusY, width);
+  set.Text("PRM_Sides", "--sides", typed.sides);
+  set.Text("PRM_Rotation", "--rotation", typed.rotation);
+  set.Text("PRM_Emphasis", "--emphasis", typed.emphasis);
+  set.Switch("PRM_EmphAlpha", typed.emphAlpha);
+  set.Point("--center", typed.center, width, height);
+  set.Radius("PRM_RadiusPSF1", "--radius-psf1", typed.radiusPsf1, width);
+  set.Radius("PRM_RadiusPSF2", "--radius-psf2", typed.radiusPsf2, width);
+  for (const std::string& assignment : typed.set) {
+    set.Assignment(assignment);
+  }
+  return values;
+}
+
+void CheckGrid(const Values& values, int width, int height) {
+  constexpr int kCircle = 0;
+  constexpr int kPolygon = 2;
+  const int shape = std::get<int>(values.at("PRM_Shape"));
+  const bool xOnly =
+      shape == kCircle || (shape == kPolygon && std::get<bool>(values.at("PRM_Match")));
+  const double x = Number(values, "PRM_RadiusX");
+  const double y = xOnly ? x : Number(values, "PRM_RadiusY");
+  const double radius = std::max(std::max(x, y) * width * 0.5, 0.5);
+  const double margin = std::ceil(radius) + 1.0;
+  if (std::max(width, height) + 2.0 * margin > kLargestGrid) {
+    throw Failure("a picture of " + std::to_string(width) + " x " + std::to_string(height) +
+                  " with a radius of " + Shortest(std::round(radius * 10.0) / 10.0) +
+                  " pixels is too large: the longer side and twice the radius, rounded up and "
+                  "one more, may come to 8192 pixels at most");
+  }
+}
+
+}  // namespace glimmerhost

@@ -1,0 +1,59 @@
+#include "host/glimmerhost/text.h"
+
+#include <array>
+#include <charconv>
+#include <cstddef>
+#include <cstdint>
+
+namespace glimmerhost {
+namespace {
+
+constexpr std::uint32_t kReplacement = 0xFFFD;
+
+bool IsHigh(std::uint32_t c) { return c >= 0xD800 && c < 0xDC00; }
+bool IsLow(std::uint32_t c) { return c >= 0xDC00 && c < 0xE000; }
+
+void AppendUtf8(std::uint32_t c, std::string* out) {
+  const auto put = [out](std::uint32_t byte) { out->push_back(static_cast<char>(byte)); };
+  if (c < 0x80) {
+    put(c);
+  } else if (c < 0x800) {
+    put(0xC0 | (c >> 6));
+    put(0x80 | (c & 0x3F));
+  } else if (c < 0x10000) {
+    put(0xE0 | (c >> 12));
+    put(0x80 | ((c >> 6) & 0x3F));
+    put(0x80 | (c & 0x3F));
+  } else {
+    put(0xF0 | (c >> 18));
+    put(0x80 | ((c >> 12) & 0x3F));
+    put(0x80 | ((c >> 6) & 0x3F));
+    put(0x80 | (c & 0x3F));
+  }
+}
+
+}  // namespace
+
+std::string ToUtf8(std::u16string_view text) {
+  std::string out;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    std::uint32_t c = text[i];
+    if (IsHigh(c) && i + 1 < text.size() && IsLow(text[i + 1])) {
+      c = 0x10000 + ((c - 0xD800) << 10) + (text[++i] - 0xDC00U);
+    } else if (IsHigh(c) || IsLow(c)) {
+      c = kReplacement;
+    }
+    AppendUtf8(c, &out);
+  }
+  return out;
+}
+
+std::u16string ToWide(std::string_view ascii) { return {ascii.begin(), ascii.end()}; }
+
+std::string Shortest(double value) {
+  std::array<char, 32> buffer{};
+  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
+  return {buffer.data(), end.ptr};
+}
+
+}  // namespace glimmerhost

@@ -1,0 +1,18 @@
+// Between the border's 16-bit text and the program's UTF-8.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace glimmerhost {
+
+// Surrogates that stand alone become U+FFFD.
+std::string ToUtf8(std::u16string_view text);
+
+// Plain ASCII only, as keys are.
+std::u16string ToWide(std::string_view ascii);
+
+// A number in its shortest form that reads back as the same: "0.02", "3600".
+std::string Shortest(double value);
+
+}  // namespace glimmerhost
