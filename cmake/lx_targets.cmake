@@ -9,7 +9,7 @@ target_compile_features(lx_flags INTERFACE cxx_std_20)
 target_include_directories(lx_flags INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_options(
   lx_flags
-  INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -Wno-restrict
+  INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Werror -Wno-restrict
             -fvisibility=hidden -fvisibility-inlines-hidden -fno-gnu-unique -ffp-contract=off)
 
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -29,6 +29,8 @@ function(lx_library name)
   add_library(lx_${name} STATIC ${ARG_SOURCES})
   add_library(lx::${name} ALIAS lx_${name})
   target_link_libraries(lx_${name} PUBLIC lx_flags ${ARG_LINKS})
+  # Not for tests, which take numbers apart in ways that a product would not.
+  target_compile_options(lx_${name} PRIVATE -Wconversion)
 endfunction()
 
 # One test program: lx_test(name SOURCES ... LINKS ...). Each test in it becomes a
@@ -37,8 +39,6 @@ function(lx_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE lx_flags ${ARG_LINKS} GTest::gtest GTest::gtest_main)
-  # Tests take numbers apart and put them together in ways that a product would not.
-  target_compile_options(${name} PRIVATE -Wno-conversion)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
 endfunction()
 

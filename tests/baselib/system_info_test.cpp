@@ -1,0 +1,45 @@
+#include "baselib/threads/system_info.h"
+
+#include <gtest/gtest.h>
+#include <sched.h>
+
+#include "tests/support/heap_faults.h"
+
+namespace {
+
+TEST(ProcessorCount, IsNeverBelowOne) {
+  lx_test::HeapFaults platform;
+  for (const std::int32_t answer : {0, -3}) {
+    platform.SetProcessorCount(answer);
+    EXPECT_EQ(1U, lx::get_processor_count());
+  }
+}
+
+TEST(ProcessorCount, FollowsTheAffinityOfTheProcess) {
+  cpu_set_t before;
+  ASSERT_EQ(0, sched_getaffinity(0, sizeof before, &before));
+  int first = 0;
+  while (!CPU_ISSET(first, &before)) {
+    ++first;
+  }
+  cpu_set_t one;
+  CPU_ZERO(&one);
+  CPU_SET(first, &one);
+
+  sched_setaffinity(0, sizeof one, &one);
+  const std::uint32_t narrowed = lx::get_processor_count();
+  sched_setaffinity(0, sizeof before, &before);
+
+  EXPECT_EQ(1U, narrowed);
+  EXPECT_EQ(static_cast<std::uint32_t>(CPU_COUNT(&before)), lx::get_processor_count());
+}
+
+TEST(PageSize, IsNeverBelow512) {
+  lx_test::HeapFaults platform;
+  platform.SetPageSize(256);
+  EXPECT_EQ(512, lx::get_page_size());
+  platform.SetPageSize(8192);
+  EXPECT_EQ(8192, lx::get_page_size());
+}
+
+}  // namespace
