@@ -1,0 +1,185 @@
+#include "library/host_exchange.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "library/host_message.h"
+#include "tests/support/fake_host.h"
+#include "tests/support/heap_faults.h"
+
+namespace {
+
+using lx::LXImage;
+using lx_test::cPtr;
+using lx_test::FakeImage;
+using Log = std::vector<std::string>;
+
+// The sink of messages is asked for once in a process, so all tests share one host.
+lx_test::FakeHost& Host() {
+  static auto* host = new lx_test::FakeHost;
+  host->log.calls.clear();
+  return *host;
+}
+
+cPtr<FakeImage> Frame(lx_test::CallLog* log, int width, int height) {
+  cPtr<FakeImage> frame(new FakeImage(log, "frame", width, height));
+  for (std::size_t i = 0; i < frame->samples.size(); ++i) {
+    frame->samples[i] = static_cast<std::uint16_t>(2 * (i + 100));
+  }
+  return frame;
+}
+
+TEST(HostExchange, MirrorsRowsAndExchangesRedAndBlue) {
+  auto& log = Host().log;
+  const auto frame = Frame(&log, 3, 2);
+
+  const std::unique_ptr<LXImage> image(lx::ConvertFromQTL(frame, nullptr));
+
+  for (int y = 0; y < 2; ++y) {
+    for (int x = 0; x < 3; ++x) {
+      const std::uint16_t* pixel = image->rows[1 - y] + x * 4;
+      const int first = 100 + (y * 3 + x) * 4;
+      EXPECT_EQ(first + 2, pixel[0]);
+      EXPECT_EQ(first + 1, pixel[1]);
+      EXPECT_EQ(first, pixel[2]);
+      EXPECT_EQ(first + 3, pixel[3]);
+    }
+  }
+  const auto back = Frame(&log, 3, 2);
+  std::fill(back->samples.begin(), back->samples.end(), 0);
+  lx::ConvertToQTL(image.get(), back);
+  EXPECT_EQ(frame->samples, back->samples);
+}
+
+TEST(HostExchange, LosesTheLowestBitAndFillsItWithTheTopOne) {
+  auto& log = Host().log;
+  const cPtr<FakeImage> in(new FakeImage(&log, "in", 128, 128));
+  for (int i = 0; i < 65536; ++i) {
+    in->samples[static_cast<std::size_t>(i)] = static_cast<std::uint16_t>(i);
+  }
+  const cPtr<FakeImage> out(new FakeImage(&log, "out", 128, 128));
+
+  const std::unique_ptr<LXImage> image(lx::ConvertFromQTL(in, nullptr));
+  lx::ConvertToQTL(image.get(), out);
+
+  for (int v = 0; v < 65536; ++v) {
+    ASSERT_EQ((v & ~1) | (v >> 15), out->samples[static_cast<std::size_t>(v)]) << v;
+  }
+}
+
+TEST(HostExchange, WritesSamplesAbove15BitsAs16) {
+  auto& log = Host().log;
+  LXImage image(2, 1, 0, nullptr, 0);
+  const std::uint16_t samples[] = {0, 1, 16383, 16384, 32767, 32768, 65535, 0};
+  std::copy(samples, samples + 8, image.data);
+  const cPtr<FakeImage> out(new FakeImage(&log, "out", 2, 1));
+
+  lx::ConvertToQTL(&image, out);
+
+  const std::vector<std::uint16_t> expected{32766, 2, 0, 32769, 65535, 2, 65535, 0};
+  EXPECT_EQ(expected, out->samples);
+}
+
+TEST(HostExchange, SetsScaleAndAspectToOne) {
+  auto& log = Host().log;
+  LXImage target(3, 2, 0, nullptr, 0);
+  target.aspectX = 2;
+  target.aspectY = 3;
+
+  EXPECT_EQ(&target, lx::ConvertFromQTL(Frame(&log, 3, 2), &target));
+
+  EXPECT_EQ(1.0F, target.scale);
+  EXPECT_EQ(1.0, target.aspectX);
+  EXPECT_EQ(1.0, target.aspectY);
+}
+
+TEST(HostExchange, AsksForSizeAndBufferInwardAndForTheBufferOnlyOutward) {
+  auto& log = Host().log;
+  const auto frame = Frame(&log, 3, 2);
+  const std::unique_ptr<LXImage> image(lx::ConvertFromQTL(frame, nullptr));
+  EXPECT_EQ((Log{"frame.size", "frame.buffer"}), log.calls);
+
+  log.calls.clear();
+  lx::ConvertToQTL(image.get(), frame);
+  EXPECT_EQ(Log{"frame.buffer"}, log.calls);
+  EXPECT_EQ(1, frame.RefCount()->Count());
+}
+
+TEST(HostExchange, LetsGoOfTheLastReferenceBeforeItReturns) {
+  auto& log = Host().log;
+  std::unique_ptr<LXImage> image;
+  {
+    cPtr<qplugin::iQpluginImage> only = Frame(&log, 3, 2);
+    image.reset(lx::ConvertFromQTL(only, nullptr));
+    only.Reset();
+    EXPECT_EQ("~frame", log.calls.back());
+  }
+  log.calls.clear();
+  lx::ConvertToQTL(image.get(), Frame(&log, 3, 2));
+  EXPECT_EQ((Log{"frame.buffer", "~frame"}), log.calls);
+}
+
+TEST(HostExchange, RefusesATargetOfAnotherSize) {
+  auto& log = Host().log;
+  LXImage target(2, 3, 0, nullptr, 0);
+
+  EXPECT_EQ(nullptr, lx::ConvertFromQTL(Frame(&log, 3, 2), &target));
+}
+
+TEST(HostExchange, GivesNullForANullFrameWithoutAWord) {
+  auto& log = Host().log;
+  EXPECT_EQ(nullptr, lx::ConvertFromQTL({}, nullptr));
+  EXPECT_TRUE(log.calls.empty());
+}
+
+TEST(HostExchange, TellsTheUserOfANullImageBeforeItLetsGoOfTheFrame) {
+  auto& host = Host();
+  const auto before = Frame(&host.log, 3, 2)->samples;
+  const auto kept = Frame(&host.log, 3, 2);
+  lx::ConvertToQTL(nullptr, kept);
+  EXPECT_EQ(before, kept->samples);
+
+  host.log.calls.clear();
+  lx::ConvertToQTL(nullptr, Frame(&host.log, 3, 2));
+
+  EXPECT_EQ((Log{"message(ConvertToQTL: invalid input pointer!)", "~frame"}), host.log.calls);
+}
+
+TEST(HostExchange, TakesASizeBelowOneAsEmpty) {
+  auto& log = Host().log;
+  const cPtr<FakeImage> frame(new FakeImage(&log, "frame", 0, 0));
+
+  const std::unique_ptr<LXImage> image(lx::ConvertFromQTL(frame, nullptr));
+
+  EXPECT_EQ(0, image->width);
+  EXPECT_EQ(0, image->height);
+}
+
+TEST(HostExchange, ThrowsWithoutMemory) {
+  auto& log = Host().log;
+  const auto frame = Frame(&log, 3, 2);
+  lx_test::HeapFaults heap;
+  heap.Refuse(1);
+
+  EXPECT_THROW(lx::ConvertFromQTL(frame, nullptr), std::bad_alloc);
+}
+
+TEST(HostMessage, AsksForTheSinkOnceAndWidensBytesWithTheirSign) {
+  auto& host = Host();
+  lx::SendHostMessage("before");
+  host.log.calls.clear();
+
+  lx::SendHostMessage("\xE9z");
+
+  EXPECT_EQ(1U, host.log.calls.size());  // no findService any more
+  EXPECT_EQ(u"\xFFE9z", host.factory->sink->last);
+}
+
+}  // namespace
