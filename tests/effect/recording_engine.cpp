@@ -1,0 +1,97 @@
+#include "tests/effect/recording_engine.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <sstream>
+#include <string>
+
+#include "fftlib/fftlib.h"
+
+namespace lx_test {
+
+EngineRecord& Record() {
+  static EngineRecord record;
+  return record;
+}
+
+namespace {
+
+template <class... Arguments>
+void Add(const std::string& name, const Arguments&... arguments) {
+  std::ostringstream out;
+  out.precision(9);
+  out << name;
+  if constexpr (sizeof...(arguments) > 0) {
+    const char* separator = "(";
+    ((out << separator << arguments, separator = ","), ...);
+    out << ")";
+  }
+  Record().calls.push_back(out.str());
+}
+
+}  // namespace
+}  // namespace lx_test
+
+namespace lx {
+
+using lx_test::Add;
+using lx_test::Record;
+
+DefocusEngine::DefocusEngine(std::int32_t mode) : engineMode(mode) { ++Record().alive; }
+
+DefocusEngine::~DefocusEngine() { --Record().alive; }
+
+bool DefocusEngine::SetParallelFor(void* context, ParallelForFunction function) {
+  callbackContext = context;
+  parallelFor = function;
+  Add("SetParallelFor");
+  return true;
+}
+
+bool DefocusEngine::SetCancelQuery(void* /*context*/, CancelQueryFunction function) {
+  cancelQuery = function;
+  Add("SetCancelQuery");
+  return true;
+}
+
+bool DefocusEngine::SetPixelAspect(float x, float y) {
+  Add("SetPixelAspect", x, y);
+  return true;
+}
+
+void DefocusEngine::BuildShapePsf(std::int32_t width, std::int32_t height, std::int32_t shape,
+                                  float radiusX, float radiusY, float rotation,
+                                  std::int32_t sides) {
+  Add("BuildShapePsf", width, height, shape, radiusX, radiusY, rotation, sides);
+}
+
+void DefocusEngine::BuildImagePsf(const ImageRec* image, std::int32_t centreX, std::int32_t centreY,
+                                  float innerRadius, float falloff) {
+  Add("BuildImagePsf", image->width, image->height, centreX, centreY, innerRadius, falloff);
+}
+
+bool DefocusEngine::SetSourceImage(const ImageRec* image) {
+  Add("SetSourceImage", image->channels, image->sampleType);
+  sourceImage = image;
+  return true;
+}
+
+void DefocusEngine::SetEmphasis(float value) { Add("SetEmphasis", value); }
+
+bool DefocusEngine::SetEmphasisAlpha(bool enabled) {
+  Add("SetEmphasisAlpha", enabled);
+  return enabled;
+}
+
+// A picture that no other step makes: every sample 2000.
+bool DefocusEngine::Convolve(ImageRec* dest, std::uint32_t channelMask) {
+  Add("Convolve", channelMask);
+  if (Record().runDoesNothing) {
+    return false;
+  }
+  std::fill_n(static_cast<std::uint16_t*>(dest->data), dest->width * dest->height * 4,
+              std::uint16_t{2000});
+  return true;
+}
+
+}  // namespace lx

@@ -1,0 +1,17 @@
+// An engine that computes nothing and records what it is asked.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace lx_test {
+
+struct EngineRecord {
+  std::vector<std::string> calls;  // "Name" or "Name(arguments)"
+  bool runDoesNothing = false;     // Convolve fails and leaves its destination
+  int alive = 0;                   // engines
+};
+
+EngineRecord& Record();
+
+}  // namespace lx_test
