@@ -1,0 +1,124 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "hostframe/interfaces/plugin_ui.h"
+#include "tests/border/loaded_module.h"
+
+namespace {
+
+using lx_test::FakeHost;
+using lx_test::LoadedModule;
+using Log = std::vector<std::string>;
+
+std::string Output(const std::string& command) {
+  std::string text;
+  std::array<char, 256> buffer{};
+  FILE* pipe = popen(command.c_str(), "r");
+  while (fgets(buffer.data(), buffer.size(), pipe) != nullptr) {
+    text += buffer.data();
+  }
+  pclose(pipe);
+  return text;
+}
+
+TEST(ModuleFile, HasItsName) {
+  EXPECT_EQ("LXTorvane_GlimmerBlur.so", std::filesystem::path(MODULE_FILE).filename());
+}
+
+TEST(ModuleFile, ExportsTwoNames) {
+  EXPECT_EQ("moduleCleanUp\nmoduleInit\n",
+            Output("nm -D --defined-only '" MODULE_FILE "' | awk '{print $3}' | sort"));
+}
+
+TEST(ModuleFile, CallsNothingOnTheHostUntilItIsAsked) {
+  FakeHost host;
+  void* library = dlopen(MODULE_FILE, RTLD_NOW | RTLD_LOCAL);
+  EXPECT_TRUE(host.log.calls.empty());
+  dlclose(library);
+  EXPECT_TRUE(host.log.calls.empty());
+}
+
+TEST(ModuleFile, TakesItsClassesOutAtUnloadAndGoes) {
+  FakeHost host;
+  LoadedModule module(&host);
+  module.CleanUp();
+  EXPECT_EQ(2U, host.factory->classes.size());
+  host.log.calls.clear();
+  std::vector<std::uint32_t> removed;
+  // The factory may still ask what it is losing, while statics are being destroyed.
+  host.factory->onRemove = [&](const auto& ctor) {
+    removed.push_back(ctor->classInfo()->guid().group1);
+    EXPECT_EQ(u"DeveloperName:<LXTorvane Q-S> EffectName:<GlimmerBlur>", ctor->classInfo()->name());
+    EXPECT_EQ(u"iInstance", ctor->classInfo()->bases()[0]->bases()[0]->name());
+  };
+
+  module.Unload();
+
+  EXPECT_EQ((Log{"removeClass", "removeClass"}), host.log.calls);
+  EXPECT_EQ((std::vector<std::uint32_t>{0x2FD3AFEC, 0x1FD3AFEC}), removed);
+  EXPECT_FALSE(LoadedModule::IsResident());
+}
+
+TEST(ModuleFile, LoadsAndUnloadsAThousandTimesWithInstancesBetween) {
+  for (int i = 0; i < 1000; ++i) {
+    FakeHost host;
+    LoadedModule module(&host);
+    for (const auto& ctor : host.factory->classes) {
+      const auto instance = ctor->create();
+      ASSERT_TRUE(instance);
+    }
+    host.log.calls.clear();
+    module.Unload();
+    ASSERT_EQ(2U, host.log.calls.size()) << i;
+    ASSERT_FALSE(LoadedModule::IsResident());
+  }
+}
+
+TEST(ModuleFile, ThrowsWhatTheHostCanCatch) {
+  FakeHost host;
+  const LoadedModule module(&host);
+  try {
+    host.factory->classes[0]->createWith();
+    FAIL();
+  } catch (const quantel::cNotSupported& fault) {
+    EXPECT_EQ(41U, fault.line());
+  }
+  try {
+    host.factory->classes[1]->createWith();
+    FAIL();
+  } catch (const quantel::cRecoverable& fault) {
+    EXPECT_EQ(100U, fault.line());
+    EXPECT_EQ(quantel::cRecoverable::kMagic, fault.magic());
+  }
+  EXPECT_EQ(0, std::uncaught_exceptions());
+}
+
+TEST(ModuleFile, OffersItsInterfacesByDynamicCast) {
+  FakeHost host;
+  const LoadedModule module(&host);
+  const auto ui = host.factory->classes[0]->create();
+  const auto render = host.factory->classes[1]->create();
+
+  EXPECT_TRUE(ui.Dynamic<qplugin::iQpluginUI>());
+  EXPECT_TRUE(ui.Dynamic<qplugin::iQpluginUI4>());
+  EXPECT_FALSE(ui.Dynamic<qplugin::iQpluginRender>());
+  EXPECT_TRUE(render.Dynamic<qplugin::iQpluginRender>());
+  EXPECT_TRUE(render.Dynamic<qplugin::iQpluginPreRender>());
+}
+
+TEST(ModuleFile, NeverCountsTheFactoryItself) {
+  FakeHost host;
+  const int before = host.factory->Count();
+  LoadedModule module(&host);
+  { const auto instance = host.factory->classes[1]->create(); }
+  EXPECT_EQ(before, host.factory->Count());
+}
+
+}  // namespace

@@ -1,0 +1,228 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "hostframe/interfaces/plugin_render.h"
+#include "hostframe/interfaces/plugin_ui.h"
+#include "tests/border/loaded_module.h"
+
+namespace {
+
+using lx_test::cPtr;
+using lx_test::FakeHost;
+using lx_test::FakeImage;
+using lx_test::LoadedModule;
+
+// What a host connects to a render instance.
+struct Connections {
+  explicit Connections(lx_test::CallLog* log, int width, int height)
+      : inputs(new lx_test::FakeInputs(log)),
+        target(new lx_test::FakeTarget(log)),
+        params(new lx_test::FakeParams(log)) {
+    inputs->main = cPtr<lx_test::FakeSource>(new lx_test::FakeSource(log, "source"));
+    inputs->main->image = cPtr<FakeImage>(new FakeImage(log, "in", width, height));
+    target->image = cPtr<FakeImage>(new FakeImage(log, "out", width, height));
+  }
+
+  void Connect(const cPtr<qplugin::iQpluginRender>& render) const {
+    render->setTarget(target);
+    render->setInputs(inputs);
+    render->setParams(params);
+  }
+
+  std::vector<std::uint16_t>& In() const { return inputs->main->image->samples; }
+  std::vector<std::uint16_t>& Out() const { return target->image->samples; }
+
+  cPtr<lx_test::FakeInputs> inputs;
+  cPtr<lx_test::FakeTarget> target;
+  cPtr<lx_test::FakeParams> params;
+};
+
+cPtr<qplugin::iQpluginRender> MakeRender(const FakeHost& host) {
+  return host.factory->classes[1]->create().Dynamic<qplugin::iQpluginRender>();
+}
+
+TEST(RenderThroughBorder, GoesThroughAWholeLifeInOrder) {
+  FakeHost host;
+  LoadedModule module(&host);
+  {
+    Connections connections(&host.log, 16, 12);
+    connections.params->numbers["PRM_RadiusX"] = 0.25;
+    auto ui = host.factory->classes[0]->create().Dynamic<qplugin::iQpluginUI>();
+    EXPECT_EQ(u"first text", ui->moduleText());
+    auto render = MakeRender(host);
+    EXPECT_EQ(render->renderGuid().group1, ui->renderGuid().group1);
+    connections.Connect(render);
+    render->renderFrame(1, 0, 0);
+    render.Reset();
+    ui.Reset();
+  }
+  module.CleanUp();
+  module.Unload();
+
+  const std::vector<std::string> expected{"module.moduleText",
+                                          "module.moduleText2",
+                                          "registerClass",
+                                          "registerClass",
+                                          "~module",
+                                          "inputs.mainInput",
+                                          "inputs.namedInput(PRM_Spread)",
+                                          "getList(PRM_Shape)",
+                                          "getBool(PRM_Match,0)",
+                                          "getFloat(PRM_RadiusX,0)",
+                                          "getFloat(PRM_RadiusY,0)",
+                                          "getFloat(PRM_Sides,0)",
+                                          "getFloat(PRM_Rotation,0)",
+                                          "getFloat(PRM_Emphasis,0)",
+                                          "getBool(PRM_EmphAlpha,0)",
+                                          "getBool(PRM_Precision,0)",
+                                          "getFloat(PRM_Center_X,0)",
+                                          "getFloat(PRM_Center_Y,0)",
+                                          "getFloat(PRM_RadiusPSF1,0)",
+                                          "getFloat(PRM_RadiusPSF2,0)",
+                                          "target.format",
+                                          "format.descriptor",
+                                          "source.frame(1,d,3)",
+                                          "~descriptor",
+                                          "target.outputFrame(3)",
+                                          "in.size",
+                                          "in.buffer",
+                                          "in.size",
+                                          "target.format",
+                                          "format.pixelAspect",
+                                          "in.size",
+                                          "in.buffer",
+                                          "out.size",
+                                          "out.buffer",
+                                          "instanceDestroyed",
+                                          "instanceDestroyed",
+                                          "~params",
+                                          "~target",
+                                          "~out",
+                                          "~source",
+                                          "~in",
+                                          "removeClass",
+                                          "removeClass"};
+  EXPECT_EQ(expected, host.log.calls);
+}
+
+// One bright pixel of a colour of its own per sample spreads over the aperture: the sums
+// over a window tell where the light went and how much of it.
+TEST(RenderThroughBorder, SpreadsALightOverTheAperture) {
+  FakeHost host;
+  const LoadedModule module(&host);
+  constexpr int kWidth = 64;
+  constexpr int kHeight = 48;
+  Connections connections(&host.log, kWidth, kHeight);
+  connections.params->numbers = {{"PRM_Shape", 0}, {"PRM_RadiusX", 0.25}};  // 8 pixels
+  std::fill(connections.In().begin(), connections.In().end(), std::uint16_t{0});
+  constexpr int kX = 40;
+  constexpr int kY = 15;
+  const std::uint16_t light[] = {10000, 60000, 30000, 50000};
+  std::copy(light, light + 4, connections.In().begin() + (kY * kWidth + kX) * 4);
+  const auto render = MakeRender(host);
+  connections.Connect(render);
+
+  render->renderFrame(1, 0, 0);
+
+  // A 50-gon of 8 pixels, its centre half a pixel towards smaller x and towards the top
+  // of the effect's picture, which is the bottom of the host's.
+  const double area = 25 * std::sin(2 * std::acos(-1.0) / 50) * 64;
+  for (int y = 0; y < kHeight; ++y) {
+    for (int x = 0; x < kWidth; ++x) {
+      const double distance = std::hypot(x - (kX - 0.5), y - (kY + 0.5));
+      for (int c = 0; c < 4; ++c) {
+        const int got = connections.Out()[(y * kWidth + x) * 4 + c];
+        if (distance < 7.0) {
+          // 15-bit steps on both borders, and the mask's own 8 bits.
+          ASSERT_NEAR(light[c] / area, got, 5) << x << "," << y << " " << c;
+        } else if (distance > 9.0) {
+          ASSERT_LE(got, 2) << x << "," << y << " " << c;
+        }
+      }
+    }
+  }
+}
+
+TEST(RenderThroughBorder, KeepsAConstantFrame) {
+  FakeHost host;
+  const LoadedModule module(&host);
+  for (const double shape : {0.0, 1.0, 2.0}) {
+    Connections connections(&host.log, 33, 21);
+    connections.params->numbers = {
+        {"PRM_Shape", shape}, {"PRM_RadiusX", 0.3}, {"PRM_RadiusY", 0.2}, {"PRM_Sides", 5}};
+    const std::uint16_t pixel[] = {12000, 40000, 65535, 65535};
+    for (std::size_t i = 0; i < connections.In().size(); ++i) {
+      connections.In()[i] = pixel[i % 4];
+    }
+    const auto render = MakeRender(host);
+    connections.Connect(render);
+
+    render->renderFrame(1, 0, 0);
+
+    for (std::size_t i = 0; i < connections.Out().size(); ++i) {
+      ASSERT_NEAR(pixel[i % 4], connections.Out()[i], 4) << shape << " " << i;
+    }
+  }
+}
+
+TEST(RenderThroughBorder, LetsTheHostsExceptionsThrough) {
+  FakeHost host;
+  const LoadedModule module(&host);
+  Connections connections(&host.log, 16, 12);
+  const auto render = MakeRender(host);
+  host.log.throwAt = "inputs.mainInput";
+  EXPECT_THROW(render->setInputs(connections.inputs), lx_test::HostFault);
+  host.log.throwAt.clear();
+  connections.Connect(render);
+
+  host.log.throwAt = "getFloat(PRM_Sides,0)";
+  EXPECT_THROW(render->renderFrame(1, 0, 0), lx_test::HostFault);
+
+  host.log.throwAt.clear();
+  render->renderFrame(1, 0, 0);
+  EXPECT_EQ("out.buffer", host.log.calls.back());
+}
+
+TEST(RenderThroughBorder, RendersOnAfterAPageHasGone) {
+  FakeHost host;
+  const LoadedModule module(&host);
+  Connections connections(&host.log, 40, 30);
+  connections.params->numbers["PRM_RadiusX"] = 0.2;
+  for (std::size_t i = 0; i < connections.In().size(); ++i) {
+    connections.In()[i] = static_cast<std::uint16_t>(i * 31);
+  }
+  const auto render = MakeRender(host);
+  connections.Connect(render);
+  auto page = host.factory->classes[0]->create();
+  render->renderFrame(1, 0, 0);
+  const auto before = connections.Out();
+
+  page.Reset();
+  render->renderFrame(1, 0, 0);
+
+  EXPECT_EQ(before, connections.Out());
+}
+
+TEST(RenderThroughBorder, LoadsRendersAndUnloadsAgainAndAgain) {
+  for (int i = 0; i < 20; ++i) {
+    FakeHost host;
+    LoadedModule module(&host);
+    {
+      Connections connections(&host.log, 16, 12);
+      connections.params->numbers["PRM_RadiusX"] = 0.2;
+      const auto render = MakeRender(host);
+      connections.Connect(render);
+      render->renderFrame(1, 0, 0);
+    }
+    module.Unload();
+    ASSERT_FALSE(LoadedModule::IsResident()) << i;
+  }
+}
+
+}  // namespace
