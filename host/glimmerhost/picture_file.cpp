@@ -16,6 +16,7 @@
 
 #include "host/glimmerhost/failure.h"
 #include "host/glimmerhost/measures.h"
+#include "host/glimmerhost/quiet_stderr.h"
 
 namespace glimmerhost {
 
@@ -181,6 +182,7 @@ std::vector<std::uint8_t> ToBytes(const std::vector<std::uint16_t>& samples) {
 }  // namespace
 
 Picture ReadPicture(const fs::path& file, std::string* warning) {
+  const QuietStderr quiet;
   const std::unique_ptr<OIIO::ImageInput> input = OpenInput(file);
   const OIIO::ImageSpec& spec = input->spec();
   CheckSides(spec, file);

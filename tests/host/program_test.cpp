@@ -1,0 +1,317 @@
+// The program as a person runs it.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/glimmerhost/picture_file.h"
+#include "tests/host/scratch_folder.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using glimmerhost::Alpha;
+using glimmerhost::Picture;
+
+struct Outcome {
+  int code;
+  std::string text;  // of both outputs
+};
+
+Outcome RunProgram(const std::string& arguments) {
+  FILE* pipe = popen(("'" PROGRAM "' " + arguments + " 2>&1").c_str(), "r");
+  Outcome outcome{-1, ""};
+  std::array<char, 512> buffer{};
+  while (fgets(buffer.data(), buffer.size(), pipe) != nullptr) {
+    outcome.text += buffer.data();
+  }
+  const int status = pclose(pipe);
+  outcome.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return outcome;
+}
+
+Picture Read(const fs::path& file) {
+  std::string warning;
+  return glimmerhost::ReadPicture(file, &warning);
+}
+
+class Program : public testing::Test {
+ public:
+  fs::path WriteInput(const std::string& name, int width, int height, Alpha alpha = Alpha::kNone,
+                      bool constant = false) {
+    Picture picture;
+    picture.width = width;
+    picture.height = height;
+    picture.alpha = alpha;
+    picture.samples.resize(picture.PixelCount() * 4);
+    for (std::size_t i = 0; i < picture.samples.size(); ++i) {
+      const std::uint16_t even[] = {50000, 20000, 5000, 40000};
+      picture.samples[i] = constant ? even[i % 4] : static_cast<std::uint16_t>(i * 7919);
+      if (i % 4 == 3 && alpha == Alpha::kNone) {
+        picture.samples[i] = 65535;
+      }
+    }
+    glimmerhost::PictureOutput output(folder / name, true);
+    output.Write(picture, 16);
+    return folder / name;
+  }
+
+  std::string Render(const fs::path& input, const std::string& output,
+                     const std::string& options = "") {
+    return "render '" + input.string() + "' -o '" + (folder / output).string() + "' " + options;
+  }
+
+  void ExpectRefusal(const std::string& arguments, int code, const std::string& says) {
+    const int files = folder.FileCount();
+    const Outcome outcome = RunProgram(arguments);
+    EXPECT_EQ(code, outcome.code) << arguments << "\n" << outcome.text;
+    EXPECT_EQ(0U, outcome.text.find("glimmerhost: ")) << outcome.text;
+    EXPECT_EQ(outcome.text.size() - 1, outcome.text.find('\n')) << outcome.text;
+    EXPECT_NE(std::string::npos, outcome.text.find(says)) << outcome.text;
+    EXPECT_EQ(files, folder.FileCount()) << arguments;
+  }
+
+  host_test::ScratchFolder folder;
+};
+
+TEST_F(Program, BlursTheExample) {
+  const Outcome outcome =
+      RunProgram(Render(NIGHT, "out.png", "--shape polygon --sides 6 --radius 40px"));
+
+  EXPECT_EQ(0, outcome.code) << outcome.text;
+  EXPECT_EQ("", outcome.text);  // no progress line where there is no terminal
+  const Picture before = Read(NIGHT);
+  const Picture after = Read(folder / "out.png");
+  EXPECT_EQ(before.width, after.width);
+  EXPECT_EQ(before.height, after.height);
+  EXPECT_EQ(16, after.bits);
+  const auto roughness = [](const Picture& picture) {
+    double sum = 0;
+    for (std::size_t i = 4; i < picture.samples.size(); ++i) {
+      sum += std::abs(picture.samples[i] - picture.samples[i - 4]);
+    }
+    return sum;
+  };
+  EXPECT_LT(roughness(after), 0.2 * roughness(before));
+  EXPECT_EQ(1, folder.FileCount());
+}
+
+TEST_F(Program, KeepsColoursInTheirPlaces) {
+  const fs::path input = WriteInput("in.png", 40, 30, Alpha::kNone, true);
+  for (const char* name : {"out.png", "out.tif", "out.exr", "out.dpx"}) {
+    ASSERT_EQ(0, RunProgram(Render(input, name, "--radius 5px")).code) << name;
+    const Picture out = Read(folder / name);
+    for (std::size_t i = 0; i < out.samples.size(); i += 4) {
+      ASSERT_NEAR(50000, out.samples[i], 20) << name;
+      ASSERT_NEAR(20000, out.samples[i + 1], 20) << name;
+      ASSERT_NEAR(5000, out.samples[i + 2], 20) << name;
+      ASSERT_EQ(65535, out.samples[i + 3]) << name;
+    }
+  }
+}
+
+// The picture's top must stay at the top, and its left at the left.
+TEST_F(Program, KeepsSidesInTheirPlaces) {
+  Picture picture;
+  picture.width = 40;
+  picture.height = 40;
+  picture.samples.assign(40 * 40 * 4, 0);
+  for (int y = 0; y < 40; ++y) {
+    for (int x = 0; x < 40; ++x) {
+      picture.samples[(y * 40 + x) * 4] = x < 20 ? 60000 : 0;      // red on the left
+      picture.samples[(y * 40 + x) * 4 + 2] = y < 20 ? 60000 : 0;  // blue on top
+      picture.samples[(y * 40 + x) * 4 + 3] = 65535;
+    }
+  }
+  {
+    glimmerhost::PictureOutput output(folder / "in.png", true);
+    output.Write(picture, 16);
+  }
+
+  ASSERT_EQ(0, RunProgram(Render(folder / "in.png", "out.png", "--radius 4px")).code);
+
+  const Picture out = Read(folder / "out.png");
+  const auto at = [&](int x, int y, int c) { return out.samples[(y * 40 + x) * 4 + c]; };
+  EXPECT_GT(at(5, 30, 0), 59000);
+  EXPECT_LT(at(35, 30, 0), 100);
+  EXPECT_GT(at(30, 5, 2), 59000);
+  EXPECT_LT(at(30, 35, 2), 100);
+}
+
+TEST_F(Program, PremultipliesStraightAlphaUnlessToldNotTo) {
+  // Two halves: opaque black, and clear white. Blurred premultiplied, the border is black
+  // throughout; as they are, white bleeds in.
+  Picture picture;
+  picture.width = 40;
+  picture.height = 10;
+  picture.alpha = Alpha::kStraight;
+  picture.samples.assign(40 * 10 * 4, 0);
+  for (int i = 0; i < 400; ++i) {
+    const bool clear = i % 40 >= 20;
+    for (int c = 0; c < 3; ++c) {
+      picture.samples[i * 4 + c] = clear ? 65535 : 0;
+    }
+    picture.samples[i * 4 + 3] = clear ? 0 : 65535;
+  }
+  {
+    glimmerhost::PictureOutput output(folder / "in.png", true);
+    output.Write(picture, 16);
+  }
+
+  ASSERT_EQ(0, RunProgram(Render(folder / "in.png", "pre.png", "--radius 4px")).code);
+  ASSERT_EQ(0, RunProgram(Render(folder / "in.png", "as.png", "--radius 4px --alpha as-is")).code);
+
+  EXPECT_LT(Read(folder / "pre.png").samples[20 * 4], 50);
+  EXPECT_GT(Read(folder / "as.png").samples[20 * 4], 20000);
+  const int alpha = Read(folder / "pre.png").samples[20 * 4 + 3];
+  EXPECT_GT(alpha, 10000);
+  EXPECT_LT(alpha, 50000);
+}
+
+TEST_F(Program, RendersTheSmallestAndOddSizes) {
+  for (const auto& [w, h] : {std::pair{1, 1}, {1, 7}, {33, 1}, {37, 23}}) {
+    const fs::path input = WriteInput("in.png", w, h, Alpha::kNone, true);
+    const Outcome outcome = RunProgram(Render(input, "out.png", "--radius 0.3px --overwrite"));
+    ASSERT_EQ(0, outcome.code) << outcome.text;
+    const Picture out = Read(folder / "out.png");
+    EXPECT_EQ(w, out.width);
+    EXPECT_NEAR(50000, out.samples[0], 4);
+  }
+}
+
+TEST_F(Program, TakesBitsFromItsOptionAndElseFromTheInput) {
+  const fs::path input = WriteInput("in.png", 20, 20);
+  ASSERT_EQ(0, RunProgram(Render(input, "same.png")).code);
+  ASSERT_EQ(0, RunProgram(Render(input, "eight.png", "--bits 8")).code);
+  ASSERT_EQ(0, RunProgram(Render(folder / "eight.png", "again.png")).code);
+
+  EXPECT_EQ(16, Read(folder / "same.png").bits);
+  EXPECT_EQ(8, Read(folder / "eight.png").bits);
+  EXPECT_EQ(8, Read(folder / "again.png").bits);
+}
+
+TEST_F(Program, StretchesTheApertureByThePixelAspect) {
+  const fs::path input = WriteInput("in.png", 60, 60);
+  ASSERT_EQ(0, RunProgram(Render(input, "one.png", "--radius 6px")).code);
+  ASSERT_EQ(0, RunProgram(Render(input, "two.png", "--radius 6px --pixel-aspect 2:1")).code);
+  ASSERT_EQ(0,
+            RunProgram(Render(input, "narrow.png", "--shape ellipse --radius-x 3px --radius-y 6px"))
+                .code);
+
+  EXPECT_NE(Read(folder / "one.png").samples, Read(folder / "two.png").samples);
+  const auto two = Read(folder / "two.png").samples;
+  const auto narrow = Read(folder / "narrow.png").samples;
+  for (std::size_t i = 0; i < two.size(); ++i) {
+    ASSERT_NEAR(narrow[i], two[i], 400) << i;  // other grids round the masks otherwise
+  }
+}
+
+TEST_F(Program, ReplacesAFileOnlyIfTold) {
+  const fs::path input = WriteInput("in.png", 20, 20);
+  ExpectRefusal(Render(input, "in.png"), 1, "--overwrite");
+  EXPECT_EQ(0, RunProgram(Render(input, "in.png", "--overwrite")).code);
+  EXPECT_EQ(1, folder.FileCount());
+}
+
+TEST_F(Program, RefusesValuesWithTheOptionAndWhatIsAllowed) {
+  const fs::path input = WriteInput("in.png", 20, 20);
+  const struct {
+    const char* options;
+    const char* says;
+  } cases[] = {
+      {"--shape heart", "--shape heart: allowed is circle, ellipse or polygon"},
+      {"--shape image", "not offered yet"},
+      {"--set PRM_Shape=3", "not offered yet"},
+      {"--emphasis 20", "--emphasis 20: allowed is a number from 0 to 1"},
+      {"--sides 51", "--sides 51: allowed is a whole number from 3 to 50"},
+      {"--radius 11px", "--radius 11px: allowed is"},
+      {"--radius many", "--radius many: allowed is"},
+      {"--rotation nan", "--rotation nan: allowed is"},
+      {"--bits 12", "--bits 12: allowed is 8 or 16"},
+      {"--alpha none", "--alpha none: allowed is premultiplied or as-is"},
+      {"--pixel-aspect 0:1", "--pixel-aspect 0:1: allowed is"},
+      {"--center 1", "--center 1: allowed is"},
+      {"--set PRM_Side=5", "PRM_Sides"},
+      {"--nonsense", "nonsense"},
+  };
+  for (const auto& [options, says] : cases) {
+    ExpectRefusal(Render(input, "out.png", options), 2, says);
+  }
+  ExpectRefusal("render", 2, "required");
+  ExpectRefusal("", 2, "subcommand");
+  ExpectRefusal(Render(input, "out.xyz"), 2, "allowed is a name that ends in");
+}
+
+TEST_F(Program, TakesANegativeRotation) {
+  const fs::path input = WriteInput("in.png", 20, 20);
+  EXPECT_EQ(0, RunProgram(Render(input, "out.png", "--shape ellipse --rotation -30")).code);
+}
+
+TEST_F(Program, FailsInOneLineForWhatItCannotRead) {
+  std::ofstream(folder / "text.png") << "no picture";
+  ExpectRefusal(Render(folder / "text.png", "out.png"), 1, "text.png: ");
+  ExpectRefusal(Render(folder / "missing.png", "out.png"), 1, "no such file");
+  const fs::path input = WriteInput("cut.png", 100, 100);
+  fs::resize_file(input, fs::file_size(input) / 2);
+  ExpectRefusal(Render(input, "out.png"), 1, "cut.png: ");
+}
+
+TEST_F(Program, FailsForAPictureThatTheGridCannotTake) {
+  const fs::path input = WriteInput("wide.png", 8200, 2);
+  ExpectRefusal(Render(input, "out.png", "--radius 1px"), 1, "8192");
+}
+
+TEST_F(Program, FailsForASpreadPictureOfAnotherSize) {
+  const fs::path input = WriteInput("in.png", 20, 20);
+  const fs::path spread = WriteInput("spread.png", 21, 20);
+  ExpectRefusal(Render(input, "out.png", "--spread '" + spread.string() + "'"), 1,
+                "it must have the input's size, 20 x 20");
+}
+
+TEST_F(Program, SaysWhatIsWrongWithAModule) {
+  const fs::path input = WriteInput("in.png", 20, 20);
+  ExpectRefusal(Render(input, "out.png", "--module /no/such.so"), 1, "no such module file");
+  ExpectRefusal(Render(input, "out.png", "--module '" NIGHT "'"), 1,
+                "no module that can be loaded");
+  ExpectRefusal(Render(input, "out.png", "--module '" NO_MODULE "'"), 1, "no function moduleInit");
+  ExpectRefusal(Render(input, "out.png", "--module '" BROKEN_MODULE "'"), 1,
+                "the module failed: it is \"broken\" (broken_module, line 12)");
+}
+
+TEST_F(Program, TellsOfTheModuleAndItsParameters) {
+  const Outcome outcome = RunProgram("info");
+
+  EXPECT_EQ(0, outcome.code);
+  for (const char* part :
+       {"{2FD3AFEC-CDAB-453D-9E3A-F3E6DDA03F08}", "{1FD3AFEC-CDAB-453D-9E3A-F3E6DDA03F08}",
+        "DeveloperName:<LXTorvane Q-S> EffectName:<GlimmerBlur>", "PRM_RadiusPSF2",
+        "a whole number from 3 to 50; default 6; option --sides"}) {
+    EXPECT_NE(std::string::npos, outcome.text.find(part)) << part;
+  }
+}
+
+TEST_F(Program, ExplainsEveryOption) {
+  const Outcome outcome = RunProgram("render --help");
+
+  EXPECT_EQ(0, outcome.code);
+  for (const char* option :
+       {"--shape",       "--radius",      "--radius-x",  "--radius-y",   "--match",
+        "--sides",       "--rotation",    "--emphasis",  "--emph-alpha", "--center",
+        "--radius-psf1", "--radius-psf2", "--set",       "--spread",     "--pixel-aspect",
+        "--alpha",       "--bits",        "--overwrite", "--quiet",      "--module"}) {
+    EXPECT_NE(std::string::npos, outcome.text.find(option)) << option;
+  }
+  EXPECT_NE(std::string::npos, RunProgram("--version").text.find("5.13"));
+  EXPECT_EQ(0, RunProgram("--help").code);
+}
+
+}  // namespace
