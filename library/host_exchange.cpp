@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <new>
 
 #include "library/host_message.h"
@@ -18,29 +19,7 @@ std::uint16_t Up(std::uint16_t sample) {
 
 std::uint16_t Down(std::uint16_t sample) { return static_cast<std::uint16_t>(sample >> 1U); }
 
-}  // namespace
-
-LXImage* ConvertFromQTL(quantel::cPtr<qplugin::iQpluginImage> frame, LXImage* target) {
-  if (!frame) {
-    frame.Reset();
-    return nullptr;
-  }
-  const quantel::cSize2 size = frame->size();
-  LXImage* image = target;
-  if (image == nullptr) {
-    image = LXImage::Make(size.first < 1 || size.second < 1 ? 0 : size.first,
-                          size.first < 1 || size.second < 1 ? 0 : size.second);
-    if (image == nullptr) {
-      throw std::bad_alloc();
-    }
-  } else if (image->width != size.first || image->height != size.second) {
-    frame.Reset();
-    return nullptr;
-  }
-  image->scale = 1.0F;
-  image->aspectX = 1.0;
-  image->aspectY = 1.0;
-  const std::uint16_t* from = frame->buffer();
+void ReadFrame(const std::uint16_t* from, LXImage* image) {
   for (std::int32_t y = image->height - 1; y >= 0; --y) {
     std::uint16_t* to = image->rows[y];
     for (std::int32_t x = 0; x < image->width; ++x, from += 4, to += 4) {
@@ -50,7 +29,36 @@ LXImage* ConvertFromQTL(quantel::cPtr<qplugin::iQpluginImage> frame, LXImage* ta
       to[3] = Down(from[3]);
     }
   }
+}
+
+}  // namespace
+
+LXImage* ConvertFromQTL(quantel::cPtr<qplugin::iQpluginImage> frame, LXImage* target) {
+  if (!frame) {
+    frame.Reset();
+    return nullptr;
+  }
+  const quantel::cSize2 size = frame->size();
+  // Owns a new image until it is filled: the host may throw when it is asked for its buffer.
+  std::unique_ptr<LXImage> made;
+  LXImage* image = target;
+  if (target == nullptr) {
+    const bool isEmpty = size.first < 1 || size.second < 1;
+    made.reset(LXImage::Make(isEmpty ? 0 : size.first, isEmpty ? 0 : size.second));
+    image = made.get();
+    if (image == nullptr) {
+      throw std::bad_alloc();
+    }
+  } else if (target->width != size.first || target->height != size.second) {
+    frame.Reset();
+    return nullptr;
+  }
+  image->scale = 1.0F;
+  image->aspectX = 1.0;
+  image->aspectY = 1.0;
+  ReadFrame(frame->buffer(), image);
   frame.Reset();
+  (void)made.release();  // it is the caller's, as image
   return image;
 }
 
