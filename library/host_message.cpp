@@ -23,6 +23,7 @@ const quantel::cPtr<qplugin::iQplugin>& MessageSink() {
 void SendHostMessage(const char* text) {
   quantel::wstring wide;
   for (; *text != '\0'; ++text) {
+    // NOLINTNEXTLINE(bugprone-signed-char-misuse): the sign is meant to go on
     const auto extended = static_cast<std::int16_t>(static_cast<signed char>(*text));
     wide.push_back(static_cast<char16_t>(extended));
   }

@@ -14,17 +14,21 @@ constexpr std::uint32_t kHeaderBytes = 8;
 
 }  // namespace
 
-void* lx_malloc(std::uint32_t size, const SourcePlace& /*place*/) {
+void* lx_malloc(std::uint32_t size, const char* /*file*/, std::int32_t /*line*/) {
   return GetPlatform().allocate(size);
 }
 
-void lx_free(void* block, const SourcePlace& /*place*/) { GetPlatform().release(block); }
+void lx_free(void* block, const char* /*file*/, std::int32_t /*line*/) {
+  GetPlatform().release(block);
+}
 
-void* lx_image_malloc(std::uint32_t size, const SourcePlace& /*place*/) {
+void* lx_image_malloc(std::uint32_t size, const char* /*file*/, std::int32_t /*line*/) {
   return GetPlatform().allocate(size);
 }
 
-void lx_image_free(void* block, const SourcePlace& /*place*/) { GetPlatform().release(block); }
+void lx_image_free(void* block, const char* /*file*/, std::int32_t /*line*/) {
+  GetPlatform().release(block);
+}
 
 void* lx_aligned_malloc(std::uint32_t size, std::int32_t alignment, bool image) {
   if (size > 0x7fffffffU) {

@@ -2,25 +2,26 @@
 // aligned pair on top of both.
 //
 // Sizes are 32-bit unsigned; every allocation gives null where memory has run out. A
-// block goes back to the family that gave it. Each call carries its place in the
-// source, which the compiler fills in. Any thread may call.
+// block goes back to the family that gave it. Each call carries its file and line, which
+// the compiler fills in. Any thread may call.
 #pragma once
 
 #include <cstdint>
-#include <source_location>
 
 namespace lx {
 
-using SourcePlace = std::source_location;
-
-void* lx_malloc(std::uint32_t size, const SourcePlace& place = SourcePlace::current());
+void* lx_malloc(std::uint32_t size, const char* file = __builtin_FILE(),
+                std::int32_t line = __builtin_LINE());
 
 //   block  null is legal and does nothing
-void lx_free(void* block, const SourcePlace& place = SourcePlace::current());
+void lx_free(void* block, const char* file = __builtin_FILE(),
+             std::int32_t line = __builtin_LINE());
 
 // The same for image-sized blocks.
-void* lx_image_malloc(std::uint32_t size, const SourcePlace& place = SourcePlace::current());
-void lx_image_free(void* block, const SourcePlace& place = SourcePlace::current());
+void* lx_image_malloc(std::uint32_t size, const char* file = __builtin_FILE(),
+                      std::int32_t line = __builtin_LINE());
+void lx_image_free(void* block, const char* file = __builtin_FILE(),
+                   std::int32_t line = __builtin_LINE());
 
 // A block that starts at a multiple of the alignment.
 //   size       bytes; above 0x7fffffff gives null

@@ -196,7 +196,7 @@ Page Page::Load(const std::filesystem::path& file) {
 }
 
 const Parameter& Page::Find(const std::string& key) const {
-  const Parameter* nearest = nullptr;
+  const Parameter* nearest = &parameters_.front();  // a page has at least one
   std::size_t best = std::numeric_limits<std::size_t>::max();
   for (const Parameter& parameter : parameters_) {
     const std::size_t distance = EditDistance(key, parameter.key);

@@ -70,10 +70,7 @@ ChannelMap MapChannels(const OIIO::ImageSpec& spec, const fs::path& file) {
   return named;
 }
 
-bool IsFloat(const OIIO::TypeDesc& type) {
-  return type == OIIO::TypeDesc::HALF || type == OIIO::TypeDesc::FLOAT ||
-         type == OIIO::TypeDesc::DOUBLE;
-}
+bool IsFloat(const OIIO::TypeDesc& type) { return type.is_floating_point(); }
 
 // Copies the mapped channels into a picture of red, green, blue, alpha.
 void Spread(const std::vector<std::uint16_t>& from, int channels, const ChannelMap& map,

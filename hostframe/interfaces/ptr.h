@@ -103,9 +103,11 @@ class cPtr {
     cRefCount* count = count_;
     object_ = nullptr;
     count_ = nullptr;
+    // NOLINTBEGIN(clang-analyzer-cplusplus.NewDelete): it does not follow the count
     if (count != nullptr && count->Subtract() == 1 && object != nullptr) {
       delete object;
     }
+    // NOLINTEND(clang-analyzer-cplusplus.NewDelete)
   }
 
   T* object_ = nullptr;

@@ -128,6 +128,10 @@ void BlurLine(const BlurPass& pass, unsigned char* start, std::ptrdiff_t stride,
   }
 }
 
+// Indexed by sample type.
+constexpr void (*kBlurLine[])(const BlurPass&, unsigned char*, std::ptrdiff_t, double*) = {
+    BlurLine<std::uint8_t>, BlurLine<std::uint16_t>, BlurLine<std::uint32_t>, BlurLine<float>};
+
 void BlurLines(void* user, std::int32_t first, std::int32_t last) {
   const BlurPass& pass = *static_cast<const BlurPass*>(user);
   const ImageRec& image = *pass.image;
@@ -140,6 +144,7 @@ void BlurLines(void* user, std::int32_t first, std::int32_t last) {
   const auto alongColumn = static_cast<std::ptrdiff_t>(image.width) * alongRow;
   const std::ptrdiff_t stride = pass.vertical ? alongColumn : alongRow;
   const std::ptrdiff_t lineStep = pass.vertical ? alongRow : alongColumn;
+  const auto blurLine = kBlurLine[image.sampleType];
   for (std::int32_t c = 0; c < image.channels; ++c) {
     if (((static_cast<std::uint32_t>(pass.channelMask) >> (c & 31)) & 1U) == 0) {
       continue;
@@ -147,20 +152,7 @@ void BlurLines(void* user, std::int32_t first, std::int32_t last) {
     for (std::int32_t line = first; line <= last; ++line) {
       unsigned char* start = static_cast<unsigned char*>(image.data) + line * lineStep +
                              static_cast<std::ptrdiff_t>(c) * image.elementBytes;
-      switch (image.sampleType) {
-        case kSampleU8:
-          BlurLine<std::uint8_t>(pass, start, stride, work);
-          break;
-        case kSampleU16:
-          BlurLine<std::uint16_t>(pass, start, stride, work);
-          break;
-        case kSampleU32:
-          BlurLine<std::uint32_t>(pass, start, stride, work);
-          break;
-        default:
-          BlurLine<float>(pass, start, stride, work);
-          break;
-      }
+      blurLine(pass, start, stride, work);
     }
   }
   lx_free(work);
