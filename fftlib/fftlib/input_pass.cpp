@@ -1,26 +1,17 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "fftlib/fftlib.h"
+#include "fftlib/fftlib/colour_transform.h"
 #include "fftlib/fftlib/emphasis.h"
 #include "fftlib/fftlib/passes.h"
+#include "fftlib/fftlib/row_kernels.h"
 #include "fftlib/fftlib/sample_types.h"
 
 namespace lx {
 namespace {
-
-// Single-precision constants, widened. The Cb row differs from the usual one: it is
-// built from 0.98 B, and the way back divides by 0.98.
-constexpr double kLumaR = 0.29899999499320984;
-constexpr double kLumaG = 0.5870000123977661;
-constexpr double kLumaB = 0.11400000005960464;
-constexpr double kCrR = 0.5;
-constexpr double kCrG = -0.41868799924850464;
-constexpr double kCrB = -0.08131200075149536;
-constexpr double kCbR = -0.2132669985294342;
-constexpr double kCbG = -0.41868799924850464;
-constexpr double kCbB = 0.6176890134811401;
 
 constexpr double kMaskScale = 0.003921568859368563;
 
@@ -71,16 +62,30 @@ void FillAlpha(const Sample* pixels, std::int32_t width, std::int32_t channels, 
   }
 }
 
+// Which kernel makes the plane in work.
+RowKernels::Fill FrameKernel(std::uint32_t channelBit) {
+  const RowKernels& kernels = GetRowKernels();
+  return channelBit == kBitLuma ? kernels.luma
+         : channelBit == kBitCr ? kernels.cr
+         : channelBit == kBitCb ? kernels.cb
+                                : kernels.alpha;
+}
+
 template <class Sample>
 void FillPlane(const DefocusEngine& engine, std::int32_t y, double* row) {
   const ImageRec& source = *engine.passSource;
   const Sample* pixels = SampleRow<Sample>(source, y);
   const std::int32_t width = source.width;
   const std::int32_t channels = source.channels;
+  if constexpr (std::is_same_v<Sample, std::uint16_t>) {
+    if (channels == 4) {
+      FrameKernel(engine.passChannelBit)(pixels, width, row);
+      return;
+    }
+  }
   switch (engine.passChannelBit) {
     case kBitLuma:
       FillLuma(pixels, width, channels, row);
-      Emphasise(row, width, engine.emphasis);
       break;
     case kBitCr:
       FillFromColour(pixels, width, channels, Cr, row);
@@ -90,9 +95,6 @@ void FillPlane(const DefocusEngine& engine, std::int32_t y, double* row) {
       break;
     default:
       FillAlpha(pixels, width, channels, row);
-      if (engine.emphasisAlpha) {
-        Emphasise(row, width, engine.emphasis);
-      }
       break;
   }
 }
@@ -130,6 +132,10 @@ void InputRow(const DefocusEngine& engine, std::int32_t y) {
     default:
       std::fill(frameRow, frameRow + width, 0.0);
       break;
+  }
+  if (engine.passChannelBit == kBitLuma ||
+      (engine.passChannelBit == kBitAlpha && engine.emphasisAlpha)) {
+    Emphasise(frameRow, width, engine.emphasis);
   }
   if (engine.passEdgeMode == kEdgeReplicate) {
     PadColumns(engine, gridRow, frameRow[0], frameRow[width - 1]);

@@ -4,20 +4,14 @@
 
 #include "baselib/utils/convert.h"
 #include "fftlib/fftlib.h"
+#include "fftlib/fftlib/colour_transform.h"
 #include "fftlib/fftlib/emphasis.h"
 #include "fftlib/fftlib/passes.h"
+#include "fftlib/fftlib/row_kernels.h"
 #include "fftlib/fftlib/sample_types.h"
 
 namespace lx {
 namespace {
-
-// Single-precision constants, widened; the inverse of the input pass's.
-constexpr double kRCr = 1.4019999504089355;
-constexpr double kGY = 0.9960359930992126;
-constexpr double kGCr = 0.714136004447937;
-constexpr double kGCb = 0.27783599495887756;
-constexpr double kBY = 1.020408034324646;
-constexpr double kBCb = 1.4306119680404663;
 
 template <class Sample>
 Sample StoreUnit(double value) {
@@ -38,13 +32,6 @@ std::uint32_t StoreAlpha(double value) {
   return StoreUnit<std::uint32_t>(value) & 0xFFFFU;
 }
 
-// The three planes of one row, each at its first pixel of the frame.
-struct PlaneRows {
-  const double* luma;
-  const double* cr;
-  const double* cb;
-};
-
 // What a row of the output needs beside its planes.
 struct RowScale {
   double scale;  // of the planes: 1 / (N * N)
@@ -53,7 +40,7 @@ struct RowScale {
 
 // Curved: whether the inverse curve is in force.
 template <bool Curved, class Sample>
-void StoreColourRow(const PlaneRows& planes, const RowScale& by, std::int32_t width,
+void StoreColourRow(const PlaneRow& planes, const RowScale& by, std::int32_t width,
                     std::int32_t channels, Sample* pixels) {
   for (std::int32_t x = 0; x < width; ++x, pixels += channels) {
     double y = by.scale * planes.luma[x];
@@ -89,14 +76,21 @@ void OutputRow(const DefocusEngine& engine, std::int32_t y) {
   const RowScale by{1.0 / (side * side), engine.emphasis};
   const bool curved = HasEmphasis(by.emphasis);
   Sample* pixels = SampleRow<Sample>(dest, y);
-  const PlaneRows planes{engine.lumaResult + start, engine.crResult + start,
-                         engine.cbResult + start};
+  const bool withAlpha = (engine.passChannelBit & kBitAlpha) != 0;
+  const PlaneRow planes{engine.lumaResult + start, engine.crResult + start, engine.cbResult + start,
+                        withAlpha ? engine.passTarget + start : nullptr};
+  if constexpr (std::is_same_v<Sample, std::uint16_t>) {
+    if (!curved && dest->channels == 4) {
+      GetRowKernels().store(planes, by.scale, dest->width, pixels);
+      return;
+    }
+  }
   const auto storeColour = curved ? StoreColourRow<true, Sample> : StoreColourRow<false, Sample>;
   storeColour(planes, by, dest->width, dest->channels, pixels);
-  if ((engine.passChannelBit & kBitAlpha) != 0) {
+  if (withAlpha) {
     const auto storeAlpha =
         curved && engine.emphasisAlpha ? StoreAlphaRow<true, Sample> : StoreAlphaRow<false, Sample>;
-    storeAlpha(engine.passTarget + start, by, dest->width, dest->channels, pixels);
+    storeAlpha(planes.alpha, by, dest->width, dest->channels, pixels);
   }
 }
 

@@ -1,0 +1,41 @@
+// The inner loops over rows of 16-bit pixels with four channels, which is what frames are,
+// and over rows of a spectrum. Each stands in two builds that give the same bits: plain
+// loops, and AVX2 where the processor has it.
+#pragma once
+
+#include <cstdint>
+
+namespace lx {
+
+// One row of the three colour planes and of alpha, at its first pixel.
+struct PlaneRow {
+  const double* luma;
+  const double* cr;
+  const double* cb;
+  const double* alpha;  // null leaves the pixels' alpha as it is
+};
+
+struct RowKernels {
+  // One plane of a row of pixels, without emphasis.
+  using Fill = void (*)(const std::uint16_t* pixels, std::int32_t width, double* row);
+  Fill luma;
+  Fill cr;
+  Fill cb;
+  Fill alpha;
+
+  // A row of pixels from its planes, each scaled first; clamped and rounded.
+  void (*store)(const PlaneRow& planes, double scale, std::int32_t width, std::uint16_t* pixels);
+
+  // work = psf * work, as count complex numbers.
+  void (*multiply)(const double (*psf)[2], double (*work)[2], std::int32_t count);
+};
+
+const RowKernels& PlainRowKernels();
+
+// Null where the processor, or the build, has no AVX2.
+const RowKernels* Avx2RowKernels();
+
+// The faster of both.
+const RowKernels& GetRowKernels();
+
+}  // namespace lx

@@ -1,0 +1,132 @@
+#include "fftlib/fftlib/row_kernels.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace {
+
+using lx::RowKernels;
+
+// Every 16-bit value in every channel, and a width that leaves a rest.
+constexpr int kWidth = 65536 + 3;
+
+class RowKernelBuilds : public testing::Test {
+ public:
+  RowKernelBuilds() : plain(lx::PlainRowKernels()), vector(lx::Avx2RowKernels()) {
+    if (vector == nullptr) {
+      return;
+    }
+    std::mt19937 random(17);
+    pixels.resize(kWidth * 4);
+    for (int x = 0; x < kWidth; ++x) {
+      pixels[x * 4] = static_cast<std::uint16_t>(x);
+      for (int c = 1; c < 4; ++c) {
+        pixels[x * 4 + c] = static_cast<std::uint16_t>(random());
+      }
+    }
+    const double odd[] = {std::numeric_limits<double>::quiet_NaN(),
+                          std::numeric_limits<double>::infinity(),
+                          -std::numeric_limits<double>::infinity(),
+                          -0.0,
+                          1e300,
+                          -1e300,
+                          0.5};
+    for (auto* plane : {&luma, &cr, &cb, &alpha}) {
+      plane->resize(kWidth);
+      for (double& v : *plane) {
+        v = random() % 50 == 0 ? odd[random() % 7] : (random() / 4294967296.0 - 0.2) * 1.6;
+      }
+    }
+  }
+
+  void ExpectSameFill(RowKernels::Fill RowKernels::*fill) {
+    for (const int width : {kWidth, 1, 4, 7}) {
+      std::vector<double> a(static_cast<std::size_t>(width));
+      std::vector<double> b(static_cast<std::size_t>(width));
+      (plain.*fill)(pixels.data(), width, a.data());
+      (vector->*fill)(pixels.data(), width, b.data());
+      ASSERT_EQ(a, b);
+    }
+  }
+
+  void ExpectSameStore(const double* alphaPlane) {
+    const lx::PlaneRow planes{luma.data(), cr.data(), cb.data(), alphaPlane};
+    std::vector<std::uint16_t> a = pixels;
+    std::vector<std::uint16_t> b = pixels;
+    plain.store(planes, 0.75, kWidth, a.data());
+    vector->store(planes, 0.75, kWidth, b.data());
+    ASSERT_EQ(a, b);
+  }
+
+  const RowKernels& plain;
+  const RowKernels* vector;
+  std::vector<std::uint16_t> pixels;
+  std::vector<double> luma;
+  std::vector<double> cr;
+  std::vector<double> cb;
+  std::vector<double> alpha;
+};
+
+TEST_F(RowKernelBuilds, FillTheSameBits) {
+  if (vector == nullptr) {
+    GTEST_SKIP() << "this processor has no AVX2";
+  }
+  ExpectSameFill(&RowKernels::luma);
+  ExpectSameFill(&RowKernels::cr);
+  ExpectSameFill(&RowKernels::cb);
+  ExpectSameFill(&RowKernels::alpha);
+}
+
+TEST_F(RowKernelBuilds, StoreTheSameSamplesAlsoForWhatIsNoNumber) {
+  if (vector == nullptr) {
+    GTEST_SKIP() << "this processor has no AVX2";
+  }
+  ExpectSameStore(alpha.data());
+}
+
+TEST_F(RowKernelBuilds, LeaveTheSameAlphaAlone) {
+  if (vector == nullptr) {
+    GTEST_SKIP() << "this processor has no AVX2";
+  }
+  ExpectSameStore(nullptr);
+}
+
+TEST_F(RowKernelBuilds, MultiplyToTheSameBits) {
+  if (vector == nullptr) {
+    GTEST_SKIP() << "this processor has no AVX2";
+  }
+  std::mt19937 random(3);
+  constexpr int kCount = 1025;
+  std::vector<double> psf(2 * kCount);
+  std::vector<double> a(2 * kCount);
+  for (int i = 0; i < 2 * kCount; ++i) {
+    psf[i] = random() / 4294967296.0 - 0.5;
+    a[i] = (random() / 4294967296.0 - 0.5) * 1e6;
+  }
+  std::vector<double> b = a;
+  using Complex = double[2];
+  plain.multiply(reinterpret_cast<const Complex*>(psf.data()), reinterpret_cast<Complex*>(a.data()),
+                 kCount);
+  vector->multiply(reinterpret_cast<const Complex*>(psf.data()),
+                   reinterpret_cast<Complex*>(b.data()), kCount);
+  EXPECT_EQ(a, b);
+}
+
+TEST(RowKernels, StoreWhatIsNoNumberAsZeroAndClampTheRest) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const double half = 0.5;
+  for (const double luma : {nan, -3.0, 7.0, 0.25}) {
+    std::uint16_t pixel[4] = {1, 2, 3, 4};
+    lx::PlainRowKernels().store({&luma, &half, &half, nullptr}, 1.0, 1, pixel);
+    const int expected = luma == 7.0 ? 65535 : luma == 0.25 ? 16384 : 0;
+    EXPECT_EQ(expected, pixel[0]) << luma;
+    EXPECT_EQ(4, pixel[3]);
+  }
+}
+
+}  // namespace
