@@ -303,6 +303,29 @@ TEST(Convolve, EmphasisesAlphaOnlyIfAsked) {
   EXPECT_GT(difference / (kWidth * kHeight), 1000);
 }
 
+// Margins repeat what the curve makes of the edge: a constant border, emphasised, stays what
+// it is, whatever lies inside.
+TEST(Convolve, RepeatsTheEdgeAfterTheCurve) {
+  DefocusEngine engine;
+  engine.SetEmphasis(20);
+  engine.BuildShapePsf(40, 40, 1, 4, 4, 0, 6);
+  const Image source = MakeImage(40, 40, 4, 1);
+  for (int y = 0; y < 40; ++y) {
+    for (int x = 0; x < 40; ++x) {
+      const bool border = x < 12 || y < 12 || x >= 28 || y >= 28;
+      std::fill_n(Samples<std::uint16_t>(source) + (y * 40 + x) * 4, 4,
+                  static_cast<std::uint16_t>(border ? 20000 : 60000));
+    }
+  }
+
+  const Image dest = Blur(&engine, source);
+
+  for (int k = 0; k < 40; ++k) {
+    EXPECT_NEAR(20000, Samples<std::uint16_t>(dest)[k * 4], 1);
+    EXPECT_NEAR(20000, Samples<std::uint16_t>(dest)[(39 * 40 + k) * 4 + 1], 1);
+  }
+}
+
 // The plane that the colour transform makes of one pixel.
 TEST(Convolve, MakesItsPlanesWithTheTransformsConstants) {
   DefocusEngine engine;

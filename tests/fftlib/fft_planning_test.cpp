@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "baselib/platform/platform.h"
 #include "fftlib/fftlib.h"
 #include "tests/support/fft_recorder.h"
 #include "tests/support/heap_faults.h"
@@ -118,6 +119,33 @@ TEST_F(Planning, EndsPlansThenGridsThenThreads) {
   expected.insert(expected.end(), 7, "release");
   expected.emplace_back("cleanup");
   EXPECT_EQ(expected, fft.Log());
+}
+
+// Records what a constructor asks for, in one list with the transform library's calls.
+std::vector<std::string> asked;
+
+TEST(EngineConstruction, StartsThreadsThenCountsProcessorsThenLooksForTheVariable) {
+  lx::FftCalls calls = lx::LibraryFftCalls();
+  calls.initThreads = [] {
+    asked.emplace_back("threads");
+    return 1;
+  };
+  lx::Platform platform = lx::SystemPlatform();
+  platform.processorCount = [] {
+    asked.emplace_back("processors");
+    return 1;
+  };
+  platform.hasEnvironmentVariable = [](const char* name) {
+    asked.emplace_back(name);
+    return false;
+  };
+  const lx::ScopedFftCalls scopedCalls(&calls);
+  const lx::ScopedPlatform scopedPlatform(&platform);
+  asked.clear();
+
+  const DefocusEngine engine;
+
+  EXPECT_EQ((Log{"threads", "processors", "LX_USE_FFTW_WISDOM"}), asked);
 }
 
 TEST_F(Planning, SharesThreadsAmongEngines) {
