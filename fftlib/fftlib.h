@@ -242,6 +242,9 @@ class DefocusEngine {
   bool MakePlan(Plan* plan, Create create);
   void FreeGrids();
 
+  // The pass fields of one plane of the source on its way to dest.
+  void SetPlaneParameters(ImageRec* dest, std::uint32_t channelBit);
+
   // One plane from input pass to inverse transform, which leaves it in workSpatial.
   void TransformPlane(PassFunction inputPass);
   void PadRows();

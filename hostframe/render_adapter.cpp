@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "baselib/utils/convert.h"
+#include "hostframe/clip_connections.h"
 #include "library/host_exchange.h"
 #include "library/lx_image.h"
 
@@ -56,12 +57,7 @@ void cGlimmerBlurRender::setTarget(quantel::cPtr<qplugin::iQpluginTarget> newTar
 }
 
 void cGlimmerBlurRender::setInputs(quantel::cPtr<qplugin::iQpluginInputs> inputs) {
-  if (inputs) {
-    sourceClip = inputs->mainInput();
-    effect.sourcePort.clip = &sourceClip;
-    spreadClip = inputs->namedInput(keySpread);
-    effect.spreadPort.clip = &spreadClip;
-  }
+  ConnectClips(inputs, &sourceClip, &spreadClip, &effect);
   inputs.Reset();
 }
 

@@ -1,5 +1,7 @@
 #include "hostframe/ui_adapter.h"
 
+#include "hostframe/clip_connections.h"
+
 namespace allplugins {
 
 cGlimmerBlurUI::cGlimmerBlurUI() { effect.zoom = 1.0F; }
@@ -15,12 +17,7 @@ quantel::cGuid cGlimmerBlurUI::renderGuid() { return renderClassGuid; }
 quantel::wstring cGlimmerBlurUI::moduleText() { return savedModuleText; }
 
 void cGlimmerBlurUI::setInputs(quantel::cPtr<qplugin::iQpluginInputs> inputs) {
-  if (inputs) {
-    sourceClip = inputs->mainInput();
-    effect.sourcePort.clip = &sourceClip;
-    spreadClip = inputs->namedInput(keySpread);
-    effect.spreadPort.clip = &spreadClip;
-  }
+  ConnectClips(inputs, &sourceClip, &spreadClip, &effect);
   inputs.Reset();
 }
 

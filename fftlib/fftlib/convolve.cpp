@@ -34,12 +34,7 @@ bool DefocusEngine::ConvolveFftw(ImageRec* dest, std::uint32_t channelMask) {
     if ((channelMask & bit) == 0) {
       continue;
     }
-    passChannelBit = bit;
-    passDest = dest;
-    passSource = sourceImage;
-    passIsPsf = false;
-    passEdgeMode = edgeMode;
-    passTarget = workSpatial;
+    SetPlaneParameters(dest, bit);
     TransformPlane(PlaneInputPass);
     if (c < 3) {
       if (!PrepareResult(results[c])) {
@@ -51,6 +46,15 @@ bool DefocusEngine::ConvolveFftw(ImageRec* dest, std::uint32_t channelMask) {
   passTarget = workSpatial;
   RunRows(PictureOutputPass, dest->height);
   return true;
+}
+
+void DefocusEngine::SetPlaneParameters(ImageRec* dest, std::uint32_t channelBit) {
+  passChannelBit = channelBit;
+  passDest = dest;
+  passSource = sourceImage;
+  passIsPsf = false;
+  passEdgeMode = edgeMode;
+  passTarget = workSpatial;
 }
 
 void DefocusEngine::TransformPlane(PassFunction inputPass) {

@@ -17,13 +17,8 @@ bool DefocusEngine::ConvolveChannelsFftw(ImageRec* dest, std::uint32_t channelMa
     if ((channelMask & bit) == 0) {
       continue;
     }
-    passChannelBit = bit;
+    SetPlaneParameters(dest, bit);
     passChannel = c;
-    passDest = dest;
-    passSource = sourceImage;
-    passIsPsf = false;
-    passEdgeMode = edgeMode;
-    passTarget = workSpatial;
     // Intended: the work grids are not cleared between channels; with margins of zero
     // they hold what the channel before left there.
     TransformPlane(ChannelInputPass);
