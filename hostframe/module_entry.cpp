@@ -13,8 +13,9 @@ namespace {
 template <class Adapter>
 void RegisterClass() {
   using Ctor = allplugins::cClassCtor<Adapter>;
-  const quantel::cPtr<quantel::iFactory::iConstructor> ctor(new (std::nothrow) Ctor);
-  allplugins::registrations.push_back(quantel::gFactory->registerClass(ctor));
+  // The constructor goes straight into the argument, so that the factory meets a count of 1.
+  allplugins::registrations.push_back(quantel::gFactory->registerClass(
+      quantel::cPtr<quantel::iFactory::iConstructor>(new (std::nothrow) Ctor)));
 }
 
 }  // namespace

@@ -61,6 +61,7 @@ TEST_F(ModuleEntry, LetsGoOfTheModuleBeforeItReturns) {
 TEST_F(ModuleEntry, HandsOverConstructorsThatTheFactoryAndItsRegistrationHold) {
   moduleInit(cPtr<qplugin::iQpluginModule>(new FakeModule(&host.log)));
 
+  EXPECT_EQ((std::vector<int>{1, 1}), host.factory->countsAtRegistration);
   for (const auto& ctor : host.factory->classes) {
     EXPECT_EQ(2, ctor.RefCount()->Count());
   }

@@ -291,6 +291,7 @@ class FakeFactory final : public quantel::iFactory, public quantel::cRefCount {
 
   // Constructors in the factory at the moment, in the order of registration.
   std::vector<cPtr<iConstructor>> classes;
+  std::vector<int> countsAtRegistration;  // of each constructor as it came
   cPtr<FakeSink> sink;
   const void* lastDestroyed = nullptr;
   std::function<void(const cPtr<iConstructor>&)> onRemove;
@@ -324,6 +325,9 @@ class FakeFactory::Registrar final : public quantel::iRegistrar, public quantel:
 
 inline cPtr<quantel::cRegistration> FakeFactory::registerClass(cPtr<iConstructor> constructor) {
   log_->Add(constructor ? "registerClass" : "registerClass(null)");
+  if (constructor) {
+    countsAtRegistration.push_back(constructor.RefCount()->Count());
+  }
   classes.push_back(constructor);
   const cPtr<quantel::cRegistration> registration(
       new quantel::cRegistration(cPtr<quantel::iRegistrar>(new Registrar(this)), constructor));
