@@ -23,6 +23,10 @@ struct Platform {
 
   // Whether the environment has a variable of that name, an empty one included.
   bool (*hasEnvironmentVariable)(const char* name);
+
+  // Keeps the shared library that holds a function in the process for good, also when
+  // everything that uses it is unloaded. Does nothing for one that cannot be found.
+  void (*keepLoaded)(void (*function)());
 };
 
 // This system's operations. The table lives as long as the process.

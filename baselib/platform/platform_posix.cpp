@@ -1,3 +1,4 @@
+#include <dlfcn.h>
 #include <sched.h>
 #include <unistd.h>
 
@@ -24,6 +25,14 @@ std::int32_t PageSize() { return static_cast<std::int32_t>(sysconf(_SC_PAGESIZE)
 
 bool HasEnvironmentVariable(const char* name) { return std::getenv(name) != nullptr; }
 
+void KeepLoaded(void (*function)()) {
+  Dl_info info;
+  if (dladdr(reinterpret_cast<void*>(function), &info) != 0 && info.dli_fname != nullptr) {
+    // The handle is not kept: what matters is that the library is marked.
+    (void)dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
+  }
+}
+
 void* Allocate(std::size_t size) { return std::malloc(size); }
 
 void Release(void* block) { std::free(block); }
@@ -37,6 +46,7 @@ const Platform& SystemPlatform() {
       .processorCount = ProcessorCount,
       .pageSize = PageSize,
       .hasEnvironmentVariable = HasEnvironmentVariable,
+      .keepLoaded = KeepLoaded,
   };
   return kTable;
 }

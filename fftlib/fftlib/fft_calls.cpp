@@ -4,6 +4,8 @@
 
 #include <atomic>
 
+#include "baselib/platform/platform.h"
+
 namespace lx {
 namespace {
 
@@ -66,6 +68,9 @@ std::mutex& FftPlannerLock() {
 unsigned AcquireFftThreads() {
   const std::scoped_lock hold(FftPlannerLock());
   if (engines == 0) {
+    // Ending the threads does not wait for their last instructions, so the library must
+    // stay where it is even if the module that brought it is unloaded right away.
+    GetPlatform().keepLoaded(reinterpret_cast<void (*)()>(&fftw_init_threads));
     threadsReady = static_cast<unsigned>(GetFftCalls().initThreads());
   }
   ++engines;

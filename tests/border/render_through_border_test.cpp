@@ -209,6 +209,23 @@ TEST(RenderThroughBorder, RendersOnAfterAPageHasGone) {
   EXPECT_EQ(before, connections.Out());
 }
 
+// The transform library's threads may still be on their last instructions when the module
+// goes: unmapped under them, the process would die now and then.
+TEST(RenderThroughBorder, LeavesTheTransformLibraryWhereItsThreadsAre) {
+  FakeHost host;
+  LoadedModule module(&host);
+  { const auto render = MakeRender(host); }
+  module.Unload();
+  ASSERT_FALSE(LoadedModule::IsResident());
+
+  void* library = dlopen("libfftw3_threads.so.3", RTLD_NOW | RTLD_NOLOAD);
+
+  EXPECT_NE(nullptr, library);
+  if (library != nullptr) {
+    dlclose(library);
+  }
+}
+
 TEST(RenderThroughBorder, LoadsRendersAndUnloadsAgainAndAgain) {
   for (int i = 0; i < 20; ++i) {
     FakeHost host;

@@ -40,7 +40,13 @@ bool HasEnvironmentVariable(const char* /*name*/) { return environment; }
 }  // namespace
 
 HeapFaults::HeapFaults()
-    : table_{Allocate, Release, ProcessorCount, PageSize, HasEnvironmentVariable}, scope_(&table_) {
+    : table_{Allocate,
+             Release,
+             ProcessorCount,
+             PageSize,
+             HasEnvironmentVariable,
+             lx::SystemPlatform().keepLoaded},
+      scope_(&table_) {
   allocations = 0;
   alive = 0;
   refuseAt = 0;
