@@ -10,10 +10,21 @@
 
 namespace lx {
 
+// What the system hands out. Null stands for none.
+using ThreadHandle = void*;
+using EventHandle = void*;
+
+// A thread's start function. The result is the thread's exit code.
+using ThreadStart = std::uint32_t (*)(void* argument);
+
 struct Platform {
+  // --- Memory ---
+
   // The general heap, as the C runtime gives it; null where memory has run out.
   void* (*allocate)(std::size_t size);
   void (*release)(void* block);
+
+  // --- The machine ---
 
   // Processors that this process may run on. May answer 0 or less; callers raise it.
   std::int32_t (*processorCount)();
@@ -27,7 +38,87 @@ struct Platform {
   // Keeps the shared library that holds a function in the process for good, also when
   // everything that uses it is unloaded. Does nothing for one that cannot be found.
   void (*keepLoaded)(void (*function)());
+
+  // A counter that never goes back, and how often a second it counts.
+  std::int64_t (*counter)();
+  std::int64_t (*counterFrequency)();
+
+  // The calling thread's last error of the system, 0 for none, and the text of an error:
+  // at most size - 1 bytes and a terminating zero, empty for an error without a text.
+  std::uint32_t (*lastError)();
+  void (*errorText)(std::uint32_t error, char* text, std::size_t size);
+
+  // --- Threads ---
+
+  // Starts a thread. The id is above 0. The handle is closed with closeThread.
+  // Null where the system has no thread to give.
+  //   stackBytes  the size of its stack
+  //   flags       0: it runs at once
+  ThreadHandle (*beginThread)(std::uint32_t stackBytes, ThreadStart start, void* argument,
+                              std::uint32_t flags, std::uint32_t* threadId);
+
+  // A thread's last act before its start function returns.
+  void (*endThread)(std::uint32_t exitCode);
+
+  // Ends another thread and returns when it has ended. Where the system cannot end a
+  // thread from outside, the thread leaves at the event that it waits for, now or next:
+  // see waitForEvents. False where that cannot be done.
+  bool (*terminateThread)(ThreadHandle thread, std::uint32_t exitCode);
+
+  // Gives a handle back. May wait for the thread to end.
+  bool (*closeThread)(ThreadHandle thread);
+
+  // Stands for the calling thread, whichever that is. Not to be closed.
+  ThreadHandle (*currentThread)();
+
+  // Priorities count from 0, the ordinary one; -15 is idle. A system on which a thread
+  // could starve, or never rise again, only keeps the number.
+  std::int32_t (*threadPriority)(ThreadHandle thread);
+  bool (*setThreadPriority)(ThreadHandle thread, std::int32_t priority);
+  bool (*setThreadPriorityBoost)(ThreadHandle thread, bool disabled);
+
+  // Whether threads of this module can be awaited while it is unloaded.
+  bool threadsEndAtUnload;
+
+  // --- One word for each thread ---
+
+  // A slot, in which every thread starts with null. kNoThreadSlot where none is left.
+  std::uint32_t (*allocateThreadSlot)();
+  void (*releaseThreadSlot)(std::uint32_t slot);
+  bool (*setThreadSlot)(std::uint32_t slot, void* value);
+  void* (*threadSlot)(std::uint32_t slot);
+
+  // --- Events: set by hand, reset by hand, made unset ---
+
+  EventHandle (*createEvent)();
+  void (*destroyEvent)(EventHandle event);
+  void (*setEvent)(EventHandle event);
+  void (*resetEvent)(EventHandle event);
+
+  // Waits until all of the events are set. False where the calling thread was told to
+  // end instead; it then leaves without touching anything it shares.
+  bool (*waitForEvents)(std::uint32_t count, const EventHandle* events);
+
+  // --- Critical sections: recursive locks in memory of the caller's ---
+
+  std::size_t lockBytes;
+  void (*initializeLock)(void* lock);
+  void (*destroyLock)(void* lock);
+  void (*enterLock)(void* lock);
+  void (*leaveLock)(void* lock);
+
+  // --- The floating-point control word of the calling thread ---
+
+  // Rounding, precision, exception masks and flushing of denormals as one word; flags
+  // that arithmetic raises are not in it.
+  std::uint32_t (*floatControl)();
+  void (*setFloatControl)(std::uint32_t word);
+
+  // Sets the precision of x87 arithmetic to its full 64-bit mantissa. Nothing elsewhere.
+  void (*extendFloatPrecision)();
 };
+
+inline constexpr std::uint32_t kNoThreadSlot = 0xFFFFFFFF;
 
 // This system's operations. The table lives as long as the process.
 const Platform& SystemPlatform();

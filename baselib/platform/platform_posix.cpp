@@ -2,9 +2,15 @@
 #include <sched.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <ctime>
 
+#include "baselib/platform/float_control.h"
 #include "baselib/platform/platform.h"
+#include "baselib/platform/posix_threads.h"
 
 namespace lx {
 namespace {
@@ -33,6 +39,23 @@ void KeepLoaded(void (*function)()) {
   }
 }
 
+constexpr std::int64_t kNanoseconds = 1000000000;  // in a second
+
+std::int64_t Counter() {
+  timespec now;
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return now.tv_sec * kNanoseconds + now.tv_nsec;
+}
+
+std::int64_t CounterFrequency() { return kNanoseconds; }
+
+std::uint32_t LastError() { return static_cast<std::uint32_t>(errno); }
+
+void ErrorText(std::uint32_t error, char* text, std::size_t size) {
+  char scratch[256];
+  std::snprintf(text, size, "%s", strerror_r(static_cast<int>(error), scratch, sizeof scratch));
+}
+
 void* Allocate(std::size_t size) { return std::malloc(size); }
 
 void Release(void* block) { std::free(block); }
@@ -47,6 +70,36 @@ const Platform& SystemPlatform() {
       .pageSize = PageSize,
       .hasEnvironmentVariable = HasEnvironmentVariable,
       .keepLoaded = KeepLoaded,
+      .counter = Counter,
+      .counterFrequency = CounterFrequency,
+      .lastError = LastError,
+      .errorText = ErrorText,
+      .beginThread = posix::BeginThread,
+      .endThread = posix::EndThread,
+      .terminateThread = posix::TerminateThread,
+      .closeThread = posix::CloseThread,
+      .currentThread = posix::CurrentThread,
+      .threadPriority = posix::ThreadPriority,
+      .setThreadPriority = posix::SetThreadPriority,
+      .setThreadPriorityBoost = posix::SetThreadPriorityBoost,
+      .threadsEndAtUnload = true,
+      .allocateThreadSlot = posix::AllocateThreadSlot,
+      .releaseThreadSlot = posix::ReleaseThreadSlot,
+      .setThreadSlot = posix::SetThreadSlot,
+      .threadSlot = posix::ThreadSlot,
+      .createEvent = posix::CreateEvent,
+      .destroyEvent = posix::DestroyEvent,
+      .setEvent = posix::SetEvent,
+      .resetEvent = posix::ResetEvent,
+      .waitForEvents = posix::WaitForEvents,
+      .lockBytes = posix::kLockBytes,
+      .initializeLock = posix::InitializeLock,
+      .destroyLock = posix::DestroyLock,
+      .enterLock = posix::EnterLock,
+      .leaveLock = posix::LeaveLock,
+      .floatControl = FloatControl,
+      .setFloatControl = SetFloatControl,
+      .extendFloatPrecision = ExtendFloatPrecision,
   };
   return kTable;
 }

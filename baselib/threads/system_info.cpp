@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "baselib/platform/platform.h"
+#include "baselib/threads/module_state.h"
 
 namespace lx {
 
@@ -10,6 +11,12 @@ std::uint32_t get_processor_count() {
   return static_cast<std::uint32_t>(std::max(GetPlatform().processorCount(), 1));
 }
 
-std::int32_t get_page_size() { return std::max(GetPlatform().pageSize(), 512); }
+std::int32_t get_page_size() {
+  std::atomic<std::int32_t>& size = system_state().pageSize;
+  if (size < 0) {
+    size = std::max(GetPlatform().pageSize(), 512);
+  }
+  return size;
+}
 
 }  // namespace lx

@@ -8,7 +8,7 @@ namespace lx {
 // Processors that this process may run on, at least 1. Asked anew at each call.
 std::uint32_t get_processor_count();
 
-// The system's page size in bytes, at least 512. The default alignment of blocks.
+// The system's page size in bytes, at least 512. Asked once. The default alignment of blocks.
 std::int32_t get_page_size();
 
 }  // namespace lx

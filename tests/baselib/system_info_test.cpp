@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sched.h>
 
+#include "tests/support/fresh_services.h"
 #include "tests/support/heap_faults.h"
 
 namespace {
@@ -35,10 +36,18 @@ TEST(ProcessorCount, FollowsTheAffinityOfTheProcess) {
 }
 
 TEST(PageSize, IsNeverBelow512) {
+  const lx_test::FreshServices fresh;
   lx_test::HeapFaults platform;
   platform.SetPageSize(256);
   EXPECT_EQ(512, lx::get_page_size());
+}
+
+TEST(PageSize, IsAskedOnce) {
+  const lx_test::FreshServices fresh;
+  lx_test::HeapFaults platform;
   platform.SetPageSize(8192);
+  EXPECT_EQ(8192, lx::get_page_size());
+  platform.SetPageSize(16384);
   EXPECT_EQ(8192, lx::get_page_size());
 }
 

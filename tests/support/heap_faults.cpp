@@ -39,14 +39,12 @@ bool HasEnvironmentVariable(const char* /*name*/) { return environment; }
 
 }  // namespace
 
-HeapFaults::HeapFaults()
-    : table_{Allocate,
-             Release,
-             ProcessorCount,
-             PageSize,
-             HasEnvironmentVariable,
-             lx::SystemPlatform().keepLoaded},
-      scope_(&table_) {
+HeapFaults::HeapFaults() : table_(lx::SystemPlatform()), scope_(&table_) {
+  table_.allocate = Allocate;
+  table_.release = Release;
+  table_.processorCount = ProcessorCount;
+  table_.pageSize = PageSize;
+  table_.hasEnvironmentVariable = HasEnvironmentVariable;
   allocations = 0;
   alive = 0;
   refuseAt = 0;

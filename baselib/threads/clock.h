@@ -1,0 +1,9 @@
+// The clock of the base services.
+#pragma once
+
+namespace lx {
+
+// Seconds since an arbitrary start. Never goes back.
+double get_seconds();
+
+}  // namespace lx

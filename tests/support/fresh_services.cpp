@@ -1,0 +1,29 @@
+#include "tests/support/fresh_services.h"
+
+#include "baselib/threads/module_state.h"
+
+namespace lx_test {
+
+void ForgetServices() {
+  lx::mp_end_workers();
+  lx::PoolState& pool = lx::pool_state();
+  pool.ways = 0;
+  pool.defaultWays = 1;
+  pool.threadCount = 0;
+  // Rows that a failed spawn has lost are free again.
+  for (lx::MPThreadSlot& row : pool.threads) {
+    row.in_use = 0;
+    row.thread_id = 0;
+  }
+  pool.floatControl = 0;
+  pool.lastWorkerPriority = -1;
+  lx::SystemState& system = lx::system_state();
+  system.pageSize = -1;
+  system.counterPeriod = -1.0;
+  system.counterFrequency = -1.0;
+}
+
+FreshServices::FreshServices() { ForgetServices(); }
+FreshServices::~FreshServices() { ForgetServices(); }
+
+}  // namespace lx_test
