@@ -207,6 +207,7 @@ class DefocusEngine {
   ImageRec* passDest = nullptr;
   std::uint32_t passChannelBit = 0;
   std::int32_t passChannel = 0;  // the stored channel in work of ConvolveChannels
+  double* passKept = nullptr;    // grid that keeps the plane before the one in work
   std::int32_t edgeMode = kEdgeReplicate;
   ImageRec* psfMask = nullptr;          // owned; the mask that the builders draw
   std::atomic<std::int32_t> status{0};  // last error, until a pass clears it
@@ -247,8 +248,6 @@ class DefocusEngine {
 
   // One plane from input pass to inverse transform, which leaves it in workSpatial.
   void TransformPlane(PassFunction inputPass);
-  void PadRows();
-  void KeepPlane(double* result) const;
 
   // The side for which the grids and plans were made. Runs need it to equal the padded
   // size, which other operations may have moved on.

@@ -5,6 +5,7 @@
 
 #include "baselib/utils/convert.h"
 #include "fftlib/fftlib.h"
+#include "fftlib/fftlib/edge_rows.h"
 #include "fftlib/fftlib/passes.h"
 #include "fftlib/fftlib/sample_types.h"
 
@@ -110,6 +111,9 @@ void RunChannelRows(DefocusEngine* engine, RowFunction rowFunction, std::int32_t
 
 void ChannelInputPass(DefocusEngine* engine, std::int32_t first, std::int32_t last) {
   RunChannelRows(engine, kInputRow[engine->passSource->sampleType], first, last);
+  if (engine->passEdgeMode == kEdgeReplicate) {
+    RepeatEdgeRows(engine, first, last);
+  }
 }
 
 void ChannelOutputPass(DefocusEngine* engine, std::int32_t first, std::int32_t last) {

@@ -5,6 +5,7 @@
 
 #include "fftlib/fftlib.h"
 #include "fftlib/fftlib/colour_transform.h"
+#include "fftlib/fftlib/edge_rows.h"
 #include "fftlib/fftlib/emphasis.h"
 #include "fftlib/fftlib/passes.h"
 #include "fftlib/fftlib/row_kernels.h"
@@ -146,6 +147,17 @@ void InputRow(const DefocusEngine& engine, std::int32_t y) {
 
 }  // namespace
 
+void KeepRows(const DefocusEngine& engine, std::int32_t first, std::int32_t last) {
+  if (engine.passKept == nullptr) {
+    return;
+  }
+  for (std::int32_t y = first; y <= last; ++y) {
+    const std::ptrdiff_t start =
+        static_cast<std::ptrdiff_t>(engine.offsetY + y) * engine.paddedWidth + engine.offsetX;
+    std::copy_n(engine.workSpatial + start, engine.frameWidth, engine.passKept + start);
+  }
+}
+
 void PsfInputPass(DefocusEngine* engine, std::int32_t first, std::int32_t last) {
   engine->status.store(kStatusOk, std::memory_order_relaxed);
   const ImageRec& mask = *engine->passSource;
@@ -160,27 +172,30 @@ void PsfInputPass(DefocusEngine* engine, std::int32_t first, std::int32_t last) 
 }
 
 // The grid still holds the plane before. A row that a cancelled pass does not reach, and
-// margins of zero, are therefore cleared here: by the range that they belong to, the rows
-// above and below the frame by those of its first and last row.
+// margins of zero, are therefore cleared here, by the range that they belong to.
 void PlaneInputPass(DefocusEngine* engine, std::int32_t first, std::int32_t last) {
   engine->status.store(kStatusOk, std::memory_order_relaxed);
   if (first > last) {
     return;
   }
-  if (engine->passEdgeMode != kEdgeReplicate) {
-    const std::int32_t height = engine->passSource->height;
-    if (first == 0) {
-      ClearGridRows(*engine, 0, engine->offsetY);
-    }
-    if (last == height - 1) {
-      ClearGridRows(*engine, engine->offsetY + height, engine->paddedHeight);
-    }
-  }
   std::int32_t y = first;
   for (; y <= last && !engine->CancelRequested(); ++y) {
+    KeepRows(*engine, y, y);
     InputRow(*engine, y);
   }
+  KeepRows(*engine, y, last);
   ClearGridRows(*engine, engine->offsetY + y, engine->offsetY + last + 1);
+  if (engine->passEdgeMode == kEdgeReplicate) {
+    RepeatEdgeRows(engine, first, last);
+    return;
+  }
+  const std::int32_t height = engine->passSource->height;
+  if (first == 0) {
+    ClearGridRows(*engine, 0, engine->offsetY);
+  }
+  if (last == height - 1) {
+    ClearGridRows(*engine, engine->offsetY + height, engine->paddedHeight);
+  }
 }
 
 }  // namespace lx

@@ -12,8 +12,13 @@ class DefocusEngine;
 void PsfInputPass(DefocusEngine* engine, std::int32_t first, std::int32_t last);
 
 // One plane (passChannelBit: luma, Cr, Cb, alpha) of source rows into grid rows,
-// left and right margins included.
+// margins included. What workSpatial holds of the plane before goes to passKept first.
 void PlaneInputPass(DefocusEngine* engine, std::int32_t first, std::int32_t last);
+
+// The frame's rectangle of workSpatial, of which the output pass reads nothing else, into
+// passKept. A pass does it, row by row before a row is overwritten, because every way can
+// then take part; nothing where passKept is null.
+void KeepRows(const DefocusEngine& engine, std::int32_t first, std::int32_t last);
 
 // psfSpectrum times workSpectrum into workSpectrum, row by row. It has no cancel poll.
 void MultiplyPass(DefocusEngine* engine, std::int32_t first, std::int32_t last);

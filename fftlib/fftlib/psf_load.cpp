@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <numeric>
 
 #include "baselib/utils/heap.h"
@@ -17,33 +16,50 @@ std::int64_t PaddedSide(std::int32_t side, std::int32_t margin) {
   return NextPowerOfTwo(side + 2 * std::int64_t{std::max(margin, 0)});
 }
 
-// Rotates a row left by half, scaling it. The line holds a row.
-void ScaleAndRotateRow(double* row, std::int32_t width, double scale, double* line) {
+// One sum for every eighth sample: one sum alone would wait for its last addition. The
+// order is fixed, so the result does not depend on the machine.
+double SumOf(const double* samples, std::ptrdiff_t count) {
+  constexpr std::ptrdiff_t kSums = 8;
+  double sums[kSums] = {};
+  std::ptrdiff_t i = 0;
+  for (; i + kSums <= count; i += kSums) {
+    for (std::ptrdiff_t s = 0; s < kSums; ++s) {
+      sums[s] += samples[i + s];
+    }
+  }
+  for (; i < count; ++i) {
+    sums[0] += samples[i];
+  }
+  return std::accumulate(sums, sums + kSums, 0.0);
+}
+
+// A row rotated left by half and scaled, into another row.
+void ScaleAndRotateRow(const double* from, double* to, std::int32_t width, double scale) {
   const std::int32_t half = width / 2;
-  std::copy(row, row + width, line);
   for (std::int32_t x = 0; x < width - half; ++x) {
-    row[x] = line[x + half] * scale;
+    to[x] = from[x + half] * scale;
   }
   for (std::int32_t x = width - half; x < width; ++x) {
-    row[x] = line[x + half - width] * scale;
+    to[x] = from[x + half - width] * scale;
   }
 }
 
-// Rotates the rows up by half. Whole rows move, along the cycles of the rotation: going
-// down columns of a large grid would miss the cache at every sample.
-void RotateRows(double* buffer, std::int32_t width, std::int32_t height, double* line) {
+// Every row, rotated and scaled, moves up by half the height, along the cycles of that
+// move: each row is read and written once. Going down columns would miss the cache at
+// every sample. The line holds a row.
+void ScaleAndRotate(double* buffer, std::int32_t width, std::int32_t height, double scale,
+                    double* line) {
   const std::int32_t half = height / 2;
   const auto row = [&](std::int32_t y) { return buffer + static_cast<std::ptrdiff_t>(y) * width; };
-  const std::size_t bytes = static_cast<std::size_t>(width) * sizeof(double);
-  const std::int32_t cycles = half == 0 ? 0 : std::gcd(height, half);
+  const std::int32_t cycles = std::gcd(height, half);  // the height itself where half is 0
   for (std::int32_t start = 0; start < cycles; ++start) {
-    std::memcpy(line, row(start), bytes);
+    std::copy_n(row(start), width, line);
     std::int32_t y = start;
     for (std::int32_t next = (y + half) % height; next != start; next = (y + half) % height) {
-      std::memcpy(row(y), row(next), bytes);
+      ScaleAndRotateRow(row(next), row(y), width, scale);
       y = next;
     }
-    std::memcpy(row(y), line, bytes);
+    ScaleAndRotateRow(line, row(y), width, scale);
   }
 }
 
@@ -98,17 +114,9 @@ std::int32_t DefocusEngine::NormaliseAndShiftPsf(double* buffer, std::int32_t wi
   if (line == nullptr) {
     return kStatusNoMemory;
   }
-  const std::ptrdiff_t samples = static_cast<std::ptrdiff_t>(width) * height;
-  double sum = 0.0;
-  for (std::ptrdiff_t i = 0; i < samples; ++i) {
-    sum += buffer[i];
-  }
   // Intended: no guard. A buffer of zeros becomes not-a-number throughout.
-  const double scale = 1.0 / sum;
-  for (std::int32_t y = 0; y < height; ++y) {
-    ScaleAndRotateRow(buffer + static_cast<std::ptrdiff_t>(y) * width, width, scale, line);
-  }
-  RotateRows(buffer, width, height, line);
+  const double scale = 1.0 / SumOf(buffer, static_cast<std::ptrdiff_t>(width) * height);
+  ScaleAndRotate(buffer, width, height, scale, line);
   lx_free(line);
   return kStatusOk;
 }
