@@ -6,7 +6,7 @@
 #include "fftlib/fftlib.h"
 #include "fftlib/fftlib/colour_transform.h"
 #include "fftlib/fftlib/edge_rows.h"
-#include "fftlib/fftlib/emphasis.h"
+#include "fftlib/fftlib/emphasis_curve.h"
 #include "fftlib/fftlib/passes.h"
 #include "fftlib/fftlib/row_kernels.h"
 #include "fftlib/fftlib/sample_types.h"
@@ -19,15 +19,6 @@ constexpr double kMaskScale = 0.003921568859368563;
 double Luma(double r, double g, double b) { return kLumaB * b + kLumaG * g + kLumaR * r; }
 double Cr(double r, double g, double b) { return kCrR * r + kCrG * g + kCrB * b + 0.5; }
 double Cb(double r, double g, double b) { return kCbR * r + kCbG * g + kCbB * b + 0.5; }
-
-void Emphasise(double* row, std::int32_t width, double g) {
-  if (!HasEmphasis(g)) {
-    return;
-  }
-  for (std::int32_t x = 0; x < width; ++x) {
-    row[x] = ApplyEmphasisD(row[x], g);
-  }
-}
 
 template <class Sample, class Formula>
 void FillFromColour(const Sample* pixels, std::int32_t width, std::int32_t channels,
@@ -115,8 +106,15 @@ void ClearGridRows(const DefocusEngine& engine, std::int32_t first, std::int32_t
   std::fill(GridRow(engine, first), GridRow(engine, end), 0.0);
 }
 
+// The curve of the plane in work; chroma has none.
+EmphasisCurve PlaneCurve(const DefocusEngine& engine) {
+  const bool curved = engine.passChannelBit == kBitLuma ||
+                      (engine.passChannelBit == kBitAlpha && engine.emphasisAlpha);
+  return curved ? MakeEmphasisCurve(engine.emphasis) : EmphasisCurve{};
+}
+
 // One grid row of a plane. Float samples are not read, and give a row of zeros.
-void InputRow(const DefocusEngine& engine, std::int32_t y) {
+void InputRow(const DefocusEngine& engine, const EmphasisCurve& curve, std::int32_t y) {
   double* gridRow = GridRow(engine, engine.offsetY + y);
   double* frameRow = gridRow + engine.offsetX;
   const std::int32_t width = engine.passSource->width;
@@ -134,9 +132,8 @@ void InputRow(const DefocusEngine& engine, std::int32_t y) {
       std::fill(frameRow, frameRow + width, 0.0);
       break;
   }
-  if (engine.passChannelBit == kBitLuma ||
-      (engine.passChannelBit == kBitAlpha && engine.emphasisAlpha)) {
-    Emphasise(frameRow, width, engine.emphasis);
+  if (curve.on) {
+    GetRowKernels().applyCurve(curve, width, frameRow);
   }
   if (engine.passEdgeMode == kEdgeReplicate) {
     PadColumns(engine, gridRow, frameRow[0], frameRow[width - 1]);
@@ -178,10 +175,11 @@ void PlaneInputPass(DefocusEngine* engine, std::int32_t first, std::int32_t last
   if (first > last) {
     return;
   }
+  const EmphasisCurve curve = PlaneCurve(*engine);
   std::int32_t y = first;
   for (; y <= last && !engine->CancelRequested(); ++y) {
     KeepRows(*engine, y, y);
-    InputRow(*engine, y);
+    InputRow(*engine, curve, y);
   }
   KeepRows(*engine, y, last);
   ClearGridRows(*engine, engine->offsetY + y, engine->offsetY + last + 1);

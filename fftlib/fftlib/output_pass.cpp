@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
@@ -5,7 +6,7 @@
 #include "baselib/utils/convert.h"
 #include "fftlib/fftlib.h"
 #include "fftlib/fftlib/colour_transform.h"
-#include "fftlib/fftlib/emphasis.h"
+#include "fftlib/fftlib/emphasis_curve.h"
 #include "fftlib/fftlib/passes.h"
 #include "fftlib/fftlib/row_kernels.h"
 #include "fftlib/fftlib/sample_types.h"
@@ -32,65 +33,59 @@ std::uint32_t StoreAlpha(double value) {
   return StoreUnit<std::uint32_t>(value) & 0xFFFFU;
 }
 
-// What a row of the output needs beside its planes.
-struct RowScale {
-  double scale;  // of the planes: 1 / (N * N)
-  double emphasis;
-};
-
-// Curved: whether the inverse curve is in force.
-template <bool Curved, class Sample>
-void StoreColourRow(const PlaneRow& planes, const RowScale& by, std::int32_t width,
-                    std::int32_t channels, Sample* pixels) {
-  for (std::int32_t x = 0; x < width; ++x, pixels += channels) {
-    double y = by.scale * planes.luma[x];
-    if constexpr (Curved) {
-      y = UndoEmphasisD(y, by.emphasis);
-    }
-    const double cr = by.scale * planes.cr[x] - 0.5;
-    const double cb = by.scale * planes.cb[x] - 0.5;
-    pixels[0] = StoreUnit<Sample>(y + kRCr * cr);
-    pixels[1] = StoreUnit<Sample>(kGY * y - kGCr * cr - kGCb * cb);
-    pixels[2] = StoreUnit<Sample>(kBY * y + kBCb * cb);
-  }
-}
-
-template <bool Curved, class Sample>
-void StoreAlphaRow(const double* plane, const RowScale& by, std::int32_t width,
-                   std::int32_t channels, Sample* pixels) {
-  for (std::int32_t x = 0; x < width; ++x, pixels += channels) {
-    double alpha = by.scale * plane[x];
-    if constexpr (Curved) {
-      alpha = UndoEmphasisD(alpha, by.emphasis);
-    }
-    pixels[3] = StoreAlpha<Sample>(alpha);
-  }
-}
-
 template <class Sample>
-void OutputRow(const DefocusEngine& engine, std::int32_t y) {
-  ImageRec* dest = engine.passDest;
-  const std::ptrdiff_t start =
-      static_cast<std::ptrdiff_t>(engine.offsetY + y) * engine.paddedWidth + engine.offsetX;
-  const double side = engine.paddedWidth;
-  const RowScale by{1.0 / (side * side), engine.emphasis};
-  const bool curved = HasEmphasis(by.emphasis);
-  Sample* pixels = SampleRow<Sample>(dest, y);
-  const bool withAlpha = (engine.passChannelBit & kBitAlpha) != 0;
-  const PlaneRow planes{engine.lumaResult + start, engine.crResult + start, engine.cbResult + start,
-                        withAlpha ? engine.passTarget + start : nullptr};
+void StoreRow(const PlaneRow& planes, const PlaneScale& scale, std::int32_t width,
+              std::int32_t channels, Sample* pixels) {
   if constexpr (std::is_same_v<Sample, std::uint16_t>) {
-    if (!curved && dest->channels == 4) {
-      GetRowKernels().store(planes, by.scale, dest->width, pixels);
+    if (channels == 4) {
+      GetRowKernels().store(planes, scale, width, pixels);
       return;
     }
   }
-  const auto storeColour = curved ? StoreColourRow<true, Sample> : StoreColourRow<false, Sample>;
-  storeColour(planes, by, dest->width, dest->channels, pixels);
-  if (withAlpha) {
-    const auto storeAlpha =
-        curved && engine.emphasisAlpha ? StoreAlphaRow<true, Sample> : StoreAlphaRow<false, Sample>;
-    storeAlpha(planes.alpha, by, dest->width, dest->channels, pixels);
+  for (std::int32_t x = 0; x < width; ++x, pixels += channels) {
+    const double y = scale.luma * planes.luma[x];
+    const double cr = scale.chroma * planes.cr[x] - 0.5;
+    const double cb = scale.chroma * planes.cb[x] - 0.5;
+    pixels[0] = StoreUnit<Sample>(y + kRCr * cr);
+    pixels[1] = StoreUnit<Sample>(kGY * y - kGCr * cr - kGCb * cb);
+    pixels[2] = StoreUnit<Sample>(kBY * y + kBCb * cb);
+    if (planes.alpha != nullptr) {
+      pixels[3] = StoreAlpha<Sample>(scale.alpha * planes.alpha[x]);
+    }
+  }
+}
+
+// A piece of a row at a time, so that what the inverse curve makes of it stays at hand.
+constexpr std::int32_t kPiece = 256;
+
+template <class Sample>
+void OutputRow(const DefocusEngine& engine, const EmphasisCurve& curve, std::int32_t y) {
+  ImageRec* dest = engine.passDest;
+  const double side = engine.paddedWidth;
+  const double scale = 1.0 / (side * side);
+  const bool withAlpha = (engine.passChannelBit & kBitAlpha) != 0;
+  double luma[kPiece];
+  double alpha[kPiece];
+  for (std::int32_t x = 0; x < dest->width; x += kPiece) {
+    const std::int32_t width = std::min(kPiece, dest->width - x);
+    const std::ptrdiff_t start =
+        static_cast<std::ptrdiff_t>(engine.offsetY + y) * engine.paddedWidth + engine.offsetX + x;
+    PlaneRow planes{engine.lumaResult + start, engine.crResult + start, engine.cbResult + start,
+                    withAlpha ? engine.passTarget + start : nullptr};
+    PlaneScale by{scale, scale, scale};
+    const auto uncurve = [&](const double*& plane, double& planeScale, double* piece) {
+      GetRowKernels().undoCurve(curve, plane, planeScale, width, piece);
+      plane = piece;
+      planeScale = 1.0;
+    };
+    if (curve.on) {
+      uncurve(planes.luma, by.luma, luma);
+    }
+    if (curve.on && withAlpha && engine.emphasisAlpha) {
+      uncurve(planes.alpha, by.alpha, alpha);
+    }
+    StoreRow(planes, by, width, dest->channels,
+             SampleRow<Sample>(dest, y) + static_cast<std::ptrdiff_t>(x) * dest->channels);
   }
 }
 
@@ -98,16 +93,17 @@ void OutputRow(const DefocusEngine& engine, std::int32_t y) {
 
 void PictureOutputPass(DefocusEngine* engine, std::int32_t first, std::int32_t last) {
   engine->status.store(kStatusOk, std::memory_order_relaxed);
+  const EmphasisCurve curve = MakeEmphasisCurve(engine->emphasis);
   for (std::int32_t y = first; y <= last && !engine->CancelRequested(); ++y) {
     switch (engine->passDest->sampleType) {
       case kSampleU8:
-        OutputRow<std::uint8_t>(*engine, y);
+        OutputRow<std::uint8_t>(*engine, curve, y);
         break;
       case kSampleU16:
-        OutputRow<std::uint16_t>(*engine, y);
+        OutputRow<std::uint16_t>(*engine, curve, y);
         break;
       case kSampleU32:
-        OutputRow<std::uint32_t>(*engine, y);
+        OutputRow<std::uint32_t>(*engine, curve, y);
         break;
       default:
         break;  // float images are left as they are

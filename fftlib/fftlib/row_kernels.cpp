@@ -43,17 +43,31 @@ std::uint16_t ToSample(double value) {
   return static_cast<std::uint16_t>(static_cast<std::int32_t>(ClampToUnit(value) * kFull + 0.5));
 }
 
-void Store(const PlaneRow& planes, double scale, std::int32_t width, std::uint16_t* pixels) {
+void Store(const PlaneRow& planes, const PlaneScale& scale, std::int32_t width,
+           std::uint16_t* pixels) {
   for (std::int32_t x = 0; x < width; ++x, pixels += 4) {
-    const double y = scale * planes.luma[x];
-    const double cr = scale * planes.cr[x] - 0.5;
-    const double cb = scale * planes.cb[x] - 0.5;
+    const double y = scale.luma * planes.luma[x];
+    const double cr = scale.chroma * planes.cr[x] - 0.5;
+    const double cb = scale.chroma * planes.cb[x] - 0.5;
     pixels[0] = ToSample(y + kRCr * cr);
     pixels[1] = ToSample(kGY * y - kGCr * cr - kGCb * cb);
     pixels[2] = ToSample(kBY * y + kBCb * cb);
     if (planes.alpha != nullptr) {
-      pixels[3] = ToSample(scale * planes.alpha[x]);
+      pixels[3] = ToSample(scale.alpha * planes.alpha[x]);
     }
+  }
+}
+
+void ApplyCurveToRow(const EmphasisCurve& curve, std::int32_t width, double* row) {
+  for (std::int32_t x = 0; x < width; ++x) {
+    row[x] = ApplyCurve(row[x], curve);
+  }
+}
+
+void UndoCurveOfRow(const EmphasisCurve& curve, const double* plane, double scale,
+                    std::int32_t width, double* row) {
+  for (std::int32_t x = 0; x < width; ++x) {
+    row[x] = UndoCurve(scale * plane[x], curve);
   }
 }
 
@@ -69,7 +83,8 @@ void Multiply(const double (*psf)[2], double (*work)[2], std::int32_t count) {
 }  // namespace
 
 const RowKernels& PlainRowKernels() {
-  static constexpr RowKernels kKernels{FillLuma, FillCr, FillCb, FillAlpha, Store, Multiply};
+  static constexpr RowKernels kKernels{FillLuma, FillCr,          FillCb,         FillAlpha,
+                                       Store,    ApplyCurveToRow, UndoCurveOfRow, Multiply};
   return kKernels;
 }
 

@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+#include "fftlib/fftlib/emphasis_curve.h"
+
 namespace lx {
 
 // One row of the three colour planes and of alpha, at its first pixel.
@@ -13,6 +15,13 @@ struct PlaneRow {
   const double* cr;
   const double* cb;
   const double* alpha;  // null leaves the pixels' alpha as it is
+};
+
+// What each plane is multiplied by on its way out.
+struct PlaneScale {
+  double luma;
+  double chroma;
+  double alpha;
 };
 
 struct RowKernels {
@@ -24,7 +33,14 @@ struct RowKernels {
   Fill alpha;
 
   // A row of pixels from its planes, each scaled first; clamped and rounded.
-  void (*store)(const PlaneRow& planes, double scale, std::int32_t width, std::uint16_t* pixels);
+  void (*store)(const PlaneRow& planes, const PlaneScale& scale, std::int32_t width,
+                std::uint16_t* pixels);
+
+  // The emphasis curve over a row, in place, and its inverse from a plane that is scaled
+  // first. For a curve that is on.
+  void (*applyCurve)(const EmphasisCurve& curve, std::int32_t width, double* row);
+  void (*undoCurve)(const EmphasisCurve& curve, const double* plane, double scale,
+                    std::int32_t width, double* row);
 
   // work = psf * work, as count complex numbers.
   void (*multiply)(const double (*psf)[2], double (*work)[2], std::int32_t count);

@@ -11,7 +11,18 @@
 #include "fftlib/fftlib/colour_transform.h"
 
 namespace lx {
+
+using Lanes4 = double __attribute__((vector_size(32)));
+
+template <>
+struct LaneBits<Lanes4> {
+  using Type = std::uint64_t __attribute__((vector_size(32)));
+};
+
 namespace {
+
+Lanes4 LoadLanes(const double* from) { return _mm256_loadu_pd(from); }
+void StoreLanes(Lanes4 lanes, double* to) { _mm256_storeu_pd(to, lanes); }
 
 constexpr double kScale = 1.5259021896696422e-05;
 constexpr double kFull = 65535.0;
@@ -88,13 +99,14 @@ __m128i ToSamples(__m256d value) {
       _mm256_add_pd(_mm256_mul_pd(unit, _mm256_set1_pd(kFull)), _mm256_set1_pd(0.5)));
 }
 
-void Store(const PlaneRow& planes, double scale, std::int32_t width, std::uint16_t* pixels) {
+void Store(const PlaneRow& planes, const PlaneScale& scale, std::int32_t width,
+           std::uint16_t* pixels) {
   const __m256d half = _mm256_set1_pd(0.5);
   std::int32_t x = 0;
   for (; x + kStep <= width; x += kStep) {
-    const __m256d y = Times(scale, _mm256_loadu_pd(planes.luma + x));
-    const __m256d cr = _mm256_sub_pd(Times(scale, _mm256_loadu_pd(planes.cr + x)), half);
-    const __m256d cb = _mm256_sub_pd(Times(scale, _mm256_loadu_pd(planes.cb + x)), half);
+    const __m256d y = Times(scale.luma, _mm256_loadu_pd(planes.luma + x));
+    const __m256d cr = _mm256_sub_pd(Times(scale.chroma, _mm256_loadu_pd(planes.cr + x)), half);
+    const __m256d cb = _mm256_sub_pd(Times(scale.chroma, _mm256_loadu_pd(planes.cb + x)), half);
     const __m128i r = ToSamples(_mm256_add_pd(y, Times(kRCr, cr)));
     const __m128i g =
         ToSamples(_mm256_sub_pd(_mm256_sub_pd(Times(kGY, y), Times(kGCr, cr)), Times(kGCb, cb)));
@@ -102,7 +114,7 @@ void Store(const PlaneRow& planes, double scale, std::int32_t width, std::uint16
     auto* to = reinterpret_cast<__m128i*>(pixels + 4 * x);
     __m128i a;
     if (planes.alpha != nullptr) {
-      a = ToSamples(Times(scale, _mm256_loadu_pd(planes.alpha + x)));
+      a = ToSamples(Times(scale.alpha, _mm256_loadu_pd(planes.alpha + x)));
     } else {
       const __m128i odd = _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(_mm_loadu_si128(to)),
                                                           _mm_castsi128_ps(_mm_loadu_si128(to + 1)),
@@ -117,6 +129,64 @@ void Store(const PlaneRow& planes, double scale, std::int32_t width, std::uint16
   const PlaneRow rest{planes.luma + x, planes.cr + x, planes.cb + x,
                       planes.alpha != nullptr ? planes.alpha + x : nullptr};
   PlainRowKernels().store(rest, scale, width - x, pixels + 4 * x);
+}
+
+// A piece of a row at a time through each step of the curve: its whole chain of operations
+// is longer than what a processor overlaps.
+constexpr std::int32_t kPiece = 128;
+
+void PowerOfRow(const PowerExponent& e, std::int32_t count, double* row) {
+  const PowerExponent exponent = e;  // which no store into the row can change
+  alignas(Lanes4) double high[kPiece];
+  alignas(Lanes4) double low[kPiece];
+  for (std::int32_t x = 0; x < count; x += kStep) {
+    const auto log = power::Log2(LoadLanes(row + x));
+    StoreLanes(log.high, high + x);
+    StoreLanes(log.low, low + x);
+  }
+  for (std::int32_t x = 0; x < count; x += kStep) {
+    const power::TwoParts<Lanes4> log{LoadLanes(high + x), LoadLanes(low + x)};
+    StoreLanes(PowerFromLog(LoadLanes(row + x), log, exponent), row + x);
+  }
+}
+
+// As much of a row as whole steps cover.
+std::int32_t WholeSteps(std::int32_t width) { return width - width % kStep; }
+
+void ApplyCurveToRow(const EmphasisCurve& curve, std::int32_t width, double* row) {
+  const EmphasisCurve own = curve;
+  const std::int32_t end = WholeSteps(width);
+  for (std::int32_t start = 0; start < end; start += kPiece) {
+    const std::int32_t count = end - start < kPiece ? end - start : kPiece;
+    double* piece = row + start;
+    for (std::int32_t x = 0; x < count; x += kStep) {
+      StoreLanes(CurveHyperbola(1.0 - ClampToCurve(LoadLanes(piece + x)), own), piece + x);
+    }
+    if (own.hasPower) {
+      PowerOfRow(own.apply, count, piece);
+    }
+  }
+  PlainRowKernels().applyCurve(curve, width - end, row + end);
+}
+
+void UndoCurveOfRow(const EmphasisCurve& curve, const double* plane, double scale,
+                    std::int32_t width, double* row) {
+  const EmphasisCurve own = curve;
+  const std::int32_t end = WholeSteps(width);
+  for (std::int32_t start = 0; start < end; start += kPiece) {
+    const std::int32_t count = end - start < kPiece ? end - start : kPiece;
+    double* piece = row + start;
+    for (std::int32_t x = 0; x < count; x += kStep) {
+      StoreLanes(ClampToCurve(scale * LoadLanes(plane + start + x)), piece + x);
+    }
+    if (own.hasPower) {
+      PowerOfRow(own.undo, count, piece);
+    }
+    for (std::int32_t x = 0; x < count; x += kStep) {
+      StoreLanes(1.0 - CurveHyperbola(LoadLanes(piece + x), own), piece + x);
+    }
+  }
+  PlainRowKernels().undoCurve(curve, plane + end, scale, width - end, row + end);
 }
 
 void Multiply(const double (*psf)[2], double (*work)[2], std::int32_t count) {
@@ -134,7 +204,8 @@ void Multiply(const double (*psf)[2], double (*work)[2], std::int32_t count) {
 }  // namespace
 
 const RowKernels* Avx2RowKernels() {
-  static constexpr RowKernels kKernels{FillLuma, FillCr, FillCb, FillAlpha, Store, Multiply};
+  static constexpr RowKernels kKernels{FillLuma, FillCr,          FillCb,         FillAlpha,
+                                       Store,    ApplyCurveToRow, UndoCurveOfRow, Multiply};
   return __builtin_cpu_supports("avx2") != 0 ? &kKernels : nullptr;
 }
 

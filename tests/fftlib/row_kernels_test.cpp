@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -14,6 +16,8 @@ using lx::RowKernels;
 
 // Every 16-bit value in every channel, and a width that leaves a rest.
 constexpr int kWidth = 65536 + 3;
+
+constexpr lx::PlaneScale kScale{0.75, 0.5, 0.625};
 
 class RowKernelBuilds : public testing::Test {
  public:
@@ -58,9 +62,19 @@ class RowKernelBuilds : public testing::Test {
     const lx::PlaneRow planes{luma.data(), cr.data(), cb.data(), alphaPlane};
     std::vector<std::uint16_t> a = pixels;
     std::vector<std::uint16_t> b = pixels;
-    plain.store(planes, 0.75, kWidth, a.data());
-    vector->store(planes, 0.75, kWidth, b.data());
+    plain.store(planes, kScale, kWidth, a.data());
+    vector->store(planes, kScale, kWidth, b.data());
     ASSERT_EQ(a, b);
+  }
+
+  // Any not-a-number equals any other.
+  static void ExpectSameBits(const std::vector<double>& a, const std::vector<double>& b) {
+    ASSERT_EQ(a.size(), b.size());
+    for (std::size_t i = 0; i < a.size(); ++i) {
+      if (!std::isnan(a[i]) || !std::isnan(b[i])) {
+        ASSERT_EQ(std::bit_cast<std::uint64_t>(a[i]), std::bit_cast<std::uint64_t>(b[i])) << i;
+      }
+    }
   }
 
   const RowKernels& plain;
@@ -117,12 +131,35 @@ TEST_F(RowKernelBuilds, MultiplyToTheSameBits) {
   EXPECT_EQ(a, b);
 }
 
+TEST_F(RowKernelBuilds, CurveToTheSameBits) {
+  if (vector == nullptr) {
+    GTEST_SKIP() << "this processor has no AVX2";
+  }
+  std::vector<double> values = luma;
+  for (int i = 0; i <= 4096; ++i) {
+    values.push_back(i / 4096.0);
+    values.push_back(std::exp2(-i / 4.0));
+  }
+  const auto width = static_cast<int>(values.size());
+  for (const double g : {1.001, 2.0, 50.0, 50.0001, 120.0, 500.0}) {
+    const lx::EmphasisCurve curve = lx::MakeEmphasisCurve(g);
+    std::vector<double> a = values;
+    std::vector<double> b = values;
+    plain.applyCurve(curve, width, a.data());
+    vector->applyCurve(curve, width, b.data());
+    ExpectSameBits(a, b);
+    plain.undoCurve(curve, values.data(), 0.75, width, a.data());
+    vector->undoCurve(curve, values.data(), 0.75, width, b.data());
+    ExpectSameBits(a, b);
+  }
+}
+
 TEST(RowKernels, StoreWhatIsNoNumberAsZeroAndClampTheRest) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const double half = 0.5;
   for (const double luma : {nan, -3.0, 7.0, 0.25}) {
     std::uint16_t pixel[4] = {1, 2, 3, 4};
-    lx::PlainRowKernels().store({&luma, &half, &half, nullptr}, 1.0, 1, pixel);
+    lx::PlainRowKernels().store({&luma, &half, &half, nullptr}, {1.0, 1.0, 1.0}, 1, pixel);
     const int expected = luma == 7.0 ? 65535 : luma == 0.25 ? 16384 : 0;
     EXPECT_EQ(expected, pixel[0]) << luma;
     EXPECT_EQ(4, pixel[3]);
