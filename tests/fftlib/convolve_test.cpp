@@ -303,6 +303,67 @@ TEST(Convolve, EmphasisesAlphaOnlyIfAsked) {
   EXPECT_GT(difference / (kWidth * kHeight), 1000);
 }
 
+// Luma by the constants of the colour transform, in 0..1, curved with g = 20 by its definition,
+// blurred and curved back; chroma blurred as it is. The curve is written out here.
+TEST(Convolve, CurvesLumaBeforeTheBlurAndBackAfterItAndChromaNever) {
+  constexpr double kG = 20.0;
+  constexpr double kA = 1.0 / kG;
+  constexpr double kB = kG - kA;
+  const auto hyperbola = [](double z) { return (1.0 / (z * kB + kA) - kA) / kB; };
+  const Image source = Noise(kWidth, kHeight, 4, 15000, 50000);
+  std::vector<double> curved;
+  std::vector<double> red;
+  std::vector<double> blue;
+  std::vector<double> luma;
+  for (int i = 0; i < kWidth * kHeight; ++i) {
+    const auto* p = Samples<std::uint16_t>(source) + i * 4;
+    luma.push_back((0.299 * p[0] + 0.587 * p[1] + 0.114 * p[2]) / 65535.0);
+    curved.push_back(hyperbola(1.0 - luma.back()));
+    // What is blurred of red and blue beside luma: their differences from it, blue by 0.98.
+    red.push_back(p[0] / 65535.0 - luma.back());
+    blue.push_back(0.98 * p[2] / 65535.0 - luma.back());
+  }
+  DefocusEngine engine;
+  Load(&engine, AsymmetricMask());
+  engine.SetEmphasis(static_cast<float>(kG));
+
+  const Image dest = Blur(&engine, source);
+
+  lx_test::PsfModel psf(64, kWidth, kHeight);
+  psf.Load(AsymmetricMask());
+  const auto blur = [&](const std::vector<double>& plane) {
+    return lx_test::ConvolvePlane(plane, kWidth, kHeight, psf.Shifted());
+  };
+  const std::vector<double> blurred = blur(curved);
+  const std::vector<double> redShift = blur(red);
+  const std::vector<double> blueShift = blur(blue);
+  for (int i = 0; i < kWidth * kHeight; ++i) {
+    const double y = 1.0 - hyperbola(blurred[i]);
+    const auto* p = Samples<std::uint16_t>(dest) + i * 4;
+    ASSERT_NEAR((y + redShift[i]) * 65535.0, p[0], 1) << i;
+    ASSERT_NEAR((y + blueShift[i]) / 0.98 * 65535.0, p[2], 1) << i;
+  }
+}
+
+// Up to 1 nothing is curved, and nothing is cut before the colours come back: a luma that the
+// blur of one plane alone would cut still gives its colours.
+TEST(Convolve, IsThePlainBlurUpToAnEmphasisOfOne) {
+  const Image source = Noise(kWidth, kHeight);
+  DefocusEngine plain;
+  Load(&plain, AsymmetricMask());
+  const Image expected = Blur(&plain, source);
+  for (const float g : {0.5F, 1.F, 1.0005F}) {
+    DefocusEngine engine;
+    Load(&engine, AsymmetricMask());
+    engine.SetEmphasis(g);
+    const Image dest = Blur(&engine, source);
+    EXPECT_TRUE(std::equal(Samples<std::uint16_t>(expected),
+                           Samples<std::uint16_t>(expected) + lx_test::SampleCount(expected),
+                           Samples<std::uint16_t>(dest)))
+        << g;
+  }
+}
+
 // Margins repeat what the curve makes of the edge: a constant border, emphasised, stays what
 // it is, whatever lies inside.
 TEST(Convolve, RepeatsTheEdgeAfterTheCurve) {

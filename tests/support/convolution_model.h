@@ -57,16 +57,12 @@ class PsfModel {
 };
 
 // out(x, y) = sum over u, v of psf(u, v) in(x - u, y - v), circular in the grid, the frame's
-// edge repeated into the margins, or zero there. One channel of a 16-bit image, in its own
-// scale.
-inline std::vector<double> ConvolveChannel(const Image& image, int channel, const Grid& psf,
-                                           bool replicate = true) {
+// edge repeated into the margins, or zero there.
+inline std::vector<double> ConvolvePlane(const std::vector<double>& plane, int w, int h,
+                                         const Grid& psf, bool replicate = true) {
   const int n = psf.side;
-  const int w = image->width;
-  const int h = image->height;
   const int left = (n - w) / 2;
   const int top = (n - h) / 2;
-  const auto* samples = Samples<std::uint16_t>(image);
   Grid padded(n);
   for (int y = 0; y < n; ++y) {
     for (int x = 0; x < n; ++x) {
@@ -74,8 +70,7 @@ inline std::vector<double> ConvolveChannel(const Image& image, int channel, cons
       const int sy = std::clamp(y - top, 0, h - 1);
       const bool inside = sx == x - left && sy == y - top;
       if (inside || replicate) {
-        padded.At(x, y) =
-            samples[(static_cast<std::size_t>(sy) * w + sx) * image->channels + channel];
+        padded.At(x, y) = plane[static_cast<std::size_t>(sy) * w + sx];
       }
     }
   }
@@ -95,6 +90,17 @@ inline std::vector<double> ConvolveChannel(const Image& image, int channel, cons
     }
   }
   return out;
+}
+
+// The same of one channel of a 16-bit image, in its own scale.
+inline std::vector<double> ConvolveChannel(const Image& image, int channel, const Grid& psf,
+                                           bool replicate = true) {
+  std::vector<double> plane;
+  const std::size_t count = static_cast<std::size_t>(image->width) * image->height;
+  for (std::size_t i = 0; i < count; ++i) {
+    plane.push_back(Samples<std::uint16_t>(image)[i * image->channels + channel]);
+  }
+  return ConvolvePlane(plane, image->width, image->height, psf, replicate);
 }
 
 }  // namespace lx_test
