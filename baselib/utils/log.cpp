@@ -1,17 +1,16 @@
 #include "baselib/utils/log.h"
 
-#include <atomic>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+
+#include "baselib/utils/log_sink.h"
 
 namespace lx {
 namespace {
 
 constexpr const char* kPrefix = "(LX LIB)";
 constexpr const char* kLabels[] = {"ERROR", "WARN ", "INFO "};
-
-std::atomic<bool> anyWritten{false};
 
 // One call of the stream for a line, so that the lines of two threads do not mix.
 void WriteLine(const char* label, const char* format, std::va_list arguments) {
@@ -24,6 +23,11 @@ void WriteLine(const char* label, const char* format, std::va_list arguments) {
 
 }  // namespace
 
+LogSink& log_sink() {
+  static constinit LogSink sink;
+  return sink;
+}
+
 void log_message(std::int32_t level, const char* format, ...) {
   if (level < kLogError || level > kLogInfo) {
     return;
@@ -32,11 +36,11 @@ void log_message(std::int32_t level, const char* format, ...) {
   va_start(arguments, format);
   WriteLine(kLabels[level - kLogError], format, arguments);
   va_end(arguments);
-  anyWritten = true;
+  log_sink().lastLevel = level;
 }
 
 void log_continue(const char* format, ...) {
-  if (!anyWritten) {
+  if (log_sink().lastLevel < kLogError) {
     return;
   }
   std::va_list arguments;

@@ -1,6 +1,7 @@
 #include "tests/support/fresh_services.h"
 
 #include "baselib/threads/module_state.h"
+#include "baselib/utils/log_sink.h"
 
 namespace lx_test {
 
@@ -21,6 +22,7 @@ void ForgetServices() {
   system.pageSize = -1;
   system.counterPeriod = -1.0;
   system.counterFrequency = -1.0;
+  lx::log_sink().lastLevel = -1;
 }
 
 FreshServices::FreshServices() { ForgetServices(); }
