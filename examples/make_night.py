@@ -9,9 +9,9 @@ full intensity, as lamps are on a sensor; out of focus each of them shows the ap
 
 import math
 import random
-import struct
 import sys
-import zlib
+
+from picture_writer import write_png
 
 WIDTH, HEIGHT = 960, 540
 WATERLINE = 350
@@ -111,29 +111,6 @@ def paint():
         lamp(pixels, rng.randint(30, WIDTH - 30), WATERLINE + rng.randint(28, 110), 2.6,
              rng.choice((RED, GREEN, WHITE)))
     return pixels
-
-
-def chunk(name, data):
-    return (struct.pack(">I", len(data)) + name + data
-            + struct.pack(">I", zlib.crc32(name + data)))
-
-
-def write_png(path, pixels):
-    """16-bit RGB, each row by the difference from the one above, which packs best here."""
-    above = bytes(WIDTH * 6)
-    raw = bytearray()
-    for row in pixels:
-        packed = b"".join(
-            struct.pack(">3H", *(min(65535, int(v ** (1 / 2.2) * 65535 + 0.5)) for v in pixel))
-            for pixel in row)
-        raw.append(2)
-        raw += bytes((a - b) & 255 for a, b in zip(packed, above))
-        above = packed
-    with open(path, "wb") as file:
-        file.write(b"\x89PNG\r\n\x1a\n")
-        file.write(chunk(b"IHDR", struct.pack(">IIBBBBB", WIDTH, HEIGHT, 16, 2, 0, 0, 0)))
-        file.write(chunk(b"IDAT", zlib.compress(bytes(raw), 9)))
-        file.write(chunk(b"IEND", b""))
 
 
 if __name__ == "__main__":

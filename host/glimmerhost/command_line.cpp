@@ -9,6 +9,7 @@
 
 #include "host/glimmerhost/failure.h"
 #include "host/glimmerhost/info_command.h"
+#include "host/glimmerhost/psf_command.h"
 #include "host/glimmerhost/render_command.h"
 
 namespace glimmerhost {
@@ -16,7 +17,8 @@ namespace {
 
 constexpr const char* kDescription =
     "Renders pictures through GlimmerBlur, a lens defocus.\n\n"
-    "  glimmerhost render night.png -o out.png --shape polygon --sides 6 --radius 40px\n\n"
+    "  glimmerhost render night.png -o out.png --shape polygon --sides 6 --radius 40px\n"
+    "  glimmerhost psf -o aperture.png --shape polygon --sides 5 --radius 60px\n\n"
     "Exit codes: 0 done, 1 the work failed, 2 wrong usage.";
 
 constexpr const char* kVersion = "glimmerhost, reference host of GlimmerBlur 5.13";
@@ -28,6 +30,50 @@ int Complain(const std::string& what, int code) {
   return code;
 }
 
+// The options that say what the aperture is.
+void AddAperture(CLI::App* app, TypedValues* typed, std::string* spread) {
+  TypedValues& values = *typed;
+  const std::string aperture = "Aperture";
+  app->add_option("--shape", values.shape, "circle, ellipse, polygon or image (default circle)")
+      ->group(aperture);
+  app->add_option("--radius", values.radius,
+                  "Both radii: 40px is a radius in pixels, 4% or 0.04 a diameter as a part of "
+                  "the picture's width (default 0.02)")
+      ->group(aperture);
+  app->add_option("--radius-x", values.radiusX, "The horizontal radius alone")->group(aperture);
+  app->add_option("--radius-y", values.radiusY,
+                  "The vertical radius alone; a circle has none of its own")
+      ->group(aperture);
+  app->add_flag("--match", values.match, "Polygon: the Y radius follows the X radius")
+      ->group(aperture);
+  app->add_option("--sides", values.sides, "Polygon: sides, 3 to 50 (default 6)")->group(aperture);
+  app->add_option("--rotation", values.rotation, "Degrees")->group(aperture);
+  const std::string image = "Aperture of the image shape: a disc with a soft edge out of a picture";
+  app->add_option("--spread", *spread,
+                  "The picture, centred on the frame and not scaled; without it the frame itself")
+      ->group(image);
+  app->add_option("--center", values.center,
+                  "Where the disc is cut: X,Y in percent (50%,50%, the default) or fractions, "
+                  "with y from the bottom, or in pixels from the top left (100px,50px)")
+      ->group(image);
+  app->add_option("--radius-psf1", values.radiusPsf1,
+                  "One radius of its soft edge, as --radius (default 0.02)")
+      ->group(image);
+  app->add_option("--radius-psf2", values.radiusPsf2,
+                  "The other radius, in either order (default 0.04)")
+      ->group(image);
+  app->add_option("--set", values.set,
+                  "KEY=VALUE: any parameter by its key, as the store holds it (PRM_Shape counts "
+                  "from 0); info lists them. May be given more than once")
+      ->take_all()
+      ->allow_extra_args(false);
+}
+
+void AddThreads(CLI::App* app, std::string* threads) {
+  app->add_option("--threads", *threads,
+                  "Processors to work on (default: all that the process may run on)");
+}
+
 void AddRender(CLI::App* app, RenderOptions* options) {
   CLI::App* render = app->add_subcommand("render", "Render one picture");
   TypedValues& values = options->values;
@@ -37,46 +83,14 @@ void AddRender(CLI::App* app, RenderOptions* options) {
       ->add_option("-o,--output", options->output,
                    "Where the result goes; its ending says the format. EXR holds half floats")
       ->required();
-  const std::string aperture = "Aperture";
-  render->add_option("--shape", values.shape, "circle, ellipse or polygon (default circle)")
-      ->group(aperture);
+  AddAperture(render, &values, &options->spread);
+  const std::string highlights = "Highlights";
   render
-      ->add_option("--radius", values.radius,
-                   "Both radii: 40px is a radius in pixels, 4% or 0.04 a diameter as a part of "
-                   "the picture's width (default 0.02)")
-      ->group(aperture);
-  render->add_option("--radius-x", values.radiusX, "The horizontal radius alone")->group(aperture);
-  render
-      ->add_option("--radius-y", values.radiusY,
-                   "The vertical radius alone; a circle has none of its own")
-      ->group(aperture);
-  render->add_flag("--match", values.match, "Polygon: the Y radius follows the X radius")
-      ->group(aperture);
-  render->add_option("--sides", values.sides, "Polygon: sides, 3 to 50 (default 6)")
-      ->group(aperture);
-  render->add_option("--rotation", values.rotation, "Degrees")->group(aperture);
-  const std::string later = "Not offered yet: accepted, but without effect or limited";
-  render->add_option("--emphasis", values.emphasis, "Highlight emphasis; only 0 to 1, which is off")
-      ->group(later);
-  render->add_flag("--emph-alpha", values.emphAlpha, "Emphasis also for alpha")->group(later);
-  render
-      ->add_option("--center", values.center,
-                   "Image shape: X,Y in pixels from the top left (100px,50px), or in fractions "
-                   "with y from the bottom")
-      ->group(later);
-  render->add_option("--radius-psf1", values.radiusPsf1, "Image shape: first radius")->group(later);
-  render->add_option("--radius-psf2", values.radiusPsf2, "Image shape: second radius")
-      ->group(later);
-  render
-      ->add_option("--spread", options->spread,
-                   "Image shape: the picture that the aperture is cut from, of the input's size")
-      ->group(later);
-  render
-      ->add_option("--set", values.set,
-                   "KEY=VALUE: any parameter by its key, as the store holds it (PRM_Shape counts "
-                   "from 0); info lists them. May be given more than once")
-      ->take_all()
-      ->allow_extra_args(false);
+      ->add_option("--emphasis", values.emphasis,
+                   "How much highlights outweigh the rest: up to 1 off (the default), 50 strong, "
+                   "500 the most; above 75 dark areas show noise")
+      ->group(highlights);
+  render->add_flag("--emph-alpha", values.emphAlpha, "Emphasis also for alpha")->group(highlights);
   render->add_option("--pixel-aspect", options->pixelAspect,
                      "A:B, the pixel aspect to render with (default: the file's)");
   render->add_option("--alpha", options->alpha,
@@ -85,9 +99,31 @@ void AddRender(CLI::App* app, RenderOptions* options) {
                      "are left alone");
   render->add_option("--bits", options->bits,
                      "8 or 16 (default: the input's; 16 for floating point)");
+  AddThreads(render, &options->threads);
   render->add_flag("--overwrite", options->overwrite, "Replace an existing output");
   render->add_flag("--quiet", options->quiet, "No progress line");
   render->add_option("--module", options->module, "Another module file");
+}
+
+CLI::App* AddPsf(CLI::App* app, PsfOptions* options) {
+  CLI::App* psf = app->add_subcommand(
+      "psf", "Write what one bright pixel becomes, enlarged: the aperture as it is used");
+  psf->add_option("-o,--output", options->output,
+                  "Where the picture goes; its ending says the format")
+      ->required();
+  AddAperture(psf, &options->values, &options->spread);
+  psf->add_option("--size", options->size,
+                  "WIDTHxHEIGHT of the frame it is for (default 1920x1080)");
+  psf->add_option("--zoom", options->zoom,
+                  "Side of the square that shows a pixel, 1 to 64 (default: what makes the "
+                  "picture some 512 pixels wide)");
+  psf->add_option("--pixel-aspect", options->pixelAspect,
+                  "A:B, the frame's pixel aspect (default 1:1)");
+  AddThreads(psf, &options->threads);
+  psf->add_flag("--overwrite", options->overwrite, "Replace an existing output");
+  psf->add_flag("--quiet", options->quiet, "No progress line");
+  psf->add_option("--module", options->module, "Another module file");
+  return psf;
 }
 
 int Run(int argc, const char* const* argv) {
@@ -96,6 +132,8 @@ int Run(int argc, const char* const* argv) {
   app.set_version_flag("--version", kVersion);
   RenderOptions render;
   AddRender(&app, &render);
+  PsfOptions psf;
+  const CLI::App* psfCommand = AddPsf(&app, &psf);
   std::string infoModule;
   CLI::App* info =
       app.add_subcommand("info", "Print the module's classes and the parameters of its page");
@@ -109,6 +147,8 @@ int Run(int argc, const char* const* argv) {
   }
   if (info->parsed()) {
     RunInfo(infoModule, std::cout);
+  } else if (psfCommand->parsed()) {
+    RunPsf(psf);
   } else {
     RunRender(render);
   }

@@ -33,6 +33,22 @@ bool ParseMeasure(std::string_view text, Measure* measure) {
   return ParseNumber(text, &measure->number);
 }
 
+// Two whole numbers from 1 to the largest, with that character between them.
+bool ParsePair(const std::string& text, char between, double largest, quantel::cSize2* pair) {
+  const std::size_t middle = text.find(between);
+  double first = 0.0;
+  double second = 0.0;
+  const auto isCount = [=](double n) { return n >= 1.0 && n <= largest && n == std::floor(n); };
+  if (middle == std::string::npos ||
+      !ParseNumber(std::string_view(text).substr(0, middle), &first) ||
+      !ParseNumber(std::string_view(text).substr(middle + 1), &second) || !isCount(first) ||
+      !isCount(second)) {
+    return false;
+  }
+  *pair = {static_cast<std::int32_t>(first), static_cast<std::int32_t>(second)};
+  return true;
+}
+
 }  // namespace
 
 double ParseRadius(const std::string& option, const std::string& text, int width) {
@@ -75,18 +91,21 @@ Fractions ParsePoint(const std::string& option, const std::string& text, int wid
 }
 
 quantel::cSize2 ParseRatio(const std::string& option, const std::string& text) {
-  constexpr double kLargest = 1000000.0;
-  const std::size_t colon = text.find(':');
-  double first = 0.0;
-  double second = 0.0;
-  const auto isCount = [](double n) { return n >= 1.0 && n <= kLargest && n == std::floor(n); };
-  if (colon == std::string::npos || !ParseNumber(std::string_view(text).substr(0, colon), &first) ||
-      !ParseNumber(std::string_view(text).substr(colon + 1), &second) || !isCount(first) ||
-      !isCount(second)) {
+  quantel::cSize2 ratio{};
+  if (!ParsePair(text, ':', 1000000.0, &ratio)) {
     throw UsageError(option + " " + text +
                      ": allowed is A:B, two whole numbers from 1 to 1000000 (16:15)");
   }
-  return {static_cast<std::int32_t>(first), static_cast<std::int32_t>(second)};
+  return ratio;
+}
+
+quantel::cSize2 ParseSize(const std::string& option, const std::string& text) {
+  quantel::cSize2 size{};
+  if (!ParsePair(text, 'x', 8192.0, &size)) {
+    throw UsageError(option + " " + text +
+                     ": allowed is WIDTHxHEIGHT, two whole numbers from 1 to 8192 (1920x1080)");
+  }
+  return size;
 }
 
 // By continued fractions, up to a denominator that no real pixel needs.

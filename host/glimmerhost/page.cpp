@@ -31,10 +31,10 @@ std::size_t EditDistance(std::string_view a, std::string_view b) {
   return row[b.size()];
 }
 
-std::string JoinOr(const std::vector<std::string>& names, std::size_t count) {
+std::string JoinOr(const std::vector<std::string>& names) {
   std::string joined;
-  for (std::size_t i = 0; i < count; ++i) {
-    joined += i == 0 ? "" : i + 1 == count ? " or " : ", ";
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    joined += i == 0 ? "" : i + 1 == names.size() ? " or " : ", ";
     joined += names[i];
   }
   return joined;
@@ -49,13 +49,20 @@ T Need(const toml::table& table, const char* name) {
   return *value;
 }
 
-void ReadRange(const toml::table& table, Parameter* parameter) {
-  const toml::array* range = table["range"].as_array();
+void ReadRange(const toml::table& table, const char* name, const Parameter& parameter,
+               double* lowest, double* highest) {
+  const toml::array* range = table[name].as_array();
   if (range == nullptr || range->size() != 2) {
-    throw std::runtime_error(parameter->key + " has no range of two numbers");
+    throw std::runtime_error(parameter.key + " has no " + name + " of two numbers");
   }
-  parameter->lowest = (*range)[0].value<double>().value_or(0.0);
-  parameter->highest = (*range)[1].value<double>().value_or(0.0);
+  *lowest = (*range)[0].value<double>().value_or(0.0);
+  *highest = (*range)[1].value<double>().value_or(0.0);
+}
+
+void ReadRanges(const toml::table& table, Parameter* parameter) {
+  ReadRange(table, "range", *parameter, &parameter->lowest, &parameter->highest);
+  ReadRange(table, table.contains("typed") ? "typed" : "range", *parameter, &parameter->typedLowest,
+            &parameter->typedHighest);
 }
 
 void ReadEntries(const toml::table& table, Parameter* parameter) {
@@ -64,10 +71,8 @@ void ReadEntries(const toml::table& table, Parameter* parameter) {
       parameter->entries.push_back(entry.value<std::string>().value_or(""));
     }
   }
-  parameter->available = static_cast<std::size_t>(
-      table["available"].value_or(static_cast<std::int64_t>(parameter->entries.size())));
-  if (parameter->available == 0 || parameter->available > parameter->entries.size()) {
-    throw std::runtime_error(parameter->key + " offers none or more than all of its entries");
+  if (parameter->entries.empty()) {
+    throw std::runtime_error(parameter->key + " has no entries");
   }
 }
 
@@ -87,7 +92,7 @@ Parameter ReadParameter(const toml::table& table) {
   } else if (kind == "number" || kind == "whole") {
     parameter.kind = kind == "number" ? Kind::kNumber : Kind::kWhole;
     parameter.initial = Need<double>(table, "default");
-    ReadRange(table, &parameter);
+    ReadRanges(table, &parameter);
   } else {
     throw std::runtime_error(parameter.key + " is of the unknown kind " + kind);
   }
@@ -104,17 +109,17 @@ Parameter ReadParameter(const toml::table& table) {
 std::string Parameter::Allowed() const {
   switch (kind) {
     case Kind::kList:
-      return JoinOr(entries, available) + " (in the store 0 to " + std::to_string(available - 1) +
-             ")" +
-             (available < entries.size() ? "; " + entries.back() + " is not offered yet" : "");
+      return JoinOr(entries) + " (in the store 0 to " + std::to_string(entries.size() - 1) + ")";
     case Kind::kSwitch:
       return "on or off";
     case Kind::kWhole:
-      return "a whole number from " + Shortest(lowest) + " to " + Shortest(highest);
     case Kind::kNumber:
       break;
   }
-  return "a number from " + Shortest(lowest) + " to " + Shortest(highest);
+  const std::string what = kind == Kind::kWhole ? "a whole number" : "a number";
+  const bool wider = typedLowest < lowest || typedHighest > highest;
+  return what + " from " + Shortest(typedLowest) + " to " + Shortest(typedHighest) +
+         (wider ? " (the page offers " + Shortest(lowest) + " to " + Shortest(highest) + ")" : "");
 }
 
 Value Parameter::Parse(const std::string& name, const std::string& text) const {
@@ -148,7 +153,7 @@ Value Parameter::Check(const std::string& name, const std::string& text, double 
   const bool whole = number == std::floor(number);
   switch (kind) {
     case Kind::kList:
-      if (whole && number >= 0.0 && number < static_cast<double>(available)) {
+      if (whole && number >= 0.0 && number < static_cast<double>(entries.size())) {
         return static_cast<int>(number);
       }
       break;
@@ -156,7 +161,7 @@ Value Parameter::Check(const std::string& name, const std::string& text, double 
       break;
     case Kind::kWhole:
     case Kind::kNumber:
-      if ((kind == Kind::kNumber || whole) && number >= lowest && number <= highest) {
+      if ((kind == Kind::kNumber || whole) && number >= typedLowest && number <= typedHighest) {
         return number;
       }
       break;

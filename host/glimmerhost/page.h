@@ -3,7 +3,6 @@
 // The module has no page of its own, so this host reads one from a data file.
 #pragma once
 
-#include <cstddef>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -29,10 +28,11 @@ struct Parameter {
   std::string label;
   Kind kind;
   Value initial;
-  double lowest = 0.0;
+  double lowest = 0.0;  // the range that the page offers
   double highest = 0.0;
+  double typedLowest = 0.0;  // the range that a typed value may have, at least the offered one
+  double typedHighest = 0.0;
   std::vector<std::string> entries;  // of a list
-  std::size_t available = 0;         // how many of them are offered
 
   // "0 to 1", "circle, ellipse or polygon", "on or off".
   std::string Allowed() const;

@@ -14,7 +14,8 @@ struct RenderOptions {
   std::string spread;       // a picture file, or empty
   std::string pixelAspect;  // A:B, or empty for the file's own
   std::string alpha = "premultiplied";
-  std::string bits;  // 8, 16, or empty for the input's
+  std::string bits;     // 8, 16, or empty for the input's
+  std::string threads;  // a count, or empty for every processor
   bool overwrite = false;
   bool quiet = false;
   std::string module;  // a module file, or empty for the one beside the program

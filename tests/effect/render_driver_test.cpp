@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <mutex>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -282,20 +284,22 @@ TEST_F(RenderDriver, FreesItsImages) {
 
 TEST_F(RenderDriver, RunsPassesWithTheWordThatItWasGiven) {
   Render();
-  static std::vector<std::int32_t> seen;
+  static std::mutex mutex;  // the pass runs on every way
+  static std::multiset<std::int32_t> seen;
   static lx::DefocusEngine* seenEngine;
   seen.clear();
   const auto pass = [](lx::DefocusEngine* engine, std::int32_t first, std::int32_t last) {
+    const std::scoped_lock hold(mutex);
     seenEngine = engine;
     for (std::int32_t row = first; row <= last; ++row) {
-      seen.push_back(row);
+      seen.insert(row);
     }
   };
   auto* far = reinterpret_cast<lx::DefocusEngine*>(std::uintptr_t{0x7123456789A0});
 
   effect.engine->parallelFor(effect.engine->callbackContext, pass, 4, far);
 
-  EXPECT_EQ((std::vector<std::int32_t>{0, 1, 2, 3}), seen);
+  EXPECT_EQ((std::multiset<std::int32_t>{0, 1, 2, 3}), seen);
   EXPECT_EQ(far, seenEngine);
   EXPECT_EQ(0, effect.engine->cancelQuery(effect.engine->callbackContext));
 }

@@ -47,19 +47,29 @@ TEST(Page, NamesOriginValueAndWhatIsAllowed) {
             Refusal(page, "PRM_Sides", "51"));
   EXPECT_EQ("--option 5.5: allowed is a whole number from 3 to 50",
             Refusal(page, "PRM_Sides", "5.5"));
-  EXPECT_EQ("--option 20: allowed is a number from 0 to 1", Refusal(page, "PRM_Emphasis", "20"));
+  EXPECT_EQ("--option 501: allowed is a number from 0 to 500 (the page offers 1 to 50)",
+            Refusal(page, "PRM_Emphasis", "501"));
   EXPECT_EQ("--option maybe: allowed is on or off", Refusal(page, "PRM_Match", "maybe"));
   EXPECT_EQ("--option nan: allowed is a number from -3600 to 3600",
             Refusal(page, "PRM_Rotation", "nan"));
 }
 
-TEST(Page, RefusesTheEntryThatIsNotOfferedYet) {
+TEST(Page, RefusesAnEntryThatItDoesNotHave) {
   const Page page = Page::Load(PAGE);
-  for (const char* text : {"image", "3", "4", "-1", "heart"}) {
+  for (const char* text : {"4", "-1", "2.5", "heart"}) {
     EXPECT_EQ(std::string("--option ") + text +
-                  ": allowed is circle, ellipse or polygon (in the store 0 to 2); image is not "
-                  "offered yet",
+                  ": allowed is circle, ellipse, polygon or image (in the store 0 to 3)",
               Refusal(page, "PRM_Shape", text));
+  }
+}
+
+TEST(Page, TakesWhatIsTypedBeyondWhatItOffers) {
+  const Page page = Page::Load(PAGE);
+  const glimmerhost::Parameter& emphasis = page.Find("PRM_Emphasis");
+  EXPECT_EQ(1.0, emphasis.lowest);
+  EXPECT_EQ(50.0, emphasis.highest);
+  for (const char* text : {"0", "50", "500"}) {
+    EXPECT_EQ(std::stod(text), std::get<double>(emphasis.Parse("--emphasis", text)));
   }
 }
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -228,10 +229,12 @@ TEST_F(Program, RefusesValuesWithTheOptionAndWhatIsAllowed) {
     const char* options;
     const char* says;
   } cases[] = {
-      {"--shape heart", "--shape heart: allowed is circle, ellipse or polygon"},
-      {"--shape image", "not offered yet"},
-      {"--set PRM_Shape=3", "not offered yet"},
-      {"--emphasis 20", "--emphasis 20: allowed is a number from 0 to 1"},
+      {"--shape heart", "--shape heart: allowed is circle, ellipse, polygon or image"},
+      {"--set PRM_Shape=4", "allowed is circle, ellipse, polygon or image"},
+      {"--emphasis 501", "--emphasis 501: allowed is a number from 0 to 500"},
+      {"--emphasis -1", "--emphasis -1: allowed is a number from 0 to 500"},
+      {"--threads 0", "--threads 0: allowed is a whole number from 1 to"},
+      {"--threads 100000", "--threads 100000: allowed is a whole number from 1 to"},
       {"--sides 51", "--sides 51: allowed is a whole number from 3 to 50"},
       {"--radius 11px", "--radius 11px: allowed is"},
       {"--radius many", "--radius many: allowed is"},
@@ -270,11 +273,188 @@ TEST_F(Program, FailsForAPictureThatTheGridCannotTake) {
   ExpectRefusal(Render(input, "out.png", "--radius 1px"), 1, "8192");
 }
 
-TEST_F(Program, FailsForASpreadPictureOfAnotherSize) {
+// A picture of black with lights of one pixel.
+Picture Lights(int width, int height, const std::vector<std::pair<int, int>>& lights) {
+  Picture picture;
+  picture.width = width;
+  picture.height = height;
+  picture.samples.assign(picture.PixelCount() * 4, 0);
+  for (std::size_t i = 3; i < picture.samples.size(); i += 4) {
+    picture.samples[i] = 65535;
+  }
+  for (const auto& [x, y] : lights) {
+    std::fill_n(picture.samples.begin() + (y * width + x) * 4, 4, std::uint16_t{65535});
+  }
+  return picture;
+}
+
+void Write(const Picture& picture, const fs::path& file) {
+  glimmerhost::PictureOutput output(file, true);
+  output.Write(picture, 16);
+}
+
+int RedAt(const Picture& picture, int x, int y) {
+  return picture.samples[static_cast<std::size_t>((y * picture.width + x) * 4)];
+}
+
+TEST_F(Program, OpensLightsIntoBrightAperturesWithEmphasis) {
+  Write(Lights(120, 90, {{60, 45}}), folder / "in.png");
+  ASSERT_EQ(0, RunProgram(Render(folder / "in.png", "plain.png", "--radius 10px")).code);
+  ASSERT_EQ(0,
+            RunProgram(Render(folder / "in.png", "lens.png", "--radius 10px --emphasis 75")).code);
+
+  const Picture plain = Read(folder / "plain.png");
+  const Picture lens = Read(folder / "lens.png");
+  for (const auto& [x, y] : {std::pair{60, 45}, {54, 45}, {66, 45}, {60, 51}}) {
+    EXPECT_LT(RedAt(plain, x, y), 300);
+    EXPECT_GT(RedAt(lens, x, y), 50000);
+  }
+  EXPECT_LT(RedAt(lens, 60, 60), 20);
+}
+
+TEST_F(Program, WarnsOfNoiseAboveAnEmphasisOf75) {
   const fs::path input = WriteInput("in.png", 20, 20);
-  const fs::path spread = WriteInput("spread.png", 21, 20);
-  ExpectRefusal(Render(input, "out.png", "--spread '" + spread.string() + "'"), 1,
-                "it must have the input's size, 20 x 20");
+  EXPECT_EQ("", RunProgram(Render(input, "75.png", "--emphasis 75")).text);
+  const Outcome outcome = RunProgram(Render(input, "76.png", "--emphasis 76"));
+  EXPECT_EQ(0, outcome.code);
+  EXPECT_EQ(
+      "glimmerhost: an emphasis of 76 shows rounding noise in dark areas; up to 75 none can be "
+      "seen\n",
+      outcome.text);
+}
+
+// A triangle that points up and to the left stays one: the picture of the aperture is seen by
+// every light as it is. It is centred on the frame, whatever its own size.
+TEST_F(Program, ShowsLightsAsThePictureOfTheAperture) {
+  Write(Lights(120, 90, {{60, 45}}), folder / "in.png");
+  std::vector<std::pair<int, int>> corner;
+  for (int y = 0; y < 12; ++y) {
+    for (int x = 0; x + y < 12; ++x) {
+      corner.emplace_back(x + 14, y + 14);
+    }
+  }
+  Write(Lights(40, 40, corner), folder / "small.png");
+  // The middle of even sizes: rows count from the bottom.
+  Write(Lights(300, 20, {{150, 9}}), folder / "wide.png");
+  Write(Lights(7, 7, {{3, 3}}), folder / "odd.png");
+  const std::string shape =
+      "--shape image --radius-psf1 15px --radius-psf2 14px --emphasis 60 --spread '";
+
+  ASSERT_EQ(0, RunProgram(Render(folder / "in.png", "small_out.png",
+                                 shape + (folder / "small.png").string() + "'"))
+                   .code);
+  const Picture out = Read(folder / "small_out.png");
+  EXPECT_GT(RedAt(out, 55, 40), 40000);
+  EXPECT_GT(RedAt(out, 64, 40), 40000);
+  EXPECT_GT(RedAt(out, 55, 49), 40000);
+  EXPECT_LT(RedAt(out, 64, 49), 1000);
+  EXPECT_LT(RedAt(out, 52, 40), 1000);
+  // One pixel in the middle: the light stays what it is.
+  for (const char* name : {"wide", "odd"}) {
+    ASSERT_EQ(0, RunProgram(Render(folder / "in.png", std::string(name) + "_out.png",
+                                   shape + (folder / name).string() + ".png'"))
+                     .code);
+    const Picture same = Read(folder / (std::string(name) + "_out.png"));
+    EXPECT_GT(RedAt(same, 60, 45), 65000) << name;
+    EXPECT_LT(RedAt(same, 61, 45), 1000) << name;
+  }
+}
+
+TEST_F(Program, TakesTheApertureFromTheFrameWithoutASpreadPicture) {
+  Write(Lights(120, 90, {{30, 20}, {34, 20}, {90, 60}}), folder / "in.png");
+  // The disc holds the first two lights: each light becomes two, four apart.
+  ASSERT_EQ(0, RunProgram(Render(folder / "in.png", "out.png",
+                                 "--shape image --center 32px,20px --radius-psf1 6px "
+                                 "--radius-psf2 7px --emphasis 60"))
+                   .code);
+  const Picture out = Read(folder / "out.png");
+  int lit = 0;
+  for (int x = 80; x < 100; ++x) {
+    int column = 0;
+    for (int y = 55; y < 65; ++y) {
+      column = std::max(column, RedAt(out, x, y));
+    }
+    lit += column > 40000 ? 1 : 0;
+  }
+  EXPECT_EQ(2, lit);
+}
+
+TEST_F(Program, GivesTheSamePictureOnOneProcessor) {
+  const fs::path input = WriteInput("in.png", 200, 150);
+  ASSERT_EQ(0, RunProgram(Render(input, "all.png", "--radius 9px --emphasis 30")).code);
+  ASSERT_EQ(0, RunProgram(Render(input, "one.png", "--radius 9px --emphasis 30 --threads 1")).code);
+  const auto all = Read(folder / "all.png").samples;
+  const auto one = Read(folder / "one.png").samples;
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    // The transforms' plans differ with their threads; samples pass the border in 15 bits.
+    ASSERT_NEAR(all[i], one[i], 4) << i;
+  }
+}
+
+// --- psf ---
+
+std::string Psf(const fs::path& output, const std::string& options) {
+  return "psf -o '" + output.string() + "' " + options;
+}
+
+TEST_F(Program, ShowsTheApertureOfAPointEnlarged) {
+  ASSERT_EQ(0, RunProgram(Psf(folder / "disc.png", "--radius 20px --size 200x160 --zoom 3")).code);
+
+  const Picture psf = Read(folder / "disc.png");
+  // Twenty pixels and a border of 2 on either side of the light.
+  EXPECT_EQ((2 * 22 + 1) * 3, psf.width);
+  EXPECT_EQ(psf.width, psf.height);
+  EXPECT_TRUE(psf.grey);
+  // Its centre lies half a pixel to the left of the light, and half a one below it.
+  for (int y = 0; y < 45; ++y) {
+    for (int x = 0; x < 45; ++x) {
+      const double distance = std::hypot(x - 22 + 0.5, y - 22 - 0.5);
+      const int sample = RedAt(psf, x * 3 + 1, y * 3 + 1);
+      if (distance < 19) {
+        ASSERT_GT(sample, 64000) << x << "," << y;
+      } else if (distance > 21) {
+        ASSERT_EQ(0, sample) << x << "," << y;
+      }
+    }
+  }
+  // Each pixel is a square of three.
+  for (int k = 0; k < 9; ++k) {
+    EXPECT_EQ(RedAt(psf, 2 * 3, 22 * 3), RedAt(psf, 2 * 3 + k % 3, 22 * 3 + k / 3));
+  }
+}
+
+TEST_F(Program, ShowsAnApertureOfAPictureWithItsSoftEdge) {
+  Picture white = Lights(50, 50, {});
+  std::fill(white.samples.begin(), white.samples.end(), std::uint16_t{65535});
+  Write(white, folder / "white.png");
+  ASSERT_EQ(0, RunProgram(Psf(folder / "psf.png",
+                              "--shape image --radius-psf1 5px --radius-psf2 15px --size 100x100 "
+                              "--zoom 1 --spread '" +
+                                  (folder / "white.png").string() + "'"))
+                   .code);
+  const Picture psf = Read(folder / "psf.png");
+  const int middle = psf.width / 2;
+  EXPECT_GT(RedAt(psf, middle + 4, middle), 65000);
+  // Half way down the ramp; the mask has 8 bits.
+  EXPECT_NEAR(0.5 * 65535, RedAt(psf, middle + 10, middle), 400);
+  EXPECT_NEAR(0.2 * 65535, RedAt(psf, middle - 13, middle), 400);
+}
+
+TEST_F(Program, RefusesAPsfThatItCannotShow) {
+  const fs::path out = folder / "psf.png";
+  ExpectRefusal(Psf(out, "--shape image"), 2, "--spread");
+  ExpectRefusal(Psf(out, "--size 100"), 2, "--size 100: allowed is WIDTHxHEIGHT");
+  ExpectRefusal(Psf(out, "--size 0x10"), 2, "--size 0x10: allowed is");
+  ExpectRefusal(Psf(out, "--zoom 65"), 2, "--zoom 65: allowed is a whole number from 1 to 64");
+  ExpectRefusal(Psf(out, "--sides 2"), 2, "--sides 2: allowed is");
+  ExpectRefusal(Psf(out, "--size 8000x10 --radius 50%"), 1, "8192");
+  ExpectRefusal("psf", 2, "required");
+}
+
+TEST_F(Program, SaysThatAnApertureIsLargerThanTheFrame) {
+  const Outcome outcome = RunProgram(Psf(folder / "psf.png", "--radius 40px --size 90x60"));
+  EXPECT_EQ(0, outcome.code);
+  EXPECT_NE(std::string::npos, outcome.text.find("a larger --size shows all of it"));
 }
 
 TEST_F(Program, SaysWhatIsWrongWithAModule) {
@@ -307,7 +487,8 @@ TEST_F(Program, ExplainsEveryOption) {
        {"--shape",       "--radius",      "--radius-x",  "--radius-y",   "--match",
         "--sides",       "--rotation",    "--emphasis",  "--emph-alpha", "--center",
         "--radius-psf1", "--radius-psf2", "--set",       "--spread",     "--pixel-aspect",
-        "--alpha",       "--bits",        "--overwrite", "--quiet",      "--module"}) {
+        "--alpha",       "--bits",        "--overwrite", "--quiet",      "--module",
+        "--threads"}) {
     EXPECT_NE(std::string::npos, outcome.text.find(option)) << option;
   }
   EXPECT_NE(std::string::npos, RunProgram("--version").text.find("5.13"));

@@ -1,0 +1,78 @@
+#include "host/glimmerhost/frame_render.h"
+
+#include <algorithm>
+#include <iostream>
+
+#include "host/glimmerhost/alpha.h"
+#include "host/glimmerhost/border_pictures.h"
+#include "host/glimmerhost/parameter_store.h"
+#include "host/glimmerhost/picture_file.h"
+
+namespace glimmerhost {
+namespace {
+
+// The picture in the middle of a black one of that size.
+Picture Centred(const Picture& picture, int width, int height) {
+  Picture canvas = picture;
+  canvas.width = width;
+  canvas.height = height;
+  canvas.samples.assign(canvas.PixelCount() * 4, 0);
+  // Where the picture's first pixel comes to lie, outside if the picture is larger. Rows are
+  // halved from the bottom, as the effect does where it looks for the middle.
+  const int left = width / 2 - picture.width / 2;
+  const int bottom = height / 2 - picture.height / 2;
+  const int top = height - bottom - picture.height;
+  const int firstX = std::max(left, 0);
+  const int endX = std::min(left + picture.width, width);
+  for (int y = std::max(top, 0); y < std::min(top + picture.height, height); ++y) {
+    const auto from =
+        picture.samples.begin() + (std::ptrdiff_t{y - top} * picture.width + (firstX - left)) * 4;
+    const auto to = canvas.samples.begin() + (std::ptrdiff_t{y} * width + firstX) * 4;
+    std::copy_n(from, std::ptrdiff_t{endX - firstX} * 4, to);
+  }
+  return canvas;
+}
+
+}  // namespace
+
+Picture ReadWithWarning(const std::string& file) {
+  std::string warning;
+  Picture picture = ReadPicture(file, &warning);
+  if (!warning.empty()) {
+    std::cerr << "glimmerhost: " << warning << '\n';
+  }
+  return picture;
+}
+
+quantel::cPtr<qplugin::iQpluginSource> OpenSpread(const std::string& file, int width, int height,
+                                                  bool premultiplied) {
+  if (file.empty()) {
+    return {};
+  }
+  Picture picture = ReadWithWarning(file);
+  if (premultiplied) {
+    Premultiply(&picture);
+  }
+  return quantel::cPtr<qplugin::iQpluginSource>(new StillClip(Centred(picture, width, height)));
+}
+
+void RenderPicture(const EffectModule& module, const std::map<std::string, Value>& values,
+                   const quantel::cPtr<qplugin::iQpluginSource>& spread,
+                   quantel::cSize2 pixelAspect, Picture* picture) {
+  const quantel::cPtr<FrameImage> output(new FrameImage(picture->width, picture->height));
+  const quantel::cPtr<FrameFormat> format(
+      new FrameFormat(pixelAspect, {picture->width, picture->height}));
+  try {
+    const quantel::cPtr<qplugin::iQpluginRender> render = module.MakeRender();
+    render->setTarget(quantel::cPtr<qplugin::iQpluginTarget>(new Target(output, format)));
+    const quantel::cPtr<qplugin::iQpluginSource> main(new StillClip(*picture));
+    render->setInputs(quantel::cPtr<qplugin::iQpluginInputs>(new Inputs(main, spread)));
+    render->setParams(quantel::cPtr<qplugin::iQpluginParams>(new ParameterStore(values)));
+    render->renderFrame(1, 0, 0);
+  } catch (...) {
+    RethrowModuleFault();
+  }
+  output->CopyTo(picture);
+}
+
+}  // namespace glimmerhost
