@@ -4,7 +4,11 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
+#include <iterator>
+#include <limits>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "hostframe/interfaces/plugin_render.h"
@@ -223,6 +227,88 @@ TEST(RenderThroughBorder, LeavesTheTransformLibraryWhereItsThreadsAre) {
   EXPECT_NE(nullptr, library);
   if (library != nullptr) {
     dlclose(library);
+  }
+}
+
+int ThreadsOfThisProcess() {
+  const std::filesystem::directory_iterator tasks("/proc/self/task");
+  return static_cast<int>(std::distance(begin(tasks), end(tasks)));
+}
+
+// A worker that stayed would run on in code that is gone. The transform library's threads
+// are told to end and may take a moment.
+TEST(RenderThroughBorder, TakesItsThreadsWithIt) {
+  const int before = ThreadsOfThisProcess();
+  FakeHost host;
+  LoadedModule module(&host);
+  {
+    Connections connections(&host.log, 16, 12);
+    const auto render = MakeRender(host);
+    connections.Connect(render);
+    render->renderFrame(1, 0, 0);
+  }
+  module.Unload();
+  for (int i = 0; i < 1000000 && ThreadsOfThisProcess() > before; ++i) {
+    std::this_thread::yield();
+  }
+  EXPECT_EQ(before, ThreadsOfThisProcess());
+}
+
+TEST(RenderThroughBorder, RendersOnSeveralThreadsAtOnce) {
+  FakeHost host;
+  const LoadedModule module(&host);
+  const auto renderOne = [&host](std::vector<std::uint16_t>* result) {
+    lx_test::CallLog log;
+    Connections connections(&log, 45, 31);
+    connections.params->numbers = {
+        {"PRM_Shape", 2}, {"PRM_RadiusX", 0.3}, {"PRM_Sides", 5}, {"PRM_Emphasis", 120}};
+    for (std::size_t i = 0; i < connections.In().size(); ++i) {
+      connections.In()[i] = static_cast<std::uint16_t>(i * 7919);
+    }
+    const auto render = MakeRender(host);
+    connections.Connect(render);
+    render->renderFrame(1, 0, 0);
+    *result = connections.Out();
+  };
+  std::vector<std::uint16_t> expected;
+  renderOne(&expected);
+  std::vector<std::vector<std::uint16_t>> results(4);
+  std::vector<std::thread> threads;
+  for (auto& result : results) {
+    threads.emplace_back([&renderOne, &result] {
+      for (int i = 0; i < 5; ++i) {
+        renderOne(&result);
+      }
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  for (const auto& result : results) {
+    EXPECT_EQ(expected, result);
+  }
+}
+
+// No key of the store, and no picture, is what it should be.
+TEST(RenderThroughBorder, TakesNumbersThatAreNone) {
+  FakeHost host;
+  const LoadedModule module(&host);
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  for (const char* key : {"PRM_RadiusX", "PRM_RadiusY", "PRM_Sides", "PRM_Rotation", "PRM_Emphasis",
+                          "PRM_Center_X", "PRM_Center_Y", "PRM_RadiusPSF1", "PRM_RadiusPSF2"}) {
+    for (const double shape : {0.0, 1.0, 2.0, 3.0}) {
+      const auto once = [&] {
+        Connections connections(&host.log, 20, 14);
+        connections.params->numbers = {{"PRM_Shape", shape}, {"PRM_RadiusX", 0.2}};
+        connections.params->numbers[key] = nan;
+        std::fill(connections.In().begin(), connections.In().end(), std::uint16_t{30000});
+        const auto render = MakeRender(host);
+        connections.Connect(render);
+        render->renderFrame(1, 0, 0);
+        return connections.Out();
+      };
+      EXPECT_EQ(once(), once()) << key << " " << shape;
+    }
   }
 }
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -39,12 +40,19 @@ struct HostFault {
   std::string call;
 };
 
+// Instances on several threads may share one.
 struct CallLog {
   std::vector<std::string> calls;
   std::string throwAt;
+  std::mutex mutex;
+
+  void Note(const std::string& call) {
+    const std::scoped_lock hold(mutex);
+    calls.push_back(call);
+  }
 
   void Add(const std::string& call) {
-    calls.push_back(call);
+    Note(call);
     if (call == throwAt) {
       throw HostFault{call};
     }
@@ -58,7 +66,7 @@ class FakeImage final : public qplugin::iQpluginImage, public quantel::cRefCount
         log_(log),
         name_(std::move(name)),
         size_{width, height} {}
-  ~FakeImage() override { log_->calls.push_back("~" + name_); }
+  ~FakeImage() override { log_->Note("~" + name_); }
 
   cSize2 size() override {
     log_->Add(name_ + ".size");
@@ -81,7 +89,7 @@ class FakeImage final : public qplugin::iQpluginImage, public quantel::cRefCount
 class FakeDescriptor final : public qplugin::iQpluginDescriptor, public quantel::cRefCount {
  public:
   explicit FakeDescriptor(CallLog* log) : log_(log) {}
-  ~FakeDescriptor() override { log_->calls.push_back("~descriptor"); }
+  ~FakeDescriptor() override { log_->Note("~descriptor"); }
 
  private:
   CallLog* log_;
@@ -112,7 +120,7 @@ class FakeFormat final : public qplugin::iQpluginFormat, public quantel::cRefCou
 class FakeSource final : public qplugin::iQpluginSource, public quantel::cRefCount {
  public:
   FakeSource(CallLog* log, std::string name) : log_(log), name_(std::move(name)) {}
-  ~FakeSource() override { log_->calls.push_back("~" + name_); }
+  ~FakeSource() override { log_->Note("~" + name_); }
 
   void reserved1() override { log_->Add(name_ + ".reserved1"); }
   cPtr<qplugin::iQpluginImage> frame(int frame, cPtr<qplugin::iQpluginDescriptor> descriptor,
@@ -153,7 +161,7 @@ class FakeInputs final : public qplugin::iQpluginInputs, public quantel::cRefCou
 class FakeTarget final : public qplugin::iQpluginTarget, public quantel::cRefCount {
  public:
   explicit FakeTarget(CallLog* log) : log_(log) {}
-  ~FakeTarget() override { log_->calls.push_back("~target"); }
+  ~FakeTarget() override { log_->Note("~target"); }
 
   void reserved1() override { log_->Add("target.reserved1"); }
   cPtr<qplugin::iQpluginImage> outputFrame(int three) override {
@@ -180,7 +188,7 @@ class FakeTarget final : public qplugin::iQpluginTarget, public quantel::cRefCou
 class FakeParams final : public qplugin::iQpluginParams, public quantel::cRefCount {
  public:
   explicit FakeParams(CallLog* log) : log_(log) {}
-  ~FakeParams() override { log_->calls.push_back("~params"); }
+  ~FakeParams() override { log_->Note("~params"); }
 
   double getFloat(const wstring& key, int zero) override {
     log_->Add("getFloat(" + Narrow(key) + "," + std::to_string(zero) + ")");
@@ -228,7 +236,7 @@ class FakeParams final : public qplugin::iQpluginParams, public quantel::cRefCou
 class FakeModule final : public qplugin::iQpluginModule, public quantel::cRefCount {
  public:
   explicit FakeModule(CallLog* log) : log_(log) {}
-  ~FakeModule() override { log_->calls.push_back("~module"); }
+  ~FakeModule() override { log_->Note("~module"); }
 
   wstring moduleText() override {
     log_->Add("module.moduleText");
@@ -250,7 +258,7 @@ class FakeModule final : public qplugin::iQpluginModule, public quantel::cRefCou
 class FakeSink final : public qplugin::iQplugin, public quantel::cRefCount {
  public:
   explicit FakeSink(CallLog* log) : log_(log) {}
-  ~FakeSink() override { log_->calls.push_back("~sink"); }
+  ~FakeSink() override { log_->Note("~sink"); }
   void reserved1() override {}
   void reserved2() override {}
   void message(const wstring& text) override {
@@ -306,7 +314,7 @@ class FakeFactory::Registrar final : public quantel::iRegistrar, public quantel:
  public:
   explicit Registrar(FakeFactory* factory) : factory_(factory) {}
   void removeClass(cPtr<iConstructor> constructor) override {
-    factory_->log_->calls.push_back("removeClass");
+    factory_->log_->Note("removeClass");
     if (factory_->onRemove) {
       factory_->onRemove(constructor);
     }
