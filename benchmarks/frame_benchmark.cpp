@@ -3,9 +3,10 @@
 //   build/release/benchmarks/frame_benchmark --benchmark_repetitions=5
 //       --benchmark_report_aggregates_only=true
 //
-// Each line alternates, in one run: a whole Convolve with a kept PSF, the eight bare
-// transforms of the same plans on the same arrays, and a PSF build at a kept padded size.
-// Time is the frame's. The counter ratio, frame over transforms, is what to compare:
+// BM_Frame alternates, in one run, a whole Convolve with a kept PSF and the eight bare
+// transforms of the same plans on the same arrays; BM_PsfBuild a PSF build at a kept padded
+// size and one bare transform. Time is the frame's, or the build's. The counter ratio, of it
+// to its transforms, is what to compare:
 // milliseconds move with the machine, its load and the number of processors that the
 // transforms were planned for. Frames hold noise, since zeros flatter everyone.
 //
@@ -73,54 +74,85 @@ class Passes {
   lx::DefocusEngine* engine_ = nullptr;
 };
 
-void BM_Frame(benchmark::State& state) {
-  const auto width = static_cast<std::int32_t>(state.range(0));
-  const auto height = static_cast<std::int32_t>(state.range(1));
-  const auto radius = static_cast<float>(state.range(2));
-  const auto emphasis = static_cast<float>(state.range(3));
-  const bool pooled = state.range(4) != 0;
-  const Image source = MakeFrame(width, height);
-  const Image dest(lx::ImageCreateLike(source.get()));
-  lx::DefocusEngine engine;
-  Passes passes;
-  if (pooled) {
-    engine.SetParallelFor(&passes, Passes::ParallelFor);
+// An engine with a source, a PSF and everything that its first frame makes.
+class LoadedEngine {
+ public:
+  LoadedEngine(std::int32_t width, std::int32_t height, float radius, float emphasis, bool pooled)
+      : source_(MakeFrame(width, height)),
+        dest_(lx::ImageCreateLike(source_.get())),
+        radius_(radius) {
+    if (pooled) {
+      engine.SetParallelFor(&passes_, Passes::ParallelFor);
+    }
+    engine.SetEmphasis(emphasis);
+    BuildPsf();
+    engine.SetSourceImage(source_.get());
+    usable_ = Convolve() && LooksBlurred(*dest_, emphasis);
   }
-  engine.SetEmphasis(emphasis);
-  const auto build = [&] { engine.BuildShapePsf(width, height, 1, radius, radius, 0.0F, 6); };
-  build();
-  engine.SetSourceImage(source.get());
-  if (!engine.Convolve(dest.get(), 15) || !LooksBlurred(*dest, emphasis)) {
-    state.SkipWithError("the frame did not come out blurred");
+
+  // Marks the run as failed if the first frame did not come out blurred.
+  bool IsUsable(benchmark::State* state) const {
+    if (!usable_) {
+      state->SkipWithError("the frame did not come out blurred");
+    }
+    return usable_;
+  }
+
+  void BuildPsf() {
+    engine.BuildShapePsf(source_->width, source_->height, 1, radius_, radius_, 0.0F, 6);
+  }
+  bool Convolve() { return engine.Convolve(dest_.get(), 15); }
+
+  lx::DefocusEngine engine;
+
+ private:
+  Image source_;
+  Image dest_;
+  Passes passes_;
+  float radius_;
+  bool usable_;
+};
+
+// Alternates the work with its bare transforms, and counts both.
+template <class Work, class Transforms>
+void Compare(benchmark::State* state, const lx::DefocusEngine& engine, bool pooled, Work work,
+             Transforms transforms) {
+  double workTime = 0.0;
+  double transformTime = 0.0;
+  for (auto _ : *state) {
+    const auto start = Clock::now();
+    work();
+    const auto worked = Clock::now();
+    transforms();
+    const auto transformed = Clock::now();
+    state->SetIterationTime(Seconds(start, worked));
+    workTime += Seconds(start, worked);
+    transformTime += Seconds(worked, transformed);
+  }
+  const auto count = static_cast<double>(state->iterations());
+  state->counters["ways"] = pooled ? lx::mp_num_ways() : 1;
+  state->counters["grid"] = engine.paddedWidth;
+  state->counters["transforms_ms"] = transformTime / count * 1e3;
+  state->counters["ratio"] = workTime / transformTime;
+}
+
+void BM_Frame(benchmark::State& state) {
+  const bool pooled = state.range(4) != 0;
+  LoadedEngine loaded(static_cast<std::int32_t>(state.range(0)),
+                      static_cast<std::int32_t>(state.range(1)), static_cast<float>(state.range(2)),
+                      static_cast<float>(state.range(3)), pooled);
+  if (!loaded.IsUsable(&state)) {
     return;
   }
-  double frame = 0.0;
-  double transforms = 0.0;
-  double psf = 0.0;
-  for (auto _ : state) {
-    const auto start = Clock::now();
-    engine.Convolve(dest.get(), 15);
-    const auto convolved = Clock::now();
-    for (int plane = 0; plane < 4; ++plane) {
-      lx::GetFftCalls().execute(engine.forwardPlan);
-      lx::GetFftCalls().execute(engine.inversePlan);
-    }
-    const auto transformed = Clock::now();
-    build();
-    const auto built = Clock::now();
-    state.SetIterationTime(Seconds(start, convolved));
-    frame += Seconds(start, convolved);
-    transforms += Seconds(convolved, transformed);
-    psf += Seconds(transformed, built);
-  }
-  const auto count = static_cast<double>(state.iterations());
-  state.counters["ways"] = pooled ? lx::mp_num_ways() : 1;
-  state.counters["grid"] = engine.paddedWidth;
-  state.counters["transforms_ms"] = transforms / count * 1e3;
-  state.counters["ratio"] = frame / transforms;
-  state.counters["psf_build_ms"] = psf / count * 1e3;
-  state.counters["psf_in_transforms"] = psf / transforms * 8.0;
-  state.SetItemsProcessed(state.iterations() * width * height);
+  Compare(
+      &state, loaded.engine, pooled, [&] { loaded.Convolve(); },
+      [&] {
+        for (int plane = 0; plane < 4; ++plane) {
+          lx::GetFftCalls().execute(loaded.engine.forwardPlan);
+          lx::GetFftCalls().execute(loaded.engine.inversePlan);
+        }
+      });
+  state.SetItemsProcessed(state.iterations() * state.range(0) * state.range(1));
 }
 
 BENCHMARK(BM_Frame)
@@ -131,6 +163,26 @@ BENCHMARK(BM_Frame)
     ->ArgsProduct({{1920}, {1080}, {20}, {20, 200}, {0, 1}})
     ->ArgsProduct({{3840}, {2160}, {20, 100}, {0}, {0, 1}})
     ->ArgsProduct({{3840}, {2160}, {20}, {20, 200}, {0, 1}})
+    ->Unit(benchmark::kMillisecond)
+    ->UseManualTime();
+
+void BM_PsfBuild(benchmark::State& state) {
+  LoadedEngine loaded(static_cast<std::int32_t>(state.range(0)),
+                      static_cast<std::int32_t>(state.range(1)), static_cast<float>(state.range(2)),
+                      0.0F, true);
+  if (!loaded.IsUsable(&state)) {
+    return;
+  }
+  Compare(
+      &state, loaded.engine, true, [&] { loaded.BuildPsf(); },
+      [&] { lx::GetFftCalls().execute(loaded.engine.forwardPlan); });
+}
+
+BENCHMARK(BM_PsfBuild)
+    ->ArgNames({"width", "height", "radius"})
+    ->ArgsProduct({{720}, {576}, {20, 100}})
+    ->ArgsProduct({{1920}, {1080}, {20, 100}})
+    ->ArgsProduct({{3840}, {2160}, {20, 100}})
     ->Unit(benchmark::kMillisecond)
     ->UseManualTime();
 

@@ -18,13 +18,9 @@ using EventHandle = void*;
 using ThreadStart = std::uint32_t (*)(void* argument);
 
 struct Platform {
-  // --- Memory ---
-
   // The general heap, as the C runtime gives it; null where memory has run out.
   void* (*allocate)(std::size_t size);
   void (*release)(void* block);
-
-  // --- The machine ---
 
   // Processors that this process may run on. May answer 0 or less; callers raise it.
   std::int32_t (*processorCount)();
@@ -47,8 +43,6 @@ struct Platform {
   // at most size - 1 bytes and a terminating zero, empty for an error without a text.
   std::uint32_t (*lastError)();
   void (*errorText)(std::uint32_t error, char* text, std::size_t size);
-
-  // --- Threads ---
 
   // Starts a thread. The id is above 0. The handle is closed with closeThread.
   // Null where the system has no thread to give.
@@ -80,16 +74,15 @@ struct Platform {
   // Whether threads of this module can be awaited while it is unloaded.
   bool threadsEndAtUnload;
 
-  // --- One word for each thread ---
-
-  // A slot, in which every thread starts with null. kNoThreadSlot where none is left.
+  // A slot that holds one word for each thread, null at first. kNoThreadSlot where none is
+  // left.
   std::uint32_t (*allocateThreadSlot)();
   void (*releaseThreadSlot)(std::uint32_t slot);
   bool (*setThreadSlot)(std::uint32_t slot, void* value);
   void* (*threadSlot)(std::uint32_t slot);
 
-  // --- Events: set by hand, reset by hand, made unset ---
-
+  // An event that is set by hand, reset by hand and made unset. Null where there is none to
+  // be had.
   EventHandle (*createEvent)();
   void (*destroyEvent)(EventHandle event);
   void (*setEvent)(EventHandle event);
@@ -99,18 +92,15 @@ struct Platform {
   // end instead; it then leaves without touching anything it shares.
   bool (*waitForEvents)(std::uint32_t count, const EventHandle* events);
 
-  // --- Critical sections: recursive locks in memory of the caller's ---
-
+  // Critical sections: recursive locks in memory of the caller's, of that size.
   std::size_t lockBytes;
   void (*initializeLock)(void* lock);
   void (*destroyLock)(void* lock);
   void (*enterLock)(void* lock);
   void (*leaveLock)(void* lock);
 
-  // --- The floating-point control word of the calling thread ---
-
-  // Rounding, precision, exception masks and flushing of denormals as one word; flags
-  // that arithmetic raises are not in it.
+  // The floating-point control word of the calling thread: rounding, precision, exception
+  // masks and flushing of denormals as one word. Flags that arithmetic raises are not in it.
   std::uint32_t (*floatControl)();
   void (*setFloatControl)(std::uint32_t word);
 

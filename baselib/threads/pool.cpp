@@ -229,6 +229,7 @@ void mp_end_workers() {
   const std::scoped_lock start(mp_start_mutex());
   const Platform& platform = GetPlatform();
   PoolState& pool = pool_state();
+  pool.ways = 1;
   MPWorker* workers = pool.workers;
   for (std::int32_t i = pool.workerCount - 1; i >= 0; --i) {
     if (workers[i].thread_id >= 0) {
@@ -248,7 +249,6 @@ void mp_end_workers() {
     pool.threadSlot = kNoThreadSlot;
   }
   mp_undo_setup();
-  pool.ways = 1;
 }
 
 }  // namespace lx

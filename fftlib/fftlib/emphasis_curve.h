@@ -22,7 +22,7 @@ EmphasisCurve MakeEmphasisCurve(double g);
 // Written so that not-a-number stays what it is.
 template <class Lanes>
 [[gnu::always_inline]] inline Lanes ClampToCurve(Lanes v) {
-  const Lanes zero = v - v;
+  const Lanes zero{};
   const Lanes one = zero + 1.0;
   const Lanes low = v < 0.0 ? zero : v;
   return low > 1.0 ? one : low;

@@ -6,7 +6,7 @@
 //
 // log2(y) = k + 2 / ln 2 * atanh(s), s = (m - 1) / (m + 1), y = m * 2^k; carried in two
 // doubles, since the exponent multiplies its error. 2^t = 1 + t ln 2 + t^2 * polynomial,
-// over half a step either side of a whole number. Both polynomials are Chebyshev fits.
+// over half a step either side of a whole number.
 #pragma once
 
 #include <bit>
@@ -34,6 +34,9 @@ struct PowerExponent {
 // the instructions, and consecutive samples overlap.
 namespace power {
 
+// Coefficients from the constant up, by Chebyshev interpolation with sixty digits:
+//   kLog  (log2((1 + s) / (1 - s)) - 2 s / ln 2) / s^3, in powers of s^2 up to 0.02944
+//   kExp  (2^f - 1 - f ln 2) / f^2, in powers of f from -1/2 to 1/2
 inline constexpr double kLog[] = {
     0x1.ec709dc3a03fdp-1, 0x1.2776c50ef9c71p-1, 0x1.a61762a7863ffp-2, 0x1.484b1401c7f94p-2,
     0x1.0c9a6ec3ee6a0p-2, 0x1.c69ba0c733d1cp-3, 0x1.880b4408a2f65p-3, 0x1.82aab217db0bep-3,
@@ -148,7 +151,7 @@ template <class Lanes>
   const Lanes rounded = t + power::kRounder;
   const Lanes f = (first - (rounded - power::kRounder)) + rest;
   const Bits scaled = std::bit_cast<Bits>(power::Exp2(f)) + (std::bit_cast<Bits>(rounded) << 52U);
-  const Lanes zero = y - y;
+  const Lanes zero{};
   const Lanes result = t < -1021.0 ? zero : std::bit_cast<Lanes>(scaled);
   const Lanes small = y < power::kSmallest ? zero : result;
   return y < 4.0 ? small : y;

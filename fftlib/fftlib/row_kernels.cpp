@@ -1,6 +1,7 @@
 #include "fftlib/fftlib/row_kernels.h"
 
 #include <cstdint>
+#include <initializer_list>
 
 #include "baselib/utils/convert.h"
 #include "fftlib/fftlib/colour_transform.h"
@@ -89,8 +90,15 @@ const RowKernels& PlainRowKernels() {
 }
 
 const RowKernels& GetRowKernels() {
-  static const RowKernels* const kernels = Avx2RowKernels();
-  return kernels != nullptr ? *kernels : PlainRowKernels();
+  static const RowKernels* const kernels = [] {
+    for (const RowKernels* vector : {Avx512RowKernels(), Avx2RowKernels()}) {
+      if (vector != nullptr) {
+        return vector;
+      }
+    }
+    return &PlainRowKernels();
+  }();
+  return *kernels;
 }
 
 }  // namespace lx

@@ -1,6 +1,6 @@
 // The inner loops over rows of 16-bit pixels with four channels, which is what frames are,
-// and over rows of a spectrum. Each stands in two builds that give the same bits: plain
-// loops, and AVX2 where the processor has it.
+// and over rows of a spectrum. They stand in builds that give the same bits: plain loops,
+// AVX2, and AVX-512 for what gains by it.
 #pragma once
 
 #include <cstdint>
@@ -48,10 +48,11 @@ struct RowKernels {
 
 const RowKernels& PlainRowKernels();
 
-// Null where the processor, or the build, has no AVX2.
+// Null where the processor, or the build, does not have them.
 const RowKernels* Avx2RowKernels();
+const RowKernels* Avx512RowKernels();
 
-// The faster of both.
+// The fastest that the processor has.
 const RowKernels& GetRowKernels();
 
 }  // namespace lx

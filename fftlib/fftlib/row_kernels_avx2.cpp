@@ -9,6 +9,7 @@
 #include <cstdint>
 
 #include "fftlib/fftlib/colour_transform.h"
+#include "fftlib/fftlib/curve_rows.h"
 
 namespace lx {
 
@@ -20,9 +21,6 @@ struct LaneBits<Lanes4> {
 };
 
 namespace {
-
-Lanes4 LoadLanes(const double* from) { return _mm256_loadu_pd(from); }
-void StoreLanes(Lanes4 lanes, double* to) { _mm256_storeu_pd(to, lanes); }
 
 constexpr double kScale = 1.5259021896696422e-05;
 constexpr double kFull = 65535.0;
@@ -131,64 +129,6 @@ void Store(const PlaneRow& planes, const PlaneScale& scale, std::int32_t width,
   PlainRowKernels().store(rest, scale, width - x, pixels + 4 * x);
 }
 
-// A piece of a row at a time through each step of the curve: its whole chain of operations
-// is longer than what a processor overlaps.
-constexpr std::int32_t kPiece = 128;
-
-void PowerOfRow(const PowerExponent& e, std::int32_t count, double* row) {
-  const PowerExponent exponent = e;  // which no store into the row can change
-  alignas(Lanes4) double high[kPiece];
-  alignas(Lanes4) double low[kPiece];
-  for (std::int32_t x = 0; x < count; x += kStep) {
-    const auto log = power::Log2(LoadLanes(row + x));
-    StoreLanes(log.high, high + x);
-    StoreLanes(log.low, low + x);
-  }
-  for (std::int32_t x = 0; x < count; x += kStep) {
-    const power::TwoParts<Lanes4> log{LoadLanes(high + x), LoadLanes(low + x)};
-    StoreLanes(PowerFromLog(LoadLanes(row + x), log, exponent), row + x);
-  }
-}
-
-// As much of a row as whole steps cover.
-std::int32_t WholeSteps(std::int32_t width) { return width - width % kStep; }
-
-void ApplyCurveToRow(const EmphasisCurve& curve, std::int32_t width, double* row) {
-  const EmphasisCurve own = curve;
-  const std::int32_t end = WholeSteps(width);
-  for (std::int32_t start = 0; start < end; start += kPiece) {
-    const std::int32_t count = end - start < kPiece ? end - start : kPiece;
-    double* piece = row + start;
-    for (std::int32_t x = 0; x < count; x += kStep) {
-      StoreLanes(CurveHyperbola(1.0 - ClampToCurve(LoadLanes(piece + x)), own), piece + x);
-    }
-    if (own.hasPower) {
-      PowerOfRow(own.apply, count, piece);
-    }
-  }
-  PlainRowKernels().applyCurve(curve, width - end, row + end);
-}
-
-void UndoCurveOfRow(const EmphasisCurve& curve, const double* plane, double scale,
-                    std::int32_t width, double* row) {
-  const EmphasisCurve own = curve;
-  const std::int32_t end = WholeSteps(width);
-  for (std::int32_t start = 0; start < end; start += kPiece) {
-    const std::int32_t count = end - start < kPiece ? end - start : kPiece;
-    double* piece = row + start;
-    for (std::int32_t x = 0; x < count; x += kStep) {
-      StoreLanes(ClampToCurve(scale * LoadLanes(plane + start + x)), piece + x);
-    }
-    if (own.hasPower) {
-      PowerOfRow(own.undo, count, piece);
-    }
-    for (std::int32_t x = 0; x < count; x += kStep) {
-      StoreLanes(1.0 - CurveHyperbola(LoadLanes(piece + x), own), piece + x);
-    }
-  }
-  PlainRowKernels().undoCurve(curve, plane + end, scale, width - end, row + end);
-}
-
 void Multiply(const double (*psf)[2], double (*work)[2], std::int32_t count) {
   std::int32_t k = 0;
   for (; k + 2 <= count; k += 2) {
@@ -204,8 +144,9 @@ void Multiply(const double (*psf)[2], double (*work)[2], std::int32_t count) {
 }  // namespace
 
 const RowKernels* Avx2RowKernels() {
-  static constexpr RowKernels kKernels{FillLuma, FillCr,          FillCb,         FillAlpha,
-                                       Store,    ApplyCurveToRow, UndoCurveOfRow, Multiply};
+  static constexpr RowKernels kKernels{
+      FillLuma, FillCr, FillCb, FillAlpha, Store, CurveRows<Lanes4>::Apply, CurveRows<Lanes4>::Undo,
+      Multiply};
   return __builtin_cpu_supports("avx2") != 0 ? &kKernels : nullptr;
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <limits>
 #include <vector>
 
@@ -65,6 +66,16 @@ TEST(Emphasis, HasTheValuesOfItsDefinition) {
                {0.75, 500, 4.4468502121349786842e-72}};
   for (const auto& c : cases) {
     EXPECT_NEAR(1.0, ApplyEmphasisD(c.x, c.g) / c.y, 1e-12) << c.x << " at " << c.g;
+  }
+}
+
+TEST(Emphasis, ClampsWhatIsInfinite) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  for (const double g : {2.0, 200.0}) {
+    EXPECT_NEAR(1.0, ApplyEmphasisD(infinity, g), 1e-14);
+    EXPECT_NEAR(0.0, ApplyEmphasisD(-infinity, g), 1e-15);
+    EXPECT_NEAR(1.0, UndoEmphasisD(infinity, g), 1e-15);
+    EXPECT_NEAR(0.0, UndoEmphasisD(-infinity, g), 1e-15);
   }
 }
 
@@ -222,6 +233,40 @@ TEST(Power, IsWithinOneUnitInTheLastPlace) {
       const auto unit = std::ldexp(1.0L, std::ilogb(exact) - 52);
       ASSERT_LT(std::fabs(lx::Power(y, e) - exact), unit) << y << " to the " << exponent;
     }
+  }
+}
+
+template <std::size_t Count>
+long double Polynomial(const double (&coefficients)[Count], long double x) {
+  long double sum = 0.0L;
+  for (std::size_t i = Count; i-- > 0;) {
+    sum = sum * x + static_cast<long double>(coefficients[i]);
+  }
+  return sum;
+}
+
+// By their series, to the precision of a long double.
+TEST(Power, HasPolynomialsThatFitWhatTheyStandFor) {
+  if (std::numeric_limits<long double>::digits < 64) {
+    GTEST_SKIP() << "a long double is no wider than a double here";
+  }
+  const long double ln2 = std::log(2.0L);
+  for (int i = 0; i <= 200; ++i) {
+    const long double z = 0.02944L * i / 200;
+    long double log = 0.0L;
+    long double power = 1.0L;
+    for (int j = 1; j < 40; ++j, power *= z) {
+      log += 2.0L / ln2 / (2 * j + 1) * power;
+    }
+    ASSERT_NEAR(1.0, Polynomial(lx::power::kLog, z) / log, 1e-16) << i;
+    const long double f = (i - 100) / 200.0L;
+    long double exp = 0.0L;
+    long double term = ln2 * ln2 / 2;
+    for (int j = 3; j < 40; ++j) {
+      exp += term;
+      term *= ln2 * f / j;
+    }
+    ASSERT_NEAR(1.0, Polynomial(lx::power::kExp, f) / exp, 1e-16) << i;
   }
 }
 

@@ -19,9 +19,14 @@ constexpr int kWidth = 65536 + 3;
 
 constexpr lx::PlaneScale kScale{0.75, 0.5, 0.625};
 
-class RowKernelBuilds : public testing::Test {
+struct Build {
+  const char* name;
+  const RowKernels* (*kernels)();
+};
+
+class RowKernelBuilds : public testing::TestWithParam<Build> {
  public:
-  RowKernelBuilds() : plain(lx::PlainRowKernels()), vector(lx::Avx2RowKernels()) {
+  RowKernelBuilds() : plain(lx::PlainRowKernels()), vector(GetParam().kernels()) {
     if (vector == nullptr) {
       return;
     }
@@ -86,9 +91,9 @@ class RowKernelBuilds : public testing::Test {
   std::vector<double> alpha;
 };
 
-TEST_F(RowKernelBuilds, FillTheSameBits) {
+TEST_P(RowKernelBuilds, FillTheSameBits) {
   if (vector == nullptr) {
-    GTEST_SKIP() << "this processor has no AVX2";
+    GTEST_SKIP() << "this processor has no " << GetParam().name;
   }
   ExpectSameFill(&RowKernels::luma);
   ExpectSameFill(&RowKernels::cr);
@@ -96,23 +101,23 @@ TEST_F(RowKernelBuilds, FillTheSameBits) {
   ExpectSameFill(&RowKernels::alpha);
 }
 
-TEST_F(RowKernelBuilds, StoreTheSameSamplesAlsoForWhatIsNoNumber) {
+TEST_P(RowKernelBuilds, StoreTheSameSamplesAlsoForWhatIsNoNumber) {
   if (vector == nullptr) {
-    GTEST_SKIP() << "this processor has no AVX2";
+    GTEST_SKIP() << "this processor has no " << GetParam().name;
   }
   ExpectSameStore(alpha.data());
 }
 
-TEST_F(RowKernelBuilds, LeaveTheSameAlphaAlone) {
+TEST_P(RowKernelBuilds, LeaveTheSameAlphaAlone) {
   if (vector == nullptr) {
-    GTEST_SKIP() << "this processor has no AVX2";
+    GTEST_SKIP() << "this processor has no " << GetParam().name;
   }
   ExpectSameStore(nullptr);
 }
 
-TEST_F(RowKernelBuilds, MultiplyToTheSameBits) {
+TEST_P(RowKernelBuilds, MultiplyToTheSameBits) {
   if (vector == nullptr) {
-    GTEST_SKIP() << "this processor has no AVX2";
+    GTEST_SKIP() << "this processor has no " << GetParam().name;
   }
   std::mt19937 random(3);
   constexpr int kCount = 1025;
@@ -131,9 +136,9 @@ TEST_F(RowKernelBuilds, MultiplyToTheSameBits) {
   EXPECT_EQ(a, b);
 }
 
-TEST_F(RowKernelBuilds, CurveToTheSameBits) {
+TEST_P(RowKernelBuilds, CurveToTheSameBits) {
   if (vector == nullptr) {
-    GTEST_SKIP() << "this processor has no AVX2";
+    GTEST_SKIP() << "this processor has no " << GetParam().name;
   }
   std::vector<double> values = luma;
   for (int i = 0; i <= 4096; ++i) {
@@ -153,6 +158,11 @@ TEST_F(RowKernelBuilds, CurveToTheSameBits) {
     ExpectSameBits(a, b);
   }
 }
+
+INSTANTIATE_TEST_SUITE_P(Of, RowKernelBuilds,
+                         testing::Values(Build{"AVX2", lx::Avx2RowKernels},
+                                         Build{"AVX512", lx::Avx512RowKernels}),
+                         [](const auto& build) { return build.param.name; });
 
 TEST(RowKernels, StoreWhatIsNoNumberAsZeroAndClampTheRest) {
   const double nan = std::numeric_limits<double>::quiet_NaN();

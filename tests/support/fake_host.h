@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -301,7 +302,7 @@ class FakeFactory final : public quantel::iFactory, public quantel::cRefCount {
   std::vector<cPtr<iConstructor>> classes;
   std::vector<int> countsAtRegistration;  // of each constructor as it came
   cPtr<FakeSink> sink;
-  const void* lastDestroyed = nullptr;
+  std::atomic<const void*> lastDestroyed{nullptr};
   std::function<void(const cPtr<iConstructor>&)> onRemove;
 
  private:
