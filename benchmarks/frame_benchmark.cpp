@@ -23,6 +23,7 @@
 #include "fftlib/fftlib.h"
 #include "fftlib/fftlib/fft_calls.h"
 #include "imagelib/imagelib.h"
+#include "tests/support/pooled_passes.h"
 
 namespace {
 
@@ -56,24 +57,6 @@ bool LooksBlurred(const lx::ImageRec& image, float emphasis) {
   return samples[middle] > 28000 && samples[middle] < (emphasis > 1.0F ? 65000 : 37000);
 }
 
-// Hands the engine's passes to the pool, as the effect does.
-class Passes {
- public:
-  static void ParallelFor(void* context, lx::PassFunction pass, std::int32_t count,
-                          lx::DefocusEngine* engine) {
-    auto* self = static_cast<Passes*>(context);
-    self->pass_ = pass;
-    self->engine_ = engine;
-    lx::mp_parallel_rows(*self, &Passes::Rows, count);
-  }
-
- private:
-  void Rows(std::int32_t first, std::int32_t last) { pass_(engine_, first, last); }
-
-  lx::PassFunction pass_ = nullptr;
-  lx::DefocusEngine* engine_ = nullptr;
-};
-
 // An engine with a source, a PSF and everything that its first frame makes.
 class LoadedEngine {
  public:
@@ -82,7 +65,7 @@ class LoadedEngine {
         dest_(lx::ImageCreateLike(source_.get())),
         radius_(radius) {
     if (pooled) {
-      engine.SetParallelFor(&passes_, Passes::ParallelFor);
+      engine.SetParallelFor(&passes_, lx_test::PooledPasses::ParallelFor);
     }
     engine.SetEmphasis(emphasis);
     BuildPsf();
@@ -108,7 +91,7 @@ class LoadedEngine {
  private:
   Image source_;
   Image dest_;
-  Passes passes_;
+  lx_test::PooledPasses passes_;
   float radius_;
   bool usable_;
 };

@@ -20,8 +20,8 @@ std::int32_t mp_slice_rows(PoolWord object, PoolWord rowFunction, PoolWord rows,
     first = i * chunk;
     end = i == w - 1 ? std::int64_t{rows} : std::min(first + chunk, std::int64_t{rows});
   }
-  const auto& function = *reinterpret_cast<const RowFunction*>(rowFunction);
-  function.call(function, reinterpret_cast<void*>(object), static_cast<std::int32_t>(first),
+  const auto& function = *PointerOf<const RowFunction>(rowFunction);
+  function.call(function, PointerOf<void>(object), static_cast<std::int32_t>(first),
                 static_cast<std::int32_t>(end - 1));
   return 0;
 }

@@ -170,7 +170,7 @@ std::int32_t mp_worker_index() {
 }
 
 std::int32_t mp_worker_loop(PoolWord record) {
-  auto* worker = reinterpret_cast<MPWorker*>(record);
+  auto* worker = PointerOf<MPWorker>(record);
   if (worker == nullptr || !GetPlatform().setThreadSlot(pool_state().threadSlot, worker)) {
     log_message(kLogError, "MP %d: TlsSetValue error..\n", worker != nullptr ? worker->index : 0);
     return 0;

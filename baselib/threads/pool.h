@@ -21,6 +21,12 @@ namespace lx {
 // An argument: a number, or a pointer as one.
 using PoolWord = std::intptr_t;
 
+// The pointer that a word was made from.
+template <class T>
+T* PointerOf(PoolWord word) {
+  return reinterpret_cast<T*>(word);  // NOLINT(performance-no-int-to-ptr): words carry both
+}
+
 using PoolFunction = std::int32_t (*)(PoolWord, PoolWord, PoolWord, PoolWord, PoolWord, PoolWord);
 using ThreadEntry = std::int32_t (*)(PoolWord argument);
 

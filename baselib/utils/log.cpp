@@ -12,10 +12,10 @@ namespace {
 constexpr const char* kPrefix = "(LX LIB)";
 constexpr const char* kLabels[] = {"ERROR", "WARN ", "INFO "};
 
+using Text = char[4096];
+
 // One call of the stream for a line, so that the lines of two threads do not mix.
-void WriteLine(const char* label, const char* format, std::va_list arguments) {
-  char text[4096];
-  std::vsnprintf(text, sizeof text, format, arguments);
+void WriteLine(const char* label, const Text& text) {
   const std::size_t length = std::strlen(text);
   const bool ended = length > 0 && text[length - 1] == '\n';
   std::fprintf(stderr, "%s %s: %s%s", kPrefix, label, text, ended ? "" : "\n");
@@ -32,10 +32,12 @@ void log_message(std::int32_t level, const char* format, ...) {
   if (level < kLogError || level > kLogInfo) {
     return;
   }
+  Text text;
   std::va_list arguments;
   va_start(arguments, format);
-  WriteLine(kLabels[level - kLogError], format, arguments);
+  std::vsnprintf(text, sizeof text, format, arguments);
   va_end(arguments);
+  WriteLine(kLabels[level - kLogError], text);
   log_sink().lastLevel = level;
 }
 
@@ -43,10 +45,12 @@ void log_continue(const char* format, ...) {
   if (log_sink().lastLevel < kLogError) {
     return;
   }
+  Text text;
   std::va_list arguments;
   va_start(arguments, format);
-  WriteLine("     ", format, arguments);
+  std::vsnprintf(text, sizeof text, format, arguments);
   va_end(arguments);
+  WriteLine("     ", text);
 }
 
 }  // namespace lx

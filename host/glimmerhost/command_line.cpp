@@ -31,8 +31,8 @@ int Complain(const std::string& what, int code) {
 }
 
 // The options that say what the aperture is.
-void AddAperture(CLI::App* app, TypedValues* typed, std::string* spread) {
-  TypedValues& values = *typed;
+void AddAperture(CLI::App* app, RunOptions* options) {
+  TypedValues& values = options->values;
   const std::string aperture = "Aperture";
   app->add_option("--shape", values.shape, "circle, ellipse, polygon or image (default circle)")
       ->group(aperture);
@@ -49,7 +49,7 @@ void AddAperture(CLI::App* app, TypedValues* typed, std::string* spread) {
   app->add_option("--sides", values.sides, "Polygon: sides, 3 to 50 (default 6)")->group(aperture);
   app->add_option("--rotation", values.rotation, "Degrees")->group(aperture);
   const std::string image = "Aperture of the image shape: a disc with a soft edge out of a picture";
-  app->add_option("--spread", *spread,
+  app->add_option("--spread", options->spread,
                   "The picture, centred on the frame and not scaled; without it the frame itself")
       ->group(image);
   app->add_option("--center", values.center,
@@ -69,60 +69,57 @@ void AddAperture(CLI::App* app, TypedValues* typed, std::string* spread) {
       ->allow_extra_args(false);
 }
 
-void AddThreads(CLI::App* app, std::string* threads) {
-  app->add_option("--threads", *threads,
+void AddOutput(CLI::App* app, RunOptions* options) {
+  app->add_option("-o,--output", options->output,
+                  "Where the result goes; its ending says the format. EXR holds half floats")
+      ->required();
+}
+
+// How the work is done, after what is to be done.
+void AddRunning(CLI::App* app, RunOptions* options, const std::string& pixelAspect) {
+  app->add_option("--pixel-aspect", options->pixelAspect,
+                  "A:B, the pixel aspect to render with (default: " + pixelAspect + ")");
+  app->add_option("--threads", options->threads,
                   "Processors to work on (default: all that the process may run on)");
+  app->add_flag("--overwrite", options->overwrite, "Replace an existing output");
+  app->add_flag("--quiet", options->quiet, "No progress line");
+  app->add_option("--module", options->module, "Another module file");
 }
 
 void AddRender(CLI::App* app, RenderOptions* options) {
   CLI::App* render = app->add_subcommand("render", "Render one picture");
-  TypedValues& values = options->values;
   render->add_option("INPUT", options->input, "The picture: PNG, TIFF, EXR, DPX, JPEG, ...")
       ->required();
-  render
-      ->add_option("-o,--output", options->output,
-                   "Where the result goes; its ending says the format. EXR holds half floats")
-      ->required();
-  AddAperture(render, &values, &options->spread);
+  AddOutput(render, options);
+  AddAperture(render, options);
   const std::string highlights = "Highlights";
   render
-      ->add_option("--emphasis", values.emphasis,
+      ->add_option("--emphasis", options->values.emphasis,
                    "How much highlights outweigh the rest: up to 1 off (the default), 50 strong, "
                    "500 the most; above 75 dark areas show noise")
       ->group(highlights);
-  render->add_flag("--emph-alpha", values.emphAlpha, "Emphasis also for alpha")->group(highlights);
-  render->add_option("--pixel-aspect", options->pixelAspect,
-                     "A:B, the pixel aspect to render with (default: the file's)");
+  render->add_flag("--emph-alpha", options->values.emphAlpha, "Emphasis also for alpha")
+      ->group(highlights);
   render->add_option("--alpha", options->alpha,
                      "premultiplied (default): colour of a file with straight alpha is "
                      "multiplied by it on the way in and divided on the way out; as-is: samples "
                      "are left alone");
   render->add_option("--bits", options->bits,
                      "8 or 16 (default: the input's; 16 for floating point)");
-  AddThreads(render, &options->threads);
-  render->add_flag("--overwrite", options->overwrite, "Replace an existing output");
-  render->add_flag("--quiet", options->quiet, "No progress line");
-  render->add_option("--module", options->module, "Another module file");
+  AddRunning(render, options, "the file's");
 }
 
 CLI::App* AddPsf(CLI::App* app, PsfOptions* options) {
   CLI::App* psf = app->add_subcommand(
       "psf", "Write what one bright pixel becomes, enlarged: the aperture as it is used");
-  psf->add_option("-o,--output", options->output,
-                  "Where the picture goes; its ending says the format")
-      ->required();
-  AddAperture(psf, &options->values, &options->spread);
+  AddOutput(psf, options);
+  AddAperture(psf, options);
   psf->add_option("--size", options->size,
                   "WIDTHxHEIGHT of the frame it is for (default 1920x1080)");
   psf->add_option("--zoom", options->zoom,
                   "Side of the square that shows a pixel, 1 to 64 (default: what makes the "
                   "picture some 512 pixels wide)");
-  psf->add_option("--pixel-aspect", options->pixelAspect,
-                  "A:B, the frame's pixel aspect (default 1:1)");
-  AddThreads(psf, &options->threads);
-  psf->add_flag("--overwrite", options->overwrite, "Replace an existing output");
-  psf->add_flag("--quiet", options->quiet, "No progress line");
-  psf->add_option("--module", options->module, "Another module file");
+  AddRunning(psf, options, "1:1");
   return psf;
 }
 

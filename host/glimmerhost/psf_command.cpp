@@ -126,7 +126,9 @@ void RunPsf(const PsfOptions& options) {
   NarrowProcessors(options.threads);
   const Page page = LoadPage();
   const auto [width, height] = ParseSize("--size", options.size);
-  const quantel::cSize2 pixelAspect = ParseRatio("--pixel-aspect", options.pixelAspect);
+  const quantel::cSize2 pixelAspect = options.pixelAspect.empty()
+                                          ? quantel::cSize2{1, 1}
+                                          : ParseRatio("--pixel-aspect", options.pixelAspect);
   auto values = MakeStoreValues(page, options.values, width, height);
   constexpr int kImage = 3;
   if (std::get<int>(values.at("PRM_Shape")) == kImage && options.spread.empty()) {

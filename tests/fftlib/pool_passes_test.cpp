@@ -10,29 +10,14 @@
 #include "fftlib/fftlib.h"
 #include "tests/support/images.h"
 #include "tests/support/platform_recorder.h"
+#include "tests/support/pooled_passes.h"
 
 namespace {
 
 using lx::DefocusEngine;
 using lx_test::Image;
 using lx_test::MakeImage;
-
-class Passes {
- public:
-  static void ParallelFor(void* context, lx::PassFunction pass, std::int32_t count,
-                          DefocusEngine* engine) {
-    auto* self = static_cast<Passes*>(context);
-    self->pass_ = pass;
-    self->engine_ = engine;
-    lx::mp_parallel_rows(*self, &Passes::Rows, count);
-  }
-
- private:
-  void Rows(std::int32_t first, std::int32_t last) { pass_(engine_, first, last); }
-
-  lx::PassFunction pass_ = nullptr;
-  DefocusEngine* engine_ = nullptr;
-};
+using lx_test::PooledPasses;
 
 Image Noise(int width, int height) {
   Image image = MakeImage(width, height, 4, 1);
@@ -74,8 +59,8 @@ TEST(PassesOnThePool, GiveTheSameBitsOnAnyNumberOfWays) {
       lx_test::ForgetServices();
       platform.SetProcessors(1);
       DefocusEngine engine;
-      Passes passes;
-      engine.SetParallelFor(&passes, Passes::ParallelFor);
+      PooledPasses passes;
+      engine.SetParallelFor(&passes, PooledPasses::ParallelFor);
       platform.SetProcessors(ways);
       EXPECT_EQ(expected, Everything(&engine, emphasis)) << ways << " ways at " << emphasis;
       EXPECT_EQ(ways, lx::mp_num_ways());
@@ -94,8 +79,8 @@ TEST(PassesOnThePool, OfSeveralEnginesAtOnceAreKeptApart) {
     threads.emplace_back([&result] {
       for (int round = 0; round < 3; ++round) {
         DefocusEngine engine;
-        Passes passes;
-        engine.SetParallelFor(&passes, Passes::ParallelFor);
+        PooledPasses passes;
+        engine.SetParallelFor(&passes, PooledPasses::ParallelFor);
         result = Everything(&engine, 120);
       }
     });
