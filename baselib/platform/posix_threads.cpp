@@ -39,6 +39,9 @@ thread_local std::int32_t foreignPriority = 0;
 
 char currentThreadMark;
 
+// What debuggers and profilers show.
+constexpr const char* kThreadName = "lx pool";
+
 Thread* RecordOf(ThreadHandle handle) {
   return handle == &currentThreadMark ? ownRecord : static_cast<Thread*>(handle);
 }
@@ -46,6 +49,7 @@ Thread* RecordOf(ThreadHandle handle) {
 void* RunThread(void* argument) {
   auto* thread = static_cast<Thread*>(argument);
   ownRecord = thread;
+  pthread_setname_np(pthread_self(), kThreadName);
   thread->start(thread->argument);
   return nullptr;
 }

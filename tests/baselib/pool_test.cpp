@@ -612,13 +612,6 @@ TEST(PoolStart, ThatLosesAnEventIsOneThatLosesAThread) {
   }
 }
 
-TEST(PoolStart, DoesNotTouchThePoolForTheProcessorCount) {
-  PlatformRecorder platform;
-  platform.SetProcessors(3);
-  EXPECT_EQ(0, pool_state().ways);
-  EXPECT_EQ(3, lx::mp_num_ways());
-}
-
 // --- Priorities ---
 
 lx::ThreadHandle Self() { return lx::SystemPlatform().currentThread(); }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sched.h>
 
+#include "baselib/threads/module_state.h"
 #include "tests/support/fresh_services.h"
 #include "tests/support/heap_faults.h"
 
@@ -14,6 +15,15 @@ TEST(ProcessorCount, IsNeverBelowOne) {
     platform.SetProcessorCount(answer);
     EXPECT_EQ(1U, lx::get_processor_count());
   }
+}
+
+TEST(ProcessorCount, DoesNotDecideTheWaysOfThePool) {
+  const lx_test::FreshServices fresh;
+  lx_test::HeapFaults platform;
+  platform.SetProcessorCount(3);
+  EXPECT_EQ(3U, lx::get_processor_count());
+  EXPECT_EQ(0, lx::pool_state().ways);
+  EXPECT_EQ(1, lx::pool_state().defaultWays);
 }
 
 TEST(ProcessorCount, FollowsTheAffinityOfTheProcess) {

@@ -165,6 +165,7 @@ TEST(Emphasis, LetsNotANumberThrough) {
 TEST(Emphasis, LiftsRoundingNoiseToVisibleAtHighValues) {
   EXPECT_NEAR(0.4735, UndoEmphasisD(1e-17, 80) * 65535, 1e-3);
   EXPECT_NEAR(103.70, UndoEmphasisD(1e-17, 100) * 65535, 1e-1);
+  EXPECT_NEAR(63577.1, UndoEmphasisD(1e-17, 200) * 65535, 1e-1);
   EXPECT_NEAR(65531.4, UndoEmphasisD(1e-17, 500) * 65535, 1e-1);
 }
 
