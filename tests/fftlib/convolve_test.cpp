@@ -86,6 +86,23 @@ TEST(Convolve, MatchesADirectSumWithRepeatedEdges) {
   }
 }
 
+TEST(Convolve, GivesTheSameColoursWithAlphaAndWithout) {
+  const Image source = Noise(kWidth, kHeight);
+  DefocusEngine engine;
+  Load(&engine, AsymmetricMask());
+  const Image with = Blur(&engine, source, 15);
+  // Grids that hold other planes, and an engine that has none yet.
+  DefocusEngine fresh;
+  Load(&fresh, AsymmetricMask());
+  for (DefocusEngine* one : {&engine, &fresh}) {
+    const Image without = Blur(one, source, 7);
+    for (std::size_t i = 0; i < lx_test::SampleCount(source); ++i) {
+      const int expected = i % 4 == 3 ? 0x5555 : Samples<std::uint16_t>(with)[i];
+      ASSERT_EQ(expected, Samples<std::uint16_t>(without)[i]) << i;
+    }
+  }
+}
+
 TEST(Convolve, GivesTheSourceBackForAnImpulseInTheMiddleOfAnEvenFrame) {
   DefocusEngine engine;
   LoadImpulse(&engine, kWidth, kHeight, kWidth / 2, kHeight / 2);

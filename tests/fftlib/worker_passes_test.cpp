@@ -222,6 +222,31 @@ TEST(CancelQuery, GivesAPlaneOfZerosForAPassWithoutRows) {
   }
 }
 
+// What the pass before has made is complete, whenever a later one is cancelled.
+TEST(CancelQuery, KeepsThePlaneBeforeWhole) {
+  DefocusEngine whole;
+  Render(&whole, Source());
+  for (const int row : {0, 3}) {
+    Canceller canceller;
+    DefocusEngine engine;
+    engine.SetParallelFor(&canceller, PassThrough);
+    engine.SetCancelQuery(nullptr, Canceller::Query);
+    canceller.stopAt = 2 * kHeight + row;
+    canceller.goOnAt = 2 * kHeight + row + 1;
+
+    Render(&engine, Source());
+
+    for (int y = 0; y < kHeight; ++y) {
+      for (int x = 0; x < kWidth; ++x) {
+        const std::size_t at =
+            static_cast<std::size_t>(engine.offsetY + y) * engine.paddedWidth + engine.offsetX + x;
+        ASSERT_EQ(whole.lumaResult[at], engine.lumaResult[at]) << x << "," << y;
+        ASSERT_EQ(whole.cbResult[at], engine.cbResult[at]) << x << "," << y;
+      }
+    }
+  }
+}
+
 TEST(CancelQuery, IsAskedWithoutAContextToo) {
   static int polls;
   polls = 0;
