@@ -24,13 +24,13 @@ struct MPThreadSlot {
 // One worker of the pool. The dispatcher writes entry and args before it sets the start
 // event, the worker clears entry before it sets the done event; nothing else guards them.
 struct MPWorker {
-  std::int32_t index;      // its way, from 1
-  std::int32_t thread_id;  // negative where it could not be made
-  ThreadHandle handle;
-  EventHandle startEvent;
-  EventHandle doneEvent;
-  PoolFunction entry;  // null where none is pending
-  PoolWord args[6];
+  std::int32_t index = 0;       // its way, from 1
+  std::int32_t thread_id = -1;  // negative where it could not be made
+  ThreadHandle handle = nullptr;
+  EventHandle startEvent = nullptr;
+  EventHandle doneEvent = nullptr;
+  PoolFunction entry = nullptr;  // null where none is pending
+  PoolWord args[6] = {};
 };
 
 struct PoolState {

@@ -16,10 +16,10 @@ namespace {
 
 constexpr std::int32_t kIdlePriority = -15;
 
-// Ends the workers when the module is unloaded. Made when they start, so that it goes
-// before every static that is older.
-struct WorkersEndAtUnload {
-  ~WorkersEndAtUnload() { mp_end_workers(); }
+// Ends the workers when the module is unloaded, and gives back what a failed start left.
+// Made when the pool starts, so that it goes before every static that is older.
+struct PoolEndsAtUnload {
+  ~PoolEndsAtUnload() { mp_end_workers(); }
 };
 
 void SetWorkerPriority() {
@@ -38,7 +38,6 @@ bool StartWorker(MPWorker& worker, std::int32_t i) {
   worker.index = i + 1;
   worker.startEvent = platform.createEvent();
   worker.doneEvent = platform.createEvent();
-  worker.thread_id = -1;
   if (worker.startEvent == nullptr || worker.doneEvent == nullptr) {
     return false;
   }
@@ -65,6 +64,9 @@ bool StartWorkers() {
   }
   if (!mp_setup()) {
     return StaySingleWay();
+  }
+  if (platform.threadsEndAtUnload) {
+    static const PoolEndsAtUnload atUnload;
   }
   const std::int32_t ways = pool.ways;
   log_continue("Initialize %d-way multiprocessing", ways);
@@ -98,9 +100,6 @@ bool StartWorkers() {
     }
   }
   pool.lastWorkerPriority = platform.threadPriority(platform.currentThread());
-  if (platform.threadsEndAtUnload) {
-    static const WorkersEndAtUnload atUnload;
-  }
   return true;
 }
 

@@ -51,10 +51,11 @@ void FreeLock(void*& lock) {
   }
 }
 
-// Null where no taken row has that id.
+// Null where no taken row has that id. A lost row is taken and has no thread.
 MPThreadSlot* FindThread(std::int32_t threadId) {
   for (MPThreadSlot& row : pool_state().threads) {
-    if (row.in_use != 0 && row.thread_id == static_cast<std::uint32_t>(threadId)) {
+    if (row.in_use != 0 && row.handle != nullptr &&
+        row.thread_id == static_cast<std::uint32_t>(threadId)) {
       return &row;
     }
   }

@@ -775,6 +775,25 @@ TEST(PoolEnd, JoinsEveryWorkerAndLeavesPassesToTheirCallers) {
   EXPECT_EQ(1, lx::mp_num_ways());
 }
 
+TEST(PoolEnd, GivesBackWhatAFailedStartLeft) {
+  for (int thread = 1; thread <= 4; ++thread) {
+    PlatformRecorder platform;
+    platform.SetProcessors(5);
+    platform.RefuseThread(thread);
+    lx::mp_num_ways();
+    CaptureStderr();
+    EmptyPass();
+    GetCapturedStderr();
+    platform.Clear();
+
+    lx::mp_end_workers();
+
+    EXPECT_EQ(0, platform.Count("terminate")) << thread;
+    EXPECT_EQ(nullptr, pool_state().workers.load());
+    EXPECT_EQ(7, EmptyPass());
+  }
+}
+
 TEST(PoolEnd, IsHarmlessTwiceAndWithoutAPool) {
   PlatformRecorder platform;
   lx::mp_end_workers();

@@ -122,6 +122,17 @@ TEST_F(ThreadTable, LosesTheRowOfAThreadThatCannotBeMade) {
   EXPECT_NE("", GetCapturedStderr());
 }
 
+TEST_F(ThreadTable, TakesALostRowForNoThread) {
+  platform.RefuseThread(1);
+  Spawn();
+  for (const std::int32_t id : {-1, 0}) {
+    EXPECT_EQ(nullptr, lx::mp_thread_handle(id));
+    lx::mp_kill_thread(id);
+  }
+  EXPECT_EQ(0, platform.Count("terminate"));
+  EXPECT_EQ(1, pool_state().threads[0].in_use);
+}
+
 TEST_F(ThreadTable, KnowsNoHandleOfAThreadItDoesNotHave) {
   EXPECT_EQ(nullptr, lx::mp_thread_handle(1));
   const std::int32_t id = Spawn();
