@@ -75,6 +75,19 @@ void ReleaseRow(MPThreadSlot& row) {
   --pool_state().threadCount;
 }
 
+void RunRow(MPThreadSlot& row) {
+  const Platform& platform = GetPlatform();
+  if (!platform.setThreadPriority(platform.currentThread(), row.priority)) {
+    log_message(kLogWarn, "MP: Can't set inherrited priority: %s", last_error_text());
+  }
+  platform.setFloatControl(pool_state().floatControl);
+  row.entry(row.argument);
+  if (Decide(row, kEnds)) {
+    const ScopedLock lock(pool_state().tableLock);
+    ReleaseRow(row);
+  }
+}
+
 }  // namespace
 
 PoolState& pool_state() {
@@ -121,22 +134,11 @@ void mp_undo_setup() {
 }
 
 std::uint32_t mp_thread_start(void* argument) {
-  const Platform& platform = GetPlatform();
   auto* row = static_cast<MPThreadSlot*>(argument);
-  if (row == nullptr || row->entry == nullptr) {
-    platform.endThread(0);
-    return 0;
+  if (row != nullptr && row->entry != nullptr) {
+    RunRow(*row);
   }
-  if (!platform.setThreadPriority(platform.currentThread(), row->priority)) {
-    log_message(kLogWarn, "MP: Can't set inherrited priority: %s", last_error_text());
-  }
-  platform.setFloatControl(pool_state().floatControl);
-  row->entry(row->argument);
-  if (Decide(*row, kEnds)) {
-    const ScopedLock lock(pool_state().tableLock);
-    ReleaseRow(*row);
-  }
-  platform.endThread(0);
+  GetPlatform().endThread(0);
   return 0;
 }
 

@@ -1,7 +1,6 @@
 #include "host/glimmerhost/frame_render.h"
 
 #include <algorithm>
-#include <iostream>
 
 #include "host/glimmerhost/alpha.h"
 #include "host/glimmerhost/border_pictures.h"
@@ -35,21 +34,21 @@ Picture Centred(const Picture& picture, int width, int height) {
 
 }  // namespace
 
-Picture ReadWithWarning(const std::string& file) {
+Picture ReadWithWarning(const std::string& file, Progress* progress) {
   std::string warning;
   Picture picture = ReadPicture(file, &warning);
   if (!warning.empty()) {
-    std::cerr << "glimmerhost: " << warning << '\n';
+    progress->Warn(warning);
   }
   return picture;
 }
 
 quantel::cPtr<qplugin::iQpluginSource> OpenSpread(const std::string& file, int width, int height,
-                                                  bool premultiplied) {
+                                                  bool premultiplied, Progress* progress) {
   if (file.empty()) {
     return {};
   }
-  Picture picture = ReadWithWarning(file);
+  Picture picture = ReadWithWarning(file, progress);
   if (premultiplied) {
     Premultiply(&picture);
   }

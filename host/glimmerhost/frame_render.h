@@ -7,20 +7,21 @@
 #include "host/glimmerhost/effect_module.h"
 #include "host/glimmerhost/page.h"
 #include "host/glimmerhost/picture.h"
+#include "host/glimmerhost/progress.h"
 #include "hostframe/interfaces/pictures.h"
 #include "hostframe/interfaces/ptr.h"
 
 namespace glimmerhost {
 
-// Reads a picture and tells on the standard error stream what was lost of it.
-Picture ReadWithWarning(const std::string& file);
+// Reads a picture, with a warning if something of it was lost.
+Picture ReadWithWarning(const std::string& file, Progress* progress);
 
 // The second clip, which the image shape takes its aperture from; null for no file. The
 // effect wants it as large as the frame: a smaller picture is centred on black, a larger
 // one loses its edges, and neither is scaled.
 //   premultiplied  whether straight alpha is multiplied in, as it is for the frame
 quantel::cPtr<qplugin::iQpluginSource> OpenSpread(const std::string& file, int width, int height,
-                                                  bool premultiplied);
+                                                  bool premultiplied, Progress* progress);
 
 // Replaces the picture by what the effect makes of it, by an instance of its own, so that
 // none depends on the one before. Throws Failure.

@@ -29,6 +29,11 @@ void Progress::Show(const std::string& what) {
   }
 }
 
+void Progress::Warn(const std::string& what) {
+  std::cerr << (open_ ? kClearLine : "") << "glimmerhost: " << what << std::endl;
+  open_ = false;
+}
+
 void Progress::Finish(const std::string& what) {
   if (active_) {
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start_;

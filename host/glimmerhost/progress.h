@@ -8,7 +8,7 @@ namespace glimmerhost {
 
 class Progress {
  public:
-  //   wanted  false, or no terminal on stderr: nothing is ever written
+  //   wanted  false, or no terminal on stderr: nothing is written but warnings
   explicit Progress(bool wanted);
 
   // Wipes an unfinished line, so that an error stands alone.
@@ -18,6 +18,9 @@ class Progress {
 
   // Replaces the line.
   void Show(const std::string& what);
+
+  // A line of its own, in the place of the one that is shown.
+  void Warn(const std::string& what);
 
   // The last line, with the seconds since the start.
   void Finish(const std::string& what);

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <iostream>
 #include <vector>
 
 #include "host/glimmerhost/effect_module.h"
@@ -139,7 +138,7 @@ void RunPsf(const PsfOptions& options) {
   ParseZoom(options.zoom, 1);
   PictureOutput output(options.output, options.overwrite);
   Progress progress(!options.quiet);
-  const auto spread = OpenSpread(options.spread, width, height, true);
+  const auto spread = OpenSpread(options.spread, width, height, true, &progress);
 
   Picture frame = BlackPicture(width, height);
   const Point light{width / 2, height / 2};
@@ -153,8 +152,8 @@ void RunPsf(const PsfOptions& options) {
     RenderPicture(module, values, spread, pixelAspect, &frame);
   }
   if (TouchesEdge(frame)) {
-    std::cerr << "glimmerhost: the aperture reaches beyond a frame of " << options.size
-              << "; a larger --size shows all of it\n";
+    progress.Warn("the aperture reaches beyond a frame of " + options.size +
+                  "; a larger --size shows all of it");
   }
   constexpr int kBorder = 2;
   progress.Show("Writing " + options.output);

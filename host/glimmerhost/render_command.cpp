@@ -1,7 +1,6 @@
 #include "host/glimmerhost/render_command.h"
 
 #include <filesystem>
-#include <iostream>
 #include <map>
 
 #include "host/glimmerhost/alpha.h"
@@ -34,12 +33,12 @@ bool ParsePremultiplied(const std::string& text) {
 
 // The inverse curve turns what rounding leaves of a black area into light: half a 16-bit
 // step at an emphasis of 80, a hundred at 100.
-void WarnOfNoise(const std::map<std::string, Value>& values) {
+void WarnOfNoise(const std::map<std::string, Value>& values, Progress* progress) {
   constexpr double kQuiet = 75.0;
   const double emphasis = std::get<double>(values.at("PRM_Emphasis"));
   if (emphasis > kQuiet) {
-    std::cerr << "glimmerhost: an emphasis of " << Shortest(emphasis)
-              << " shows rounding noise in dark areas; up to 75 none can be seen\n";
+    progress->Warn("an emphasis of " + Shortest(emphasis) +
+                   " shows rounding noise in dark areas; up to 75 none can be seen");
   }
 }
 
@@ -60,15 +59,16 @@ void RunRender(const RenderOptions& options) {
   Progress progress(!options.quiet);
 
   progress.Show("Reading " + options.input);
-  Picture picture = ReadWithWarning(options.input);
+  Picture picture = ReadWithWarning(options.input, &progress);
   const int bits = options.bits.empty() ? picture.bits : ParseBits(options.bits);
   const quantel::cSize2 pixelAspect = options.pixelAspect.empty()
                                           ? picture.pixelAspect
                                           : ParseRatio("--pixel-aspect", options.pixelAspect);
   const auto values = MakeStoreValues(page, options.values, picture.width, picture.height);
   CheckGrid(values, picture.width, picture.height);
-  const auto spread = OpenSpread(options.spread, picture.width, picture.height, premultiplied);
-  WarnOfNoise(values);
+  const auto spread =
+      OpenSpread(options.spread, picture.width, picture.height, premultiplied, &progress);
+  WarnOfNoise(values, &progress);
 
   const Alpha before = picture.alpha;
   if (premultiplied) {
