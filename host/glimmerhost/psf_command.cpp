@@ -105,6 +105,9 @@ Picture Enlarge(const Picture& frame, Point light, int reach, const std::string&
       brightest = std::max(brightest, shares.back());
     }
   }
+  if (brightest <= 0.0) {
+    throw Failure("nothing comes of the light: with these options the aperture holds no pixel");
+  }
   Picture picture = BlackPicture(side * zoom, side * zoom);
   for (int y = 0; y < picture.height; ++y) {
     for (int x = 0; x < picture.width; ++x) {
