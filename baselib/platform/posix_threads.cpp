@@ -60,7 +60,7 @@ void Pause() {
 #endif
 }
 
-// About 20 microseconds; a processor that has nothing better to do saves the pass a sleep
+// Some 25 microseconds; a processor that has nothing better to do saves the pass a sleep
 // and a wake-up, which cost more.
 constexpr int kLooks = 500;
 
