@@ -1,0 +1,247 @@
+// What the system's platform promises to the services above it.
+#include "baselib/platform/platform.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+const lx::Platform& System() { return lx::SystemPlatform(); }
+
+// A thread of the platform's that runs a function of the test's.
+template <class Function>
+class Thread {
+ public:
+  explicit Thread(Function function) : function_(function) {
+    handle = System().beginThread(0x100000, Run, this, 0, &id);
+  }
+  ~Thread() {
+    if (handle != nullptr) {
+      System().closeThread(handle);
+    }
+  }
+  Thread(const Thread&) = delete;
+  Thread& operator=(const Thread&) = delete;
+
+  lx::ThreadHandle handle;
+  std::uint32_t id = 0;
+
+ private:
+  static std::uint32_t Run(void* self) {
+    static_cast<Thread*>(self)->function_();
+    System().endThread(0);
+    return 0;
+  }
+
+  Function function_;
+};
+
+class Event {
+ public:
+  Event() : handle(System().createEvent()) {}
+  ~Event() { System().destroyEvent(handle); }
+  Event(const Event&) = delete;
+  Event& operator=(const Event&) = delete;
+
+  void Set() const { System().setEvent(handle); }
+  void Reset() const { System().resetEvent(handle); }
+  bool Wait() const { return System().waitForEvents(1, &handle); }
+
+  lx::EventHandle handle;
+};
+
+TEST(PlatformEvent, StaysSetUntilItIsReset) {
+  const Event event;
+  event.Set();
+  EXPECT_TRUE(event.Wait());
+  EXPECT_TRUE(event.Wait());
+}
+
+TEST(PlatformEvent, IsMadeUnsetAndHoldsAWaiter) {
+  const Event go;
+  const Event done;
+  std::atomic<int> step{0};
+  {
+    const Thread waiter([&] {
+      go.Wait();
+      step = 2;
+      done.Set();
+    });
+    step = 1;
+    go.Set();
+    done.Wait();
+  }
+  EXPECT_EQ(2, step);
+}
+
+TEST(PlatformEvent, HoldsAWaiterAgainAfterAReset) {
+  const Event start;
+  const Event done;
+  std::atomic<int> rounds{0};
+  const Thread worker([&] {
+    for (int i = 0; i < 100; ++i) {
+      start.Wait();
+      start.Reset();
+      ++rounds;
+      done.Set();
+    }
+  });
+  for (int i = 1; i <= 100; ++i) {
+    done.Reset();
+    start.Set();
+    done.Wait();
+    ASSERT_EQ(i, rounds);
+  }
+}
+
+TEST(PlatformEvent, IsWaitedForWithAllOthers) {
+  const Event first;
+  const Event second;
+  const Event seen;
+  std::atomic<bool> both{false};
+  const lx::EventHandle events[] = {first.handle, second.handle};
+  {
+    const Thread waiter([&] {
+      System().waitForEvents(2, events);
+      both = true;
+      seen.Set();
+    });
+    second.Set();
+    EXPECT_FALSE(both);
+    first.Set();
+    seen.Wait();
+  }
+  EXPECT_TRUE(both);
+}
+
+TEST(PlatformThread, LeavesItsEventWhenItIsTerminated) {
+  const Event never;
+  const Event waiting;
+  std::atomic<int> answer{-1};
+  const Thread thread([&] {
+    waiting.Set();
+    answer = never.Wait() ? 1 : 0;
+  });
+  waiting.Wait();
+  EXPECT_TRUE(System().terminateThread(thread.handle, 0));
+  // A system that ends threads from outside leaves no answer.
+  EXPECT_NE(1, answer);
+}
+
+TEST(PlatformThread, HasAnIdAboveZeroOfItsOwn) {
+  const Thread first([] {});
+  const Thread second([] {});
+  EXPECT_GT(first.id, 0U);
+  EXPECT_GT(second.id, 0U);
+  EXPECT_NE(first.id, second.id);
+}
+
+TEST(PlatformThread, IsRefusedWithAnErrorForAStackThatCannotBe) {
+  std::uint32_t id = 0;
+  EXPECT_EQ(nullptr, System().beginThread(
+                         1, [](void*) { return std::uint32_t{0}; }, nullptr, 0, &id));
+  EXPECT_NE(0U, System().lastError());
+}
+
+TEST(PlatformThread, KeepsThePriorityThatItWasGiven) {
+  std::atomic<std::int32_t> inside{0};
+  {
+    const Thread thread([&] {
+      System().setThreadPriority(System().currentThread(), -15);
+      inside = System().threadPriority(System().currentThread());
+    });
+  }
+  EXPECT_EQ(-15, inside);
+  EXPECT_EQ(0, System().threadPriority(System().currentThread()));
+}
+
+TEST(PlatformThreadSlot, HoldsAWordForEachThread) {
+  const std::uint32_t slot = System().allocateThreadSlot();
+  ASSERT_NE(lx::kNoThreadSlot, slot);
+  int own = 0;
+  EXPECT_EQ(nullptr, System().threadSlot(slot));
+  EXPECT_TRUE(System().setThreadSlot(slot, &own));
+  std::atomic<void*> other{&own};
+  {
+    const Thread thread([&] { other = System().threadSlot(slot); });
+  }
+  EXPECT_EQ(nullptr, other);
+  EXPECT_EQ(&own, System().threadSlot(slot));
+  System().releaseThreadSlot(slot);
+}
+
+TEST(PlatformLock, IsRecursiveAndKeepsOthersOut) {
+  void* lock = System().allocate(System().lockBytes);
+  System().initializeLock(lock);
+  int counted = 0;  // plain: the lock is what orders it
+  const auto count = [&] {
+    for (int i = 0; i < 1000; ++i) {
+      System().enterLock(lock);
+      System().enterLock(lock);
+      ++counted;
+      System().leaveLock(lock);
+      System().leaveLock(lock);
+    }
+  };
+  {
+    const Thread thread(count);
+    count();
+  }
+  EXPECT_EQ(2000, counted);
+  System().destroyLock(lock);
+  System().release(lock);
+}
+
+TEST(PlatformFloatControl, IsTheCallingThreadsAlone) {
+  const std::uint32_t before = System().floatControl();
+  std::atomic<std::uint32_t> inside{0};
+  {
+    const Thread thread([&] {
+      // Denormals flushed to zero, or on arm64 the same by another bit.
+      System().setFloatControl(before ^ 0x1008000U);
+      inside = System().floatControl();
+    });
+  }
+  EXPECT_NE(before, inside);
+  EXPECT_EQ(before, System().floatControl());
+}
+
+TEST(PlatformFloatControl, FlushesDenormalsWhereItIsToldTo) {
+#if defined(__x86_64__)
+  const std::uint32_t before = System().floatControl();
+  volatile double tiny = 1e-300;
+  System().setFloatControl(before | 0x8000U);
+  const double flushed = tiny * 1e-10;
+  System().setFloatControl(before);
+  const double kept = tiny * 1e-10;
+  EXPECT_EQ(0.0, flushed);
+  EXPECT_NE(0.0, kept);
+#else
+  GTEST_SKIP() << "the bits of another processor";
+#endif
+}
+
+TEST(PlatformCounter, CountsUpAtItsFrequency) {
+  EXPECT_GT(System().counterFrequency(), 0);
+  const std::int64_t before = System().counter();
+  EXPECT_GE(System().counter(), before);
+}
+
+TEST(PlatformError, HasTheSystemsTextCutToTheBuffer) {
+  errno = ENOENT;
+  EXPECT_EQ(static_cast<std::uint32_t>(ENOENT), System().lastError());
+  char text[64];
+  System().errorText(ENOENT, text, sizeof text);
+  EXPECT_STREQ(std::strerror(ENOENT), text);
+  char narrow[5];
+  System().errorText(ENOENT, narrow, sizeof narrow);
+  EXPECT_EQ(0, std::strncmp(std::strerror(ENOENT), narrow, 4));
+  EXPECT_EQ('\0', narrow[4]);
+}
+
+}  // namespace
