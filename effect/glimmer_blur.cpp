@@ -26,7 +26,7 @@ constexpr ShapeRule kShapeRules[] = {
     {true, true, true, true, true, false, false, false},
 };
 
-constexpr std::int32_t kPolygon = 3;
+bool IsShape(std::int32_t value) { return value >= kCircle && value <= kImage; }
 
 }  // namespace
 
@@ -35,24 +35,27 @@ GlimmerBlur::GlimmerBlur() : engine(new (std::nothrow) DefocusEngine(kModeFftw))
 GlimmerBlur::~GlimmerBlur() { delete engine; }
 
 void GlimmerBlur::UpdateControlState() {
-  if (shape.value < 1 || shape.value > 4) {
+  if (!IsShape(shape.value)) {
     return;
   }
   const ShapeRule& rule = kShapeRules[shape.value - 1];
   sides.SetDisabled(rule.sides);
   rotation.SetDisabled(rule.rotation);
   radiusX.SetDisabled(rule.radiusX);
-  SetRadiusYState();
+  UpdateRadiusYState();
   match.SetDisabled(rule.match);
   center.SetDisabled(rule.center);
   radiusPSF1.SetDisabled(rule.radiusPSF1);
   radiusPSF2.SetDisabled(rule.radiusPSF2);
   // Intended: once more, as the rule of match alone would set it.
-  SetRadiusYState();
+  UpdateRadiusYState();
 }
 
-void GlimmerBlur::SetRadiusYState() {
-  radiusY.SetDisabled(shape.value == kPolygon ? match.value : kShapeRules[shape.value - 1].radiusY);
+void GlimmerBlur::UpdateRadiusYState() {
+  if (IsShape(shape.value)) {
+    radiusY.SetDisabled(shape.value == kPolygon ? match.value
+                                                : kShapeRules[shape.value - 1].radiusY);
+  }
 }
 
 }  // namespace lx

@@ -22,8 +22,19 @@ class GlimmerBlur : public PluginLX, public OverlayLX, public GlimmerBlurInfo {
   // Nothing is reported: the engine's status says what happened.
   void RenderFrame() override;
 
-  // Sets the disabled flag of each control that shape and match govern.
+  // Sets the disabled flag of each control that shape and match govern. A shape outside 1
+  // to 4 changes none.
   void UpdateControlState() override;
+
+  // The same for radiusY alone.
+  void UpdateRadiusYState();
+
+  // One drawing of the picture's handles, which only the image shape shows. Without data or
+  // without a surface the host gets a message and nothing is drawn.
+  void Draw() override;
+
+  // Passes the event to all three overlays, whatever the shape.
+  void HandleEvent(std::int32_t event, float x, float y) override;
 
   // The PsfKey: the values of the previous frame, which decide whether its PSF is kept.
   float aspectX = 0.0F;  // of the current frame
@@ -52,7 +63,7 @@ class GlimmerBlur : public PluginLX, public OverlayLX, public GlimmerBlurInfo {
   ImageRec* BuildPsf(std::int32_t width, std::int32_t height, const Radii& radii);
   ImageRec* BuildPsfFromImage(std::int32_t width, std::int32_t height);
   void StorePsfKey(std::int32_t width, std::int32_t height, const Radii& radii);
-  void SetRadiusYState();
+  void DrawRingOf(const SizeControlLX& radius, bool dashed, CircleOverlayLX* ring);
   void RunPassRows(std::int32_t first, std::int32_t last);
   static void ParallelFor(void* context, PassFunction pass, std::int32_t count,
                           DefocusEngine* engine);

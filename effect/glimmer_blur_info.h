@@ -1,20 +1,29 @@
-// GlimmerBlurInfo: the ports and parameters of the effect.
+// GlimmerBlurInfo: the ports, handles and parameters of the effect.
 #pragma once
+
+#include <cstdint>
 
 #include "library/controls.h"
 #include "library/image_port.h"
+#include "library/overlay_controls.h"
 
 namespace lx {
+
+// Values of the shape control.
+enum ApertureShape : std::int32_t { kCircle = 1, kEllipse = 2, kPolygon = 3, kImage = 4 };
 
 // Values hold what the host's store says of the current frame; the ones here are in
 // force only until the first reading. Radii are diameters as a fraction of the frame's
 // width, for X and for Y.
 struct GlimmerBlurInfo {
-  ImagePort sourcePort;     // the frame to blur
-  ImagePort spreadPort;     // the picture whose content becomes the PSF in the image shape
-  ImagePort outputPort;     // the result; its pixel aspect is the one in force
-  ListControlLX shape;      // 1 circle, 2 ellipse, 3 polygon, 4 image
-  CheckboxControlLX match;  // polygon: the Y radius follows the X radius
+  ImagePort sourcePort;              // the frame to blur
+  ImagePort spreadPort;              // the picture whose content becomes the PSF in the image shape
+  ImagePort outputPort;              // the result; its pixel aspect is the one in force
+  CrosshairOverlayLX centerOverlay;  // the three handles of the image shape
+  CircleOverlayLX innerRingOverlay;  // of radiusPSF1; the names promise no order
+  CircleOverlayLX outerRingOverlay;  // of radiusPSF2
+  ListControlLX shape;               // an ApertureShape, unless the host's list has more entries
+  CheckboxControlLX match;           // polygon: the Y radius follows the X radius
   SizeControlLX radiusX;
   SizeControlLX radiusY;
   IntegerControlLX sides;

@@ -11,12 +11,6 @@
 namespace lx {
 namespace {
 
-// Values of the shape control.
-constexpr std::int32_t kCircle = 1;
-constexpr std::int32_t kEllipse = 2;
-constexpr std::int32_t kPolygon = 3;
-constexpr std::int32_t kImage = 4;
-
 // The engine's outlines.
 constexpr std::int32_t kEllipticOutline = 1;
 constexpr std::int32_t kPolygonOutline = 2;

@@ -4,17 +4,16 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "baselib/utils/convert.h"
 #include "hostframe/clip_connections.h"
+#include "hostframe/store_reading.h"
 #include "library/host_exchange.h"
 #include "library/lx_image.h"
 
 namespace allplugins {
 namespace {
 
-// Constants that the host's operations ask for.
+// What the host's operations ask for.
 constexpr int kFrameForm = 3;
-constexpr int kValueForm = 0;
 
 quantel::cSize2 SizeOf(const quantel::cPtr<qplugin::iQpluginImage>& frame) {
   return frame ? frame->size() : quantel::cSize2{0, 0};
@@ -156,30 +155,11 @@ void cGlimmerBlurRender::renderTo(const quantel::cPtr<qplugin::iQpluginImage>& o
 }
 
 void cGlimmerBlurRender::readParameters() {
-  if (!params) {
-    return;
+  if (params) {
+    effect.shape.value = ReadShape(params.Object());
+    effect.match.value = ReadMatch(params.Object());
+    ReadSingleParameters(params.Object(), &effect);
   }
-  const auto number = [this](const quantel::wstring& key) {
-    return params->getFloat(key, kValueForm);
-  };
-  const auto flag = [this](const quantel::wstring& key) {
-    return params->getBool(key, kValueForm);
-  };
-  // The host counts from 0, the control from 1; unsigned, so that every answer has a sum.
-  effect.shape.value =
-      static_cast<std::int32_t>(static_cast<std::uint32_t>(params->getList(keyShape)) + 1U);
-  effect.match.value = flag(keyMatch);
-  effect.radiusX.value = number(keyRadiusX);
-  effect.radiusY.value = number(keyRadiusY);
-  effect.sides.value = lx::TruncateToInt32(number(keySides));
-  effect.rotation.value = number(keyRotation);
-  effect.emphasis.value = number(keyEmphasis);
-  effect.emphAlpha.value = flag(keyEmphAlpha);
-  effect.precision.value = flag(keyPrecision);
-  effect.center.x = number(keyCenterX);
-  effect.center.y = number(keyCenterY);
-  effect.radiusPSF1.value = number(keyRadiusPSF1);
-  effect.radiusPSF2.value = number(keyRadiusPSF2);
 }
 
 }  // namespace allplugins

@@ -1,7 +1,8 @@
 // cGlimmerBlurUI: the class that a host makes for the effect's page and on-screen work.
 //
-// It keeps the host's connections and names its render class. The page's controls and
-// the handles on the picture are not connected: their operations do nothing.
+// It keeps the controls of its own effect object equal to the host's store, tells the page
+// which of its parts belong to the shape, and turns the mouse into drags of the handles on
+// the picture. It never renders. The store reaches the render instance; this one does not.
 #pragma once
 
 #include <cstdint>
@@ -30,27 +31,39 @@ class cGlimmerBlurUI final : public qplugin::iQpluginUI,
   void setResult(quantel::cPtr<qplugin::iQpluginUIResult> newResult) override;
   void empty1() override {}
   void empty2() override {}
-  void parameterChanged(const quantel::wstring& /*key*/) override {}
-  void mouseDown(const quantel::cPoint2& /*point*/) override {}
-  void mouseUp(const quantel::cPoint2& /*point*/) override {}
-  void mouseMove(const quantel::cPoint2& /*point*/) override {}
+  void parameterChanged(const quantel::wstring& key) override;
+  void mouseDown(const quantel::cPoint2& point) override;
+  void mouseUp(const quantel::cPoint2& point) override;
+  void mouseMove(const quantel::cPoint2& point) override;
   void empty3() override {}
-  void drawOverlays() override {}
+  void drawOverlays() override;
   void empty4() override {}
 
-  void colourRequest(std::uintptr_t /*word*/) override {}
+  void colourRequest(std::uintptr_t word) override;
   void empty1(std::uintptr_t /*word*/) override {}
   void empty2(std::uintptr_t /*word*/) override {}
   void empty3(std::uintptr_t /*word*/) override {}
   void empty5() override {}
 
-  // In this order: destruction lets go of result, params, spreadClip and sourceClip, then
-  // of the effect.
+  // In this order: destruction lets go of result, params, spreadClip and sourceClip, of what
+  // is drawn with, and then of the effect.
   lx::GlimmerBlur effect;
+  lx::OverlayData overlayData;
   quantel::cPtr<qplugin::iQpluginSource> sourceClip;
   quantel::cPtr<qplugin::iQpluginSource> spreadClip;
   quantel::cPtr<qplugin::iQpluginParams> params;
   quantel::cPtr<qplugin::iQpluginUIResult> result;
+
+ private:
+  void joinControls();
+  void joinOverlays();
+  void refreshFromStore();
+  void refreshShape();
+  void refreshMatch();
+  void commitAll();
+  void refreshOverlayData();
+  void sendMouse(std::int32_t event, const quantel::cPoint2& point);
+  void update();
 };
 
 }  // namespace allplugins
