@@ -5,9 +5,11 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <map>
 #include <mutex>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -34,6 +36,15 @@ inline std::string Narrow(const wstring& text) {
     out.push_back(static_cast<char>(c));
   }
   return out;
+}
+
+// "1 0.5 0" for what toRGB answers.
+inline std::string ColourText(const quantel::cColour& colour) {
+  float rgb[3];
+  std::memcpy(rgb, colour.toRGB().words, sizeof rgb);
+  std::ostringstream out;
+  out << rgb[0] << ' ' << rgb[1] << ' ' << rgb[2];
+  return out.str();
 }
 
 // Calls in their order. A call that a test has named in throwAt throws a HostFault.
@@ -98,7 +109,8 @@ class FakeDescriptor final : public qplugin::iQpluginDescriptor, public quantel:
 
 class FakeFormat final : public qplugin::iQpluginFormat, public quantel::cRefCount {
  public:
-  FakeFormat(CallLog* log, cSize2 aspect) : log_(log), aspect_(aspect) {}
+  FakeFormat(CallLog* log, cSize2 pixelRatio, cSize2 pictureSize = {0, 0})
+      : aspect(pixelRatio), size(pictureSize), log_(log) {}
 
   cPtr<qplugin::iQpluginDescriptor> descriptor() override {
     log_->Add("format.descriptor");
@@ -106,16 +118,18 @@ class FakeFormat final : public qplugin::iQpluginFormat, public quantel::cRefCou
   }
   cSize2 pixelAspect() override {
     log_->Add("format.pixelAspect");
-    return aspect_;
+    return aspect;
   }
   cSize2 pictureSize() override {
     log_->Add("format.pictureSize");
-    return {0, 0};
+    return size;
   }
+
+  cSize2 aspect;
+  cSize2 size;
 
  private:
   CallLog* log_;
-  cSize2 aspect_;
 };
 
 class FakeSource final : public qplugin::iQpluginSource, public quantel::cRefCount {
@@ -185,7 +199,8 @@ class FakeTarget final : public qplugin::iQpluginTarget, public quantel::cRefCou
   CallLog* log_;
 };
 
-// Numbers, switches and entries under their keys; absent ones are 0.
+// Numbers, switches and entries under their keys, as they were set or written; absent ones
+// are 0.
 class FakeParams final : public qplugin::iQpluginParams, public quantel::cRefCount {
  public:
   explicit FakeParams(CallLog* log) : log_(log) {}
@@ -200,6 +215,7 @@ class FakeParams final : public qplugin::iQpluginParams, public quantel::cRefCou
   void reserved3() override {}
   void setFloat(const wstring& key, const float& value) override {
     log_->Add("setFloat(" + Narrow(key) + "," + std::to_string(value) + ")");
+    numbers[Narrow(key)] = static_cast<double>(value);
     lastFloat = value;
   }
   bool getBool(const wstring& key, int zero) override {
@@ -208,10 +224,12 @@ class FakeParams final : public qplugin::iQpluginParams, public quantel::cRefCou
   }
   void setBool(const wstring& key, bool value) override {
     log_->Add("setBool(" + Narrow(key) + "," + std::to_string(value) + ")");
+    numbers[Narrow(key)] = value ? 1.0 : 0.0;
   }
   void reserved4() override {}
   void reserved5() override {}
-  quantel::cColour getColour(const wstring& /*key*/, quantel::cColour defaultColour) override {
+  quantel::cColour getColour(const wstring& key, quantel::cColour defaultColour) override {
+    log_->Add("getColour(" + Narrow(key) + "," + ColourText(defaultColour) + ")");
     return defaultColour;
   }
   void reserved6() override {}
@@ -225,6 +243,7 @@ class FakeParams final : public qplugin::iQpluginParams, public quantel::cRefCou
   void reserved10() override {}
   void setList(const wstring& key, int entry) override {
     log_->Add("setList(" + Narrow(key) + "," + std::to_string(entry) + ")");
+    numbers[Narrow(key)] = entry;
   }
 
   std::map<std::string, double> numbers;
