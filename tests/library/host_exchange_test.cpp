@@ -21,12 +21,11 @@ using lx_test::cPtr;
 using lx_test::FakeImage;
 using Log = std::vector<std::string>;
 
-// The sink of messages is asked for once in a process, so all tests share one host.
-lx_test::FakeHost& Host() {
-  static auto* host = new lx_test::FakeHost;
-  host->log.calls.clear();
-  return *host;
-}
+class HostExchange : public testing::Test {
+ public:
+  lx_test::FakeHost host;
+  lx_test::CallLog& log = host.log;
+};
 
 cPtr<FakeImage> Frame(lx_test::CallLog* log, int width, int height) {
   cPtr<FakeImage> frame(new FakeImage(log, "frame", width, height));
@@ -36,8 +35,7 @@ cPtr<FakeImage> Frame(lx_test::CallLog* log, int width, int height) {
   return frame;
 }
 
-TEST(HostExchange, MirrorsRowsAndExchangesRedAndBlue) {
-  auto& log = Host().log;
+TEST_F(HostExchange, MirrorsRowsAndExchangesRedAndBlue) {
   const auto frame = Frame(&log, 3, 2);
 
   const std::unique_ptr<LXImage> image(lx::ConvertFromQTL(frame, nullptr));
@@ -58,8 +56,7 @@ TEST(HostExchange, MirrorsRowsAndExchangesRedAndBlue) {
   EXPECT_EQ(frame->samples, back->samples);
 }
 
-TEST(HostExchange, LosesTheLowestBitAndFillsItWithTheTopOne) {
-  auto& log = Host().log;
+TEST_F(HostExchange, LosesTheLowestBitAndFillsItWithTheTopOne) {
   const cPtr<FakeImage> in(new FakeImage(&log, "in", 128, 128));
   for (int i = 0; i < 65536; ++i) {
     in->samples[static_cast<std::size_t>(i)] = static_cast<std::uint16_t>(i);
@@ -74,8 +71,7 @@ TEST(HostExchange, LosesTheLowestBitAndFillsItWithTheTopOne) {
   }
 }
 
-TEST(HostExchange, WritesSamplesAbove15BitsAs16) {
-  auto& log = Host().log;
+TEST_F(HostExchange, WritesSamplesAbove15BitsAs16) {
   LXImage image(2, 1, 0, nullptr, 0);
   const std::uint16_t samples[] = {0, 1, 16383, 16384, 32767, 32768, 65535, 0};
   std::copy(samples, samples + 8, image.data);
@@ -87,8 +83,7 @@ TEST(HostExchange, WritesSamplesAbove15BitsAs16) {
   EXPECT_EQ(expected, out->samples);
 }
 
-TEST(HostExchange, SetsScaleAndAspectToOne) {
-  auto& log = Host().log;
+TEST_F(HostExchange, SetsScaleAndAspectToOne) {
   LXImage target(3, 2, 0, nullptr, 0);
   target.aspectX = 2;
   target.aspectY = 3;
@@ -100,8 +95,7 @@ TEST(HostExchange, SetsScaleAndAspectToOne) {
   EXPECT_EQ(1.0, target.aspectY);
 }
 
-TEST(HostExchange, AsksForSizeAndBufferInwardAndForTheBufferOnlyOutward) {
-  auto& log = Host().log;
+TEST_F(HostExchange, AsksForSizeAndBufferInwardAndForTheBufferOnlyOutward) {
   const auto frame = Frame(&log, 3, 2);
   const std::unique_ptr<LXImage> image(lx::ConvertFromQTL(frame, nullptr));
   EXPECT_EQ((Log{"frame.size", "frame.buffer"}), log.calls);
@@ -112,8 +106,7 @@ TEST(HostExchange, AsksForSizeAndBufferInwardAndForTheBufferOnlyOutward) {
   EXPECT_EQ(1, frame.RefCount()->Count());
 }
 
-TEST(HostExchange, LetsGoOfTheLastReferenceBeforeItReturns) {
-  auto& log = Host().log;
+TEST_F(HostExchange, LetsGoOfTheLastReferenceBeforeItReturns) {
   std::unique_ptr<LXImage> image;
   {
     cPtr<qplugin::iQpluginImage> only = Frame(&log, 3, 2);
@@ -126,21 +119,18 @@ TEST(HostExchange, LetsGoOfTheLastReferenceBeforeItReturns) {
   EXPECT_EQ((Log{"frame.buffer", "~frame"}), log.calls);
 }
 
-TEST(HostExchange, RefusesATargetOfAnotherSize) {
-  auto& log = Host().log;
+TEST_F(HostExchange, RefusesATargetOfAnotherSize) {
   LXImage target(2, 3, 0, nullptr, 0);
 
   EXPECT_EQ(nullptr, lx::ConvertFromQTL(Frame(&log, 3, 2), &target));
 }
 
-TEST(HostExchange, GivesNullForANullFrameWithoutAWord) {
-  auto& log = Host().log;
+TEST_F(HostExchange, GivesNullForANullFrameWithoutAWord) {
   EXPECT_EQ(nullptr, lx::ConvertFromQTL({}, nullptr));
   EXPECT_TRUE(log.calls.empty());
 }
 
-TEST(HostExchange, TellsTheUserOfANullImageBeforeItLetsGoOfTheFrame) {
-  auto& host = Host();
+TEST_F(HostExchange, TellsTheUserOfANullImageBeforeItLetsGoOfTheFrame) {
   const auto before = Frame(&host.log, 3, 2)->samples;
   const auto kept = Frame(&host.log, 3, 2);
   lx::ConvertToQTL(nullptr, kept);
@@ -152,8 +142,7 @@ TEST(HostExchange, TellsTheUserOfANullImageBeforeItLetsGoOfTheFrame) {
   EXPECT_EQ((Log{"message(ConvertToQTL: invalid input pointer!)", "~frame"}), host.log.calls);
 }
 
-TEST(HostExchange, TakesASizeBelowOneAsEmpty) {
-  auto& log = Host().log;
+TEST_F(HostExchange, TakesASizeBelowOneAsEmpty) {
   const cPtr<FakeImage> frame(new FakeImage(&log, "frame", 0, 0));
 
   const std::unique_ptr<LXImage> image(lx::ConvertFromQTL(frame, nullptr));
@@ -162,8 +151,7 @@ TEST(HostExchange, TakesASizeBelowOneAsEmpty) {
   EXPECT_EQ(0, image->height);
 }
 
-TEST(HostExchange, ThrowsWithoutMemory) {
-  auto& log = Host().log;
+TEST_F(HostExchange, ThrowsWithoutMemory) {
   const auto frame = Frame(&log, 3, 2);
   lx_test::HeapFaults heap;
   heap.Refuse(1);
@@ -171,8 +159,9 @@ TEST(HostExchange, ThrowsWithoutMemory) {
   EXPECT_THROW(lx::ConvertFromQTL(frame, nullptr), std::bad_alloc);
 }
 
-TEST(HostMessage, AsksForTheSinkOnceAndWidensBytesWithTheirSign) {
-  auto& host = Host();
+using HostMessage = HostExchange;
+
+TEST_F(HostMessage, AsksForTheSinkOnceAndWidensBytesWithTheirSign) {
   lx::SendHostMessage("before");
   host.log.calls.clear();
 

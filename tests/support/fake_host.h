@@ -275,20 +275,26 @@ class FakeModule final : public qplugin::iQpluginModule, public quantel::cRefCou
   CallLog* log_;
 };
 
+// A module keeps the first sink that it gets for as long as it is loaded, so all hosts of a
+// process hand out this one, which writes into the log of the newest host there is.
 class FakeSink final : public qplugin::iQplugin, public quantel::cRefCount {
  public:
-  explicit FakeSink(CallLog* log) : log_(log) {}
-  ~FakeSink() override { log_->Note("~sink"); }
+  static const cPtr<FakeSink>& OfTheProcess() {
+    static const cPtr<FakeSink> sink(new FakeSink);
+    return sink;
+  }
+
   void reserved1() override {}
   void reserved2() override {}
   void message(const wstring& text) override {
     last = text;
-    log_->Add("message(" + Narrow(text) + ")");
+    if (log != nullptr) {
+      log->Add("message(" + Narrow(text) + ")");
+    }
   }
-  wstring last;
 
- private:
-  CallLog* log_;
+  wstring last;
+  CallLog* log = nullptr;
 };
 
 // Sets itself as the host's factory for the length of a scope.
@@ -366,10 +372,14 @@ inline cPtr<quantel::cRegistration> FakeFactory::registerClass(cPtr<iConstructor
 // A log, and a factory that is the host's for the length of a scope.
 struct FakeHost {
   FakeHost() : factory(new FakeFactory(&log)) {
-    factory->sink = cPtr<FakeSink>(new FakeSink(&log));
+    factory->sink = FakeSink::OfTheProcess();
+    factory->sink->log = &log;
     quantel::gFactory = factory;
   }
-  ~FakeHost() { quantel::gFactory.Reset(); }
+  ~FakeHost() {
+    factory->sink->log = nullptr;
+    quantel::gFactory.Reset();
+  }
   FakeHost(const FakeHost&) = delete;
   FakeHost& operator=(const FakeHost&) = delete;
 
