@@ -109,25 +109,4 @@ TEST(ClassCtor, TellsTheClassOfItsInstances) {
   EXPECT_EQ(0x1FD3AFECU, render.classInfo()->guid().group1);
 }
 
-TEST(UiAdapter, NamesItsRenderClass) {
-  lx_test::FakeHost host;
-  const auto ui = cClassCtor<cGlimmerBlurUI>().create().Dynamic<qplugin::iQpluginUI>();
-  const auto render = cClassCtor<cGlimmerBlurRender>().create().Dynamic<qplugin::iQpluginRender>();
-
-  EXPECT_EQ(0x2FD3AFECU, ui->uiGuid().group1);
-  EXPECT_EQ(render->classInfo()->guid().group1, ui->renderGuid().group1);
-  EXPECT_EQ(render->renderGuid().tail, ui->renderGuid().tail);
-  EXPECT_EQ(ui->classInfo()->guid().group1, ui->uiGuid().group1);
-}
-
-TEST(UiAdapter, KeepsOneReferenceOfWhatItIsHanded) {
-  lx_test::FakeHost host;
-  const auto ui = cClassCtor<cGlimmerBlurUI>().create().Dynamic<qplugin::iQpluginUI>();
-  const cPtr<lx_test::FakeParams> params(new lx_test::FakeParams(&host.log));
-
-  ui->setParams(params);
-
-  EXPECT_EQ(2, params->Count());
-}
-
 }  // namespace
