@@ -9,8 +9,10 @@
 
 #include "host/glimmerhost/failure.h"
 #include "host/glimmerhost/info_command.h"
+#include "host/glimmerhost/page_command.h"
 #include "host/glimmerhost/psf_command.h"
 #include "host/glimmerhost/render_command.h"
+#include "host/glimmerhost/session_command.h"
 
 namespace glimmerhost {
 namespace {
@@ -18,7 +20,9 @@ namespace {
 constexpr const char* kDescription =
     "Renders pictures through GlimmerBlur, a lens defocus.\n\n"
     "  glimmerhost render night.png -o out.png --shape polygon --sides 6 --radius 40px\n"
-    "  glimmerhost psf -o aperture.png --shape polygon --sides 5 --radius 60px\n\n"
+    "  glimmerhost psf -o aperture.png --shape polygon --sides 5 --radius 60px\n"
+    "  glimmerhost page night.png -o page.png --shape image\n"
+    "  glimmerhost session handles.session\n\n"
     "Exit codes: 0 done, 1 the work failed, 2 wrong usage.";
 
 constexpr const char* kVersion = "glimmerhost, reference host of GlimmerBlur 5.13";
@@ -62,6 +66,10 @@ void AddAperture(CLI::App* app, RunOptions* options) {
   app->add_option("--radius-psf2", values.radiusPsf2,
                   "The other radius, in either order (default 0.04)")
       ->group(image);
+  app->add_option(
+      "--params", values.file,
+      "A TOML file of values named as these options without dashes (shape = \"image\"); "
+      "options go over it");
   app->add_option("--set", values.set,
                   "KEY=VALUE: any parameter by its key, as the store holds it (PRM_Shape counts "
                   "from 0); info lists them. May be given more than once")
@@ -69,58 +77,100 @@ void AddAperture(CLI::App* app, RunOptions* options) {
       ->allow_extra_args(false);
 }
 
-void AddOutput(CLI::App* app, RunOptions* options) {
+void AddHighlights(CLI::App* app, RunOptions* options) {
+  const std::string highlights = "Highlights";
+  app->add_option("--emphasis", options->values.emphasis,
+                  "How much highlights outweigh the rest: up to 1 off (the default), 50 strong, "
+                  "500 the most; above 75 dark areas show noise")
+      ->group(highlights);
+  app->add_flag("--emph-alpha", options->values.emphAlpha, "Emphasis also for alpha")
+      ->group(highlights);
+}
+
+void AddPictureOutput(CLI::App* app, RunOptions* options) {
   app->add_option("-o,--output", options->output,
                   "Where the result goes; its ending says the format. EXR holds half floats")
       ->required();
 }
 
-// How the work is done, after what is to be done.
-void AddRunning(CLI::App* app, RunOptions* options, const std::string& pixelAspect) {
+void AddPixelAspect(CLI::App* app, RunOptions* options, const std::string& otherwise) {
   app->add_option("--pixel-aspect", options->pixelAspect,
-                  "A:B, the pixel aspect to render with (default: " + pixelAspect + ")");
+                  "A:B, the pixel aspect to work with (default: " + otherwise + ")");
+}
+
+void AddThreads(CLI::App* app, RunOptions* options) {
   app->add_option("--threads", options->threads,
                   "Processors to work on (default: all that the process may run on)");
+}
+
+// How the work is done, after what is to be done.
+void AddRunning(CLI::App* app, RunOptions* options) {
   app->add_flag("--overwrite", options->overwrite, "Replace an existing output");
   app->add_flag("--quiet", options->quiet, "No progress line");
   app->add_option("--module", options->module, "Another module file");
 }
 
-void AddRender(CLI::App* app, RenderOptions* options) {
+CLI::App* AddRender(CLI::App* app, RenderOptions* options) {
   CLI::App* render = app->add_subcommand("render", "Render one picture");
   render->add_option("INPUT", options->input, "The picture: PNG, TIFF, EXR, DPX, JPEG, ...")
       ->required();
-  AddOutput(render, options);
+  AddPictureOutput(render, options);
   AddAperture(render, options);
-  const std::string highlights = "Highlights";
-  render
-      ->add_option("--emphasis", options->values.emphasis,
-                   "How much highlights outweigh the rest: up to 1 off (the default), 50 strong, "
-                   "500 the most; above 75 dark areas show noise")
-      ->group(highlights);
-  render->add_flag("--emph-alpha", options->values.emphAlpha, "Emphasis also for alpha")
-      ->group(highlights);
+  AddHighlights(render, options);
   render->add_option("--alpha", options->alpha,
                      "premultiplied (default): colour of a file with straight alpha is "
                      "multiplied by it on the way in and divided on the way out; as-is: samples "
                      "are left alone");
   render->add_option("--bits", options->bits,
                      "8 or 16 (default: the input's; 16 for floating point)");
-  AddRunning(render, options, "the file's");
+  AddPixelAspect(render, options, "the file's");
+  AddThreads(render, options);
+  AddRunning(render, options);
+  return render;
 }
 
 CLI::App* AddPsf(CLI::App* app, PsfOptions* options) {
   CLI::App* psf = app->add_subcommand(
       "psf", "Write what one bright pixel becomes, enlarged: the aperture as it is used");
-  AddOutput(psf, options);
+  AddPictureOutput(psf, options);
   AddAperture(psf, options);
   psf->add_option("--size", options->size,
                   "WIDTHxHEIGHT of the frame it is for (default 1920x1080)");
   psf->add_option("--zoom", options->zoom,
                   "Side of the square that shows a pixel, 1 to 64 (default: what makes the "
                   "picture some 512 pixels wide)");
-  AddRunning(psf, options, "1:1");
+  AddPixelAspect(psf, options, "1:1");
+  AddThreads(psf, options);
+  AddRunning(psf, options);
   return psf;
+}
+
+CLI::App* AddPage(CLI::App* app, PageOptions* options) {
+  CLI::App* page = app->add_subcommand(
+      "page", "Write a picture with the effect's handles on it, as its page draws them");
+  page->add_option("INPUT", options->input, "The picture that the page is opened over")->required();
+  AddPictureOutput(page, options);
+  AddAperture(page, options);
+  AddPixelAspect(page, options, "the file's");
+  AddRunning(page, options);
+  return page;
+}
+
+CLI::App* AddSession(CLI::App* app, SessionOptions* options) {
+  CLI::App* session = app->add_subcommand(
+      "session", "Play a person at the effect's page and its handles from a script");
+  session->add_option("SCRIPT", options->script, "One step a line; docs/sessions.md tells them")
+      ->required();
+  session->add_option("-o,--output", options->output,
+                      "The folder that the script's files go into (default: the current one)");
+  session->add_flag("--trace", options->trace,
+                    "Print every call between host and module, step by step");
+  AddAperture(session, options);
+  AddHighlights(session, options);
+  AddPixelAspect(session, options, "the file's");
+  AddThreads(session, options);
+  AddRunning(session, options);
+  return session;
 }
 
 int Run(int argc, const char* const* argv) {
@@ -128,9 +178,13 @@ int Run(int argc, const char* const* argv) {
   app.require_subcommand(1);
   app.set_version_flag("--version", kVersion);
   RenderOptions render;
-  AddRender(&app, &render);
+  const CLI::App* renderCommand = AddRender(&app, &render);
   PsfOptions psf;
   const CLI::App* psfCommand = AddPsf(&app, &psf);
+  PageOptions page;
+  const CLI::App* pageCommand = AddPage(&app, &page);
+  SessionOptions session;
+  const CLI::App* sessionCommand = AddSession(&app, &session);
   std::string infoModule;
   CLI::App* info =
       app.add_subcommand("info", "Print the module's classes and the parameters of its page");
@@ -144,10 +198,14 @@ int Run(int argc, const char* const* argv) {
   }
   if (info->parsed()) {
     RunInfo(infoModule, std::cout);
+  } else if (renderCommand->parsed()) {
+    RunRender(render);
   } else if (psfCommand->parsed()) {
     RunPsf(psf);
-  } else {
-    RunRender(render);
+  } else if (pageCommand->parsed()) {
+    RunPage(page);
+  } else if (sessionCommand->parsed()) {
+    RunSession(session, std::cout);
   }
   return kExitDone;
 }

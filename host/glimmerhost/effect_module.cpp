@@ -1,11 +1,13 @@
 #include "host/glimmerhost/effect_module.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <exception>
 
 #include "host/glimmerhost/failure.h"
 #include "host/glimmerhost/text.h"
+#include "hostframe/interfaces/class_info.h"
 #include "hostframe/interfaces/recoverable.h"
 
 namespace glimmerhost {
@@ -48,23 +50,30 @@ void RethrowModuleFault() {
   }
 }
 
-std::filesystem::path DefaultModuleFile() {
+std::filesystem::path ModuleFileOf(const std::string& name) {
+  if (!name.empty()) {
+    return name;
+  }
   return (ProgramFolder() / GLIMMERHOST_MODULE_FOLDER / "LXTorvane_GlimmerBlur.so")
       .lexically_normal();
 }
 
-EffectModule::EffectModule(const std::filesystem::path& file)
-    : path_(file), factory_(new Factory), file_(file) {
-  quantel::gFactory = factory_;
+EffectModule::EffectModule(const std::filesystem::path& file, Trace* trace)
+    : path_(file), trace_(trace), factory_(new Factory), file_(file) {
+  quantel::gFactory = Traced(quantel::cPtr<quantel::iFactory>(factory_), trace);
   try {
-    file_.Init(quantel::cPtr<qplugin::iQpluginModule>(new ModuleTexts));
+    TraceToModule(trace, "moduleInit()");
+    file_.Init(Traced(quantel::cPtr<qplugin::iQpluginModule>(new ModuleTexts), trace));
   } catch (...) {
     RethrowModuleFault();
   }
 }
 
 // The library goes after this, while the factory is still there for its classes to leave.
-EffectModule::~EffectModule() { file_.CleanUp(); }
+EffectModule::~EffectModule() {
+  TraceToModule(trace_, "moduleCleanUp()");
+  file_.CleanUp();
+}
 
 std::vector<EffectModule::ClassText> EffectModule::Classes() const {
   std::vector<ClassText> texts;
@@ -79,13 +88,41 @@ std::vector<EffectModule::ClassText> EffectModule::Classes() const {
   return texts;
 }
 
-quantel::cPtr<qplugin::iQpluginRender> EffectModule::MakeRender() const {
+// A class tells what it is by its base. One that tells nothing has to be tried.
+template <class Interface>
+bool EffectModule::MayMake(quantel::iFactory::iConstructor* constructor) const {
+  TraceToModule(trace_, "constructor.classInfo()");
+  const auto info = constructor->classInfo();
+  if (!info) {
+    return true;
+  }
+  TraceToModule(trace_, "classInfo.bases()");
+  const auto bases = info->bases();
+  return std::any_of(bases.begin(), bases.end(), [this](const auto& base) {
+    TraceToModule(trace_, "base.guid()");
+    return base && SameIdentity(base->guid(), quantel::cClassInfo<Interface>().guid());
+  });
+}
+
+template <class Interface>
+quantel::cPtr<Interface> EffectModule::Make(const char* kind) const {
   for (const auto& constructor : factory_->Classes()) {
-    if (auto render = constructor->create().Dynamic<qplugin::iQpluginRender>()) {
-      return render;
+    if (MayMake<Interface>(constructor.Object())) {
+      TraceToModule(trace_, kind, " = constructor.create()");
+      if (auto instance = constructor->create().template Dynamic<Interface>()) {
+        return instance;
+      }
     }
   }
-  throw Failure(path_.string() + ": the module has no class that renders");
+  throw Failure(path_.string() + ": the module has no class for a " + kind);
+}
+
+quantel::cPtr<qplugin::iQpluginRender> EffectModule::MakeRender() const {
+  return Make<qplugin::iQpluginRender>("render");
+}
+
+quantel::cPtr<qplugin::iQpluginUI> EffectModule::MakeUi() const {
+  return Make<qplugin::iQpluginUI>("ui");
 }
 
 }  // namespace glimmerhost

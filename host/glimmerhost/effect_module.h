@@ -7,20 +7,24 @@
 
 #include "host/glimmerhost/factory.h"
 #include "host/glimmerhost/module_file.h"
+#include "host/glimmerhost/trace.h"
 #include "hostframe/interfaces/plugin_render.h"
+#include "hostframe/interfaces/plugin_ui.h"
 #include "hostframe/interfaces/ptr.h"
 
 namespace glimmerhost {
 
-// The module's file beside the program, where the build and the installation put it.
-std::filesystem::path DefaultModuleFile();
+// The module's file: the one that is named, or for no name the one beside the program, where
+// the build and the installation put it.
+std::filesystem::path ModuleFileOf(const std::string& name);
 
 // One at a time in the process: the host's factory is one for all modules.
 class EffectModule {
  public:
   // Loads the module, sets the host's factory and has the module register its classes.
   // Throws Failure; exceptions of the module become one too.
-  explicit EffectModule(const std::filesystem::path& file);
+  //   trace  says the calls between host and module; null for none
+  explicit EffectModule(const std::filesystem::path& file, Trace* trace = nullptr);
 
   // Cleans up and unloads. Every instance must be gone.
   ~EffectModule();
@@ -34,12 +38,21 @@ class EffectModule {
   };
   std::vector<ClassText> Classes() const;
 
-  // A new render instance of the first class that makes one. Throws Failure if there is
-  // none.
+  // A new instance of the first class that makes one of that kind. Throws Failure if there
+  // is none.
   quantel::cPtr<qplugin::iQpluginRender> MakeRender() const;
+  quantel::cPtr<qplugin::iQpluginUI> MakeUi() const;
+
+  Trace* GetTrace() const { return trace_; }
 
  private:
+  template <class Interface>
+  bool MayMake(quantel::iFactory::iConstructor* constructor) const;
+  template <class Interface>
+  quantel::cPtr<Interface> Make(const char* kind) const;
+
   std::filesystem::path path_;
+  Trace* trace_;
   quantel::cPtr<Factory> factory_;
   ModuleFile file_;
 };

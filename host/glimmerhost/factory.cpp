@@ -19,11 +19,11 @@ class MessageSink final : public qplugin::iQplugin, public quantel::cRefCount {
   }
 };
 
+}  // namespace
+
 bool SameIdentity(const quantel::cGuid& a, const quantel::cGuid& b) {
   return a.group1 == b.group1 && a.group2 == b.group2 && a.group3 == b.group3 && a.tail == b.tail;
 }
-
-}  // namespace
 
 // Outlives the factory if a registration does.
 class Factory::Registrar final : public quantel::iRegistrar, public quantel::cRefCount {

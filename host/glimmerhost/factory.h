@@ -9,6 +9,9 @@
 
 namespace glimmerhost {
 
+// Whether two are the same, whatever texts they carry.
+bool SameIdentity(const quantel::cGuid& a, const quantel::cGuid& b);
+
 class Factory final : public quantel::iFactory, public quantel::cRefCount {
  public:
   Factory();

@@ -5,7 +5,6 @@
 #include "host/glimmerhost/alpha.h"
 #include "host/glimmerhost/border_pictures.h"
 #include "host/glimmerhost/parameter_store.h"
-#include "host/glimmerhost/picture_file.h"
 
 namespace glimmerhost {
 namespace {
@@ -62,16 +61,30 @@ void RenderPicture(const EffectModule& module, const std::map<std::string, Value
   const quantel::cPtr<FrameFormat> format(
       new FrameFormat(pixelAspect, {picture->width, picture->height}));
   try {
+    Trace* trace = module.GetTrace();
     const quantel::cPtr<qplugin::iQpluginRender> render = module.MakeRender();
-    render->setTarget(quantel::cPtr<qplugin::iQpluginTarget>(new Target(output, format)));
+    const quantel::cPtr<qplugin::iQpluginTarget> target(new Target(output, format));
+    TraceToModule(trace, "render.setTarget(target)");
+    render->setTarget(Traced(target, trace));
     const quantel::cPtr<qplugin::iQpluginSource> main(new StillClip(*picture));
-    render->setInputs(quantel::cPtr<qplugin::iQpluginInputs>(new Inputs(main, spread)));
-    render->setParams(quantel::cPtr<qplugin::iQpluginParams>(new ParameterStore(values)));
+    const quantel::cPtr<qplugin::iQpluginInputs> inputs(new Inputs(main, spread));
+    TraceToModule(trace, "render.setInputs(inputs)");
+    render->setInputs(Traced(inputs, trace));
+    const quantel::cPtr<qplugin::iQpluginParams> store(new ParameterStore(values));
+    TraceToModule(trace, "render.setParams(store)");
+    render->setParams(Traced(store, trace));
+    TraceToModule(trace, "render.renderFrame(1, 0, 0)");
     render->renderFrame(1, 0, 0);
   } catch (...) {
     RethrowModuleFault();
   }
   output->CopyTo(picture);
+}
+
+void SettleAlpha(const PictureOutput& output, Alpha before, Picture* picture) {
+  if (output.StraightOnly() || (before == Alpha::kStraight && !output.PremultipliedOnly())) {
+    Unpremultiply(picture);
+  }
 }
 
 }  // namespace glimmerhost

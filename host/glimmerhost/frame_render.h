@@ -7,6 +7,7 @@
 #include "host/glimmerhost/effect_module.h"
 #include "host/glimmerhost/page.h"
 #include "host/glimmerhost/picture.h"
+#include "host/glimmerhost/picture_file.h"
 #include "host/glimmerhost/progress.h"
 #include "hostframe/interfaces/pictures.h"
 #include "hostframe/interfaces/ptr.h"
@@ -28,5 +29,9 @@ quantel::cPtr<qplugin::iQpluginSource> OpenSpread(const std::string& file, int w
 void RenderPicture(const EffectModule& module, const std::map<std::string, Value>& values,
                    const quantel::cPtr<qplugin::iQpluginSource>& spread,
                    quantel::cSize2 pixelAspect, Picture* picture);
+
+// Alpha of a picture that was premultiplied for the effect, as the output's format has it, or
+// as it was before.
+void SettleAlpha(const PictureOutput& output, Alpha before, Picture* picture);
 
 }  // namespace glimmerhost

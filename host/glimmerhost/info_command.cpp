@@ -10,8 +10,7 @@
 namespace glimmerhost {
 
 void RunInfo(const std::string& module, std::ostream& out) {
-  const std::filesystem::path file =
-      module.empty() ? DefaultModuleFile() : std::filesystem::path(module);
+  const std::filesystem::path file = ModuleFileOf(module);
   const Page page = LoadPage();
   const EffectModule effect(file);
   out << "Module " << file.filename().string() << "\n\nClasses\n";

@@ -5,31 +5,14 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <limits>
-#include <numeric>
 #include <stdexcept>
 
 #include "host/glimmerhost/failure.h"
+#include "host/glimmerhost/nearest.h"
 #include "host/glimmerhost/text.h"
 
 namespace glimmerhost {
 namespace {
-
-// How many letters must be changed, added or taken away to turn one text into another.
-std::size_t EditDistance(std::string_view a, std::string_view b) {
-  std::vector<std::size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 1; i <= a.size(); ++i) {
-    std::size_t diagonal = row[0];
-    row[0] = i;
-    for (std::size_t j = 1; j <= b.size(); ++j) {
-      const std::size_t above = row[j];
-      row[j] = std::min({above + 1, row[j - 1] + 1, diagonal + (a[i - 1] == b[j - 1] ? 0U : 1U)});
-      diagonal = above;
-    }
-  }
-  return row[b.size()];
-}
 
 std::string JoinOr(const std::vector<std::string>& names) {
   std::string joined;
@@ -76,6 +59,36 @@ void ReadEntries(const toml::table& table, Parameter* parameter) {
   }
 }
 
+// An array of groups, each a key or an array of keys.
+Condition ReadCondition(const toml::table& table, const char* name, const std::string& key) {
+  Condition condition;
+  if (!table.contains(name)) {
+    return condition;
+  }
+  const auto fail = [&] {
+    throw std::runtime_error(key + " has a " + name + " that is not of keys and arrays of keys");
+  };
+  const toml::array* groups = table[name].as_array();
+  if (groups == nullptr || groups->empty()) {
+    fail();
+  }
+  for (const toml::node& group : *groups) {
+    std::vector<std::string> keys;
+    if (const toml::array* several = group.as_array()) {
+      for (const toml::node& one : *several) {
+        keys.push_back(one.value<std::string>().value_or(""));
+      }
+    } else {
+      keys.push_back(group.value<std::string>().value_or(""));
+    }
+    if (keys.empty() || std::find(keys.begin(), keys.end(), "") != keys.end()) {
+      fail();
+    }
+    condition.groups.push_back(keys);
+  }
+  return condition;
+}
+
 Parameter ReadParameter(const toml::table& table) {
   Parameter parameter;
   parameter.key = Need<std::string>(table, "key");
@@ -96,6 +109,10 @@ Parameter ReadParameter(const toml::table& table) {
   } else {
     throw std::runtime_error(parameter.key + " is of the unknown kind " + kind);
   }
+  parameter.shown = ReadCondition(table, "shown", parameter.key);
+  parameter.enabled = ReadCondition(table, "enabled", parameter.key);
+  parameter.note = table["note"].value_or(std::string());
+  parameter.noteShown = ReadCondition(table, "note_shown", parameter.key);
   return parameter;
 }
 
@@ -105,6 +122,16 @@ Parameter ReadParameter(const toml::table& table) {
 }
 
 }  // namespace
+
+bool Condition::Holds(const std::map<std::string, Value>& values) const {
+  const auto isOn = [&values](const std::string& key) {
+    const auto found = values.find(key);
+    return found != values.end() && found->second == Value(true);
+  };
+  return groups.empty() || std::any_of(groups.begin(), groups.end(), [&](const auto& keys) {
+           return std::all_of(keys.begin(), keys.end(), isOn);
+         });
+}
 
 std::string Parameter::Allowed() const {
   switch (kind) {
@@ -120,6 +147,19 @@ std::string Parameter::Allowed() const {
   const bool wider = typedLowest < lowest || typedHighest > highest;
   return what + " from " + Shortest(typedLowest) + " to " + Shortest(typedHighest) +
          (wider ? " (the page offers " + Shortest(lowest) + " to " + Shortest(highest) + ")" : "");
+}
+
+std::string Parameter::Offered() const {
+  switch (kind) {
+    case Kind::kList:
+      return JoinOr(entries);
+    case Kind::kSwitch:
+      return "on or off";
+    case Kind::kWhole:
+    case Kind::kNumber:
+      break;
+  }
+  return Shortest(lowest) + " to " + Shortest(highest);
 }
 
 Value Parameter::Parse(const std::string& name, const std::string& text) const {
@@ -171,7 +211,8 @@ Value Parameter::Check(const std::string& name, const std::string& text, double 
 
 std::string Parameter::Show(const Value& value) const {
   if (const int* index = std::get_if<int>(&value)) {
-    return entries.at(static_cast<std::size_t>(*index));
+    const auto entry = static_cast<std::size_t>(*index);
+    return entry < entries.size() ? entries[entry] : std::to_string(*index);
   }
   if (const bool* on = std::get_if<bool>(&value)) {
     return *on ? "on" : "off";
@@ -201,19 +242,14 @@ Page Page::Load(const std::filesystem::path& file) {
 }
 
 const Parameter& Page::Find(const std::string& key) const {
-  const Parameter* nearest = &parameters_.front();  // a page has at least one
-  std::size_t best = std::numeric_limits<std::size_t>::max();
+  std::vector<std::string> keys;
   for (const Parameter& parameter : parameters_) {
-    const std::size_t distance = EditDistance(key, parameter.key);
-    if (distance == 0) {
+    if (parameter.key == key) {
       return parameter;
     }
-    if (distance < best) {
-      best = distance;
-      nearest = &parameter;
-    }
+    keys.push_back(parameter.key);
   }
-  throw UsageError("--set " + key + ": there is no such parameter; the nearest is " + nearest->key);
+  throw UsageError(key + ": there is no such parameter; the nearest is " + Nearest(key, keys));
 }
 
 std::map<std::string, Value> Page::Defaults() const {

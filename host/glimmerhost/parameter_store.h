@@ -15,6 +15,9 @@ class ParameterStore final : public qplugin::iQpluginParams, public quantel::cRe
  public:
   explicit ParameterStore(std::map<std::string, Value> values);
 
+  const std::map<std::string, Value>& Values() const { return values_; }
+  void Set(const std::string& key, const Value& value) { values_[key] = value; }
+
   double getFloat(const quantel::wstring& key, int zero) override;
   void reserved1() override {}
   void reserved2() override {}

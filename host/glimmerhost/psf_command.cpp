@@ -150,8 +150,7 @@ void RunPsf(const PsfOptions& options) {
       std::uint16_t{65535});
   progress.Show("Rendering " + options.size);
   {
-    const EffectModule module(options.module.empty() ? DefaultModuleFile()
-                                                     : std::filesystem::path(options.module));
+    const EffectModule module(ModuleFileOf(options.module));
     RenderPicture(module, values, spread, pixelAspect, &frame);
   }
   if (TouchesEdge(frame)) {

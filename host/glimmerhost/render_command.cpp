@@ -42,13 +42,6 @@ void WarnOfNoise(const std::map<std::string, Value>& values, Progress* progress)
   }
 }
 
-// Alpha as the output's format, or the input, has it.
-void SettleAlpha(const PictureOutput& output, Alpha before, Picture* picture) {
-  if (output.StraightOnly() || (before == Alpha::kStraight && !output.PremultipliedOnly())) {
-    Unpremultiply(picture);
-  }
-}
-
 }  // namespace
 
 void RunRender(const RenderOptions& options) {
@@ -77,14 +70,13 @@ void RunRender(const RenderOptions& options) {
   progress.Show("Rendering " + std::to_string(picture.width) + " x " +
                 std::to_string(picture.height));
   {
-    const EffectModule module(options.module.empty() ? DefaultModuleFile()
-                                                     : std::filesystem::path(options.module));
+    const EffectModule module(ModuleFileOf(options.module));
     RenderPicture(module, values, spread, pixelAspect, &picture);
   }
+  progress.Show("Writing " + options.output);
   if (premultiplied) {
     SettleAlpha(output, before, &picture);
   }
-  progress.Show("Writing " + options.output);
   output.Write(picture, bits);
   progress.Finish(options.output);
 }

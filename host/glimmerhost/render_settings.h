@@ -12,6 +12,7 @@ namespace glimmerhost {
 
 // Options as they were typed; an empty text is an option that was not given.
 struct TypedValues {
+  std::string file;  // a parameter file, whose values these go over
   std::string shape;
   std::string radius;
   std::string radiusX;
@@ -27,8 +28,9 @@ struct TypedValues {
   std::vector<std::string> set;  // KEY=VALUE
 };
 
-// The store's values for a picture of that size: the page's defaults, then the options,
-// then what --set says. Throws UsageError for a value that the page does not allow.
+// The store's values for a picture of that size: the page's defaults, then the parameter
+// file's, then the options and what --set says. Throws UsageError for a value that the page
+// does not allow, and what reading the file throws.
 std::map<std::string, Value> MakeStoreValues(const Page& page, const TypedValues& typed, int width,
                                              int height);
 

@@ -79,7 +79,7 @@ TEST(Page, NamesTheNearestKeyForOneThatIsUnknown) {
     page.Find("PRM_Radius");
     FAIL();
   } catch (const UsageError& fault) {
-    EXPECT_EQ("--set PRM_Radius: there is no such parameter; the nearest is PRM_RadiusX",
+    EXPECT_EQ("PRM_Radius: there is no such parameter; the nearest is PRM_RadiusX",
               std::string(fault.what()));
   }
 }

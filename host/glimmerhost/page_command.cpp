@@ -1,0 +1,31 @@
+#include "host/glimmerhost/page_command.h"
+
+#include <iostream>
+
+#include "host/glimmerhost/effect_module.h"
+#include "host/glimmerhost/page_file.h"
+#include "host/glimmerhost/picture_file.h"
+#include "host/glimmerhost/progress.h"
+#include "host/glimmerhost/session_player.h"
+
+namespace glimmerhost {
+
+void RunPage(const PageOptions& options) {
+  const Page page = LoadPage();
+  { const PictureOutput check(options.output, options.overwrite); }
+  Progress progress(!options.quiet);
+  {
+    const EffectModule module(ModuleFileOf(options.module));
+    SessionPlayer player(module, page, options, std::cout, &progress);
+    player.Load(options.input);
+    player.Draw();
+    if (!player.HasHandles()) {
+      progress.Warn("nothing is drawn in this shape; --shape image has handles on the picture");
+    }
+    progress.Show("Writing " + options.output);
+    player.Save(options.output, true);
+  }
+  progress.Finish(options.output);
+}
+
+}  // namespace glimmerhost

@@ -1,0 +1,115 @@
+#include "host/glimmerhost/parameter_file.h"
+
+#include <toml++/toml.h>
+
+#include <algorithm>
+#include <exception>
+#include <vector>
+
+#include "host/glimmerhost/failure.h"
+#include "host/glimmerhost/nearest.h"
+#include "host/glimmerhost/text.h"
+
+namespace glimmerhost {
+namespace {
+
+struct TextName {
+  const char* name;
+  std::string TypedValues::*value;
+};
+
+struct SwitchName {
+  const char* name;
+  bool TypedValues::*value;
+};
+
+constexpr TextName kTexts[] = {
+    {"shape", &TypedValues::shape},
+    {"radius", &TypedValues::radius},
+    {"radius-x", &TypedValues::radiusX},
+    {"radius-y", &TypedValues::radiusY},
+    {"sides", &TypedValues::sides},
+    {"rotation", &TypedValues::rotation},
+    {"emphasis", &TypedValues::emphasis},
+    {"center", &TypedValues::center},
+    {"radius-psf1", &TypedValues::radiusPsf1},
+    {"radius-psf2", &TypedValues::radiusPsf2},
+};
+
+constexpr SwitchName kSwitches[] = {
+    {"match", &TypedValues::match},
+    {"emph-alpha", &TypedValues::emphAlpha},
+};
+
+// As a person would have typed it on the command line.
+std::string AsTyped(const std::string& name, const toml::node& node) {
+  if (const auto text = node.value_exact<std::string>()) {
+    return *text;
+  }
+  if (const auto on = node.value_exact<bool>()) {
+    return *on ? "on" : "off";
+  }
+  if (const auto number = node.value<double>()) {
+    return Shortest(*number);
+  }
+  throw UsageError(name + ": allowed is a text, a number, true or false");
+}
+
+[[noreturn]] void RefuseName(const std::string& file, const std::string& name) {
+  std::vector<std::string> names;
+  for (const TextName& known : kTexts) {
+    names.emplace_back(known.name);
+  }
+  for (const SwitchName& known : kSwitches) {
+    names.emplace_back(known.name);
+  }
+  throw UsageError(file + ": " + name + ": there is no such parameter; the nearest is " +
+                   Nearest(name, names));
+}
+
+void Read(const std::string& file, const std::string& name, const toml::node& node,
+          TypedValues* values) {
+  const std::string typed = AsTyped(file + ": " + name, node);
+  if (name.starts_with("PRM_")) {
+    values->set.push_back(name + "=" + typed);
+    return;
+  }
+  for (const TextName& known : kTexts) {
+    if (name == known.name) {
+      values->*known.value = typed;
+      return;
+    }
+  }
+  for (const SwitchName& known : kSwitches) {
+    if (name == known.name) {
+      if (typed != "on" && typed != "off") {
+        throw UsageError(file + ": " + name + " " + typed + ": allowed is true or false");
+      }
+      values->*known.value = typed == "on";
+      return;
+    }
+  }
+  RefuseName(file, name);
+}
+
+toml::table Parse(const std::filesystem::path& file) {
+  try {
+    return toml::parse_file(file.string());
+  } catch (const toml::parse_error& fault) {
+    const auto line = fault.source().begin.line;
+    throw Failure(file.string() + (line == 0 ? "" : ":" + std::to_string(line)) +
+                  ": it cannot be read as parameters: " + std::string(fault.description()));
+  }
+}
+
+}  // namespace
+
+TypedValues ReadParameterFile(const std::filesystem::path& file) {
+  TypedValues values;
+  for (const auto& [name, node] : Parse(file)) {
+    Read(file.string(), std::string(name.str()), node, &values);
+  }
+  return values;
+}
+
+}  // namespace glimmerhost

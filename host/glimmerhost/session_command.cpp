@@ -1,0 +1,46 @@
+#include "host/glimmerhost/session_command.h"
+
+#include <filesystem>
+
+#include "host/glimmerhost/effect_module.h"
+#include "host/glimmerhost/failure.h"
+#include "host/glimmerhost/page_file.h"
+#include "host/glimmerhost/picture_file.h"
+#include "host/glimmerhost/processors.h"
+#include "host/glimmerhost/progress.h"
+#include "host/glimmerhost/session_player.h"
+#include "host/glimmerhost/session_script.h"
+#include "host/glimmerhost/trace.h"
+
+namespace glimmerhost {
+
+void RunSession(const SessionOptions& options, std::ostream& out) {
+  NarrowProcessors(options.threads);
+  const Page page = LoadPage();
+  const SessionScript script = ReadSessionScript(options.script, page, options.output);
+  for (const std::filesystem::path& output : script.outputs) {
+    const PictureOutput check(output, options.overwrite);
+  }
+  Progress progress(!options.quiet);
+  Trace trace(out);
+  Trace* const wanted = options.trace ? &trace : nullptr;
+  {
+    const EffectModule module(ModuleFileOf(options.module), wanted);
+    SessionPlayer player(module, page, options, out, &progress);
+    for (const SessionStep& step : script.steps) {
+      if (wanted != nullptr) {
+        trace.Step(step.place + ": " + step.text);
+      }
+      try {
+        step.play(&player);
+      } catch (const Unexpected& fault) {
+        throw Failure(step.place + ": " + step.text + ": " + fault.what());
+      } catch (const Failure& fault) {
+        throw Failure(step.place + ": " + fault.what());
+      }
+    }
+  }
+  progress.Finish(std::to_string(script.steps.size()) + " steps");
+}
+
+}  // namespace glimmerhost

@@ -1,0 +1,123 @@
+#include "host/glimmerhost/session_player.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdlib>
+#include <variant>
+
+#include "host/glimmerhost/alpha.h"
+#include "host/glimmerhost/frame_render.h"
+#include "host/glimmerhost/measures.h"
+#include "host/glimmerhost/render_settings.h"
+
+namespace glimmerhost {
+namespace {
+
+bool IsNear(const Value& have, const Value& expected, double tolerance) {
+  const double* number = std::get_if<double>(&have);
+  const double* wanted = std::get_if<double>(&expected);
+  if (number == nullptr || wanted == nullptr) {
+    return have == expected;
+  }
+  return std::abs(*number - *wanted) <= tolerance;
+}
+
+bool LooksLike(const Picture& a, const Picture& b, int step) {
+  if (a.width != b.width || a.height != b.height) {
+    return false;
+  }
+  return std::equal(
+      a.samples.begin(), a.samples.end(), b.samples.begin(),
+      [step](std::uint16_t one, std::uint16_t other) { return std::abs(one - other) <= step; });
+}
+
+}  // namespace
+
+SessionPlayer::SessionPlayer(const EffectModule& module, const Page& page,
+                             const RunOptions& options, std::ostream& out, Progress* progress)
+    : module_(module),
+      page_(page),
+      options_(options),
+      out_(out),
+      progress_(progress),
+      spread_(options.spread) {}
+
+void SessionPlayer::Load(const std::filesystem::path& file) {
+  progress_->Show("Reading " + file.string());
+  Picture picture = ReadWithWarning(file.string(), progress_);
+  alpha_ = picture.alpha;
+  Premultiply(&picture);
+  pixelAspect_ = options_.pixelAspect.empty() ? picture.pixelAspect
+                                              : ParseRatio("--pixel-aspect", options_.pixelAspect);
+  const auto spread = OpenSpread(spread_.string(), picture.width, picture.height, true, progress_);
+  if (session_) {
+    session_->Connect(picture, spread, pixelAspect_);
+  } else {
+    session_ = std::make_unique<PageSession>(
+        module_, MakeStoreValues(page_, options_.values, picture.width, picture.height), picture,
+        spread, pixelAspect_);
+  }
+  showsResult_ = false;
+}
+
+void SessionPlayer::Spread(const std::filesystem::path& file) {
+  spread_ = file;
+  const Picture& picture = session_->Source();
+  session_->Connect(Picture(picture),
+                    OpenSpread(file.string(), picture.width, picture.height, true, progress_),
+                    pixelAspect_);
+}
+
+void SessionPlayer::Render() {
+  progress_->Show("Rendering");
+  result_ = session_->Render();
+  showsResult_ = true;
+}
+
+void SessionPlayer::Save(const std::filesystem::path& file, bool withHandles) {
+  PictureOutput output(file, options_.overwrite);
+  Picture picture = Shown();
+  SettleAlpha(output, alpha_, &picture);
+  if (withHandles) {
+    session_->PaintHandles(&picture);
+  }
+  output.Write(picture, picture.bits);
+}
+
+void SessionPlayer::PrintPage() {
+  glimmerhost::PrintPage(PageRows(page_, session_->Values(), session_->PageDialog()), out_);
+}
+
+void SessionPlayer::ExpectValue(const Parameter& parameter, const Value& value,
+                                double tolerance) const {
+  const Value& have = session_->Values().at(parameter.key);
+  if (!IsNear(have, value, tolerance)) {
+    throw Unexpected("it is " + parameter.Show(have));
+  }
+}
+
+void SessionPlayer::ExpectRow(const std::string& name, bool PageRow::*state, bool expected) const {
+  for (const PageRow& row : PageRows(page_, session_->Values(), session_->PageDialog())) {
+    if (row.name == name) {
+      if (row.*state != expected) {
+        throw Unexpected(state == &PageRow::shown
+                             ? (expected ? "it is hidden" : "it is shown")
+                             : (expected ? "it is disabled" : "it is enabled"));
+      }
+      return;
+    }
+  }
+  throw Unexpected("the page has no such row");
+}
+
+void SessionPlayer::ExpectPicture(const std::filesystem::path& file, bool same) const {
+  Picture picture = ReadWithWarning(file.string(), progress_);
+  Premultiply(&picture);
+  constexpr int kByteStep = 257;
+  if (LooksLike(Shown(), picture, picture.bits == 8 ? kByteStep : 1) != same) {
+    throw Unexpected(same ? "the picture is another" : "the picture is the same");
+  }
+}
+
+}  // namespace glimmerhost
