@@ -9,6 +9,13 @@
 namespace glimmerhost {
 namespace {
 
+// Coordinates to a 256th of a pixel, so that one on the edge between two pixels falls to the
+// same side whatever rounding has left of it.
+double Snap(float coordinate) {
+  constexpr double kSteps = 256.0;
+  return std::round(static_cast<double>(coordinate) * kSteps) / kSteps;
+}
+
 struct Point {
   double x;
   double y;
@@ -109,16 +116,16 @@ void OverlaySurface::PaintOn(Picture* picture) const {
 }
 
 void OverlaySurface::Paint(const Line& line, Picture* picture) {
-  Point from{static_cast<double>(line.from.x), static_cast<double>(line.from.y)};
-  Point to{static_cast<double>(line.to.x), static_cast<double>(line.to.y)};
+  Point from{Snap(line.from.x), Snap(line.from.y)};
+  Point to{Snap(line.to.x), Snap(line.to.y)};
   if (!std::isfinite(from.x + from.y) || !std::isfinite(to.x + to.y) ||
       !CutLine(&from, &to, *picture)) {
     return;
   }
-  const double steps = std::max(std::abs(std::floor(to.x) - std::floor(from.x)),
-                                std::abs(std::floor(to.y) - std::floor(from.y)));
-  for (double step = 0.0; step <= steps; step += 1.0) {
-    const double part = steps == 0.0 ? 0.0 : step / steps;
+  const int steps = static_cast<int>(std::max(std::abs(std::floor(to.x) - std::floor(from.x)),
+                                              std::abs(std::floor(to.y) - std::floor(from.y))));
+  for (int step = 0; step <= steps; ++step) {
+    const double part = steps == 0 ? 0.0 : static_cast<double>(step) / steps;
     PaintPixel(picture, std::floor(from.x + (to.x - from.x) * part),
                std::floor(from.y + (to.y - from.y) * part), line.colour);
   }
@@ -129,10 +136,8 @@ void OverlaySurface::Paint(const Rectangle& rectangle, Picture* picture) {
   if (!IsFinite(rect)) {
     return;
   }
-  const Span x =
-      Covered(static_cast<double>(rect.first), static_cast<double>(rect.third), picture->width);
-  const Span y =
-      Covered(static_cast<double>(rect.second), static_cast<double>(rect.fourth), picture->height);
+  const Span x = Covered(Snap(rect.first), Snap(rect.third), picture->width);
+  const Span y = Covered(Snap(rect.second), Snap(rect.fourth), picture->height);
   for (int row = y.first; row <= y.last; ++row) {
     const bool whole = rectangle.filled || row == y.first || row == y.last;
     const int stride = whole ? 1 : std::max(x.last - x.first, 1);

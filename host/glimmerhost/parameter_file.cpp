@@ -67,6 +67,11 @@ std::string AsTyped(const std::string& name, const toml::node& node) {
                    Nearest(name, names));
 }
 
+[[noreturn]] void RefuseSwitch(const std::string& file, const std::string& name,
+                               const std::string& typed) {
+  throw UsageError(file + ": " + name + " " + typed + ": allowed is true or false");
+}
+
 void Read(const std::string& file, const std::string& name, const toml::node& node,
           TypedValues* values) {
   const std::string typed = AsTyped(file + ": " + name, node);
@@ -83,7 +88,7 @@ void Read(const std::string& file, const std::string& name, const toml::node& no
   for (const SwitchName& known : kSwitches) {
     if (name == known.name) {
       if (typed != "on" && typed != "off") {
-        throw UsageError(file + ": " + name + " " + typed + ": allowed is true or false");
+        RefuseSwitch(file, name, typed);
       }
       values->*known.value = typed == "on";
       return;
@@ -96,9 +101,12 @@ toml::table Parse(const std::filesystem::path& file) {
   try {
     return toml::parse_file(file.string());
   } catch (const toml::parse_error& fault) {
-    const auto line = fault.source().begin.line;
-    throw Failure(file.string() + (line == 0 ? "" : ":" + std::to_string(line)) +
-                  ": it cannot be read as parameters: " + std::string(fault.description()));
+    std::string place = file.string();
+    if (const auto line = fault.source().begin.line; line != 0) {
+      place += ':';
+      place += std::to_string(line);
+    }
+    throw Failure(place.append(": it cannot be read as parameters: ").append(fault.description()));
   }
 }
 

@@ -34,7 +34,7 @@ std::filesystem::path Input(const Context& context, const std::string& name) {
 }
 
 std::filesystem::path Output(Context* context, const std::string& name) {
-  const std::filesystem::path file = context->folder / name;
+  std::filesystem::path file = context->folder / name;
   auto& outputs = context->outputs;
   if (std::find(outputs.begin(), outputs.end(), file) != outputs.end()) {
     throw UsageError("an earlier step writes this file already");
@@ -281,7 +281,8 @@ SessionScript ReadSessionScript(const std::filesystem::path& file, const Page& p
         script.steps.push_back({place, text, ReadStep(words, script.steps.empty(), &context)});
       }
     } catch (const UsageError& fault) {
-      throw UsageError(place + ": " + text + ": " + fault.what());
+      std::string what = place;
+      throw UsageError(what.append(": ").append(text).append(": ").append(fault.what()));
     }
   }
   if (script.steps.empty()) {

@@ -73,7 +73,7 @@ class TracedModule final : public TracedObject<qplugin::iQpluginModule> {
   using TracedObject::TracedObject;
 
   quantel::wstring moduleText() override {
-    const quantel::wstring text = Object().moduleText();
+    quantel::wstring text = Object().moduleText();
     Say("module.moduleText() = ", Quoted(text));
     return text;
   }
@@ -82,7 +82,7 @@ class TracedModule final : public TracedObject<qplugin::iQpluginModule> {
   void reserved3() override {}
   void reserved4() override {}
   quantel::wstring moduleText2() override {
-    const quantel::wstring text = Object().moduleText2();
+    quantel::wstring text = Object().moduleText2();
     Say("module.moduleText2() = ", Quoted(text));
     return text;
   }

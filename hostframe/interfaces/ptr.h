@@ -62,11 +62,13 @@ class cPtr {
   // Lets go of the object, if any, and leaves both words null.
   void Reset() { Release(); }
 
+  // NOLINTBEGIN(clang-analyzer-cplusplus.NewDelete): it does not follow the count
   T* operator->() const { return object_; }
   T& operator*() const { return *object_; }
   explicit operator bool() const { return object_ != nullptr; }
 
   T* Object() const { return object_; }
+  // NOLINTEND(clang-analyzer-cplusplus.NewDelete)
   cRefCount* RefCount() const { return count_; }
 
   // To an interface that the object may offer. One that it does not offer gives a

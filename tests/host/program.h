@@ -1,0 +1,84 @@
+// The program as a person runs it, in a folder of its own.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+#include "host/glimmerhost/picture_file.h"
+#include "tests/host/scratch_folder.h"
+
+namespace host_test {
+
+using glimmerhost::Alpha;
+using glimmerhost::Picture;
+namespace fs = std::filesystem;
+
+struct Outcome {
+  int code;
+  std::string text;  // of both outputs
+};
+
+inline Outcome RunProgram(const std::string& arguments) {
+  FILE* pipe = popen(("'" PROGRAM "' " + arguments + " 2>&1").c_str(), "r");
+  Outcome outcome{-1, ""};
+  std::array<char, 512> buffer{};
+  while (fgets(buffer.data(), buffer.size(), pipe) != nullptr) {
+    outcome.text += buffer.data();
+  }
+  const int status = pclose(pipe);
+  outcome.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return outcome;
+}
+
+inline Picture Read(const fs::path& file) {
+  std::string warning;
+  return glimmerhost::ReadPicture(file, &warning);
+}
+
+class Program : public testing::Test {
+ public:
+  fs::path WriteInput(const std::string& name, int width, int height, Alpha alpha = Alpha::kNone,
+                      bool constant = false) {
+    Picture picture;
+    picture.width = width;
+    picture.height = height;
+    picture.alpha = alpha;
+    picture.samples.resize(picture.PixelCount() * 4);
+    for (std::size_t i = 0; i < picture.samples.size(); ++i) {
+      const std::uint16_t even[] = {50000, 20000, 5000, 40000};
+      picture.samples[i] = constant ? even[i % 4] : static_cast<std::uint16_t>(i * 7919);
+      if (i % 4 == 3 && alpha == Alpha::kNone) {
+        picture.samples[i] = 65535;
+      }
+    }
+    glimmerhost::PictureOutput output(folder / name, true);
+    output.Write(picture, 16);
+    return folder / name;
+  }
+
+  std::string Render(const fs::path& input, const std::string& output,
+                     const std::string& options = "") {
+    return "render '" + input.string() + "' -o '" + (folder / output).string() + "' " + options;
+  }
+
+  void ExpectRefusal(const std::string& arguments, int code, const std::string& says) {
+    const int files = folder.FileCount();
+    const Outcome outcome = RunProgram(arguments);
+    EXPECT_EQ(code, outcome.code) << arguments << "\n" << outcome.text;
+    EXPECT_EQ(0U, outcome.text.find("glimmerhost: ")) << outcome.text;
+    EXPECT_EQ(outcome.text.size() - 1, outcome.text.find('\n')) << outcome.text;
+    EXPECT_NE(std::string::npos, outcome.text.find(says)) << outcome.text;
+    EXPECT_EQ(files, folder.FileCount()) << arguments;
+  }
+
+  host_test::ScratchFolder folder;
+};
+
+}  // namespace host_test
