@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <fstream>
+#include <random>
 #include <string>
+#include <vector>
 
 #include "tests/host/program.h"
 
@@ -331,6 +333,43 @@ TEST_F(PageProgram, SaysWhichStepFailed) {
   ExpectRefusal(Session("draw\nspread text.png\n"), 1, "a.session:3: ");
   ExpectRefusal(Session("draw\n", "--module '" BROKEN_MODULE "'"), 1,
                 "a.session:1: " BROKEN_MODULE ": the module has no class for a ui");
+}
+
+TEST_F(PageProgram, PlaysTenThousandRandomSteps) {
+  std::mt19937 random(11);
+  const auto below = [&random](unsigned limit) { return random() % limit; };
+  const auto one = [&](const std::vector<std::string>& of) {
+    return of[below(static_cast<unsigned>(of.size()))];
+  };
+  std::string lines;
+  for (int step = 0; step < 10000; ++step) {
+    switch (below(8)) {
+      case 0:
+        lines += one({"set PRM_Shape circle", "set PRM_Shape ellipse", "set PRM_Shape polygon",
+                      "set PRM_Shape image", "set PRM_Shape image"});
+        break;
+      case 1:
+        lines += one({"set PRM_Match on", "set PRM_Match off", "set PRM_RadiusPSF1 0.1",
+                      "set PRM_RadiusPSF2 1", "set PRM_Center_X -1", "set PRM_Center_Y 0.5"});
+        break;
+      case 2:
+        lines += one({"draw", "draw", "draw", "colour", "notify PRM_GlimmerFocus_Page",
+                      "notify lxColourButton_PRM", "notify PRM_Other"});
+        break;
+      case 3:
+        lines += below(40) == 0 ? "load in.png" : "show source";
+        break;
+      default:
+        lines += one({"press ", "move ", "move ", "release "}) + std::to_string(below(260)) + " " +
+                 std::to_string(below(130));
+    }
+    lines += '\n';
+  }
+
+  const Outcome outcome = RunProgram(Session(lines));
+
+  EXPECT_EQ(0, outcome.code) << outcome.text;
+  EXPECT_EQ("", outcome.text);
 }
 
 TEST_F(PageProgram, PlaysTheExample) {

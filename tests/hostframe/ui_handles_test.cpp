@@ -29,7 +29,7 @@ testing::AssertionResult StartsWith(const Log& calls, const Log& first) {
 
 // An opened page in the image shape, drawn once: the crosshair at (360, 288), the first
 // ring's handle at 360 + 72 = 432, the second one's at 360 + 144 = 504.
-class UiHandles : public PageStage, public testing::Test {
+class UiHandles : public lx_test::PageTest {
  public:
   UiHandles() {
     params->numbers["PRM_Shape"] = 3;
@@ -260,7 +260,7 @@ TEST_F(UiHandles, FollowTheStoreAfterADrag) {
   EXPECT_EQ(432.0F, adapter->effect.centerOverlay.screenY);
 }
 
-class UiHandlesAtOnce : public PageStage, public testing::Test {};
+using UiHandlesAtOnce = lx_test::PageTest;
 
 TEST_F(UiHandlesAtOnce, SurviveTheMouseBeforeThereIsAResult) {
   for (const auto& point : {quantel::cPoint2{0, 0}, quantel::cPoint2{3, -3}}) {

@@ -24,7 +24,7 @@ const Log kElevenReads = {
 const Log kHide = {"setWidgetVisible(lxColourButtonWidgetC,0)",
                    "setWidgetVisible(lxColourBoxWidgetC,0)"};
 
-class UiPage : public PageStage, public testing::Test {};
+using UiPage = lx_test::PageTest;
 
 // What the store and the host see of an opened page of nothing but zeros.
 Log Commits(const std::string& shape, const std::string& match) {
@@ -472,7 +472,9 @@ TEST_F(UiPage, LetsGoOfEverythingInItsOrder) {
   Open();
   ui->drawOverlays();
   // The last references are the instance's own from here on.
+  result->formatObject->notesItsEnd = true;
   result->surfaceObject.Reset();
+  result->formatObject.Reset();
   result.Reset();
   params.Reset();
   inputs->spread.Reset();
@@ -482,8 +484,8 @@ TEST_F(UiPage, LetsGoOfEverythingInItsOrder) {
   Close();
 
   // The result takes with it what it hands out.
-  EXPECT_EQ((Log{"~result", "~timeline", "~dialog", "~params", "~spread", "~source", "~surface",
-                 "instanceDestroyed"}),
+  EXPECT_EQ((Log{"~result", "~timeline", "~dialog", "~params", "~spread", "~source", "~format",
+                 "~surface", "instanceDestroyed"}),
             Calls());
 }
 

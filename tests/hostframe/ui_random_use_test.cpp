@@ -11,7 +11,6 @@
 namespace {
 
 using lx_test::cPtr;
-using lx_test::PageStage;
 
 constexpr const char16_t* kKeys[] = {
     u"PRM_Shape",      u"PRM_Match",      u"PRM_RadiusX",        u"PRM_RadiusY",
@@ -20,22 +19,19 @@ constexpr const char16_t* kKeys[] = {
     u"PRM_RadiusPSF1", u"PRM_RadiusPSF2", u"lxColourButton_PRM", u"PRM_GlimmerFocus_Page",
     u"PRM_Other"};
 
-// A page and a seeded hand on it.
-class RandomUse {
+// A seeded hand on a page.
+class RandomUse : public lx_test::PageTest, public testing::WithParamInterface<unsigned> {
  public:
-  explicit RandomUse(unsigned seed) : random_(seed) {}
-
   void Step() {
-    PageStage& s = stage;
     switch (Below(16)) {
       case 0:
-        s.ui->setInputs(Below(4) == 0 ? cPtr<lx_test::FakeInputs>() : s.inputs);
+        ui->setInputs(Below(4) == 0 ? cPtr<lx_test::FakeInputs>() : inputs);
         break;
       case 1:
-        s.ui->setParams(Below(8) == 0 ? cPtr<lx_test::FakeParams>() : s.params);
+        ui->setParams(Below(8) == 0 ? cPtr<lx_test::FakeParams>() : params);
         break;
       case 2:
-        s.ui->setResult(Below(8) == 0 ? cPtr<lx_test::FakeResult>() : s.result);
+        ui->setResult(Below(8) == 0 ? cPtr<lx_test::FakeResult>() : result);
         break;
       case 3:
       case 4:
@@ -43,41 +39,39 @@ class RandomUse {
         ChangeOne();
         break;
       case 6:
-        s.ui4->colourRequest(0);
+        ui4->colourRequest(0);
         break;
       case 7:
       case 8:
-        s.ui->drawOverlays();
+        ui->drawOverlays();
         break;
       case 9:
-        s.result->formatObject->size = {Below(5) == 0 ? 0 : 720, Below(5) == 0 ? 0 : 576};
-        s.result->formatObject->aspect = {Below(3), Below(3)};
+        result->formatObject->size = {Below(5) == 0 ? 0 : 720, Below(5) == 0 ? 0 : 576};
+        result->formatObject->aspect = {Below(3), Below(3)};
         break;
       case 10:
       case 11:
-        s.ui->mouseDown(Point());
+        ui->mouseDown(Point());
         break;
       case 12:
       case 13:
       case 14:
-        s.ui->mouseMove(Point());
+        ui->mouseMove(Point());
         break;
       default:
-        s.ui->mouseUp(Point());
+        ui->mouseUp(Point());
         break;
     }
-    s.Calls();
+    Calls();
     MendRadii();
   }
-
-  PageStage stage;
 
  private:
   int Below(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
 
   // On a handle, near one, or anywhere.
   quantel::cPoint2 Point() {
-    auto& effect = stage.adapter->effect;
+    auto& effect = adapter->effect;
     const lx::CircleOverlayLX& ring =
         Below(2) == 0 ? effect.innerRingOverlay : effect.outerRingOverlay;
     switch (Below(4)) {
@@ -97,7 +91,7 @@ class RandomUse {
   // thousand lines; once is enough.
   void MendRadii() {
     for (const char* key : {"PRM_RadiusPSF1", "PRM_RadiusPSF2"}) {
-      double& radius = stage.params->numbers[key];
+      double& radius = params->numbers[key];
       radius = std::abs(radius) < 10.0 ? radius : 0.1;
     }
   }
@@ -107,36 +101,21 @@ class RandomUse {
     const double values[] = {0.0, 0.3, 1.0, 3.0, 4.0, -7.5, 1e30, 0.02};
     const double value = values[Below(static_cast<int>(std::size(values)))];
     if (key != u"PRM_Shape" || value < 100.0) {
-      stage.params->numbers[lx_test::Narrow(key)] = value;
+      params->numbers[lx_test::Narrow(key)] = value;
     }
-    stage.ui->parameterChanged(key);
+    ui->parameterChanged(key);
   }
 
-  std::mt19937 random_;
+  std::mt19937 random_{GetParam()};
 };
 
-TEST(RandomUse, GivesEveryReferenceBackAfterTenThousandSteps) {
-  for (const unsigned seed : {1U, 2U}) {
-    RandomUse use(seed);
-    use.stage.Open();
-    for (int step = 0; step < 10000; ++step) {
-      use.Step();
-    }
-    PageStage& stage = use.stage;
-
-    stage.Close();
-
-    EXPECT_EQ(1, stage.inputs->Count()) << seed;
-    EXPECT_EQ(1, stage.params->Count()) << seed;
-    EXPECT_EQ(1, stage.result->Count()) << seed;
-    EXPECT_EQ(1, stage.result->surfaceObject->Count()) << seed;
-    EXPECT_EQ(1, stage.result->dialogObject->Count()) << seed;
-    EXPECT_EQ(1, stage.result->formatObject->Count()) << seed;
-    EXPECT_EQ(1, stage.result->timelineObject->Count()) << seed;
-    EXPECT_EQ(1, stage.inputs->main->Count()) << seed;
-    EXPECT_EQ(1, stage.inputs->spread->Count()) << seed;
-    EXPECT_EQ(lx_test::Log{"instanceDestroyed"}, stage.Calls()) << seed;
+TEST_P(RandomUse, GivesEveryReferenceBackAfterTenThousandSteps) {
+  Open();
+  for (int step = 0; step < 10000; ++step) {
+    Step();
   }
 }
+
+INSTANTIATE_TEST_SUITE_P(Of, RandomUse, testing::Values(1U, 2U));
 
 }  // namespace

@@ -111,6 +111,11 @@ class FakeFormat final : public qplugin::iQpluginFormat, public quantel::cRefCou
  public:
   FakeFormat(CallLog* log, cSize2 pixelRatio, cSize2 pictureSize = {0, 0})
       : aspect(pixelRatio), size(pictureSize), log_(log) {}
+  ~FakeFormat() override {
+    if (notesItsEnd) {
+      log_->Note("~format");
+    }
+  }
 
   cPtr<qplugin::iQpluginDescriptor> descriptor() override {
     log_->Add("format.descriptor");
@@ -127,6 +132,7 @@ class FakeFormat final : public qplugin::iQpluginFormat, public quantel::cRefCou
 
   cSize2 aspect;
   cSize2 size;
+  bool notesItsEnd = false;
 
  private:
   CallLog* log_;

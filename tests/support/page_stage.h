@@ -1,6 +1,8 @@
 // A UI instance among recorded host objects, which go on with it as a host would.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <utility>
 #include <vector>
@@ -58,6 +60,34 @@ struct PageStage {
   cPtr<qplugin::iQpluginUI> ui;
   cPtr<qplugin::iQpluginUI4> ui4;
   allplugins::cGlimmerBlurUI* adapter;
+};
+
+// At the end of every test the instance is gone, and each of the host's objects is held by
+// the host alone.
+class PageTest : public PageStage, public testing::Test {
+ public:
+  void TearDown() override {
+    Close();
+    ExpectOwn(inputs);
+    ExpectOwn(params);
+    ExpectOwn(result);
+    if (inputs) {
+      ExpectOwn(inputs->main);
+      ExpectOwn(inputs->spread);
+    }
+    if (result) {
+      ExpectOwn(result->surfaceObject);
+      ExpectOwn(result->dialogObject);
+      ExpectOwn(result->formatObject);
+      ExpectOwn(result->timelineObject);
+    }
+  }
+
+ private:
+  template <class Object>
+  static void ExpectOwn(const cPtr<Object>& object) {
+    EXPECT_TRUE(!object || object->Count() == 1) << object->Count();
+  }
 };
 
 }  // namespace lx_test
