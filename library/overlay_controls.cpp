@@ -28,40 +28,46 @@ bool OverlayControlLX::Hits(float handleX, float handleY, float x, float y) cons
          std::abs(static_cast<double>(handleY) - static_cast<double>(y)) < reach;
 }
 
-void CrosshairOverlayLX::HandleEvent(std::int32_t event, float pointerX, float pointerY) {
-  if (owner == nullptr) {
+// What press, drag and release mean to any control.
+//   findPart  the part under the pointer, 0 for none
+//   drag      moves what is held after the pointer
+template <class FindPart, class Drag>
+void OverlayControlLX::Follow(std::int32_t event, float x, float y, const FindPart& findPart,
+                              const Drag& drag) {
+  if (owner == nullptr || event < kEventHover || event > kEventRelease) {
     return;
   }
-  switch (event) {
-    case kEventHover:
-      hoverPart = Hits(screenX, screenY, pointerX, pointerY) ? 1 : 0;
-      ApplyEvent(event, pointerX, pointerY);
-      break;
-    case kEventPress:
-      activePart = Hits(screenX, screenY, pointerX, pointerY) ? 1 : 0;
-      hoverPart = activePart;
-      ApplyEvent(event, pointerX, pointerY);
-      break;
-    case kEventDrag:
-      if (activePart != 0) {
-        x = NarrowToFloat(PartOf(pointerX, owner->pictureWidth));
-        y = NarrowToFloat(PartOf(pointerY, owner->pictureHeight));
-      }
-      ApplyEvent(event, pointerX, pointerY);
-      break;
-    case kEventRelease:
-      ApplyEvent(event, pointerX, pointerY);
-      activePart = 0;
-      break;
-    default:
-      break;
+  if (event == kEventHover || event == kEventPress) {
+    hoverPart = findPart();
   }
+  if (event == kEventPress) {
+    activePart = hoverPart;
+  }
+  if (event == kEventDrag) {
+    drag();
+  }
+  ApplyEvent(event, x, y);
+  if (event == kEventRelease) {
+    activePart = 0;
+  }
+}
+
+void CrosshairOverlayLX::HandleEvent(std::int32_t event, float pointerX, float pointerY) {
+  const auto findPart = [&] { return Hits(screenX, screenY, pointerX, pointerY) ? 1 : 0; };
+  const auto drag = [&] {
+    if (activePart != 0) {
+      x = NarrowToFloat(PartOf(pointerX, owner->pictureWidth));
+      y = NarrowToFloat(PartOf(pointerY, owner->pictureHeight));
+    }
+  };
+  Follow(event, pointerX, pointerY, findPart, drag);
 }
 
 void CrosshairOverlayLX::ApplyEvent(std::int32_t event, float pointerX, float pointerY) {
   if (data == nullptr) {
     return;
   }
+  // Asked for at every event, whether or not anything is held.
   const quantel::cSize2 size = data->PictureSize();
   if (activePart == 0) {
     return;
@@ -90,30 +96,9 @@ std::int32_t CircleOverlayLX::HandleUnder(float pointerX, float pointerY) const 
 }
 
 void CircleOverlayLX::HandleEvent(std::int32_t event, float pointerX, float pointerY) {
-  if (owner == nullptr) {
-    return;
-  }
-  switch (event) {
-    case kEventHover:
-      hoverPart = HandleUnder(pointerX, pointerY);
-      ApplyEvent(event, pointerX, pointerY);
-      break;
-    case kEventPress:
-      activePart = HandleUnder(pointerX, pointerY);
-      hoverPart = activePart;
-      ApplyEvent(event, pointerX, pointerY);
-      break;
-    case kEventDrag:
-      Resize(pointerX, pointerY);
-      ApplyEvent(event, pointerX, pointerY);
-      break;
-    case kEventRelease:
-      ApplyEvent(event, pointerX, pointerY);
-      activePart = 0;
-      break;
-    default:
-      break;
-  }
+  Follow(
+      event, pointerX, pointerY, [&] { return HandleUnder(pointerX, pointerY); },
+      [&] { Resize(pointerX, pointerY); });
 }
 
 // The size of the part that is held follows the pointer.

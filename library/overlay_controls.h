@@ -19,8 +19,8 @@ enum OverlayEvent : std::int32_t {
   kEventRelease = 3,
 };
 
-// Where a control must be joined before it gets an event: data, dragFlag and owner. A
-// control that is not joined does nothing; a null target is not written.
+// Before it gets an event a control must be joined: data, dragFlag and owner. One that is not
+// joined does nothing; a null target is not written.
 class OverlayControlLX {
  public:
   OverlayControlLX() = default;
@@ -51,6 +51,9 @@ class OverlayControlLX {
  protected:
   // Whether the pointer is on a handle there.
   bool Hits(float handleX, float handleY, float x, float y) const;
+
+  template <class FindPart, class Drag>
+  void Follow(std::int32_t event, float x, float y, const FindPart& findPart, const Drag& drag);
 };
 
 // A point. Its target is a PositionControlLX.

@@ -17,7 +17,6 @@ class FrameImage final : public qplugin::iQpluginImage, public quantel::cRefCoun
   explicit FrameImage(const Picture& picture);
 
   quantel::cSize2 size() override { return size_; }
-  void reserved1() override {}
   std::uint16_t* buffer() override { return samples_.data(); }
 
   // Writes the frame's samples into a picture of its size.
@@ -47,7 +46,6 @@ class StillClip final : public qplugin::iQpluginSource, public quantel::cRefCoun
  public:
   explicit StillClip(const Picture& picture) : frame_(new FrameImage(picture)) {}
 
-  void reserved1() override {}
   quantel::cPtr<qplugin::iQpluginImage> frame(int frame,
                                               quantel::cPtr<qplugin::iQpluginDescriptor> descriptor,
                                               int three) override;
@@ -77,7 +75,6 @@ class Target final : public qplugin::iQpluginTarget, public quantel::cRefCount {
   Target(const quantel::cPtr<FrameImage>& output, const quantel::cPtr<FrameFormat>& format)
       : output_(output), format_(format) {}
 
-  void reserved1() override {}
   quantel::cPtr<qplugin::iQpluginImage> outputFrame(int /*three*/) override { return output_; }
   quantel::cPtr<qplugin::iQpluginFormat> format() override { return format_; }
 

@@ -17,10 +17,6 @@ namespace {
 class ModuleTexts final : public qplugin::iQpluginModule, public quantel::cRefCount {
  public:
   quantel::wstring moduleText() override { return u"glimmerhost"; }
-  void reserved1() override {}
-  void reserved2() override {}
-  void reserved3() override {}
-  void reserved4() override {}
   quantel::wstring moduleText2() override { return {}; }
 };
 

@@ -12,8 +12,6 @@ namespace {
 // What a module has to say to the user goes where this program's own lines go.
 class MessageSink final : public qplugin::iQplugin, public quantel::cRefCount {
  public:
-  void reserved1() override {}
-  void reserved2() override {}
   void message(const quantel::wstring& text) override {
     std::cerr << "glimmerhost: the module says: " << ToUtf8(text) << '\n';
   }

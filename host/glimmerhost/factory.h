@@ -22,18 +22,7 @@ class Factory final : public quantel::iFactory, public quantel::cRefCount {
 
   quantel::cPtr<quantel::cRegistration> registerClass(
       quantel::cPtr<iConstructor> constructor) override;
-  void reserved1() override {}
   quantel::cPtr<qplugin::iQplugin> findService(const quantel::cGuid& interfaceGuid) override;
-  void reserved2() override {}
-  void reserved3() override {}
-  void reserved4() override {}
-  void reserved5() override {}
-  void reserved6() override {}
-  void reserved7() override {}
-  void reserved8() override {}
-  void reserved9() override {}
-  void reserved10() override {}
-  void reserved11() override {}
   void instanceDestroyed(iInstance* instance) override;
 
  private:

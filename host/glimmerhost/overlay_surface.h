@@ -18,10 +18,7 @@ class OverlaySurface final : public qplugin::iQpluginOverlaySurface, public quan
  public:
   void beginDraw(bool alwaysTrue, int alwaysOne) override;
   void endDraw() override {}
-  void reserved1() override {}
   void drawLine(quantel::cPoint2 from, quantel::cPoint2 to, quantel::cColour colour) override;
-  void reserved2() override {}
-  void reserved3() override {}
   void fillRect(quantel::cRect4 rect, quantel::cColour colour, quantel::cColour same) override;
   void frameRect(quantel::cRect4 rect, quantel::cColour colour) override;
 

@@ -23,18 +23,10 @@ class Dialog final : public qplugin::iQpluginDialog,
                      public qplugin::iQpluginDialog2,
                      public quantel::cRefCount {
  public:
-  void reserved1() override {}
-  void reserved2() override {}
-  void reserved3() override {}
-  void reserved4() override {}
-  void reserved5() override {}
   void addColourBox(const quantel::wstring& widget, const quantel::wstring& key,
                     quantel::cRect4 cell, const quantel::cColour& startColour) override;
-  void reserved6() override {}
-  void reserved7() override {}
   void setWidgetVisible(const quantel::wstring& widget, bool visible) override;
   bool isWidgetVisible(const quantel::wstring& widget) override;
-  void reserved8() override {}
   void addButton(const quantel::wstring& widget, const quantel::wstring& key, quantel::cRect4 cell,
                  const quantel::wstring& label) override;
 
@@ -54,16 +46,6 @@ class Timeline final : public qplugin::iQpluginTimeline, public quantel::cRefCou
  public:
   explicit Timeline(int frames) : frames_(frames) {}
 
-  void reserved1() override {}
-  void reserved2() override {}
-  void reserved3() override {}
-  void reserved4() override {}
-  void reserved5() override {}
-  void reserved6() override {}
-  void reserved7() override {}
-  void reserved8() override {}
-  void reserved9() override {}
-  void reserved10() override {}
   int frameCount() override { return frames_; }
 
  private:

@@ -19,21 +19,11 @@ class ParameterStore final : public qplugin::iQpluginParams, public quantel::cRe
   void Set(const std::string& key, const Value& value) { values_[key] = value; }
 
   double getFloat(const quantel::wstring& key, int zero) override;
-  void reserved1() override {}
-  void reserved2() override {}
-  void reserved3() override {}
   void setFloat(const quantel::wstring& key, const float& value) override;
   bool getBool(const quantel::wstring& key, int zero) override;
   void setBool(const quantel::wstring& key, bool value) override;
-  void reserved4() override {}
-  void reserved5() override {}
   quantel::cColour getColour(const quantel::wstring& key, quantel::cColour defaultColour) override;
-  void reserved6() override {}
   int getList(const quantel::wstring& key) override;
-  void reserved7() override {}
-  void reserved8() override {}
-  void reserved9() override {}
-  void reserved10() override {}
   void setList(const quantel::wstring& key, int entry) override;
 
  private:

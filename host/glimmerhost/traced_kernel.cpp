@@ -8,8 +8,6 @@ class TracedMessages final : public TracedObject<qplugin::iQplugin> {
  public:
   using TracedObject::TracedObject;
 
-  void reserved1() override {}
-  void reserved2() override {}
   void message(const quantel::wstring& text) override {
     Say("host.message(", Quoted(text), ")");
     Object().message(text);
@@ -47,21 +45,10 @@ class TracedFactory final : public TracedObject<quantel::iFactory> {
     constructor.Reset();
     return registration;
   }
-  void reserved1() override {}
   quantel::cPtr<qplugin::iQplugin> findService(const quantel::cGuid& interfaceGuid) override {
     Say("factory.findService(", Quoted(interfaceGuid.text), ")");
     return PutInFront<TracedMessages>(Object().findService(interfaceGuid), GetTrace());
   }
-  void reserved2() override {}
-  void reserved3() override {}
-  void reserved4() override {}
-  void reserved5() override {}
-  void reserved6() override {}
-  void reserved7() override {}
-  void reserved8() override {}
-  void reserved9() override {}
-  void reserved10() override {}
-  void reserved11() override {}
   void instanceDestroyed(iInstance* instance) override {
     Say("factory.instanceDestroyed()");
     Object().instanceDestroyed(instance);
@@ -77,10 +64,6 @@ class TracedModule final : public TracedObject<qplugin::iQpluginModule> {
     Say("module.moduleText() = ", Quoted(text));
     return text;
   }
-  void reserved1() override {}
-  void reserved2() override {}
-  void reserved3() override {}
-  void reserved4() override {}
   quantel::wstring moduleText2() override {
     quantel::wstring text = Object().moduleText2();
     Say("module.moduleText2() = ", Quoted(text));

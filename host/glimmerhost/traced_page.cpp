@@ -13,9 +13,6 @@ class TracedParams final : public TracedObject<qplugin::iQpluginParams> {
     Say("store.getFloat(", Quoted(key), ", ", zero, ") = ", value);
     return value;
   }
-  void reserved1() override {}
-  void reserved2() override {}
-  void reserved3() override {}
   void setFloat(const quantel::wstring& key, const float& value) override {
     Say("store.setFloat(", Quoted(key), ", ", value, ")");
     Object().setFloat(key, value);
@@ -29,24 +26,17 @@ class TracedParams final : public TracedObject<qplugin::iQpluginParams> {
     Say("store.setBool(", Quoted(key), ", ", YesOrNo(value), ")");
     Object().setBool(key, value);
   }
-  void reserved4() override {}
-  void reserved5() override {}
   quantel::cColour getColour(const quantel::wstring& key, quantel::cColour defaultColour) override {
     const quantel::cColour colour = Object().getColour(key, defaultColour);
     Say("store.getColour(", Quoted(key), ", ", ColourText(defaultColour),
         ") = ", ColourText(colour));
     return colour;
   }
-  void reserved6() override {}
   int getList(const quantel::wstring& key) override {
     const int entry = Object().getList(key);
     Say("store.getList(", Quoted(key), ") = ", entry);
     return entry;
   }
-  void reserved7() override {}
-  void reserved8() override {}
-  void reserved9() override {}
-  void reserved10() override {}
   void setList(const quantel::wstring& key, int entry) override {
     Say("store.setList(", Quoted(key), ", ", entry, ")");
     Object().setList(key, entry);
@@ -65,13 +55,10 @@ class TracedSurface final : public TracedObject<qplugin::iQpluginOverlaySurface>
     Say("surface.endDraw()");
     Object().endDraw();
   }
-  void reserved1() override {}
   void drawLine(quantel::cPoint2 from, quantel::cPoint2 to, quantel::cColour colour) override {
     Say("surface.drawLine(", PointText(from), ", ", PointText(to), ", ", ColourText(colour), ")");
     Object().drawLine(from, to, colour);
   }
-  void reserved2() override {}
-  void reserved3() override {}
   void fillRect(quantel::cRect4 rect, quantel::cColour colour, quantel::cColour same) override {
     Say("surface.fillRect(", RectText(rect), ", ", ColourText(colour), ", ", ColourText(same), ")");
     Object().fillRect(rect, colour, same);
@@ -87,19 +74,12 @@ class TracedDialog final : public TracedObject<qplugin::iQpluginDialog>,
  public:
   using TracedObject::TracedObject;
 
-  void reserved1() override {}
-  void reserved2() override {}
-  void reserved3() override {}
-  void reserved4() override {}
-  void reserved5() override {}
   void addColourBox(const quantel::wstring& widget, const quantel::wstring& key,
                     quantel::cRect4 cell, const quantel::cColour& startColour) override {
     Say("dialog.addColourBox(", Quoted(widget), ", ", Quoted(key), ", ", RectText(cell), ", ",
         ColourText(startColour), ")");
     Object().addColourBox(widget, key, cell, startColour);
   }
-  void reserved6() override {}
-  void reserved7() override {}
   void setWidgetVisible(const quantel::wstring& widget, bool visible) override {
     Say("dialog.setWidgetVisible(", Quoted(widget), ", ", YesOrNo(visible), ")");
     Object().setWidgetVisible(widget, visible);
@@ -109,7 +89,6 @@ class TracedDialog final : public TracedObject<qplugin::iQpluginDialog>,
     Say("dialog.isWidgetVisible(", Quoted(widget), ") = ", YesOrNo(visible));
     return visible;
   }
-  void reserved8() override {}
   void addButton(const quantel::wstring& widget, const quantel::wstring& key, quantel::cRect4 cell,
                  const quantel::wstring& label) override {
     Say("dialog.addButton(", Quoted(widget), ", ", Quoted(key), ", ", RectText(cell), ", ",
@@ -122,16 +101,6 @@ class TracedTimeline final : public TracedObject<qplugin::iQpluginTimeline> {
  public:
   using TracedObject::TracedObject;
 
-  void reserved1() override {}
-  void reserved2() override {}
-  void reserved3() override {}
-  void reserved4() override {}
-  void reserved5() override {}
-  void reserved6() override {}
-  void reserved7() override {}
-  void reserved8() override {}
-  void reserved9() override {}
-  void reserved10() override {}
   int frameCount() override {
     const int frames = Object().frameCount();
     Say("timeline.frameCount() = ", frames);

@@ -37,7 +37,6 @@ class TracedImage final : public TracedObject<qplugin::iQpluginImage> {
     Say("frame.size() = ", SizeText(size));
     return size;
   }
-  void reserved1() override {}
   std::uint16_t* buffer() override {
     Say("frame.buffer()");
     return Object().buffer();
@@ -48,7 +47,6 @@ class TracedSource final : public TracedObject<qplugin::iQpluginSource> {
  public:
   using TracedObject::TracedObject;
 
-  void reserved1() override {}
   quantel::cPtr<qplugin::iQpluginImage> frame(int frame,
                                               quantel::cPtr<qplugin::iQpluginDescriptor> descriptor,
                                               int three) override {
@@ -78,7 +76,6 @@ class TracedTarget final : public TracedObject<qplugin::iQpluginTarget> {
  public:
   using TracedObject::TracedObject;
 
-  void reserved1() override {}
   quantel::cPtr<qplugin::iQpluginImage> outputFrame(int three) override {
     Say("target.outputFrame(", three, ")");
     return PutInFront<TracedImage>(Object().outputFrame(three), GetTrace());

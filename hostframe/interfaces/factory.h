@@ -1,7 +1,8 @@
 // The host's factory: classes go in as constructor objects, instances come out.
 //
-// Operations named reserved… are the host's own; they hold their place in the order
-// of virtual operations and are never called from a module.
+// Operations named reserved… are the host's own, here and in the other interfaces: they hold
+// their place in the order of virtual operations, and a module never calls them. They do
+// nothing where a host has no use for them.
 #pragma once
 
 #include <vector>
@@ -58,20 +59,20 @@ class QTL_BORDER iFactory {
 
   // Adds a class. It stays in the factory as long as the result is held.
   virtual cPtr<cRegistration> registerClass(cPtr<iConstructor> constructor) = 0;
-  virtual void reserved1() = 0;
+  virtual void reserved1() {}
 
   // The host's single instance of the interface with that identity, or null.
   virtual cPtr<qplugin::iQplugin> findService(const cGuid& interfaceGuid) = 0;
-  virtual void reserved2() = 0;
-  virtual void reserved3() = 0;
-  virtual void reserved4() = 0;
-  virtual void reserved5() = 0;
-  virtual void reserved6() = 0;
-  virtual void reserved7() = 0;
-  virtual void reserved8() = 0;
-  virtual void reserved9() = 0;
-  virtual void reserved10() = 0;
-  virtual void reserved11() = 0;
+  virtual void reserved2() {}
+  virtual void reserved3() {}
+  virtual void reserved4() {}
+  virtual void reserved5() {}
+  virtual void reserved6() {}
+  virtual void reserved7() {}
+  virtual void reserved8() {}
+  virtual void reserved9() {}
+  virtual void reserved10() {}
+  virtual void reserved11() {}
 
   // An instance has come to the end of its destruction.
   //   instance  its address, and no more: the object is gone

@@ -9,8 +9,8 @@ namespace qplugin {
 class QTL_BORDER iQplugin {
  public:
   virtual ~iQplugin() = default;
-  virtual void reserved1() = 0;
-  virtual void reserved2() = 0;
+  virtual void reserved1() {}
+  virtual void reserved2() {}
 
   // Shows or logs a text for the user.
   virtual void message(const quantel::wstring& text) = 0;

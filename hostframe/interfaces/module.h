@@ -11,10 +11,10 @@ class QTL_BORDER iQpluginModule {
  public:
   virtual ~iQpluginModule() = default;
   virtual quantel::wstring moduleText() = 0;  // given back by iQpluginUI::moduleText
-  virtual void reserved1() = 0;
-  virtual void reserved2() = 0;
-  virtual void reserved3() = 0;
-  virtual void reserved4() = 0;
+  virtual void reserved1() {}
+  virtual void reserved2() {}
+  virtual void reserved3() {}
+  virtual void reserved4() {}
   virtual quantel::wstring moduleText2() = 0;
 };
 

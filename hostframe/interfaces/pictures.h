@@ -16,7 +16,7 @@ class QTL_BORDER iQpluginImage {
  public:
   virtual ~iQpluginImage() = default;
   virtual quantel::cSize2 size() = 0;
-  virtual void reserved1() = 0;
+  virtual void reserved1() {}
   virtual std::uint16_t* buffer() = 0;  // lives as long as the image
 };
 
@@ -39,7 +39,7 @@ class QTL_BORDER iQpluginFormat {
 class QTL_BORDER iQpluginSource {
  public:
   virtual ~iQpluginSource() = default;
-  virtual void reserved1() = 0;
+  virtual void reserved1() {}
 
   // One frame, in the form that the descriptor gives.
   //   three  always 3
@@ -62,7 +62,7 @@ class QTL_BORDER iQpluginInputs {
 class QTL_BORDER iQpluginTarget {
  public:
   virtual ~iQpluginTarget() = default;
-  virtual void reserved1() = 0;
+  virtual void reserved1() {}
 
   // The frame to be written.
   //   three  always 3

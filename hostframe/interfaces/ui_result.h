@@ -13,16 +13,16 @@ namespace qplugin {
 class QTL_BORDER iQpluginTimeline {
  public:
   virtual ~iQpluginTimeline() = default;
-  virtual void reserved1() = 0;
-  virtual void reserved2() = 0;
-  virtual void reserved3() = 0;
-  virtual void reserved4() = 0;
-  virtual void reserved5() = 0;
-  virtual void reserved6() = 0;
-  virtual void reserved7() = 0;
-  virtual void reserved8() = 0;
-  virtual void reserved9() = 0;
-  virtual void reserved10() = 0;
+  virtual void reserved1() {}
+  virtual void reserved2() {}
+  virtual void reserved3() {}
+  virtual void reserved4() {}
+  virtual void reserved5() {}
+  virtual void reserved6() {}
+  virtual void reserved7() {}
+  virtual void reserved8() {}
+  virtual void reserved9() {}
+  virtual void reserved10() {}
   virtual int frameCount() = 0;
 };
 
@@ -30,18 +30,18 @@ class QTL_BORDER iQpluginTimeline {
 class QTL_BORDER iQpluginDialog {
  public:
   virtual ~iQpluginDialog() = default;
-  virtual void reserved1() = 0;
-  virtual void reserved2() = 0;
-  virtual void reserved3() = 0;
-  virtual void reserved4() = 0;
-  virtual void reserved5() = 0;
+  virtual void reserved1() {}
+  virtual void reserved2() {}
+  virtual void reserved3() {}
+  virtual void reserved4() {}
+  virtual void reserved5() {}
   virtual void addColourBox(const quantel::wstring& widget, const quantel::wstring& key,
                             quantel::cRect4 cell, const quantel::cColour& startColour) = 0;
-  virtual void reserved6() = 0;
-  virtual void reserved7() = 0;
+  virtual void reserved6() {}
+  virtual void reserved7() {}
   virtual void setWidgetVisible(const quantel::wstring& widget, bool visible) = 0;
   virtual bool isWidgetVisible(const quantel::wstring& widget) = 0;
-  virtual void reserved8() = 0;
+  virtual void reserved8() {}
 
   // A press of the button arrives as parameterChanged with the key.
   virtual void addButton(const quantel::wstring& widget, const quantel::wstring& key,
@@ -60,10 +60,10 @@ class QTL_BORDER iQpluginOverlaySurface {
   virtual ~iQpluginOverlaySurface() = default;
   virtual void beginDraw(bool alwaysTrue, int alwaysOne) = 0;
   virtual void endDraw() = 0;
-  virtual void reserved1() = 0;
+  virtual void reserved1() {}
   virtual void drawLine(quantel::cPoint2 from, quantel::cPoint2 to, quantel::cColour colour) = 0;
-  virtual void reserved2() = 0;
-  virtual void reserved3() = 0;
+  virtual void reserved2() {}
+  virtual void reserved3() {}
   virtual void fillRect(quantel::cRect4 rect, quantel::cColour colour,
                         quantel::cColour sameColour) = 0;
   virtual void frameRect(quantel::cRect4 rect, quantel::cColour colour) = 0;

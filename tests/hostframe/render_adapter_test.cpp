@@ -286,7 +286,6 @@ TEST_F(RenderAdapter, LetsGoOfTheFramesAtTheEnd) {
   const auto render = Connected();
   struct Giver final : qplugin::iQpluginSource, quantel::cRefCount {
     explicit Giver(RenderAdapter* test) : self(test) {}
-    void reserved1() override {}
     cPtr<qplugin::iQpluginImage> frame(int, cPtr<qplugin::iQpluginDescriptor>, int) override {
       return self->Image("in", 1);
     }
@@ -298,7 +297,6 @@ TEST_F(RenderAdapter, LetsGoOfTheFramesAtTheEnd) {
   target->image = Image("out", 0);
   struct Taker final : qplugin::iQpluginTarget, quantel::cRefCount {
     explicit Taker(RenderAdapter* test) : self(test) {}
-    void reserved1() override {}
     cPtr<qplugin::iQpluginImage> outputFrame(int) override { return self->Image("out", 0); }
     cPtr<qplugin::iQpluginFormat> format() override {
       return cPtr<qplugin::iQpluginFormat>(new lx_test::FakeFormat(&self->host.log, {1, 1}));
@@ -423,18 +421,7 @@ TEST(RenderAdapters, RenderOnThreadsOfTheirOwn) {
   std::vector<std::vector<std::uint16_t>> results(2);
   struct QuietFactory final : quantel::iFactory, quantel::cRefCount {
     cPtr<quantel::cRegistration> registerClass(cPtr<iConstructor>) override { return {}; }
-    void reserved1() override {}
     cPtr<qplugin::iQplugin> findService(const quantel::cGuid&) override { return {}; }
-    void reserved2() override {}
-    void reserved3() override {}
-    void reserved4() override {}
-    void reserved5() override {}
-    void reserved6() override {}
-    void reserved7() override {}
-    void reserved8() override {}
-    void reserved9() override {}
-    void reserved10() override {}
-    void reserved11() override {}
     void instanceDestroyed(iInstance*) override {}
   };
   quantel::gFactory = cPtr<quantel::iFactory>(new QuietFactory);

@@ -216,9 +216,6 @@ class FakeParams final : public qplugin::iQpluginParams, public quantel::cRefCou
     log_->Add("getFloat(" + Narrow(key) + "," + std::to_string(zero) + ")");
     return numbers[Narrow(key)];
   }
-  void reserved1() override {}
-  void reserved2() override {}
-  void reserved3() override {}
   void setFloat(const wstring& key, const float& value) override {
     log_->Add("setFloat(" + Narrow(key) + "," + std::to_string(value) + ")");
     numbers[Narrow(key)] = static_cast<double>(value);
@@ -232,21 +229,14 @@ class FakeParams final : public qplugin::iQpluginParams, public quantel::cRefCou
     log_->Add("setBool(" + Narrow(key) + "," + std::to_string(value) + ")");
     numbers[Narrow(key)] = value ? 1.0 : 0.0;
   }
-  void reserved4() override {}
-  void reserved5() override {}
   quantel::cColour getColour(const wstring& key, quantel::cColour defaultColour) override {
     log_->Add("getColour(" + Narrow(key) + "," + ColourText(defaultColour) + ")");
     return defaultColour;
   }
-  void reserved6() override {}
   int getList(const wstring& key) override {
     log_->Add("getList(" + Narrow(key) + ")");
     return static_cast<int>(numbers[Narrow(key)]);
   }
-  void reserved7() override {}
-  void reserved8() override {}
-  void reserved9() override {}
-  void reserved10() override {}
   void setList(const wstring& key, int entry) override {
     log_->Add("setList(" + Narrow(key) + "," + std::to_string(entry) + ")");
     numbers[Narrow(key)] = entry;
@@ -268,10 +258,6 @@ class FakeModule final : public qplugin::iQpluginModule, public quantel::cRefCou
     log_->Add("module.moduleText");
     return u"first text";
   }
-  void reserved1() override {}
-  void reserved2() override {}
-  void reserved3() override {}
-  void reserved4() override {}
   wstring moduleText2() override {
     log_->Add("module.moduleText2");
     return u"second text";
@@ -290,8 +276,6 @@ class FakeSink final : public qplugin::iQplugin, public quantel::cRefCount {
     return sink;
   }
 
-  void reserved1() override {}
-  void reserved2() override {}
   void message(const wstring& text) override {
     last = text;
     if (log != nullptr) {
@@ -309,21 +293,10 @@ class FakeFactory final : public quantel::iFactory, public quantel::cRefCount {
   explicit FakeFactory(CallLog* log) : log_(log) {}
 
   cPtr<quantel::cRegistration> registerClass(cPtr<iConstructor> constructor) override;
-  void reserved1() override {}
   cPtr<qplugin::iQplugin> findService(const quantel::cGuid& interfaceGuid) override {
     log_->Add("findService(" + Narrow(interfaceGuid.text) + ")");
     return sink;
   }
-  void reserved2() override {}
-  void reserved3() override {}
-  void reserved4() override {}
-  void reserved5() override {}
-  void reserved6() override {}
-  void reserved7() override {}
-  void reserved8() override {}
-  void reserved9() override {}
-  void reserved10() override {}
-  void reserved11() override {}
   void instanceDestroyed(iInstance* instance) override {
     log_->Add("instanceDestroyed");
     lastDestroyed = instance;

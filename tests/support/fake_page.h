@@ -95,16 +95,6 @@ class FakeTimeline final : public qplugin::iQpluginTimeline, public quantel::cRe
   explicit FakeTimeline(CallLog* log) : log_(log) {}
   ~FakeTimeline() override { log_->Note("~timeline"); }
 
-  void reserved1() override {}
-  void reserved2() override {}
-  void reserved3() override {}
-  void reserved4() override {}
-  void reserved5() override {}
-  void reserved6() override {}
-  void reserved7() override {}
-  void reserved8() override {}
-  void reserved9() override {}
-  void reserved10() override {}
   int frameCount() override {
     log_->Add("timeline.frameCount");
     return frames;
