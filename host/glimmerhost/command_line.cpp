@@ -13,6 +13,7 @@
 #include "host/glimmerhost/psf_command.h"
 #include "host/glimmerhost/render_command.h"
 #include "host/glimmerhost/session_command.h"
+#include "host/glimmerhost/session_script.h"
 
 namespace glimmerhost {
 namespace {
@@ -159,8 +160,9 @@ CLI::App* AddPage(CLI::App* app, PageOptions* options) {
 CLI::App* AddSession(CLI::App* app, SessionOptions* options) {
   CLI::App* session = app->add_subcommand(
       "session", "Play a person at the effect's page and its handles from a script");
-  session->add_option("SCRIPT", options->script, "One step a line; docs/sessions.md tells them")
-      ->required();
+  session->add_option("SCRIPT", options->script, "A text file with one step a line")->required();
+  session->footer("Steps of a script, of which load must be the first:\n" + SessionForms() +
+                  "Pictures lie beside the script; # begins a comment.");
   session->add_option("-o,--output", options->output,
                       "The folder that the script's files go into (default: the current one)");
   session->add_flag("--trace", options->trace,

@@ -263,6 +263,14 @@ std::string Trimmed(const std::string& line) {
 
 }  // namespace
 
+std::string SessionForms() {
+  std::string forms;
+  for (const Verb& verb : kVerbs) {
+    forms.append("  ").append(verb.form).append("\n");
+  }
+  return forms;
+}
+
 SessionScript ReadSessionScript(const std::filesystem::path& file, const Page& page,
                                 const std::filesystem::path& folder) {
   std::ifstream in(file);

@@ -22,6 +22,9 @@ struct SessionScript {
   std::vector<std::filesystem::path> outputs;  // what the steps write
 };
 
+// The forms of all steps, one a line.
+std::string SessionForms();
+
 // Reads a script. Pictures that it reads lie beside it, what it writes goes into a folder.
 //   folder  of the outputs; empty for the current one
 // Throws Failure if the file cannot be read, UsageError for a wrong line, with its number and

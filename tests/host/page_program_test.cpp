@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <fstream>
+#include <iterator>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -370,6 +372,23 @@ TEST_F(PageProgram, PlaysTenThousandRandomSteps) {
 
   EXPECT_EQ(0, outcome.code) << outcome.text;
   EXPECT_EQ("", outcome.text);
+}
+
+TEST_F(PageProgram, TellsEveryStepInItsHelpAndInTheDocumentation) {
+  const std::string help = RunProgram("session --help").text;
+  std::ifstream in(EXAMPLES "/../docs/sessions.md");
+  const std::string page{std::istreambuf_iterator<char>(in), {}};
+
+  std::istringstream lines(help.substr(help.find("Steps of a script")));
+  int steps = 0;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.rfind("  ", 0) == 0) {
+      const std::string verb = line.substr(2, line.find(' ', 2) - 2);
+      EXPECT_NE(std::string::npos, page.find("`" + verb)) << verb;
+      ++steps;
+    }
+  }
+  EXPECT_EQ(15, steps);
 }
 
 TEST_F(PageProgram, PlaysTheExample) {

@@ -430,7 +430,7 @@ TEST_F(Program, ExplainsEveryOption) {
         "--sides",       "--rotation",    "--emphasis",  "--emph-alpha", "--center",
         "--radius-psf1", "--radius-psf2", "--set",       "--spread",     "--pixel-aspect",
         "--alpha",       "--bits",        "--overwrite", "--quiet",      "--module",
-        "--threads"}) {
+        "--threads",     "--params"}) {
     EXPECT_NE(std::string::npos, outcome.text.find(option)) << option;
   }
   EXPECT_NE(std::string::npos, RunProgram("--version").text.find("5.13"));

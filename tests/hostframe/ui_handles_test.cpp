@@ -41,17 +41,6 @@ class UiHandles : public lx_test::PageTest {
     ui->drawOverlays();
     Calls();
   }
-
-  // The calls of the last operation that are neither drawing nor questions.
-  Log Effects() {
-    Log effects;
-    for (const std::string& call : Calls()) {
-      if (call.rfind("set", 0) == 0 || call == "update") {
-        effects.push_back(call);
-      }
-    }
-    return effects;
-  }
 };
 
 TEST_F(UiHandles, AreDrawnFromAFreshLookAtTheStore) {
@@ -68,28 +57,6 @@ TEST_F(UiHandles, AreDrawnFromAFreshLookAtTheStore) {
                  "getBool(PRM_Match,0)", "setBool(PRM_Match_A,0)", "setBool(PRM_Match_B,1)"} +
              reads + kOverlayData + Log{"beginDraw(1,1)"} + kPictureSize + Log{"endDraw"}),
             Calls());
-}
-
-TEST_F(UiHandles, TakeThePixelAspectFromTheFormat) {
-  result->formatObject->aspect = {16, 15};
-
-  ui->drawOverlays();
-
-  EXPECT_EQ(16.0F, adapter->effect.aspectNum);
-  EXPECT_EQ(15.0F, adapter->effect.aspectDen);
-  EXPECT_FLOAT_EQ(0.2F * 16 / 15, adapter->effect.innerRingOverlay.sizeY);
-}
-
-TEST_F(UiHandles, KeepTheirAspectWithoutAFormat) {
-  result->formatObject->aspect = {16, 15};
-  ui->drawOverlays();
-  result->formatObject.Reset();
-
-  ui->drawOverlays();
-
-  EXPECT_EQ(16.0F, adapter->effect.aspectNum);
-  EXPECT_EQ(15.0F, adapter->effect.aspectDen);
-  EXPECT_EQ(0, adapter->effect.pictureWidth);
 }
 
 TEST_F(UiHandles, AreNotDrawnAfterAPressBesideThem) {
@@ -118,14 +85,6 @@ TEST_F(UiHandles, CountYFromTheBottom) {
 
   EXPECT_EQ(0.25, adapter->effect.center.x);
   EXPECT_EQ(476.0 / 576.0, adapter->effect.center.y);
-}
-
-TEST_F(UiHandles, CountYFromNothingWithoutAFormat) {
-  result->formatObject.Reset();
-
-  ui->mouseDown({360, -288});
-
-  EXPECT_EQ(1, adapter->effect.dragging);
 }
 
 TEST_F(UiHandles, HearNoMoveWhileNothingIsHeld) {
@@ -177,33 +136,6 @@ TEST_F(UiHandles, AreDrawnAndShownAtAReleaseOfNothing) {
   EXPECT_EQ("update", calls.back());
 }
 
-TEST_F(UiHandles, LetTheCrosshairsDragEndWithTheAdapter) {
-  ui->mouseDown({360, 288});
-  ui->mouseUp({360, 288});
-  Calls();
-
-  ui->mouseMove({10, 10});
-
-  EXPECT_EQ(kOverlayData, Calls());
-}
-
-TEST_F(UiHandles, PullTheOuterRing) {
-  ui->mouseDown({504, 288});
-  EXPECT_EQ(2, adapter->effect.outerRingOverlay.activePart);
-  EXPECT_EQ(0, adapter->effect.innerRingOverlay.activePart);
-  Calls();
-
-  // 180 pixels from the middle, to the left: a diameter of 360 of 720.
-  ui->mouseMove({180, 288});
-  EXPECT_EQ((Log{"setFloat(PRM_RadiusPSF2,0.500000)", "update"}), Effects());
-  ui->mouseUp({180, 288});
-  EXPECT_EQ((Log{"setFloat(PRM_RadiusPSF2,0.500000)", "update"}), Effects());
-
-  EXPECT_EQ(0, adapter->effect.dragging);
-  // The handle goes back to its place on the right.
-  EXPECT_EQ(540.0F, adapter->effect.outerRingOverlay.handleX[1]);
-}
-
 TEST_F(UiHandles, PullTheInnerRingBeyondTheOuter) {
   ui->mouseDown({432, 288});
   ui->mouseMove({360, 0});
@@ -212,52 +144,6 @@ TEST_F(UiHandles, PullTheInnerRingBeyondTheOuter) {
   EXPECT_FLOAT_EQ(0.8F, params->lastFloat);
   EXPECT_FLOAT_EQ(0.8F, static_cast<float>(params->numbers["PRM_RadiusPSF1"]));
   EXPECT_EQ(0.4, params->numbers["PRM_RadiusPSF2"]);
-}
-
-TEST_F(UiHandles, StayAliveInOtherShapes) {
-  params->numbers["PRM_Shape"] = 0;
-  ui->parameterChanged(u"PRM_Shape");
-  Calls();
-
-  ui->mouseDown({360, 288});
-  ui->mouseMove({180, 144});
-
-  EXPECT_EQ((Log{"setFloat(PRM_Center_X,0.250000)", "setFloat(PRM_Center_Y,0.750000)", "update"}),
-            Effects());
-}
-
-TEST_F(UiHandles, StayHeldThroughAChangeOfShape) {
-  ui->mouseDown({360, 288});
-  params->numbers["PRM_Shape"] = 1;
-  ui->parameterChanged(u"PRM_Shape");
-  Calls();
-
-  ui->mouseMove({180, 144});
-
-  EXPECT_EQ(1, adapter->effect.dragging);
-  EXPECT_EQ((Log{"setFloat(PRM_Center_X,0.250000)", "setFloat(PRM_Center_Y,0.750000)", "update"}),
-            Effects());
-}
-
-TEST_F(UiHandles, EndTheDragOfTheCrosshairWhenARingIsLetGo) {
-  // Both under one press: the first ring's handle on the crosshair.
-  adapter->effect.innerRingOverlay.handleX[1] = 360.0F;
-  ui->mouseDown({360, 288});
-  EXPECT_EQ(1, adapter->effect.centerOverlay.activePart);
-  EXPECT_EQ(2, adapter->effect.innerRingOverlay.activePart);
-
-  adapter->effect.innerRingOverlay.HandleEvent(lx::kEventRelease, 0, 0);
-
-  EXPECT_EQ(0, adapter->effect.dragging);
-}
-
-TEST_F(UiHandles, FollowTheStoreAfterADrag) {
-  ui->mouseDown({360, 288});
-  ui->mouseUp({180, 144});
-  ui->drawOverlays();
-
-  EXPECT_EQ(180.0F, adapter->effect.centerOverlay.screenX);
-  EXPECT_EQ(432.0F, adapter->effect.centerOverlay.screenY);
 }
 
 using UiHandlesAtOnce = lx_test::PageTest;
@@ -274,21 +160,6 @@ TEST_F(UiHandlesAtOnce, SurviveTheMouseBeforeThereIsAResult) {
   ui->drawOverlays();
 
   EXPECT_EQ("message(Warning: Overlay::Ptr is not valid!)", Calls().back());
-}
-
-// In the circle's shape before anything was drawn, all handles lie on the corner.
-TEST_F(UiHandlesAtOnce, CanBeTakenTogetherAtTheCorner) {
-  Open();
-  ui->mouseDown({2, 574});
-  Calls();
-
-  ui->mouseMove({144, 576});
-
-  const Log calls = Calls();
-  EXPECT_EQ((Log{"setFloat(PRM_Center_X,0.200000)", "setFloat(PRM_Center_Y,0.000000)",
-                 "setFloat(PRM_RadiusPSF1,0.400000)", "setFloat(PRM_RadiusPSF2,0.400000)",
-                 "beginDraw(1,1)"}),
-            Log(calls.begin() + 8, calls.begin() + 13));
 }
 
 TEST(UiInstance, PlansNoTransform) {

@@ -328,6 +328,40 @@ TEST_F(UiPage, SwitchesThePartsOfMatchAndWritesEverythingBack) {
   EXPECT_TRUE(adapter->effect.sides.disabled);  // the other flags stay
 }
 
+// What the controls hold goes over what the store had meanwhile.
+TEST_F(UiPage, ReadsNothingButTheShapeBeforeItWritesEverythingBack) {
+  Open();
+  params->numbers["PRM_Match"] = 1;
+  params->numbers["PRM_RadiusX"] = 0.5;
+  params->numbers["PRM_Shape"] = 2;
+
+  ui->parameterChanged(u"PRM_Shape");
+
+  EXPECT_FALSE(adapter->effect.match.value);
+  EXPECT_EQ(0.0, params->numbers["PRM_Match"]);
+  EXPECT_EQ(0.0, params->numbers["PRM_RadiusX"]);
+}
+
+TEST_F(UiPage, DisablesTheSecondRadiusByItsShapeWhenMatchChanges) {
+  struct Case {
+    int entry;
+    bool match;
+    bool disabled;
+  };
+  for (const Case& c :
+       {Case{0, false, true}, Case{0, true, true}, Case{1, false, false}, Case{1, true, false},
+        Case{2, false, false}, Case{2, true, true}, Case{3, false, true}, Case{3, true, true}}) {
+    params->numbers["PRM_Shape"] = c.entry;
+    ui->setParams(params);
+    params->numbers["PRM_Match"] = c.match ? 1.0 : 0.0;
+    adapter->effect.radiusY.disabled = !c.disabled;
+
+    ui->parameterChanged(u"PRM_Match");
+
+    EXPECT_EQ(c.disabled, adapter->effect.radiusY.disabled) << c.entry << c.match;
+  }
+}
+
 TEST_F(UiPage, SwitchesMatchOffAgain) {
   params->numbers["PRM_Match"] = 1;
   Open();
