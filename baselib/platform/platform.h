@@ -39,6 +39,23 @@ struct Platform {
   std::int64_t (*counter)();
   std::int64_t (*counterFrequency)();
 
+  // Seconds since midnight by the wall clock, in local time.
+  double (*localDaySeconds)();
+
+  void (*sleep)(std::uint32_t milliseconds);
+
+  // The debug console. Whether the process has a console with a title; making one; keeping the
+  // process alive when it is closed or interrupted, false where that cannot be; its title; what
+  // is written to, null where there is nothing; putting the window of that title above all
+  // others, false where it is not there yet; writing.
+  bool (*consoleHasTitle)();
+  void (*consoleCreate)();
+  bool (*consoleIgnoreBreak)();
+  void (*consoleSetTitle)(const char* title);
+  void* (*consoleOutput)();
+  bool (*consoleRaise)(const char* title);
+  void (*consoleWrite)(void* output, const char* text);
+
   // The calling thread's last error of the system, 0 for none, and the text of an error:
   // at most size - 1 bytes and a terminating zero, empty for an error without a text.
   std::uint32_t (*lastError)();

@@ -10,6 +10,7 @@
 
 #include "baselib/platform/float_control.h"
 #include "baselib/platform/platform.h"
+#include "baselib/platform/posix_console.h"
 #include "baselib/platform/posix_threads.h"
 
 namespace lx {
@@ -72,6 +73,15 @@ const Platform& SystemPlatform() {
       .keepLoaded = KeepLoaded,
       .counter = Counter,
       .counterFrequency = CounterFrequency,
+      .localDaySeconds = posix::LocalDaySeconds,
+      .sleep = posix::Sleep,
+      .consoleHasTitle = posix::ConsoleHasTitle,
+      .consoleCreate = posix::ConsoleCreate,
+      .consoleIgnoreBreak = posix::ConsoleIgnoreBreak,
+      .consoleSetTitle = posix::ConsoleSetTitle,
+      .consoleOutput = posix::ConsoleOutput,
+      .consoleRaise = posix::ConsoleRaise,
+      .consoleWrite = posix::ConsoleWrite,
       .lastError = LastError,
       .errorText = ErrorText,
       .beginThread = posix::BeginThread,

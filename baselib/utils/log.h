@@ -1,4 +1,11 @@
-// The log that the base services report through. Lines go to the standard error stream.
+// The log that the base services report through. Lines go to the standard error stream:
+//
+//   (LX LIB) 14:03:07.25 WARN : MP: Can't set idle priority: access denied
+//   (LX LIB)                  : a continuation
+//
+// A text ends in one line feed whether or not it brings one, and is cut at 4095 characters.
+// It is formatted twice: "%%" in what the first formatting gives, from the format or from an
+// argument, is written as "%". Any thread may log; lines stay whole.
 #pragma once
 
 #include <cstdint>
@@ -13,10 +20,13 @@ enum LogLevel : std::int32_t {
   kLogTrace = 5,
 };
 
-// Writes one line: the level and the text, ended by one line feed whether or not the text
-// brings one. Levels above kLogTrace count as that; those below kLogError are dropped.
+// Writes one line. Levels above kLogTrace count as that; those below kLogError are dropped.
+// A dropped message is formatted all the same, so hot paths log failures only.
 //   format  as of printf
-void log_message(std::int32_t level, const char* format, ...) __attribute__((format(printf, 2, 3)));
+// 1 for a line, 0 for a dropped one, and the threshold itself where that is negative and
+// keeps the log silent.
+std::int32_t log_message(std::int32_t level, const char* format, ...)
+    __attribute__((format(printf, 2, 3)));
 
 // Writes a line that belongs to what was written last; nothing before the first message.
 void log_continue(const char* format, ...) __attribute__((format(printf, 1, 2)));

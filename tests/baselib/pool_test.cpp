@@ -17,15 +17,16 @@
 #include "baselib/threads/module_state.h"
 #include "baselib/threads/parallel_rows.h"
 #include "baselib/utils/log.h"
+#include "tests/support/logged_lines.h"
 #include "tests/support/platform_recorder.h"
 
 namespace {
 
 using lx::pool_state;
 using lx::PoolWord;
+using lx_test::LoggedLines;
 using lx_test::PlatformRecorder;
 using testing::internal::CaptureStderr;
-using testing::internal::GetCapturedStderr;
 
 using Log = std::vector<std::string>;
 
@@ -160,7 +161,7 @@ TEST(ParallelRows, AreAllDoneByTheCallerWhereThePoolCannotStart) {
 
   lx::mp_parallel_rows(work, &Rows::Work, 100);
 
-  const std::string lines = GetCapturedStderr();
+  const std::string lines = LoggedLines();
   EXPECT_EQ((std::vector<Range>{{0, 0, 99}}), work.InOrderOfWays());
   EXPECT_EQ(
       "(LX LIB) WARN : MP: Maximum number of thread's reached !!\n"
@@ -180,7 +181,7 @@ TEST(ParallelRows, StayOnTheCallerAfterAFailedStart) {
   CaptureStderr();
   Rows first;
   lx::mp_parallel_rows(first, &Rows::Work, 10);
-  GetCapturedStderr();
+  LoggedLines();
   platform.Clear();
   Rows second;
 
@@ -414,12 +415,12 @@ TEST(PoolFloatControl, IsMendedWithOneWarningAPassWhereTheHostChangedIt) {
     ASSERT_NE(saved, lx::FloatControl());
     CaptureStderr();
     EmptyPass();
-    EXPECT_EQ("(LX LIB) WARN : FPU setup changed un-expected..\n", GetCapturedStderr());
+    EXPECT_EQ("(LX LIB) WARN : FPU setup changed un-expected..\n", LoggedLines());
     EXPECT_EQ(saved, lx::FloatControl());
   }
   CaptureStderr();
   EmptyPass();
-  EXPECT_EQ("", GetCapturedStderr());
+  EXPECT_EQ("", LoggedLines());
 }
 
 TEST(PoolFloatControl, IsTheSavedOneOnEveryWay) {
@@ -442,7 +443,7 @@ TEST(PoolFloatControl, IsTheSavedOneOnEveryWay) {
       EXPECT_EQ(saved, word);
     }
   }
-  GetCapturedStderr();
+  LoggedLines();
   lx::SetFloatControl(saved);
 }
 
@@ -531,8 +532,8 @@ TEST(PoolStart, TellsItsWaysOnlyBehindAnEarlierMessage) {
   }
   EXPECT_EQ(
       "(LX LIB) INFO : earlier\n"
-      "(LX LIB)      : Initialize 2-way multiprocessing\n",
-      GetCapturedStderr());
+      "(LX LIB)                  : Initialize 2-way multiprocessing\n",
+      LoggedLines());
 }
 
 TEST(PoolStart, WithoutASlotStaysAtOneWay) {
@@ -542,7 +543,7 @@ TEST(PoolStart, WithoutASlotStaysAtOneWay) {
   lx::mp_num_ways();
   CaptureStderr();
   EXPECT_EQ(7, EmptyPass());
-  EXPECT_EQ("(LX LIB) ERROR: Can't allocate thread local storage..\n", GetCapturedStderr());
+  EXPECT_EQ("(LX LIB) ERROR: Can't allocate thread local storage..\n", LoggedLines());
   EXPECT_EQ(1, lx::mp_num_ways());
   EXPECT_EQ(nullptr, pool_state().workers.load());
 }
@@ -554,7 +555,7 @@ TEST(PoolStart, WithoutMemoryForItsRecordsStaysAtOneWaySilently) {
   lx::mp_num_ways();
   CaptureStderr();
   EXPECT_EQ(7, EmptyPass());
-  EXPECT_EQ("", GetCapturedStderr());
+  EXPECT_EQ("", LoggedLines());
   EXPECT_EQ(1, lx::mp_num_ways());
 }
 
@@ -579,7 +580,7 @@ TEST(PoolStart, ThatLosesAThreadKillsThoseBeforeItLastFirst) {
 
   EXPECT_EQ(7, EmptyPass());
 
-  EXPECT_EQ("(LX LIB) ERROR: Can't create MP thread: 3\n", GetCapturedStderr());
+  EXPECT_EQ("(LX LIB) ERROR: Can't create MP thread: 3\n", LoggedLines());
   Log kills;
   for (const std::string& entry : platform.Log()) {
     if (entry.starts_with("terminate") || entry.starts_with("close")) {
@@ -607,7 +608,7 @@ TEST(PoolStart, ThatLosesAnEventIsOneThatLosesAThread) {
     CaptureStderr();
     EXPECT_EQ(7, EmptyPass());
     EXPECT_EQ("(LX LIB) ERROR: Can't create MP thread: " + std::to_string((event - 1) / 2) + "\n",
-              GetCapturedStderr());
+              LoggedLines());
     EXPECT_EQ((event - 1) / 2, platform.Count("terminate"));
   }
 }
@@ -677,7 +678,7 @@ TEST_F(PoolPriority, ThatCannotBeSetIsTriedOnEveryWorkerAndRemembered) {
       "(LX LIB) ERROR: Can't prioritize MP thread: 0\n"
       "(LX LIB) ERROR: Can't prioritize MP thread: 1\n"
       "(LX LIB) ERROR: Can't prioritize MP thread: 2\n",
-      GetCapturedStderr());
+      LoggedLines());
   EXPECT_EQ(0, pool_state().lastWorkerPriority);
   platform.RefusePriority(false);
   EmptyPass();
@@ -723,7 +724,7 @@ TEST(PoolWorker, GoesOnWhereNoPriorityCanBeSet) {
     Visits visits;
     Pass(&visits);
     EXPECT_EQ(2U, visits.ways.size());
-    lines = GetCapturedStderr();
+    lines = LoggedLines();
   }
   EXPECT_EQ(
       "(LX LIB) WARN : MP: Can't set inherrited priority: access denied\n"
@@ -742,7 +743,7 @@ TEST(PoolWorker, ThatIsWokenWithoutAFunctionSaysSoAndWaitsAgain) {
   while (platform.ThreadCount("wait 1: start 1") < 3) {
     std::this_thread::yield();
   }
-  EXPECT_EQ("(LX LIB) ERROR: MP 1: Missing processing entry..\n", GetCapturedStderr());
+  EXPECT_EQ("(LX LIB) ERROR: MP 1: Missing processing entry..\n", LoggedLines());
   Visits visits;
   Pass(&visits);
   EXPECT_EQ(2U, visits.ways.size());
@@ -755,7 +756,7 @@ TEST(PoolWorker, ThatCannotStoreItsRecordSaysSoAndEnds) {
   record.index = 3;
   CaptureStderr();
   EXPECT_EQ(0, lx::mp_worker_loop(reinterpret_cast<PoolWord>(&record)));
-  EXPECT_EQ("(LX LIB) ERROR: MP 3: TlsSetValue error..\n", GetCapturedStderr());
+  EXPECT_EQ("(LX LIB) ERROR: MP 3: TlsSetValue error..\n", LoggedLines());
   EXPECT_EQ(0, platform.Count("wait"));
 }
 
@@ -783,7 +784,7 @@ TEST(PoolEnd, GivesBackWhatAFailedStartLeft) {
     lx::mp_num_ways();
     CaptureStderr();
     EmptyPass();
-    GetCapturedStderr();
+    LoggedLines();
     platform.Clear();
 
     lx::mp_end_workers();

@@ -7,15 +7,16 @@
 
 #include "baselib/threads/module_state.h"
 #include "baselib/threads/pool.h"
+#include "tests/support/logged_lines.h"
 #include "tests/support/platform_recorder.h"
 
 namespace {
 
 using lx::pool_state;
 using lx::PoolWord;
+using lx_test::LoggedLines;
 using lx_test::PlatformRecorder;
 using testing::internal::CaptureStderr;
-using testing::internal::GetCapturedStderr;
 
 using Log = std::vector<std::string>;
 
@@ -102,7 +103,7 @@ TEST_F(ThreadTable, HasThirtyTwoRows) {
   }
   CaptureStderr();
   EXPECT_EQ(-1, lx::mp_spawn_thread(WaitFor, 0));
-  EXPECT_EQ("(LX LIB) WARN : MP: Maximum number of thread's reached !!\n", GetCapturedStderr());
+  EXPECT_EQ("(LX LIB) WARN : MP: Maximum number of thread's reached !!\n", LoggedLines());
   EXPECT_EQ(32, pool_state().threadCount);
 }
 
@@ -119,7 +120,7 @@ TEST_F(ThreadTable, LosesTheRowOfAThreadThatCannotBeMade) {
   }
   CaptureStderr();
   EXPECT_EQ(-1, lx::mp_spawn_thread(WaitFor, 0));
-  EXPECT_NE("", GetCapturedStderr());
+  EXPECT_NE("", LoggedLines());
 }
 
 TEST_F(ThreadTable, TakesALostRowForNoThread) {
@@ -187,7 +188,7 @@ TEST_F(ThreadTable, ReleasesTheRowAlsoWhereKillingFails) {
                 "\n"
                 "(LX LIB) WARN : MP: Can't close thread(0): " +
                 std::to_string(first) + "\n",
-            GetCapturedStderr());
+            LoggedLines());
   EXPECT_EQ(0, pool_state().threadCount);
   EXPECT_EQ(0, pool_state().threads[0].in_use);
 }

@@ -1,6 +1,7 @@
 #include "tests/support/fresh_services.h"
 
 #include "baselib/threads/module_state.h"
+#include "baselib/utils/console.h"
 #include "baselib/utils/log_sink.h"
 
 namespace lx_test {
@@ -22,7 +23,16 @@ void ForgetServices() {
   system.pageSize = -1;
   system.counterPeriod = -1.0;
   system.counterFrequency = -1.0;
-  lx::log_sink().lastLevel = -1;
+  lx::LogSink& log = lx::log_sink();
+  log.clockBase = 0.0;
+  log.lastLevel = -1;
+  log.threshold = 3;
+  log.stream = nullptr;
+  log.isFile = false;
+  log.hasConsole = false;
+  log.mirror = false;
+  log.mirrorAlways = false;
+  lx::console_state() = {};
 }
 
 FreshServices::FreshServices() { ForgetServices(); }
