@@ -14,6 +14,15 @@ namespace lx {
 using ThreadHandle = void*;
 using EventHandle = void*;
 
+// A place of persistent settings that has been opened. Null stands for none.
+using SettingsHandle = void*;
+
+enum class SettingsRoot { kMachine, kUser };
+
+// Types of a setting's value that are text.
+inline constexpr std::uint32_t kSettingText = 1;
+inline constexpr std::uint32_t kSettingExpandable = 2;
+
 // A thread's start function. The result is the thread's exit code.
 using ThreadStart = std::uint32_t (*)(void* argument);
 
@@ -38,6 +47,25 @@ struct Platform {
   // A counter that never goes back, and how often a second it counts.
   std::int64_t (*counter)();
   std::int64_t (*counterFrequency)();
+
+  // What parts the components of a path, and the home directory where no setting names one.
+  char pathSeparator;
+  const char* defaultHome;
+
+  // The machine's persistent settings, by the keys of a registry. A system without one has
+  // files in its place, below settingsRoot; with a registry that is not looked at.
+  //   size    takes the bytes of the buffer and gives those of the value, 0 for none
+  //   type    null if it is not asked for
+  //   buffer  null to ask for size and type alone
+  const char* settingsRoot;
+  SettingsHandle (*openSettings)(SettingsRoot root, const char* key);
+  bool (*querySetting)(SettingsHandle settings, const char* name, std::uint32_t* type, void* buffer,
+                       std::uint32_t* size);
+  void (*closeSettings)(SettingsHandle settings);
+
+  bool (*isDirectory)(const char* path);
+  bool (*makeDirectory)(const char* path);
+  bool (*setWritable)(const char* path, bool writable);  // by its owner
 
   // Seconds since midnight by the wall clock, in local time.
   double (*localDaySeconds)();

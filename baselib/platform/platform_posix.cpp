@@ -1,5 +1,6 @@
 #include <dlfcn.h>
 #include <sched.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -11,6 +12,7 @@
 #include "baselib/platform/float_control.h"
 #include "baselib/platform/platform.h"
 #include "baselib/platform/posix_console.h"
+#include "baselib/platform/posix_settings.h"
 #include "baselib/platform/posix_threads.h"
 
 namespace lx {
@@ -57,6 +59,25 @@ void ErrorText(std::uint32_t error, char* text, std::size_t size) {
   std::snprintf(text, size, "%s", strerror_r(static_cast<int>(error), scratch, sizeof scratch));
 }
 
+bool IsDirectory(const char* path) {
+  struct stat status;
+  return stat(path, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool MakeDirectory(const char* path) { return mkdir(path, 0777) == 0; }
+
+// Only the bits for reading and writing: a directory needs its others to be entered.
+bool SetWritable(const char* path, bool writable) {
+  struct stat status;
+  if (stat(path, &status) != 0) {
+    return false;
+  }
+  constexpr mode_t kOwner = S_IRUSR | S_IWUSR;
+  constexpr mode_t kAnyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
+  const mode_t mode = status.st_mode & 07777;
+  return chmod(path, writable ? mode | kOwner : mode & ~kAnyWrite) == 0;
+}
+
 void* Allocate(std::size_t size) { return std::malloc(size); }
 
 void Release(void* block) { std::free(block); }
@@ -73,6 +94,15 @@ const Platform& SystemPlatform() {
       .keepLoaded = KeepLoaded,
       .counter = Counter,
       .counterFrequency = CounterFrequency,
+      .pathSeparator = '/',
+      .defaultHome = "/opt/Vantrell",
+      .settingsRoot = "",
+      .openSettings = posix::OpenSettings,
+      .querySetting = posix::QuerySetting,
+      .closeSettings = posix::CloseSettings,
+      .isDirectory = IsDirectory,
+      .makeDirectory = MakeDirectory,
+      .setWritable = SetWritable,
       .localDaySeconds = posix::LocalDaySeconds,
       .sleep = posix::Sleep,
       .consoleHasTitle = posix::ConsoleHasTitle,
