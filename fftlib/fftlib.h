@@ -138,6 +138,12 @@ class DefocusEngine {
   // False on failure; channels before the failing one are written.
   bool ConvolveChannels(ImageRec* dest, std::uint32_t channelMask);
 
+  // Reads or writes what measuring plans has taught the transform library: one file for all
+  // engines, in the directory of settings. False where it cannot be opened, is none of the
+  // library's, or was not written whole; nothing else comes of that. Under the planner's lock.
+  bool ImportWisdom();
+  bool ExportWisdom();
+
   std::int32_t GetStatus() const { return status.load(std::memory_order_relaxed); }
 
   bool SetEdgeMode(std::int32_t mode);  // kEdgeZero or kEdgeReplicate, else false

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 
 namespace lx {
 
@@ -62,6 +63,15 @@ struct Platform {
   bool (*querySetting)(SettingsHandle settings, const char* name, std::uint32_t* type, void* buffer,
                        std::uint32_t* size);
   void (*closeSettings)(SettingsHandle settings);
+
+  std::uint32_t (*processId)();
+
+  // Files, by the C runtime's modes. closeFile gives false if anything of what was written
+  // was lost; moveFile takes the place of a file that is there already.
+  std::FILE* (*openFile)(const char* path, const char* mode);
+  bool (*closeFile)(std::FILE* file);
+  bool (*moveFile)(const char* from, const char* to);
+  void (*removeFile)(const char* path);
 
   bool (*isDirectory)(const char* path);
   bool (*makeDirectory)(const char* path);

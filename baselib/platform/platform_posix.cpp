@@ -59,6 +59,16 @@ void ErrorText(std::uint32_t error, char* text, std::size_t size) {
   std::snprintf(text, size, "%s", strerror_r(static_cast<int>(error), scratch, sizeof scratch));
 }
 
+std::uint32_t ProcessId() { return static_cast<std::uint32_t>(getpid()); }
+
+bool CloseFile(std::FILE* file) {
+  const bool whole = std::ferror(file) == 0;
+  return std::fclose(file) == 0 && whole;
+}
+
+bool MoveFile(const char* from, const char* to) { return std::rename(from, to) == 0; }
+void RemoveFile(const char* path) { (void)std::remove(path); }
+
 bool IsDirectory(const char* path) {
   struct stat status;
   return stat(path, &status) == 0 && S_ISDIR(status.st_mode);
@@ -100,6 +110,11 @@ const Platform& SystemPlatform() {
       .openSettings = posix::OpenSettings,
       .querySetting = posix::QuerySetting,
       .closeSettings = posix::CloseSettings,
+      .processId = ProcessId,
+      .openFile = std::fopen,
+      .closeFile = CloseFile,
+      .moveFile = MoveFile,
+      .removeFile = RemoveFile,
       .isDirectory = IsDirectory,
       .makeDirectory = MakeDirectory,
       .setWritable = SetWritable,

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <mutex>
 
 #include "baselib/platform/platform.h"
 #include "baselib/threads/system_info.h"
@@ -11,6 +12,7 @@
 #include "fftlib/fftlib/fft_calls.h"
 #include "fftlib/fftlib/polygon_fill.h"
 #include "fftlib/fftlib/psf_outlines.h"
+#include "fftlib/fftlib/wisdom.h"
 
 namespace lx {
 namespace {
@@ -57,10 +59,22 @@ DefocusEngine::DefocusEngine(std::int32_t mode) : engineMode(mode == 5 ? kModeFf
   }
   threadCount = get_processor_count();
   useWisdom = GetPlatform().hasEnvironmentVariable(kWisdomVariable) ? 1 : 0;
+  if (useWisdom != 0) {
+    const std::scoped_lock hold(FftPlannerLock());
+    MakeWisdomFolder();
+  }
 }
 
 DefocusEngine::~DefocusEngine() {
   ImageFree(psfMask);
+  if (useWisdom != 0) {
+    const std::scoped_lock hold(FftPlannerLock());
+    // An engine that has planned nothing would write a file of nothing over a good one.
+    if (wisdomLoaded == 0) {
+      ImportWisdom();
+    }
+    ExportWisdom();
+  }
   FreeGrids();
   ReleaseFftThreads();
 }

@@ -46,6 +46,8 @@ const FftCalls& LibraryFftCalls() {
       .destroyPlan = DestroyPlan,
       .allocate = fftw_malloc,
       .release = fftw_free,
+      .importWisdom = fftw_import_wisdom_from_file,
+      .exportWisdom = fftw_export_wisdom_to_file,
   };
   return kTable;
 }

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdio>
 #include <mutex>
 
 struct fftw_plan_s;
@@ -24,6 +25,11 @@ struct FftCalls {
   void (*destroyPlan)(fftw_plan_s* plan);
   void* (*allocate)(std::size_t bytes);
   void (*release)(void* block);
+
+  // Between what the library has learnt in this process and an open file. Importing gives 0
+  // for a file that is none of its own.
+  int (*importWisdom)(std::FILE* file);
+  void (*exportWisdom)(std::FILE* file);
 };
 
 // Flags of a plan: quickly guessed, or measured on the arrays (which destroys them).

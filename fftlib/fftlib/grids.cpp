@@ -63,8 +63,18 @@ bool DefocusEngine::MakePlan(Plan* plan, Create create) {
   if (threadsReady != 0) {
     GetFftCalls().planWithThreads(static_cast<int>(threadCount));
   }
+  // A file that could not be read is tried again at the next plan.
+  if (useWisdom != 0 && wisdomLoaded == 0) {
+    ImportWisdom();
+  }
   *plan = create(useWisdom != 0 ? kPlanMeasure : kPlanEstimate);
-  return *plan != nullptr || Fail(kStatusNoPlan);
+  if (*plan == nullptr) {
+    return Fail(kStatusNoPlan);
+  }
+  if (useWisdom != 0) {
+    ExportWisdom();
+  }
+  return true;
 }
 
 bool DefocusEngine::PreparePsfGrids() {

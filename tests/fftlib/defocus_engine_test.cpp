@@ -111,6 +111,11 @@ TEST(DefocusEngine, MeasuresItsPlansIfTheVariableExists) {
 }
 
 TEST(DefocusEngine, TakesAnEmptyEnvironmentVariableAsSet) {
+  lx::Platform table = lx::SystemPlatform();
+  table.isDirectory = [](const char*) { return false; };
+  table.makeDirectory = [](const char*) { return false; };
+  table.openFile = [](const char*, const char*) -> std::FILE* { return nullptr; };
+  const lx::ScopedPlatform scope(&table);
   ASSERT_EQ(0, setenv("LX_USE_FFTW_WISDOM", "", 1));
   const std::int32_t set = DefocusEngine().useWisdom;
   unsetenv("LX_USE_FFTW_WISDOM");

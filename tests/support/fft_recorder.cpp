@@ -84,11 +84,21 @@ void Release(void* block) {
   Real().release(block);
 }
 
+int ImportWisdom(std::FILE* file) {
+  entries.emplace_back("import");
+  return Real().importWisdom(file);
+}
+
+void ExportWisdom(std::FILE* file) {
+  entries.emplace_back("export");
+  Real().exportWisdom(file);
+}
+
 }  // namespace
 
 FftRecorder::FftRecorder()
-    : table_{InitThreads, CleanupThreads, PlanWithThreads, PlanForward, PlanInverse,
-             Execute,     DestroyPlan,    Allocate,        Release},
+    : table_{InitThreads, CleanupThreads, PlanWithThreads, PlanForward,  PlanInverse, Execute,
+             DestroyPlan, Allocate,       Release,         ImportWisdom, ExportWisdom},
       scope_(&table_) {
   entries.clear();
   initAnswer = -1;

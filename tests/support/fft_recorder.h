@@ -17,7 +17,7 @@ class FftRecorder {
   FftRecorder& operator=(const FftRecorder&) = delete;
 
   // "init", "cleanup", "threads N", "forward N flags F", "inverse N flags F", "execute",
-  // "destroy", "allocate BYTES", "release".
+  // "destroy", "allocate BYTES", "release", "import", "export".
   const std::vector<std::string>& Log() const;
   void Clear();
   int Count(const std::string& call) const;  // entries that begin with call

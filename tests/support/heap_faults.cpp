@@ -45,6 +45,10 @@ HeapFaults::HeapFaults() : table_(lx::SystemPlatform()), scope_(&table_) {
   table_.processorCount = ProcessorCount;
   table_.pageSize = PageSize;
   table_.hasEnvironmentVariable = HasEnvironmentVariable;
+  // A variable that is set must not reach the machine's own files.
+  table_.isDirectory = [](const char*) { return false; };
+  table_.makeDirectory = [](const char*) { return false; };
+  table_.openFile = [](const char*, const char*) -> std::FILE* { return nullptr; };
   allocations = 0;
   alive = 0;
   refuseAt = 0;
