@@ -30,6 +30,7 @@ using ThreadStart = std::uint32_t (*)(void* argument);
 struct Platform {
   // The general heap, as the C runtime gives it; null where memory has run out.
   void* (*allocate)(std::size_t size);
+  void* (*reallocate)(void* block, std::size_t size);
   void (*release)(void* block);
 
   // Processors that this process may run on. May answer 0 or less; callers raise it.
@@ -93,6 +94,9 @@ struct Platform {
   void* (*consoleOutput)();
   bool (*consoleRaise)(const char* title);
   void (*consoleWrite)(void* output, const char* text);
+
+  // Milliseconds since some moment, which begin again at 0 after 2^32.
+  std::uint32_t (*tickCount)();
 
   // The calling thread's last error of the system, 0 for none, and the text of an error:
   // at most size - 1 bytes and a terminating zero, empty for an error without a text.

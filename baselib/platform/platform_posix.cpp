@@ -52,6 +52,11 @@ std::int64_t Counter() {
 
 std::int64_t CounterFrequency() { return kNanoseconds; }
 
+std::uint32_t TickCount() {
+  constexpr std::int64_t kNanosecondsInOne = 1000000;
+  return static_cast<std::uint32_t>(Counter() / kNanosecondsInOne);
+}
+
 std::uint32_t LastError() { return static_cast<std::uint32_t>(errno); }
 
 void ErrorText(std::uint32_t error, char* text, std::size_t size) {
@@ -90,6 +95,8 @@ bool SetWritable(const char* path, bool writable) {
 
 void* Allocate(std::size_t size) { return std::malloc(size); }
 
+void* Reallocate(void* block, std::size_t size) { return std::realloc(block, size); }
+
 void Release(void* block) { std::free(block); }
 
 }  // namespace
@@ -97,6 +104,7 @@ void Release(void* block) { std::free(block); }
 const Platform& SystemPlatform() {
   static constexpr Platform kTable = {
       .allocate = Allocate,
+      .reallocate = Reallocate,
       .release = Release,
       .processorCount = ProcessorCount,
       .pageSize = PageSize,
@@ -127,6 +135,7 @@ const Platform& SystemPlatform() {
       .consoleOutput = posix::ConsoleOutput,
       .consoleRaise = posix::ConsoleRaise,
       .consoleWrite = posix::ConsoleWrite,
+      .tickCount = TickCount,
       .lastError = LastError,
       .errorText = ErrorText,
       .beginThread = posix::BeginThread,

@@ -4,6 +4,9 @@
 // Sizes are 32-bit unsigned; every allocation gives null where memory has run out. A
 // block goes back to the family that gave it. Each call carries its file and line, which
 // the compiler fills in. Any thread may call.
+//
+// As delivered these are the runtime's own functions. heap_tracking.h has the switches that
+// make them keep account of every block.
 #pragma once
 
 #include <cstdint>
@@ -11,6 +14,15 @@
 namespace lx {
 
 void* lx_malloc(std::uint32_t size, const char* file = __builtin_FILE(),
+                std::int32_t line = __builtin_LINE());
+
+//   block  null gives a new one
+// Null leaves the block as it is.
+void* lx_realloc(void* block, std::uint32_t size, const char* file = __builtin_FILE(),
+                 std::int32_t line = __builtin_LINE());
+
+// A copy of a text, in a block of its own.
+char* lx_strdup(const char* text, const char* file = __builtin_FILE(),
                 std::int32_t line = __builtin_LINE());
 
 //   block  null is legal and does nothing
@@ -29,7 +41,7 @@ void lx_image_free(void* block, const char* file = __builtin_FILE(),
 //   image      whether the block comes from the image-sized family
 void* lx_aligned_malloc(std::uint32_t size, std::int32_t alignment, bool image);
 
-//   block  from lx_aligned_malloc with the same flag; must not be null
+//   block  from lx_aligned_malloc with the same flag; null does nothing
 void lx_aligned_free(void* block, bool image);
 
 }  // namespace lx

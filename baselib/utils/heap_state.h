@@ -1,0 +1,35 @@
+// What the allocator keeps for the whole process. For its own two sources.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <mutex>
+
+#include "baselib/utils/heap_tracking.h"
+
+namespace lx {
+
+struct HeapState {
+  std::atomic<std::int32_t> enabled{0};
+  std::atomic<std::int32_t> debug{0};
+  std::atomic<std::int32_t> trace{0};
+  HeapHooks normalHooks;
+  HeapHooks imageHooks;
+  HeapInfo normal{};
+  HeapInfo image{};
+  bool normalReady = false;
+  bool imageReady = false;
+  std::atomic<bool> mutexReady{false};  // it has been taken once
+
+  // Never destroyed: blocks are freed by static destructors too.
+  static std::recursive_mutex& Mutex() {
+    static auto* mutex = new std::recursive_mutex;
+    return *mutex;
+  }
+};
+
+// One load away, since every allocation looks at it.
+extern HeapState heapState;
+inline HeapState& heap_state() { return heapState; }
+
+}  // namespace lx
