@@ -15,9 +15,19 @@ const Platform& GetPlatform() {
   return table != nullptr ? *table : SystemPlatform();
 }
 
-ScopedPlatform::ScopedPlatform(const Platform* table)
-    : previous_(inForce.exchange(table, std::memory_order_acq_rel)) {}
+constinit std::atomic<std::int32_t> heapWatchers{LX_TRACK_HEAP};
 
-ScopedPlatform::~ScopedPlatform() { inForce.store(previous_, std::memory_order_release); }
+void AddHeapWatcher() { ++heapWatchers; }
+void RemoveHeapWatcher() { --heapWatchers; }
+
+ScopedPlatform::ScopedPlatform(const Platform* table)
+    : previous_(inForce.exchange(table, std::memory_order_acq_rel)) {
+  AddHeapWatcher();
+}
+
+ScopedPlatform::~ScopedPlatform() {
+  RemoveHeapWatcher();
+  inForce.store(previous_, std::memory_order_release);
+}
 
 }  // namespace lx

@@ -5,6 +5,7 @@
 // ScopedPlatform. No setting and no environment variable chooses a table.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -174,6 +175,12 @@ const Platform& SystemPlatform();
 
 // The table in force: the system's, unless a test has put another in its place.
 const Platform& GetPlatform();
+
+// How many things want to see every allocation: a table in force, the heap's account. With none
+// of them the allocator calls the C runtime and nothing else. Change it by these two alone.
+extern std::atomic<std::int32_t> heapWatchers;
+void AddHeapWatcher();
+void RemoveHeapWatcher();
 
 // Puts a table in force for the length of a scope. The table is borrowed. Scopes
 // nest, and only one thread may open or close them.

@@ -118,7 +118,7 @@ void* Reallocate(void* block, std::uint32_t size) {
                             : GetPlatform().reallocate(block, size);
 }
 
-void* SlowMalloc(const Family& family, std::uint32_t size, const char* file, std::int32_t line) {
+void* WatchedMalloc(const Family& family, std::uint32_t size, const char* file, std::int32_t line) {
   void* block = nullptr;
   if (Debug()) {
     if (size == 0) {
@@ -174,7 +174,7 @@ void FreeTracked(const Family& family, void* block, const char* file, std::int32
   }
 }
 
-void SlowFree(const Family& family, void* block, const char* file, std::int32_t line) {
+void WatchedFree(const Family& family, void* block, const char* file, std::int32_t line) {
   if (Debug()) {
     FreeTracked(family, block, file, line);
   } else if (family.hooks->present != 0) {
@@ -215,7 +215,7 @@ bool ReallocateTracked(void* block, std::uint32_t size, const char* file, std::i
   return true;
 }
 
-void* SlowRealloc(void* block, std::uint32_t size, const char* file, std::int32_t line) {
+void* WatchedRealloc(void* block, std::uint32_t size, const char* file, std::int32_t line) {
   const std::uintptr_t old = Address(block);
   void* result = nullptr;
   if (Debug()) {
@@ -239,7 +239,7 @@ void* SlowRealloc(void* block, std::uint32_t size, const char* file, std::int32_
   return result;
 }
 
-char* SlowStrdup(const char* text, const char* file, std::int32_t line) {
+char* WatchedStrdup(const char* text, const char* file, std::int32_t line) {
   char* copy = nullptr;
   if (Debug()) {
     if (text == nullptr) {
@@ -265,44 +265,43 @@ char* SlowStrdup(const char* text, const char* file, std::int32_t line) {
   return copy;
 }
 
-// The way that every delivered build goes.
 bool IsOff() { return heap_state().enabled.load(std::memory_order_relaxed) == 0; }
 
 }  // namespace
 
-void* lx_malloc(std::uint32_t size, const char* file, std::int32_t line) {
-  return IsOff() ? GetPlatform().allocate(size) : SlowMalloc(NormalFamily(), size, file, line);
+void* heap_paths::Malloc(std::uint32_t size, const char* file, std::int32_t line) {
+  return IsOff() ? GetPlatform().allocate(size) : WatchedMalloc(NormalFamily(), size, file, line);
 }
 
-void lx_free(void* block, const char* file, std::int32_t line) {
+void heap_paths::Free(void* block, const char* file, std::int32_t line) {
   if (IsOff()) {
     GetPlatform().release(block);
   } else {
-    SlowFree(NormalFamily(), block, file, line);
+    WatchedFree(NormalFamily(), block, file, line);
+  }
+}
+
+void* heap_paths::ImageMalloc(std::uint32_t size, const char* file, std::int32_t line) {
+  return IsOff() ? GetPlatform().allocate(size) : WatchedMalloc(ImageFamily(), size, file, line);
+}
+
+void heap_paths::ImageFree(void* block, const char* file, std::int32_t line) {
+  if (IsOff()) {
+    GetPlatform().release(block);
+  } else {
+    WatchedFree(ImageFamily(), block, file, line);
   }
 }
 
 void* lx_realloc(void* block, std::uint32_t size, const char* file, std::int32_t line) {
-  return IsOff() ? GetPlatform().reallocate(block, size) : SlowRealloc(block, size, file, line);
+  return IsOff() ? GetPlatform().reallocate(block, size) : WatchedRealloc(block, size, file, line);
 }
 
 char* lx_strdup(const char* text, const char* file, std::int32_t line) {
   if (IsOff()) {
     return text == nullptr ? nullptr : CopyText(text);
   }
-  return SlowStrdup(text, file, line);
-}
-
-void* lx_image_malloc(std::uint32_t size, const char* file, std::int32_t line) {
-  return IsOff() ? GetPlatform().allocate(size) : SlowMalloc(ImageFamily(), size, file, line);
-}
-
-void lx_image_free(void* block, const char* file, std::int32_t line) {
-  if (IsOff()) {
-    GetPlatform().release(block);
-  } else {
-    SlowFree(ImageFamily(), block, file, line);
-  }
+  return WatchedStrdup(text, file, line);
 }
 
 void* lx_aligned_malloc(std::uint32_t size, std::int32_t alignment, bool image) {

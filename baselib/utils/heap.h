@@ -10,6 +10,9 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
+
+#include "baselib/platform/platform.h"
 
 namespace lx {
 
@@ -43,5 +46,45 @@ void* lx_aligned_malloc(std::uint32_t size, std::int32_t alignment, bool image);
 
 //   block  from lx_aligned_malloc with the same flag; null does nothing
 void lx_aligned_free(void* block, bool image);
+
+// The way with an account or through a table of the platform's.
+namespace heap_paths {
+[[gnu::cold]] void* Malloc(std::uint32_t size, const char* file, std::int32_t line);
+[[gnu::cold]] void Free(void* block, const char* file, std::int32_t line);
+[[gnu::cold]] void* ImageMalloc(std::uint32_t size, const char* file, std::int32_t line);
+[[gnu::cold]] void ImageFree(void* block, const char* file, std::int32_t line);
+}  // namespace heap_paths
+
+// Nobody looks on in a delivered build, where a call costs one load and a branch more than the
+// runtime's own. That is why these are here and not behind another call.
+inline bool IsHeapWatched() { return heapWatchers.load(std::memory_order_relaxed) != 0; }
+
+inline void* lx_malloc(std::uint32_t size, const char* file, std::int32_t line) {
+  if (IsHeapWatched()) [[unlikely]] {
+    return heap_paths::Malloc(size, file, line);
+  }
+  return std::malloc(size);
+}
+
+inline void lx_free(void* block, const char* file, std::int32_t line) {
+  if (IsHeapWatched()) [[unlikely]] {
+    return heap_paths::Free(block, file, line);
+  }
+  std::free(block);
+}
+
+inline void* lx_image_malloc(std::uint32_t size, const char* file, std::int32_t line) {
+  if (IsHeapWatched()) [[unlikely]] {
+    return heap_paths::ImageMalloc(size, file, line);
+  }
+  return std::malloc(size);
+}
+
+inline void lx_image_free(void* block, const char* file, std::int32_t line) {
+  if (IsHeapWatched()) [[unlikely]] {
+    return heap_paths::ImageFree(block, file, line);
+  }
+  std::free(block);
+}
 
 }  // namespace lx

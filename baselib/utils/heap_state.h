@@ -10,8 +10,11 @@
 namespace lx {
 
 struct HeapState {
-  std::atomic<std::int32_t> enabled{0};
-  std::atomic<std::int32_t> debug{0};
+  // Both switches begin as given; a delivered build gives 0.
+  constexpr explicit HeapState(std::int32_t tracking) : enabled(tracking), debug(tracking) {}
+
+  std::atomic<std::int32_t> enabled;
+  std::atomic<std::int32_t> debug;
   std::atomic<std::int32_t> trace{0};
   HeapHooks normalHooks;
   HeapHooks imageHooks;

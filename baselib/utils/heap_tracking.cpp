@@ -63,13 +63,18 @@ void ClearTable(HeapInfo* table, const char* name) {
 
 }  // namespace
 
-constinit HeapState heapState;
+constinit HeapState heapState(LX_TRACK_HEAP);
 
 void hm_set_switches(std::int32_t enabled, std::int32_t debug, std::int32_t trace) {
   HeapState& state = heap_state();
   state.debug = debug;
   state.trace = trace;
-  state.enabled = enabled;
+  const bool was = state.enabled.exchange(enabled) != 0;
+  if (enabled != 0 && !was) {
+    AddHeapWatcher();
+  } else if (enabled == 0 && was) {
+    RemoveHeapWatcher();
+  }
 }
 
 void hm_set_hooks(const HeapHooks& normal, const HeapHooks& image) {
