@@ -14,6 +14,7 @@
 #include "host/glimmerhost/render_command.h"
 #include "host/glimmerhost/session_command.h"
 #include "host/glimmerhost/session_script.h"
+#include "host/glimmerhost/wisdom_command.h"
 
 namespace glimmerhost {
 namespace {
@@ -23,7 +24,8 @@ constexpr const char* kDescription =
     "  glimmerhost render night.png -o out.png --shape polygon --sides 6 --radius 40px\n"
     "  glimmerhost psf -o aperture.png --shape polygon --sides 5 --radius 60px\n"
     "  glimmerhost page night.png -o page.png --shape image\n"
-    "  glimmerhost session handles.session\n\n"
+    "  glimmerhost session handles.session\n"
+    "  glimmerhost wisdom --measure\n\n"
     "Exit codes: 0 done, 1 the work failed, 2 wrong usage.";
 
 constexpr const char* kVersion = "glimmerhost, reference host of GlimmerBlur 5.13";
@@ -175,6 +177,28 @@ CLI::App* AddSession(CLI::App* app, SessionOptions* options) {
   return session;
 }
 
+CLI::App* AddWisdom(CLI::App* app, WisdomOptions* options) {
+  CLI::App* wisdom = app->add_subcommand(
+      "wisdom", "Make the directories of the measured plans, and say where and whether they are");
+  wisdom->footer(
+      "The effect measures its transforms, and keeps what it learns, wherever the environment\n"
+      "has LX_USE_FFTW_WISDOM, whatever its value. Without it no file is touched.");
+  wisdom->add_flag("--measure", options->measure,
+                   "Measure the plans of the grids from 512 to 4096 now; takes minutes");
+  wisdom
+      ->add_option("--grid", options->grids,
+                   "Measure only grids of that side: 512, 1024, 2048 or 4096. May be given more "
+                   "than once")
+      ->take_all()
+      ->allow_extra_args(false);
+  wisdom->add_option("--threads", options->threads,
+                     "Processors that the plans are for (default: all that the process may run "
+                     "on)");
+  wisdom->add_flag("--quiet", options->quiet, "No progress line");
+  wisdom->add_option("--module", options->module, "Another module file");
+  return wisdom;
+}
+
 int Run(int argc, const char* const* argv) {
   CLI::App app(kDescription, "glimmerhost");
   app.require_subcommand(1);
@@ -187,6 +211,8 @@ int Run(int argc, const char* const* argv) {
   const CLI::App* pageCommand = AddPage(&app, &page);
   SessionOptions session;
   const CLI::App* sessionCommand = AddSession(&app, &session);
+  WisdomOptions wisdom;
+  const CLI::App* wisdomCommand = AddWisdom(&app, &wisdom);
   std::string infoModule;
   CLI::App* info =
       app.add_subcommand("info", "Print the module's classes and the parameters of its page");
@@ -208,6 +234,8 @@ int Run(int argc, const char* const* argv) {
     RunPage(page);
   } else if (sessionCommand->parsed()) {
     RunSession(session, std::cout);
+  } else if (wisdomCommand->parsed()) {
+    RunWisdom(wisdom, std::cout);
   }
   return kExitDone;
 }

@@ -16,9 +16,10 @@ constexpr const char* kClearLine = "\r\033[K";
 Progress::Progress(bool wanted)
     : active_(wanted && isatty(STDERR_FILENO) != 0), start_(std::chrono::steady_clock::now()) {}
 
-Progress::~Progress() {
+void Progress::Clear() {
   if (open_) {
     std::cerr << kClearLine << std::flush;
+    open_ = false;
   }
 }
 

@@ -11,13 +11,16 @@ class Progress {
   //   wanted  false, or no terminal on stderr: nothing is written but warnings
   explicit Progress(bool wanted);
 
-  // Wipes an unfinished line, so that an error stands alone.
-  ~Progress();
+  // Clears an unfinished line, so that an error stands alone.
+  ~Progress() { Clear(); }
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
   // Replaces the line.
   void Show(const std::string& what);
+
+  // Takes the line away.
+  void Clear();
 
   // A line of its own, in the place of the one that is shown.
   void Warn(const std::string& what);

@@ -25,8 +25,9 @@ struct Outcome {
   std::string text;  // of both outputs
 };
 
-inline Outcome RunProgram(const std::string& arguments) {
-  FILE* pipe = popen(("'" PROGRAM "' " + arguments + " 2>&1").c_str(), "r");
+//   prefix  what stands before the program on the shell's line
+inline Outcome RunProgram(const std::string& arguments, const std::string& prefix = "") {
+  FILE* pipe = popen((prefix + " '" PROGRAM "' " + arguments + " 2>&1").c_str(), "r");
   Outcome outcome{-1, ""};
   std::array<char, 512> buffer{};
   while (fgets(buffer.data(), buffer.size(), pipe) != nullptr) {
