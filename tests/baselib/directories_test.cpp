@@ -14,6 +14,7 @@
 #include "baselib/utils/log_sink.h"
 #include "baselib/winbits/registry.h"
 #include "tests/support/logged_lines.h"
+#include "tests/support/scratch_folder.h"
 #include "tests/support/settings_recorder.h"
 
 namespace {
@@ -236,11 +237,8 @@ TEST(RegistryString, IsTextOfTwoTypes) {
 class SettingsFiles : public testing::Test {
  public:
   SettingsFiles() : table_(lx::SystemPlatform()), scope_(&table_) {
-    std::string name = (fs::temp_directory_path() / "glimmerXXXXXX").string();
-    root_ = mkdtemp(name.data());
     table_.settingsRoot = root_.c_str();
   }
-  ~SettingsFiles() override { fs::remove_all(root_); }
 
   void Write(const std::string& file, const std::string& text) {
     const fs::path path = root_ + file;
@@ -249,7 +247,8 @@ class SettingsFiles : public testing::Test {
   }
 
  private:
-  std::string root_;
+  lx_test::ScratchFolder folder_;
+  const std::string root_ = folder_.Path().string();
   lx_test::FreshServices fresh_;
   lx::Platform table_;
   lx::ScopedPlatform scope_;

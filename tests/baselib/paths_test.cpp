@@ -4,12 +4,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
 
+#include "tests/support/scratch_folder.h"
 #include "tests/support/settings_recorder.h"
 
 namespace {
@@ -142,13 +142,8 @@ TEST(DirectoryPath, OfNothingIsDone) {
 // A folder of this system, removed at the end.
 class RealFolder : public testing::Test {
  public:
-  RealFolder() {
-    std::string name = (fs::temp_directory_path() / "glimmerXXXXXX").string();
-    path = mkdtemp(name.data());
-  }
-  ~RealFolder() override { fs::remove_all(path); }
-
-  fs::path path;
+  lx_test::ScratchFolder folder;
+  const fs::path path = folder.Path();
 };
 
 TEST_F(RealFolder, IsToldFromAFileAndFromNothing) {

@@ -8,8 +8,16 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "tests/support/scratch_folder.h"
 
 namespace {
+
+namespace fs = std::filesystem;
 
 const lx::Platform& System() { return lx::SystemPlatform(); }
 
@@ -230,6 +238,78 @@ TEST(PlatformCounter, CountsUpAtItsFrequency) {
   EXPECT_GT(System().counterFrequency(), 0);
   const std::int64_t before = System().counter();
   EXPECT_GE(System().counter(), before);
+}
+
+TEST(PlatformTicks, CountMilliseconds) {
+  const std::int64_t start = System().counter();
+  const std::uint32_t first = System().tickCount();
+  while (System().counter() - start < System().counterFrequency() / 20) {
+  }
+  const std::uint32_t passed = System().tickCount() - first;
+
+  // A counter of milliseconds may have steps of some 16.
+  EXPECT_LE(30U, passed);
+  const std::int64_t most = (System().counter() - start) * 1000 / System().counterFrequency();
+  EXPECT_GE(static_cast<std::uint32_t>(most) + 16, passed);
+}
+
+void Write(const fs::path& path, const char* text) {
+  std::FILE* file = System().openFile(path.string().c_str(), "w+");
+  std::fputs(text, file);
+  EXPECT_TRUE(System().closeFile(file));
+}
+
+std::string Read(const fs::path& path) {
+  std::ifstream in(path);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+TEST(PlatformFile, TakesThePlaceOfAnotherWhenItIsMoved) {
+  const lx_test::ScratchFolder folder;
+  Write(folder / "new", "new");
+  Write(folder / "old", "an older one");
+
+  EXPECT_TRUE(
+      System().moveFile((folder / "new").string().c_str(), (folder / "old").string().c_str()));
+
+  EXPECT_EQ("new", Read(folder / "old"));
+  EXPECT_EQ(1, folder.FileCount());
+}
+
+TEST(PlatformFile, StaysWhereItIsWhenItCannotBeMoved) {
+  const lx_test::ScratchFolder folder;
+  Write(folder / "new", "new");
+
+  EXPECT_FALSE(
+      System().moveFile((folder / "new").string().c_str(), (folder / "no/old").string().c_str()));
+
+  EXPECT_EQ("new", Read(folder / "new"));
+}
+
+TEST(PlatformFile, IsGoneWhenItIsRemoved) {
+  const lx_test::ScratchFolder folder;
+  Write(folder / "file", "x");
+
+  System().removeFile((folder / "file").string().c_str());
+
+  EXPECT_EQ(0, folder.FileCount());
+}
+
+TEST(PlatformFile, IsNullWhereItCannotBeOpened) {
+  const lx_test::ScratchFolder folder;
+
+  EXPECT_EQ(nullptr, System().openFile((folder / "none").string().c_str(), "r"));
+  EXPECT_EQ(nullptr, System().openFile((folder / "no/file").string().c_str(), "w+"));
+}
+
+TEST(PlatformFile, SaysAtTheEndThatAFullDiskLostSomething) {
+  std::FILE* file = System().openFile("/dev/full", "w");
+  if (file == nullptr) {
+    GTEST_SKIP() << "no disk here is always full";
+  }
+  std::fputs("x", file);
+
+  EXPECT_FALSE(System().closeFile(file));
 }
 
 TEST(PlatformError, HasTheSystemsTextCutToTheBuffer) {

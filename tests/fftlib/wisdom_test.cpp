@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -19,6 +18,7 @@
 #include "fftlib/fftlib.h"
 #include "tests/support/fft_recorder.h"
 #include "tests/support/fresh_services.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 
@@ -31,8 +31,7 @@ using Calls = std::vector<std::string>;
 class Wisdom : public testing::Test {
  public:
   Wisdom() : table_(lx::SystemPlatform()), scope_(&table_) {
-    std::string name = (fs::temp_directory_path() / "glimmerXXXXXX").string();
-    home = mkdtemp(name.data());
+    home = folder_.Path() / "home";
     homeText = home.string();
     table_.defaultHome = homeText.c_str();
     table_.settingsRoot = homeText.c_str();
@@ -56,10 +55,7 @@ class Wisdom : public testing::Test {
     lx::wisdom_folder_made() = false;
     fft.OverwriteArrays();
   }
-  ~Wisdom() override {
-    lx::wisdom_folder_made() = false;
-    fs::remove_all(home);
-  }
+  ~Wisdom() override { lx::wisdom_folder_made() = false; }
 
   static fs::path File() { return home / "Settings" / "fftw3_wisdom_lx.dat"; }
 
@@ -97,6 +93,7 @@ class Wisdom : public testing::Test {
   lx_test::FftRecorder fft;
 
  private:
+  lx_test::ScratchFolder folder_;
   lx_test::FreshServices fresh_;
   lx::Platform table_;
   lx::ScopedPlatform scope_;

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "host/glimmerhost/failure.h"
-#include "tests/host/scratch_folder.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 
@@ -85,7 +85,7 @@ TEST(Page, NamesTheNearestKeyForOneThatIsUnknown) {
 }
 
 TEST(Page, SaysWhatIsWrongWithItsFile) {
-  const host_test::ScratchFolder folder;
+  const lx_test::ScratchFolder folder;
   for (const char* content : {"", "[[parameter]]\nkey = 1", "parameter = 3", "not toml at all [",
                               "[[parameter]]\nkey='a'\nlabel='b'\nkind='number'\ndefault=1.0",
                               "[[parameter]]\nkey='a'\nlabel='b'\nkind='knob'\ndefault=1.0"}) {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "host/glimmerhost/failure.h"
-#include "tests/host/scratch_folder.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 
@@ -31,7 +31,7 @@ class ParameterFile : public testing::Test {
     return "";
   }
 
-  host_test::ScratchFolder folder;
+  lx_test::ScratchFolder folder;
 };
 
 TEST_F(ParameterFile, NamesValuesAsTheOptionsDo) {

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "host/glimmerhost/failure.h"
-#include "tests/host/scratch_folder.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 
@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 using glimmerhost::Alpha;
 using glimmerhost::Picture;
 using glimmerhost::PictureOutput;
-using host_test::ScratchFolder;
+using lx_test::ScratchFolder;
 
 Picture Sample(int width, int height, Alpha alpha = Alpha::kNone, bool grey = false) {
   Picture picture;

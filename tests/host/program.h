@@ -12,7 +12,7 @@
 #include <string>
 
 #include "host/glimmerhost/picture_file.h"
-#include "tests/host/scratch_folder.h"
+#include "tests/support/scratch_folder.h"
 
 namespace host_test {
 
@@ -79,7 +79,7 @@ class Program : public testing::Test {
     EXPECT_EQ(files, folder.FileCount()) << arguments;
   }
 
-  host_test::ScratchFolder folder;
+  lx_test::ScratchFolder folder;
 };
 
 }  // namespace host_test

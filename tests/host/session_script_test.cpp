@@ -6,7 +6,7 @@
 #include <string>
 
 #include "host/glimmerhost/failure.h"
-#include "tests/host/scratch_folder.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 
@@ -37,7 +37,7 @@ class Script : public testing::Test {
     return "";
   }
 
-  host_test::ScratchFolder folder;
+  lx_test::ScratchFolder folder;
   const Page page = Page::Load(PAGE);
 };
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <system_error>
 
-namespace host_test {
+namespace lx_test {
 
 class ScratchFolder {
  public:
@@ -24,6 +24,8 @@ class ScratchFolder {
 
   std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
 
+  const std::filesystem::path& Path() const { return path_; }
+
   int FileCount() const {
     int count = 0;
     for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(path_)) {
@@ -36,4 +38,4 @@ class ScratchFolder {
   std::filesystem::path path_;
 };
 
-}  // namespace host_test
+}  // namespace lx_test
