@@ -76,10 +76,12 @@ LXImage::LXImage(std::int32_t imageWidth, std::int32_t imageHeight, float /*igno
 }
 
 LXImage::~LXImage() {
-  if (ownsData != 0) {
+  if (ownsData != 0 && data != nullptr) {
     lx_image_free(data);
   }
-  lx_free(rows);
+  if (rows != nullptr) {
+    lx_free(rows);
+  }
   if (extra != nullptr) {
     lx_free(extra);
   }

@@ -240,7 +240,9 @@ void mp_end_workers() {
       }
     }
   }
-  lx_free(workers);
+  if (workers != nullptr) {
+    lx_free(workers);
+  }
   pool.workers = nullptr;
   pool.workerCount = 0;
   if (pool.threadSlot != kNoThreadSlot) {

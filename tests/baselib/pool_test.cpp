@@ -19,6 +19,7 @@
 #include "baselib/utils/log.h"
 #include "tests/support/logged_lines.h"
 #include "tests/support/platform_recorder.h"
+#include "tests/support/tracked_heap.h"
 
 namespace {
 
@@ -793,6 +794,15 @@ TEST(PoolEnd, GivesBackWhatAFailedStartLeft) {
     EXPECT_EQ(nullptr, pool_state().workers.load());
     EXPECT_EQ(7, EmptyPass());
   }
+}
+
+TEST(PoolEnd, WithoutAPoolMisusesNoHeap) {
+  const lx_test::TrackedHeap tracked(1, 1, 0);
+  CaptureStderr();
+
+  lx::mp_end_workers();
+
+  EXPECT_EQ("", LoggedLines());
 }
 
 TEST(PoolEnd, IsHarmlessTwiceAndWithoutAPool) {

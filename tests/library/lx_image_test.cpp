@@ -8,6 +8,7 @@
 
 #include "baselib/utils/heap.h"
 #include "tests/support/heap_faults.h"
+#include "tests/support/tracked_heap.h"
 
 namespace {
 
@@ -73,6 +74,15 @@ TEST(LXImage, IsNotMadeWithoutMemoryAndLeavesNothing) {
     EXPECT_EQ(nullptr, LXImage::Make(5, 3));
     EXPECT_EQ(0, heap.Alive());
   }
+}
+
+TEST(LXImage, ThatCouldNotBeMadeMisusesNoHeap) {
+  const lx_test::TrackedHeap tracked(1, 1, 0);
+  testing::internal::CaptureStderr();
+
+  EXPECT_EQ(nullptr, LXImage::Make(23171, 23171));
+
+  EXPECT_EQ("", lx_test::LoggedLines());
 }
 
 void Fill(LXImage* image, int start) {
