@@ -184,7 +184,7 @@ CLI::App* AddWisdom(CLI::App* app, WisdomOptions* options) {
       "The effect measures its transforms, and keeps what it learns, wherever the environment\n"
       "has LX_USE_FFTW_WISDOM, whatever its value. Without it no file is touched.");
   wisdom->add_flag("--measure", options->measure,
-                   "Measure the plans of the grids from 512 to 4096 now; takes minutes");
+                   "Measure the plans of the grids from 512 to 4096 now; takes some seconds");
   wisdom
       ->add_option("--grid", options->grids,
                    "Measure only grids of that side: 512, 1024, 2048 or 4096. May be given more "
