@@ -167,8 +167,8 @@ void FreeTracked(const Family& family, void* block, const char* file, std::int32
   hm_unrecord(family.info, address);
   timer.Stop();
   if (Trace()) {
-    log_message(kLogInfo, "LX-HM-TRACE: %s(%p) at [%s(%d)].\n", family.freeName,
-                reinterpret_cast<void*>(address), file, line);
+    log_message(kLogInfo, "LX-HM-TRACE: %s(%p) at [%s(%d)].\n", family.freeName, AsPointer(address),
+                file, line);
     log_continue("            Alloc at [%s(%d)], size %d\n", birthFile, birthLine,
                  static_cast<int>(size));
   }
@@ -183,7 +183,7 @@ void WatchedFree(const Family& family, void* block, const char* file, std::int32
     FreeBlock(family, block);
     if (Trace()) {
       log_message(kLogInfo, "LX-HM-TRACE: %s(%p) at [%s(%d)]\n", family.freeName,
-                  reinterpret_cast<void*>(address), file, line);
+                  AsPointer(address), file, line);
     }
   } else {
     // Intended: this path has no line of its own.
@@ -233,8 +233,8 @@ void* WatchedRealloc(void* block, std::uint32_t size, const char* file, std::int
     result = GetPlatform().reallocate(block, size);
   }
   if (Trace() && line != 0) {
-    log_message(kLogInfo, "LX-HM-TRACE: lx_realloc(%p,%d) ret (%p) at [%s(%d)]\n",
-                reinterpret_cast<void*>(old), static_cast<int>(size), result, file, line);
+    log_message(kLogInfo, "LX-HM-TRACE: lx_realloc(%p,%d) ret (%p) at [%s(%d)]\n", AsPointer(old),
+                static_cast<int>(size), result, file, line);
   }
   return result;
 }

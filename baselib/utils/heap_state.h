@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <bit>
 #include <cstdint>
 #include <mutex>
 
@@ -30,6 +31,9 @@ struct HeapState {
     return *mutex;
   }
 };
+
+// An address to be printed. Whether a block is still there does not matter.
+inline const void* AsPointer(std::uintptr_t address) { return std::bit_cast<const void*>(address); }
 
 // One load away, since every allocation looks at it.
 extern HeapState heapState;

@@ -19,8 +19,6 @@ void StoreFile(char* to, const char* file) {
   to[kLongestFile] = '\0';
 }
 
-const void* AsPointer(std::uintptr_t block) { return reinterpret_cast<const void*>(block); }
-
 HeapInfoNode* Bucket(HeapInfo* table, std::uintptr_t block) {
   return &table->nodes[hm_bucket(AsPointer(block))];
 }

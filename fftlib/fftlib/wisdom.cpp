@@ -11,12 +11,14 @@
 namespace lx {
 namespace {
 
+constexpr const char* kFileName = "fftw3_wisdom_lx.dat";
+
 using Path = char[kPathBytes];
 
 void BuildWisdomPath(Path path) {
   const char separator[] = {GetPlatform().pathSeparator, '\0'};
   std::snprintf(path, sizeof(Path), "%s%s%s", get_standard_directory(kSettingsDirectory), separator,
-                kWisdomFileName);
+                kFileName);
 }
 
 // Beside the file, under a name of this process's own.

@@ -3,9 +3,6 @@
 
 namespace lx {
 
-// In the standard directory of settings.
-inline constexpr const char* kWisdomFileName = "fftw3_wisdom_lx.dat";
-
 // Makes the folder of the wisdom file, once in a process. Under FftPlannerLock.
 void MakeWisdomFolder();
 

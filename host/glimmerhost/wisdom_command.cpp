@@ -13,7 +13,6 @@
 
 #include "baselib/platform/platform.h"
 #include "baselib/utils/directories.h"
-#include "fftlib/fftlib/wisdom.h"
 #include "host/glimmerhost/effect_module.h"
 #include "host/glimmerhost/failure.h"
 #include "host/glimmerhost/frame_render.h"
@@ -30,6 +29,9 @@ namespace fs = std::filesystem;
 
 constexpr const char* kAnotherHome =
     "; a line LX_HOME_DIR=FOLDER in /etc/environment names another home directory";
+
+// The module's name for it, which its users rely on.
+constexpr const char* kWisdomFile = "fftw3_wisdom_lx.dat";
 
 // Of the grids that pictures from 512 pixels to 4K come to.
 constexpr int kGrids[] = {512, 1024, 2048, 4096};
@@ -122,7 +124,7 @@ void Measure(const WisdomOptions& options, const std::vector<int>& grids, std::o
 void RunWisdom(const WisdomOptions& options, std::ostream& out) {
   const fs::path home = lx::get_standard_directory(lx::kHomeDirectory);
   const fs::path settings = lx::get_standard_directory(lx::kSettingsDirectory);
-  const fs::path file = settings / lx::kWisdomFileName;
+  const fs::path file = settings / kWisdomFile;
   const std::vector<int> grids = ParseGrids(options);
   out << "Settings directory  " << settings.string() << '\n';
   MakeDirectories(home);
