@@ -69,7 +69,8 @@ struct Platform {
   std::uint32_t (*processId)();
 
   // Files, by the C runtime's modes. closeFile gives false if anything of what was written
-  // was lost; moveFile takes the place of a file that is there already.
+  // was lost; moveFile takes the place of a file that is there already, unless this
+  // process may not read and write it.
   std::FILE* (*openFile)(const char* path, const char* mode);
   bool (*closeFile)(std::FILE* file);
   bool (*moveFile)(const char* from, const char* to);

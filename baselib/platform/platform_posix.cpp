@@ -71,7 +71,17 @@ bool CloseFile(std::FILE* file) {
   return std::fclose(file) == 0 && whole;
 }
 
-bool MoveFile(const char* from, const char* to) { return std::rename(from, to) == 0; }
+// The right to rename is the folder's; whether a file may be replaced is asked of the file. The
+// mode speaks to the administrator too, who could write everything.
+bool IsProtected(const char* path) {
+  struct stat status;
+  return stat(path, &status) == 0 &&
+         ((status.st_mode & 0222) == 0 || access(path, R_OK | W_OK) != 0);
+}
+
+bool MoveFile(const char* from, const char* to) {
+  return !IsProtected(to) && std::rename(from, to) == 0;
+}
 void RemoveFile(const char* path) { (void)std::remove(path); }
 
 bool IsDirectory(const char* path) {

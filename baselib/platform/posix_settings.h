@@ -2,8 +2,8 @@
 // NAME=VALUE, one a line, values quoted or not.
 //
 //   the machine's environment   /etc/environment
-//   the user's environment      *.conf in environment.d of the user's configuration folder,
-//                               the last in the order of their names winning
+//   the user's environment      *.conf in .config/environment.d of the home that the password
+//                               database names, the last in the order of their names winning
 //   the program files folder    /etc/vantrell.conf
 //
 // All of them below the table's settingsRoot.

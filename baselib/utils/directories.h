@@ -24,7 +24,7 @@ const char* get_home_directory();
 const char* get_standard_directory(std::uint32_t number);
 
 // A value of the persistent environment, the machine's or the user's. Null where there is
-// none, or one of 1024 bytes or more.
+// none, an empty one, or one of 1024 bytes or more.
 const char* get_environment_setting(const char* name, bool machine);
 
 // Makes the standard directories and lets their owner write them. 1, or 0 at the first that

@@ -5,8 +5,9 @@
 // block goes back to the family that gave it. Each call carries its file and line, which
 // the compiler fills in. Any thread may call.
 //
-// As delivered these are the runtime's own functions. heap_tracking.h has the switches that
-// make them keep account of every block.
+// As delivered these are the runtime's own functions, for a size of 0 too. heap_tracking.h has the
+// switches that make them keep account of every block; then a size of 0, a null text and a null
+// block to be freed are reported, and nothing else comes of them.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +21,7 @@ void* lx_malloc(std::uint32_t size, const char* file = __builtin_FILE(),
                 std::int32_t line = __builtin_LINE());
 
 //   block  null gives a new one
-// Null leaves the block as it is.
+// Null for a size above 0 leaves the block as it is.
 void* lx_realloc(void* block, std::uint32_t size, const char* file = __builtin_FILE(),
                  std::int32_t line = __builtin_LINE());
 
@@ -28,7 +29,7 @@ void* lx_realloc(void* block, std::uint32_t size, const char* file = __builtin_F
 char* lx_strdup(const char* text, const char* file = __builtin_FILE(),
                 std::int32_t line = __builtin_LINE());
 
-//   block  null is legal and does nothing
+//   block  null does nothing
 void lx_free(void* block, const char* file = __builtin_FILE(),
              std::int32_t line = __builtin_LINE());
 

@@ -54,7 +54,7 @@ enum class Heap { kNormal, kImage };
 //   trace    a line for each operation
 void hm_set_switches(std::int32_t enabled, std::int32_t debug, std::int32_t trace);
 
-// The image heap has no use for realloc and strdup.
+// A table that is present has all its hooks; the image heap has no use for realloc and strdup.
 void hm_set_hooks(const HeapHooks& normal, const HeapHooks& image);
 
 // The account of a heap, for looking at only. Nobody may allocate meanwhile.

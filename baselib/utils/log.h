@@ -3,9 +3,9 @@
 //   (LX LIB) 14:03:07.25 WARN : MP: Can't set idle priority: access denied
 //   (LX LIB)                  : a continuation
 //
-// A text ends in one line feed whether or not it brings one, and is cut at 4095 characters.
-// It is formatted twice: "%%" in what the first formatting gives, from the format or from an
-// argument, is written as "%". Any thread may log; lines stay whole.
+// A text ends in one line feed whether or not it brings one, and is cut at 4095 characters, that
+// one included. It is formatted twice: "%%" in what the first formatting gives, from the format or
+// from an argument, is written as "%". Any thread may log; lines stay whole.
 #pragma once
 
 #include <cstdint>
@@ -28,7 +28,7 @@ enum LogLevel : std::int32_t {
 std::int32_t log_message(std::int32_t level, const char* format, ...)
     __attribute__((format(printf, 2, 3)));
 
-// Writes a line that belongs to what was written last; nothing before the first message.
+// Writes a line that belongs to what was written last; nothing before the first that was written.
 void log_continue(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
 }  // namespace lx

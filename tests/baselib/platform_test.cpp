@@ -286,6 +286,19 @@ TEST(PlatformFile, StaysWhereItIsWhenItCannotBeMoved) {
   EXPECT_EQ("new", Read(folder / "new"));
 }
 
+TEST(PlatformFile, IsNotReplacedWhereItIsProtected) {
+  const lx_test::ScratchFolder folder;
+  Write(folder / "new", "new");
+  Write(folder / "old", "an older one");
+  ASSERT_TRUE(System().setWritable((folder / "old").string().c_str(), false));
+
+  EXPECT_FALSE(
+      System().moveFile((folder / "new").string().c_str(), (folder / "old").string().c_str()));
+
+  EXPECT_EQ("an older one", Read(folder / "old"));
+  System().setWritable((folder / "old").string().c_str(), true);
+}
+
 TEST(PlatformFile, IsGoneWhenItIsRemoved) {
   const lx_test::ScratchFolder folder;
   Write(folder / "file", "x");

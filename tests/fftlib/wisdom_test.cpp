@@ -222,6 +222,19 @@ TEST_F(Wisdom, ThatCannotBeWrittenIsLeftWithoutAWord) {
   EXPECT_FALSE(fs::exists(File()));
 }
 
+TEST_F(Wisdom, LeavesAProtectedFileAsItIs) {
+  WriteFile("kept");
+  fs::permissions(File(), fs::perms::owner_read);
+  DefocusEngine engine;
+
+  Plan(&engine);
+
+  EXPECT_FALSE(engine.ExportWisdom());
+  EXPECT_EQ(0, engine.GetStatus());
+  EXPECT_EQ("kept", Content());
+  EXPECT_FALSE(fs::exists(home / "Settings" / Part()));
+}
+
 TEST_F(Wisdom, KeepsTheGoodFileWhereTheDiskIsFull) {
   { DefocusEngine engine; }
   const std::string good = Content();

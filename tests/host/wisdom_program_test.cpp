@@ -7,6 +7,7 @@
 #include <iterator>
 #include <set>
 #include <string>
+#include <thread>
 
 #include "tests/host/program.h"
 
@@ -81,6 +82,20 @@ TEST_F(WisdomProgram, ANewProcessKeepsWhatAnotherHasLearnt) {
   const std::set<std::string> second = Lines(file);
   EXPECT_TRUE(std::includes(second.begin(), second.end(), first.begin(), first.end()));
   EXPECT_LT(first.size(), second.size());
+}
+
+TEST_F(WisdomProgram, TwoProcessesAtOnceLeaveAWholeFile) {
+  const std::string first = RenderSmall("a.png");
+  const std::string second = RenderSmall("b.png");
+  std::thread other([&] { RunHere(first, "LX_USE_FFTW_WISDOM=1"); });
+  RunHere(second, "LX_USE_FFTW_WISDOM=1");
+  other.join();
+
+  const std::string content = Contents(file);
+  EXPECT_EQ(0U, content.find("(fftw-"));
+  EXPECT_EQ(content.size() - 2, content.rfind(")\n"));
+  const auto left = fs::directory_iterator(file.parent_path());
+  EXPECT_EQ(1, std::distance(begin(left), end(left)));
 }
 
 TEST_F(WisdomProgram, AHomeThatCannotBeMadeChangesNothingOfAPicture) {
