@@ -43,8 +43,12 @@ using ParallelForFunction = void (*)(void* context, PassFunction pass, std::int3
 // the pass early, without an error.
 using CancelQueryFunction = std::int32_t (*)(void* context);
 
-// Values of engineMode. Modes 1 to 3 have no back-end in this build: their loads and runs
-// answer false and leave status alone.
+// Values of engineMode. The kernel modes transform by fftkernels, in complex grids whose sides
+// differ where the frame's do. Mode 3 has no back-end: its loads and runs answer false and leave
+// status alone. Any other value counts as kModeKernelF32.
+inline constexpr std::int32_t kModeKernelF32 = 1;
+inline constexpr std::int32_t kModeKernelF64 = 2;
+inline constexpr std::int32_t kModeNone = 3;
 inline constexpr std::int32_t kModeFftw = 4;
 
 // Values of status.
@@ -74,6 +78,10 @@ inline constexpr std::int32_t kLargestPaddedSize = 8192;
 // 1 for n below 2, else the smallest power of two not below n.
 //   exponent  receives its exponent; may be null
 std::int64_t NextPowerOfTwo(std::int64_t n, std::int32_t* exponent = nullptr);
+
+// The side of a grid that holds a side of a frame with a margin on both ends; a margin below 0
+// counts as 0.
+std::int64_t PaddedSide(std::int32_t side, std::int32_t margin);
 
 // The fields are open for tests and measurements; whoever renders uses the operations.
 class DefocusEngine {
@@ -144,6 +152,46 @@ class DefocusEngine {
   bool ImportWisdom();
   bool ExportWisdom();
 
+  // The separable filter: a kernel is mirrored about its first value, its sum made 1, and lines
+  // of an image convolved with it.
+
+  // Takes a copy of the right half of a kernel. False, without a kernel then, for a count below 1
+  // and where memory has run out.
+  bool SetSeparableKernel(const float* kernel, std::int32_t count);
+
+  // Makes a kernel and sets it. False for a type that is none, and a radius that gives more than
+  // 8192 values.
+  //   type       1 box, 2 triangle, 3 Gaussian, 4 cubic, 5 cubic B-spline, 6 sinc with a cosine
+  //              window, 9 sinc with a sinc window
+  //   radius     pixels, where the types but 3 reach 0 at once or twice; at least 0.01, of a box 1
+  //   parameter  of type 4, its slope at 1; 0 for -0.75
+  //   spare      is not read
+  bool MakeFilterKernel(std::int32_t type, float radius, float parameter, float spare);
+
+  // Takes the image to be filtered, for the kernel that is set. Borrowed. False, without an image
+  // then, on failure.
+  bool PrepareSeparable(const ImageRec* image);
+
+  // Filters the image's channels.
+  //   dest         of the image's size and sample type; may be the image itself
+  //   channelMask  bit n selects channel n
+  //   direction    bit 0 along rows, bit 1 along columns; none of them does nothing
+  bool FilterSeparable(ImageRec* dest, std::uint32_t channelMask, std::uint32_t direction);
+
+  // Transforms a square block of real numbers by fftkernels, in its order of frequencies, and
+  // back without scaling: size * size times the block. False for a size that is no power of two
+  // from 2 to 8192, and where memory has run out.
+  //   input, output  size * size numbers
+  //   spectrum       size * size complex ones; InverseKernel2D destroys them
+  // Intended: either changes the padded size, so that a run needs a new load after it.
+  bool ForwardKernel2D(std::int32_t size, const float* input, float (*spectrum)[2]);
+  bool InverseKernel2D(std::int32_t size, float (*spectrum)[2], float* output);
+
+  // The signed frequencies of a place of the last ForwardKernel2D's spectrum. False, with nothing
+  // stored, for a place outside and before there is one.
+  bool LookUpFrequency(std::int32_t row, std::int32_t column, float* rowFrequency,
+                       float* columnFrequency) const;
+
   std::int32_t GetStatus() const { return status.load(std::memory_order_relaxed); }
 
   bool SetEdgeMode(std::int32_t mode);  // kEdgeZero or kEdgeReplicate, else false
@@ -161,7 +209,7 @@ class DefocusEngine {
 
   const ImageRec* psfImage = nullptr;     // mask last loaded; only ever compared with null
   const ImageRec* sourceImage = nullptr;  // borrowed
-  void* kernelPsf = nullptr;              // the kernel modes' blocks
+  void* kernelPsf = nullptr;              // the kernel modes' grids of complex samples
   void* kernelWork = nullptr;
   void* kernelLuma = nullptr;
   void* kernelCr = nullptr;
@@ -188,7 +236,7 @@ class DefocusEngine {
   std::int32_t offsetX = -1;
   std::int32_t offsetY = -1;
   std::int32_t margin = -1;
-  double* passTarget = nullptr;  // parameters of the pass in work
+  void* passTarget = nullptr;  // parameters of the pass in work
   bool passIsPsf = false;
   const ImageRec* passSource = nullptr;
   std::int32_t passEdgeMode = 0;
@@ -213,7 +261,7 @@ class DefocusEngine {
   ImageRec* passDest = nullptr;
   std::uint32_t passChannelBit = 0;
   std::int32_t passChannel = 0;  // the stored channel in work of ConvolveChannels
-  double* passKept = nullptr;    // grid that keeps the plane before the one in work
+  void* passKept = nullptr;      // grid that keeps the plane before the one in work
   std::int32_t edgeMode = kEdgeReplicate;
   ImageRec* psfMask = nullptr;          // owned; the mask that the builders draw
   std::atomic<std::int32_t> status{0};  // last error, until a pass clears it
@@ -248,6 +296,29 @@ class DefocusEngine {
   template <class Create>
   bool MakePlan(Plan* plan, Create create);
   void FreeGrids();
+  void FreeKernelGrids();
+
+  // Takes a padded size, with which grids and plans of another size go.
+  void SetGrid(std::int32_t width, std::int32_t height);
+
+  // The modes of the fixed-size kernels. T is what their grids are made of: float, double.
+  template <class T>
+  bool LoadPsfKernel(const ImageRec* mask, std::int32_t newMargin);
+  template <class T>
+  bool ConvolveKernel(ImageRec* dest, std::uint32_t channelMask);
+  template <class T>
+  bool ConvolveChannelsKernel(ImageRec* dest, std::uint32_t channelMask);
+  template <class T>
+  bool PrepareKernelGrid(void** grid, bool clear);
+  template <class T>
+  bool TransformKernelPlane(PassFunction inputPass);
+  template <class T>
+  void FinishKernelPlane(void* result, bool isLast);
+  bool CheckKernelRun(const ImageRec* dest);
+  bool CheckDestination(const ImageRec* dest);
+  bool FitsGrid() const;
+  bool CheckBlockSize(std::int32_t size);
+  bool PrepareFrequencyTable(std::int32_t size);
 
   // The pass fields of one plane of the source on its way to dest.
   void SetPlaneParameters(ImageRec* dest, std::uint32_t channelBit);
@@ -255,9 +326,10 @@ class DefocusEngine {
   // One plane from input pass to inverse transform, which leaves it in workSpatial.
   void TransformPlane(PassFunction inputPass);
 
-  // The side for which the grids and plans were made. Runs need it to equal the padded
+  // The sides for which the grids and plans were made. Runs need them to equal the padded
   // size, which other operations may have moved on.
-  std::int32_t gridSize_ = -1;
+  std::int32_t gridWidth_ = -1;
+  std::int32_t gridHeight_ = -1;
 };
 
 }  // namespace lx

@@ -36,7 +36,7 @@ template <class Sample>
 void InputChannelRow(const DefocusEngine& engine, std::int32_t y) {
   const ImageRec& source = *engine.passSource;
   const Sample* sample = SampleRow<Sample>(source, y) + engine.passChannel;
-  double* row = engine.passTarget + FrameStart(engine, y);
+  double* row = static_cast<double*>(engine.passTarget) + FrameStart(engine, y);
   const bool withGamma = HasGamma(engine);
   const double gamma = engine.gamma;
   for (std::int32_t x = 0; x < source.width; ++x, sample += source.channels) {
@@ -55,16 +55,6 @@ void InputChannelRow(const DefocusEngine& engine, std::int32_t y) {
 }
 
 template <class Sample>
-Sample StoreRaw(double value) {
-  if constexpr (std::is_same_v<Sample, float>) {
-    return NarrowToFloat(value);
-  } else {
-    // The largest 32-bit number is one below the limit, and the limit itself becomes 0.
-    return static_cast<Sample>(TruncateToUnsigned(value, SampleScale<Sample>::limit));
-  }
-}
-
-template <class Sample>
 Sample StoreGamma(double value, const DefocusEngine& engine, double exponent) {
   const double shaped = (std::pow(value, exponent) + static_cast<double>(engine.outputOffset)) *
                         static_cast<double>(engine.outputGain);
@@ -79,7 +69,7 @@ template <class Sample>
 void OutputChannelRow(const DefocusEngine& engine, std::int32_t y) {
   ImageRec* dest = engine.passDest;
   Sample* sample = SampleRow<Sample>(dest, y) + engine.passChannel;
-  const double* row = engine.passTarget + FrameStart(engine, y);
+  const double* row = static_cast<double*>(engine.passTarget) + FrameStart(engine, y);
   const double side = engine.paddedWidth;
   const double scale = 1.0 / (side * side);
   const bool withGamma = HasGamma(engine);
@@ -112,7 +102,7 @@ void RunChannelRows(DefocusEngine* engine, RowFunction rowFunction, std::int32_t
 void ChannelInputPass(DefocusEngine* engine, std::int32_t first, std::int32_t last) {
   RunChannelRows(engine, kInputRow[engine->passSource->sampleType], first, last);
   if (engine->passEdgeMode == kEdgeReplicate) {
-    RepeatEdgeRows(engine, first, last);
+    RepeatEdgeRows<double>(engine, first, last);
   }
 }
 

@@ -63,7 +63,7 @@ void DefocusEngine::SetPlaneParameters(ImageRec* dest, std::uint32_t channelBit)
 void DefocusEngine::TransformPlane(PassFunction inputPass) {
   RunRows(inputPass, sourceImage->height);
   GetFftCalls().execute(forwardPlan);
-  RunRows(MultiplyPass, gridSize_);
+  RunRows(MultiplyPass, gridHeight_);
   GetFftCalls().execute(inversePlan);
 }
 

@@ -8,6 +8,7 @@
 #include "baselib/platform/platform.h"
 #include "baselib/threads/system_info.h"
 #include "baselib/utils/convert.h"
+#include "baselib/utils/heap.h"
 #include "fftlib/fftlib.h"
 #include "fftlib/fftlib/fft_calls.h"
 #include "fftlib/fftlib/polygon_fill.h"
@@ -35,6 +36,10 @@ float Limit(float value, float lowest, float highest) {
 }
 
 }  // namespace
+
+std::int64_t PaddedSide(std::int32_t side, std::int32_t margin) {
+  return NextPowerOfTwo(side + 2 * std::int64_t{std::max(margin, 0)});
+}
 
 std::int64_t NextPowerOfTwo(std::int64_t n, std::int32_t* exponent) {
   std::int64_t power = 1;
@@ -66,7 +71,15 @@ DefocusEngine::DefocusEngine(std::int32_t mode) : engineMode(mode == 5 ? kModeFf
 }
 
 DefocusEngine::~DefocusEngine() {
+  FreeKernelGrids();
+  if (separableKernel != nullptr) {
+    lx_free(separableKernel);
+  }
+  ImageFree(separableWork);
   ImageFree(psfMask);
+  if (frequencyTable != nullptr) {
+    lx_free(frequencyTable);
+  }
   if (useWisdom != 0) {
     const std::scoped_lock hold(FftPlannerLock());
     // An engine that has planned nothing would write a file of nothing over a good one.
@@ -188,11 +201,18 @@ bool DefocusEngine::LoadPsf(ImageRec* mask, std::int32_t newMargin) {
     ImageBlur(mask, psfSoftness, psfSoftness, kAllChannels);
     wholeMargin += std::int64_t{TruncateToInt32(std::ceil(psfSoftness))} + 1;
   }
-  if (engineMode != kModeFftw) {
-    return false;
+  const auto rounded =
+      static_cast<std::int32_t>(std::clamp<std::int64_t>(wholeMargin, INT32_MIN, INT32_MAX));
+  switch (engineMode) {
+    case kModeKernelF64:
+      return LoadPsfKernel<double>(mask, rounded);
+    case kModeNone:
+      return false;
+    case kModeFftw:
+      return LoadPsfFftw(mask, rounded);
+    default:
+      return LoadPsfKernel<float>(mask, rounded);
   }
-  return LoadPsfFftw(
-      mask, static_cast<std::int32_t>(std::clamp<std::int64_t>(wholeMargin, INT32_MIN, INT32_MAX)));
 }
 
 bool DefocusEngine::SetSourceImage(const ImageRec* image) {
@@ -208,23 +228,59 @@ bool DefocusEngine::SetSourceImage(const ImageRec* image) {
 }
 
 bool DefocusEngine::Convolve(ImageRec* dest, std::uint32_t channelMask) {
-  return engineMode == kModeFftw && ConvolveFftw(dest, channelMask);
+  switch (engineMode) {
+    case kModeKernelF64:
+      return ConvolveKernel<double>(dest, channelMask);
+    case kModeNone:
+      return false;
+    case kModeFftw:
+      return ConvolveFftw(dest, channelMask);
+    default:
+      return ConvolveKernel<float>(dest, channelMask);
+  }
 }
 
 bool DefocusEngine::ConvolveChannels(ImageRec* dest, std::uint32_t channelMask) {
-  return engineMode == kModeFftw && ConvolveChannelsFftw(dest, channelMask);
+  switch (engineMode) {
+    case kModeKernelF64:
+      return ConvolveChannelsKernel<double>(dest, channelMask);
+    case kModeNone:
+      return false;
+    case kModeFftw:
+      return ConvolveChannelsFftw(dest, channelMask);
+    default:
+      return ConvolveChannelsKernel<float>(dest, channelMask);
+  }
+}
+
+void DefocusEngine::SetGrid(std::int32_t width, std::int32_t height) {
+  if (width != paddedWidth || height != paddedHeight || width != gridWidth_ ||
+      height != gridHeight_) {
+    FreeGrids();
+    FreeKernelGrids();
+    paddedWidth = width;
+    paddedHeight = height;
+    gridWidth_ = width;
+    gridHeight_ = height;
+  }
+}
+
+// A load that failed may have moved the frame's size on, away from the grids: a frame
+// that no longer fits into them has no PSF.
+bool DefocusEngine::FitsGrid() const {
+  return gridWidth_ == paddedWidth && gridHeight_ == paddedHeight && offsetX >= 0 && offsetY >= 0 &&
+         offsetX + frameWidth <= paddedWidth && offsetY + frameHeight <= paddedHeight;
 }
 
 bool DefocusEngine::CheckRun(const ImageRec* dest) {
-  // A load that failed may have moved the frame's size on, away from the grids: a frame
-  // that no longer fits into them has no PSF.
-  const bool fits = gridSize_ == paddedWidth && gridSize_ == paddedHeight && offsetX >= 0 &&
-                    offsetY >= 0 && offsetX + frameWidth <= paddedWidth &&
-                    offsetY + frameHeight <= paddedHeight;
   if (psfSpatial == nullptr || psfSpectrum == nullptr || psfPlan == nullptr ||
-      sourceImage == nullptr || !fits) {
+      sourceImage == nullptr || !FitsGrid()) {
     return Fail(kStatusNotLoaded);
   }
+  return CheckDestination(dest);
+}
+
+bool DefocusEngine::CheckDestination(const ImageRec* dest) {
   if (dest == nullptr || dest->width != sourceImage->width || dest->height != sourceImage->height ||
       dest->sampleType != sourceImage->sampleType) {
     return Fail(kStatusDestination);

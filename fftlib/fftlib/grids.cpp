@@ -78,7 +78,7 @@ bool DefocusEngine::MakePlan(Plan* plan, Create create) {
 }
 
 bool DefocusEngine::PreparePsfGrids() {
-  const std::int32_t side = gridSize_;
+  const std::int32_t side = gridWidth_;
   if (!AllocateMissing(&psfSpatial, GridBytes(side), true) ||
       !AllocateMissing(&psfSpectrum, SpectrumBytes(side), true)) {
     return Fail(kStatusNoMemory);
@@ -99,7 +99,7 @@ bool DefocusEngine::PreparePsfGrids() {
 }
 
 bool DefocusEngine::PrepareWorkGrids(bool clearNew) {
-  const std::int32_t side = gridSize_;
+  const std::int32_t side = gridWidth_;
   const bool isNew = workSpatial == nullptr || workSpectrum == nullptr;
   const bool planned = forwardPlan != nullptr && inversePlan != nullptr;
   if (!AllocateMissing(&workSpatial, GridBytes(side), clearNew) ||
@@ -122,7 +122,7 @@ bool DefocusEngine::PrepareWorkGrids(bool clearNew) {
 }
 
 bool DefocusEngine::PrepareResult(double** result) {
-  return AllocateMissing(result, GridBytes(gridSize_), false) || Fail(kStatusNoMemory);
+  return AllocateMissing(result, GridBytes(gridWidth_), false) || Fail(kStatusNoMemory);
 }
 
 void DefocusEngine::FreeGrids() {

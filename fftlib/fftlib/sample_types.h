@@ -3,7 +3,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
+#include "baselib/utils/convert.h"
 #include "imagelib/imagelib.h"
 
 namespace lx {
@@ -44,6 +46,17 @@ template <class Sample>
 Sample* SampleRow(ImageRec* image, std::int32_t y) {
   return static_cast<Sample*>(image->data) +
          static_cast<std::ptrdiff_t>(y) * image->width * image->channels;
+}
+
+// A number as a run without scaling stores it: clamped and truncated, as float unchanged.
+template <class Sample>
+Sample StoreRaw(double value) {
+  if constexpr (std::is_same_v<Sample, float>) {
+    return NarrowToFloat(value);
+  } else {
+    // The largest 32-bit number is one below the limit, and the limit itself becomes 0.
+    return static_cast<Sample>(TruncateToUnsigned(value, SampleScale<Sample>::limit));
+  }
 }
 
 }  // namespace lx

@@ -1,0 +1,156 @@
+// Kernels of the separable filter: their right halves, the middle first.
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <memory>
+
+#include "baselib/utils/convert.h"
+#include "baselib/utils/heap.h"
+#include "fftlib/fftlib.h"
+
+namespace lx {
+namespace {
+
+constexpr std::int32_t kLongestKernel = 8192;
+
+constexpr float kPi = 3.1415927F;
+constexpr float kHalfPi = 1.5707964F;
+constexpr float kQuarterPi = 0.7853982F;
+constexpr float kSixth = 0.16666667F;
+
+enum FilterType : std::int32_t {
+  kBox = 1,
+  kTriangle = 2,
+  kGaussian = 3,
+  kCubic = 4,
+  kCubicSpline = 5,
+  kSincCosine = 6,
+  kSincSinc = 9,
+};
+
+bool IsFilterType(std::int32_t type) {
+  return type >= kBox && type <= kSincSinc && type != 7 && type != 8;
+}
+
+double Triangle(double t) { return std::max(1.0 - t, 0.0); }
+
+double Gaussian(double i, double radius) {
+  const double sigma = radius / 3.0;
+  return std::exp(-(i * i) / (2.0 * sigma * sigma));
+}
+
+double Cubic(double t, double a) {
+  if (t < 1.0) {
+    return ((a + 2.0) * t - (a + 3.0)) * t * t + 1.0;
+  }
+  return ((t - 5.0) * a * t + 8.0 * a) * t - 4.0 * a;
+}
+
+double CubicSpline(double t) {
+  if (t < 1.0) {
+    return ((3.0 * t - 6.0) * t * t + 4.0) * kSixth;
+  }
+  return (((6.0 - t) * t - 12.0) * t + 8.0) * kSixth;
+}
+
+// sin(t factor) / (t factor), 1 at 0.
+double Sinc(double t, float factor) {
+  const double angle = t * static_cast<double>(factor);
+  return angle == 0.0 ? 1.0 : std::sin(angle) / angle;
+}
+
+double CosineWindow(double t) {
+  return (std::cos(t * static_cast<double>(kQuarterPi)) + 1.0) * 0.5;
+}
+
+// Beyond twice the radius all but the Gaussian are 0.
+double FilterValue(std::int32_t type, std::int32_t i, double radius, double a) {
+  const double t = i / radius;
+  switch (type) {
+    case kBox:
+      return i < radius ? 1.0 : 0.0;
+    case kTriangle:
+      return Triangle(t);
+    case kGaussian:
+      return Gaussian(i, radius);
+    default:
+      break;
+  }
+  if (!(t < 2.0)) {
+    return 0.0;
+  }
+  switch (type) {
+    case kCubic:
+      return Cubic(t, a);
+    case kCubicSpline:
+      return CubicSpline(t);
+    case kSincCosine:
+      return Sinc(t, kPi) * CosineWindow(t);
+    default:
+      return Sinc(t, kPi) * Sinc(t, kHalfPi);
+  }
+}
+
+// 0 for a kernel that would be too long.
+std::int32_t FilterLength(std::int32_t type, double radius) {
+  const bool endsAtOnce = type == kBox || type == kTriangle;
+  const std::int64_t whole = TruncateToInt32(endsAtOnce ? radius : std::ceil(radius));
+  const std::int64_t length = endsAtOnce ? whole + 1 : 2 * whole + 1;
+  return length < 1 || length > kLongestKernel ? 0 : static_cast<std::int32_t>(length);
+}
+
+struct FreeBlock {
+  void operator()(float* block) const { lx_free(block); }
+};
+using Floats = std::unique_ptr<float, FreeBlock>;
+
+Floats AllocateFloats(std::int32_t count) {
+  return Floats(static_cast<float*>(
+      lx_malloc(static_cast<std::uint32_t>(count) * static_cast<std::uint32_t>(sizeof(float)))));
+}
+
+}  // namespace
+
+bool DefocusEngine::SetSeparableKernel(const float* kernel, std::int32_t count) {
+  if (separableKernel != nullptr) {
+    lx_free(separableKernel);
+    separableKernel = nullptr;
+  }
+  separableKernelLength = 0;
+  if (kernel == nullptr || count < 1) {
+    return false;
+  }
+  if (static_cast<std::uint32_t>(count) <= 0xFFFFFFFFU / sizeof(float)) {
+    separableKernel = AllocateFloats(count).release();
+  }
+  if (separableKernel == nullptr) {
+    return Fail(kStatusNoMemory);
+  }
+  std::copy_n(kernel, count, separableKernel);
+  separableKernelLength = count;
+  return true;
+}
+
+bool DefocusEngine::MakeFilterKernel(std::int32_t type, float radius, float parameter,
+                                     float /*spare*/) {
+  if (!IsFilterType(type)) {
+    return false;
+  }
+  const float least = type == kBox ? 1.0F : 0.01F;
+  const double r = static_cast<double>(radius < least ? least : radius);
+  const double a = parameter == 0.0F ? -0.75 : static_cast<double>(parameter);
+  const std::int32_t length = FilterLength(type, r);
+  if (length == 0) {
+    return false;
+  }
+  const Floats kernel = AllocateFloats(length);
+  if (kernel == nullptr) {
+    return Fail(kStatusNoMemory);
+  }
+  for (std::int32_t i = 0; i < length; ++i) {
+    kernel.get()[i] = NarrowToFloat(FilterValue(type, i, r, a));
+  }
+  return SetSeparableKernel(kernel.get(), length);
+}
+
+}  // namespace lx
