@@ -11,7 +11,8 @@
 // transforms were planned for. Frames hold noise, since zeros flatter everyone.
 //
 // pool 0 runs the row passes on the caller alone, pool 1 on every way; the transforms use
-// every processor in both. BM_EmptyPass is the pool's own cost.
+// every processor in both. BM_Mode alternates a frame of a kernel mode with the same frame through
+// FFTW. BM_EmptyPass is the pool's own cost.
 #include <benchmark/benchmark.h>
 
 #include <chrono>
@@ -60,8 +61,10 @@ bool LooksBlurred(const lx::ImageRec& image, float emphasis) {
 // An engine with a source, a PSF and everything that its first frame makes.
 class LoadedEngine {
  public:
-  LoadedEngine(std::int32_t width, std::int32_t height, float radius, float emphasis, bool pooled)
-      : source_(MakeFrame(width, height)),
+  LoadedEngine(std::int32_t width, std::int32_t height, float radius, float emphasis, bool pooled,
+               std::int32_t mode = lx::kModeFftw)
+      : engine(mode),
+        source_(MakeFrame(width, height)),
         dest_(lx::ImageCreateLike(source_.get())),
         radius_(radius) {
     if (pooled) {
@@ -96,27 +99,28 @@ class LoadedEngine {
   bool usable_;
 };
 
-// Alternates the work with its bare transforms, and counts both.
-template <class Work, class Transforms>
+// Alternates the work with what it is measured by, and counts both.
+template <class Work, class Reference>
 void Compare(benchmark::State* state, const lx::DefocusEngine& engine, bool pooled, Work work,
-             Transforms transforms) {
+             Reference reference) {
   double workTime = 0.0;
-  double transformTime = 0.0;
+  double referenceTime = 0.0;
   for (auto _ : *state) {
     const auto start = Clock::now();
     work();
     const auto worked = Clock::now();
-    transforms();
-    const auto transformed = Clock::now();
+    reference();
+    const auto done = Clock::now();
     state->SetIterationTime(Seconds(start, worked));
     workTime += Seconds(start, worked);
-    transformTime += Seconds(worked, transformed);
+    referenceTime += Seconds(worked, done);
   }
   const auto count = static_cast<double>(state->iterations());
   state->counters["ways"] = pooled ? lx::mp_num_ways() : 1;
   state->counters["grid"] = engine.paddedWidth;
-  state->counters["transforms_ms"] = transformTime / count * 1e3;
-  state->counters["ratio"] = workTime / transformTime;
+  state->counters["grid_height"] = engine.paddedHeight;
+  state->counters["reference_ms"] = referenceTime / count * 1e3;
+  state->counters["ratio"] = workTime / referenceTime;
 }
 
 void BM_Frame(benchmark::State& state) {
@@ -166,6 +170,30 @@ BENCHMARK(BM_PsfBuild)
     ->ArgsProduct({{720}, {576}, {20, 100}})
     ->ArgsProduct({{1920}, {1080}, {20, 100}})
     ->ArgsProduct({{3840}, {2160}, {20, 100}})
+    ->Unit(benchmark::kMillisecond)
+    ->UseManualTime();
+
+// A frame of a kernel mode against the same frame through FFTW.
+void BM_Mode(benchmark::State& state) {
+  const auto load = [&](std::int32_t mode) {
+    return std::make_unique<LoadedEngine>(static_cast<std::int32_t>(state.range(1)),
+                                          static_cast<std::int32_t>(state.range(2)),
+                                          static_cast<float>(state.range(3)), 0.0F, true, mode);
+  };
+  const auto loaded = load(static_cast<std::int32_t>(state.range(0)));
+  const auto reference = load(lx::kModeFftw);
+  if (!loaded->IsUsable(&state) || !reference->IsUsable(&state)) {
+    return;
+  }
+  Compare(
+      &state, loaded->engine, true, [&] { loaded->Convolve(); }, [&] { reference->Convolve(); });
+}
+
+BENCHMARK(BM_Mode)
+    ->ArgNames({"mode", "width", "height", "radius"})
+    ->ArgsProduct({{1, 2}, {720}, {576}, {20}})
+    ->ArgsProduct({{1, 2}, {1920}, {1080}, {20, 100}})
+    ->ArgsProduct({{1, 2}, {3840}, {2160}, {20}})
     ->Unit(benchmark::kMillisecond)
     ->UseManualTime();
 

@@ -30,7 +30,7 @@ bool IsShape(std::int32_t value) { return value >= kCircle && value <= kImage; }
 
 }  // namespace
 
-GlimmerBlur::GlimmerBlur() : engine(new (std::nothrow) DefocusEngine(kModeFftw)) {}
+GlimmerBlur::GlimmerBlur() : engine(new (std::nothrow) DefocusEngine(LX_ENGINE_MODE)) {}
 
 GlimmerBlur::~GlimmerBlur() { delete engine; }
 

@@ -49,7 +49,7 @@ constexpr std::ptrdiff_t kLineGap = 64 / sizeof(ComplexSample<T>);
 template <class T>
 class ColumnLines {
  public:
-  ColumnLines(const DefocusEngine& engine)
+  explicit ColumnLines(const DefocusEngine& engine)
       : stride_(engine.paddedHeight + kLineGap<T>),
         lines_(static_cast<ComplexSample<T>*>(lx_aligned_malloc(
             static_cast<std::uint32_t>(kColumnsAtATime<T> * stride_ * sizeof(ComplexSample<T>)), -1,

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <numeric>
 
 #include "baselib/utils/heap.h"
@@ -58,7 +59,7 @@ void ScaleAndRotate(Sample* buffer, std::int32_t width, std::int32_t height, Sca
   const auto row = [&](std::int32_t y) { return buffer + static_cast<std::ptrdiff_t>(y) * width; };
   const std::int32_t cycles = std::gcd(height, half);  // the height itself where half is 0
   for (std::int32_t start = 0; start < cycles; ++start) {
-    std::copy_n(row(start), width, line);
+    std::uninitialized_copy_n(row(start), width, line);
     std::int32_t y = start;
     for (std::int32_t next = (y + half) % height; next != start; next = (y + half) % height) {
       ScaleAndRotateRow(row(next), row(y), width, scale);

@@ -304,12 +304,12 @@ TEST_F(RenderDriver, RunsPassesWithTheWordThatItWasGiven) {
   EXPECT_EQ(0, effect.engine->cancelQuery(effect.engine->callbackContext));
 }
 
-TEST(Effect, OwnsOneEngineInTheTransformMode) {
+TEST(Effect, OwnsOneEngineInTheModeOfTheBuild) {
   Record() = {};
   {
     const GlimmerBlur effect;
     EXPECT_EQ(1, Record().alive);
-    EXPECT_EQ(4, effect.engine->engineMode);
+    EXPECT_EQ(LX_ENGINE_MODE, effect.engine->engineMode);
   }
   EXPECT_EQ(0, Record().alive);
 }

@@ -345,11 +345,17 @@ TEST_F(RenderAdapter, BuildsOnePsfForEqualParameters) {
   {
     const auto render = Connected();
     render->renderFrame(1, 0, 0);
+    // A build would clear the mask.
+    const lx::DefocusEngine& engine = *render->effect.engine;
+    auto* mask = static_cast<std::uint8_t*>(engine.psfMask->data);
+    mask[0] = 1;
     fft.Clear();
 
     render->renderFrame(2, 0, 0);
 
-    EXPECT_EQ(std::vector<std::string>(8, "execute"), fft.Log());
+    EXPECT_EQ(1, mask[0]);
+    const std::size_t executions = engine.engineMode == lx::kModeFftw ? 8 : 0;
+    EXPECT_EQ(std::vector<std::string>(executions, "execute"), fft.Log());
   }
 }
 
