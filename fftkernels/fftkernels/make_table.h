@@ -8,25 +8,36 @@
 
 namespace lx {
 
+// One vector of complex numbers.
+template <class Vectors, class T>
+LX_ALWAYS_INLINE void MultiplyVector(T* a, const T* b) {
+  typename Vectors::Vector aRe;
+  typename Vectors::Vector aIm;
+  typename Vectors::Vector bRe;
+  typename Vectors::Vector bIm;
+  Vectors::LoadPairs(a, aRe, aIm);
+  Vectors::LoadPairs(b, bRe, bIm);
+  Vectors::StorePairs(a, aRe * bRe - aIm * bIm, aRe * bIm + aIm * bRe);
+}
+
 template <class Form, class T>
 void MultiplyComplex(T* a, const T* b, int count) {
   constexpr int kLanes = Form::template kLanes<T>;
   using Vectors = Lanes<Form, T, kLanes>;
   int k = 0;
   for (; k + kLanes <= count; k += kLanes) {
-    typename Vectors::Vector aRe;
-    typename Vectors::Vector aIm;
-    typename Vectors::Vector bRe;
-    typename Vectors::Vector bIm;
-    Vectors::LoadPairs(a + 2 * k, aRe, aIm);
-    Vectors::LoadPairs(b + 2 * k, bRe, bIm);
-    Vectors::StorePairs(a + 2 * k, aRe * bRe - aIm * bIm, aRe * bIm + aIm * bRe);
+    MultiplyVector<Vectors>(a + 2 * k, b + 2 * k);
   }
-  for (; k < count; ++k) {
-    const T re = a[2 * k] * b[2 * k] - a[2 * k + 1] * b[2 * k + 1];
-    const T im = a[2 * k] * b[2 * k + 1] + a[2 * k + 1] * b[2 * k];
-    a[2 * k] = re;
-    a[2 * k + 1] = im;
+  // The rest in a vector too: a plain loop would be the compiler's to fuse as it likes, this way
+  // where the arrays may overlap and that way where they may not.
+  if (k < count) {
+    const auto bytes = sizeof(T) * 2 * static_cast<unsigned>(count - k);
+    T restOfA[2 * kLanes] = {};
+    T restOfB[2 * kLanes] = {};
+    __builtin_memcpy(restOfA, a + 2 * k, bytes);
+    __builtin_memcpy(restOfB, b + 2 * k, bytes);
+    MultiplyVector<Vectors>(restOfA, restOfB);
+    __builtin_memcpy(a + 2 * k, restOfA, bytes);
   }
 }
 
