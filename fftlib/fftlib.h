@@ -14,6 +14,9 @@
 //   |    +---------------+     |
 //   +--------------------------+
 //
+// That is the mode of FFTW. In the kernel modes the two sides are padded apart, and grids hold
+// complex samples, which become their own spectrum in place.
+//
 // Every failure is a false result and a code in status; nothing is logged, nothing is
 // thrown. One thread at a time per engine; different engines may work on different
 // threads. Images that are handed over are borrowed and must outlive the run.
