@@ -301,6 +301,9 @@ class DefocusEngine {
   void FreeGrids();
   void FreeKernelGrids();
 
+  // The beginning of every load: mask and margin as they are given.
+  bool TakeMask(const ImageRec* mask, std::int32_t newMargin);
+
   // Takes a padded size, with which grids and plans of another size go.
   void SetGrid(std::int32_t width, std::int32_t height);
 

@@ -253,6 +253,17 @@ bool DefocusEngine::ConvolveChannels(ImageRec* dest, std::uint32_t channelMask) 
   }
 }
 
+bool DefocusEngine::TakeMask(const ImageRec* mask, std::int32_t newMargin) {
+  if (!ImageHasSamples(mask)) {
+    return Fail(kStatusSizeRange);
+  }
+  psfImage = mask;
+  margin = newMargin;
+  frameWidth = mask->width;
+  frameHeight = mask->height;
+  return true;
+}
+
 void DefocusEngine::SetGrid(std::int32_t width, std::int32_t height) {
   if (width != paddedWidth || height != paddedHeight || width != gridWidth_ ||
       height != gridHeight_) {

@@ -50,13 +50,9 @@ bool DefocusEngine::PrepareKernelGrid(void** grid, bool clear) {
 
 template <class T>
 bool DefocusEngine::LoadPsfKernel(const ImageRec* mask, std::int32_t newMargin) {
-  if (!ImageHasSamples(mask)) {
-    return Fail(kStatusSizeRange);
+  if (!TakeMask(mask, newMargin)) {
+    return false;
   }
-  psfImage = mask;
-  margin = newMargin;
-  frameWidth = mask->width;
-  frameHeight = mask->height;
   const std::int64_t width = PaddedSide(frameWidth, newMargin);
   const std::int64_t height = PaddedSide(frameHeight, newMargin);
   if (!IsPaddedSide(width) || !IsPaddedSide(height)) {

@@ -10,13 +10,9 @@
 namespace lx {
 
 bool DefocusEngine::LoadPsfFftw(const ImageRec* mask, std::int32_t newMargin) {
-  if (!ImageHasSamples(mask)) {
-    return Fail(kStatusSizeRange);
+  if (!TakeMask(mask, newMargin)) {
+    return false;
   }
-  psfImage = mask;
-  margin = newMargin;
-  frameWidth = mask->width;
-  frameHeight = mask->height;
   const std::int64_t side =
       std::max(PaddedSide(frameWidth, newMargin), PaddedSide(frameHeight, newMargin));
   if (side < 2 || side > kLargestPaddedSize) {
