@@ -56,7 +56,8 @@ inline constexpr std::int32_t kModeFftw = 4;
 
 // Values of status.
 inline constexpr std::int32_t kStatusOk = 0;
-inline constexpr std::int32_t kStatusSizeRange = 1;  // a padded size outside 2 to 8192
+inline constexpr std::int32_t kStatusSizeRange = 1;  // a padded or block size outside 2 to
+                                                     // 8192, or an image without samples
 inline constexpr std::int32_t kStatusNoMemory = 2;
 inline constexpr std::int32_t kStatusSourceSize = 3;   // source not of the PSF's size
 inline constexpr std::int32_t kStatusNotLoaded = 4;    // run without PSF or source
@@ -126,10 +127,13 @@ class DefocusEngine {
 
   // Takes a mask of the frame's size as the PSF: softens it, normalises its sum to 1,
   // moves its middle to sample (0, 0) and keeps its spectrum. False on failure.
-  //   mask    8-bit, one channel; softened in place. Borrowed until the next load
+  //   mask    8-bit, one channel; softened in place. Borrowed until the next load. The kernel
+  //           modes take every sample type, and the first of several channels
   //   margin  pixels by which the frame is padded on each side; below 0 as 0
+  // Where memory has run out the mode of FFTW keeps the mask as its PSF, the kernel modes have
+  // none.
   // Intended: a load at an unchanged padded size adds the mask to what the earlier load
-  // left in the grid outside the frame's rectangle.
+  // left in the grid outside the frame's rectangle; in the kernel modes that is its spectrum.
   bool LoadPsf(ImageRec* mask, std::int32_t margin);
 
   // The frame to blur. False, with no source then, unless it has the PSF's size.
@@ -141,12 +145,16 @@ class DefocusEngine {
   // Blurs the source into dest, as luma, two chroma planes and alpha.
   //   dest         of the source's size and sample type; may be the source itself
   //   channelMask  bits 0 to 2 must be set; bit 3 writes alpha, if both images have it
-  // False on failure, with dest as it was.
+  // False on failure, with dest as it was. The kernel modes refuse float images.
+  // Intended: in the kernel modes a full white of 32 bits becomes 0, and with margins of zero
+  // what a plane left in them goes into the next one: luma's into Cr, alpha's into the next
+  // frame.
   bool Convolve(ImageRec* dest, std::uint32_t channelMask);
 
   // Blurs stored channels one by one, without colour transform.
   //   channelMask  bit n selects channel n
-  // False on failure; channels before the failing one are written.
+  // False on failure; channels before the failing one are written. The kernel modes have no
+  // gamma, gain and offset.
   bool ConvolveChannels(ImageRec* dest, std::uint32_t channelMask);
 
   // Reads or writes what measuring plans has taught the transform library: one file for all
@@ -156,26 +164,32 @@ class DefocusEngine {
   bool ExportWisdom();
 
   // The separable filter: a kernel is mirrored about its first value, its sum made 1, and lines
-  // of an image convolved with it.
+  // of an image are multiplied with it as real transforms of fftkernels.
+  // Intended: the mirror image lies one place short of where a circle would have it; a sum of 0
+  // or below multiplies the kernel by itself; and since the real transforms take numbers in
+  // another order than lines have, the result is no plain convolution.
 
-  // Takes a copy of the right half of a kernel. False, without a kernel then, for a count below 1
-  // and where memory has run out.
+  // Takes a copy of the right half of a kernel. False, without a kernel then, for a count below 1,
+  // which leaves status alone, and where memory has run out.
   bool SetSeparableKernel(const float* kernel, std::int32_t count);
 
-  // Makes a kernel and sets it. False for a type that is none, and a radius that gives more than
-  // 8192 values.
-  //   type       1 box, 2 triangle, 3 Gaussian, 4 cubic, 5 cubic B-spline, 6 sinc with a cosine
-  //              window, 9 sinc with a sinc window
-  //   radius     pixels, where the types but 3 reach 0 at once or twice; at least 0.01, of a box 1
+  // Makes a kernel and sets it. False for a type that is none, for a radius that is no number or
+  // gives more than 8192 values, none of which touches status, and where memory has run out.
+  //   type       1 box and 2 triangle, which end at the radius r, with r + 1 values; 3 Gaussian,
+  //              whose deviation is r / 3; 4 cubic, 5 cubic B-spline, 6 sinc with a cosine window
+  //              and 9 sinc with a sinc window, which end at 2 r. All but 1 and 2 have 2 r + 1
+  //              values, r being rounded up
+  //   radius     r, pixels; at least 0.01, of a box 1
   //   parameter  of type 4, its slope at 1; 0 for -0.75
   //   spare      is not read
   bool MakeFilterKernel(std::int32_t type, float radius, float parameter, float spare);
 
-  // Takes the image to be filtered, for the kernel that is set. Borrowed. False, without an image
-  // then, on failure.
+  // Takes the image to be filtered, for the kernel that is set: a line and twice the kernel's
+  // length may come to 8192 samples. Borrowed. False, without an image then, on failure.
+  // Intended: every call makes a clone to work in, and loses that of the call before.
   bool PrepareSeparable(const ImageRec* image);
 
-  // Filters the image's channels.
+  // Filters the image's channels. Whole numbers are cut, not rounded, and saturate.
   //   dest         of the image's size and sample type; may be the image itself
   //   channelMask  bit n selects channel n
   //   direction    bit 0 along rows, bit 1 along columns; none of them does nothing
@@ -186,7 +200,7 @@ class DefocusEngine {
   // from 2 to 8192, and where memory has run out.
   //   input, output  size * size numbers
   //   spectrum       size * size complex ones; InverseKernel2D destroys them
-  // Intended: either changes the padded size, so that a run needs a new load after it.
+  // Intended: either changes the padded size, so that a run at another size needs a new load.
   bool ForwardKernel2D(std::int32_t size, const float* input, float (*spectrum)[2]);
   bool InverseKernel2D(std::int32_t size, float (*spectrum)[2], float* output);
 
@@ -213,6 +227,8 @@ class DefocusEngine {
   const ImageRec* psfImage = nullptr;     // mask last loaded; only ever compared with null
   const ImageRec* sourceImage = nullptr;  // borrowed
   void* kernelPsf = nullptr;              // the kernel modes' grids of complex samples
+  // After a run: alpha's result, or zeros; the three below have the planes in the frame's
+  // rectangle.
   void* kernelWork = nullptr;
   void* kernelLuma = nullptr;
   void* kernelCr = nullptr;

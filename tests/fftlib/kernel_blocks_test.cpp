@@ -404,4 +404,39 @@ TEST_P(RunAfterABlock, IsUnharmedByABlockThatWasRefused) {
   EXPECT_TRUE(lx_test::SameSamples(Fresh(lx_test::kFrameMargin), dest));
 }
 
+// The kernel modes' grids are 32 x 16 and 16 x 32 here: a block of 32 agrees with either on one
+// side.
+TEST(KernelRunAfterABlock, TakesBothSidesForTheSize) {
+  for (const std::int32_t mode : {lx::kModeKernelF32, lx::kModeKernelF64}) {
+    for (const bool isTall : {false, true}) {
+      const int width = isTall ? 8 : 18;
+      const int height = isTall ? 18 : 8;
+      const Image source = lx_test::NoiseImage(width, height, 4, lx::kSampleU16, 3);
+      const Image dest = MakeImage(width, height, 4, lx::kSampleU16);
+      const Image expected = MakeImage(width, height, 4, lx::kSampleU16);
+      DefocusEngine engine(mode);
+      DefocusEngine fresh(mode);
+      lx_test::LoadImpulse(&engine, width, height);
+      engine.SetSourceImage(source.get());
+      ASSERT_TRUE(engine.Convolve(dest.get(), 15));
+      Block block(32);
+      ASSERT_TRUE(block.Forward(&engine));
+
+      EXPECT_FALSE(engine.Convolve(dest.get(), 15)) << isTall;
+      EXPECT_EQ(lx::kStatusNotLoaded, engine.GetStatus()) << isTall;
+
+      // With this margin the frame pads to the block's size.
+      for (DefocusEngine* one : {&engine, &fresh}) {
+        ASSERT_TRUE(lx_test::LoadImpulse(one, width, height, 5));
+        ASSERT_EQ(32, one->paddedWidth);
+        ASSERT_EQ(32, one->paddedHeight);
+        one->SetSourceImage(source.get());
+      }
+      ASSERT_TRUE(engine.Convolve(dest.get(), 15));
+      ASSERT_TRUE(fresh.Convolve(expected.get(), 15));
+      EXPECT_TRUE(lx_test::SameSamples(expected, dest)) << isTall;
+    }
+  }
+}
+
 }  // namespace
