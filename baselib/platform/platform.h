@@ -115,9 +115,9 @@ struct Platform {
   // A thread's last act before its start function returns.
   void (*endThread)(std::uint32_t exitCode);
 
-  // Ends another thread and returns when it has ended. Where the system cannot end a
-  // thread from outside, the thread leaves at the event that it waits for, now or next:
-  // see waitForEvents. False where that cannot be done.
+  // Ends another thread at the event that it waits for, now or next, and returns when it
+  // has ended. Where the system cannot end a thread from outside, the thread leaves there
+  // by itself: see waitForEvents. False where that cannot be done.
   bool (*terminateThread)(ThreadHandle thread, std::uint32_t exitCode);
 
   // Gives a handle back. May wait for the thread to end.

@@ -8,11 +8,12 @@
 namespace lx {
 
 const char* last_error_text() {
+  // Asked for first: to find a thread's own buffer may be a call of the system's too.
+  const Platform& platform = GetPlatform();
+  const std::uint32_t error = platform.lastError();
   // Threads may fail together, so each has its own buffer.
   thread_local char text[256];
   text[0] = '\0';
-  const Platform& platform = GetPlatform();
-  const std::uint32_t error = platform.lastError();
   if (error != 0) {
     platform.errorText(error, text, sizeof text);
   }

@@ -1,12 +1,7 @@
 #include "baselib/utils/directories.h"
 
 #include <gtest/gtest.h>
-#include <pwd.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -14,12 +9,11 @@
 #include "baselib/utils/log_sink.h"
 #include "baselib/winbits/registry.h"
 #include "tests/support/logged_lines.h"
-#include "tests/support/scratch_folder.h"
 #include "tests/support/settings_recorder.h"
+#include "tests/support/system.h"
 
 namespace {
 
-namespace fs = std::filesystem;
 using lx_test::SettingsRecorder;
 using Calls = std::vector<std::string>;
 
@@ -66,11 +60,11 @@ TEST(HomeDirectory, LosesOneSeparatorAtItsEnd) {
 }
 
 TEST(HomeDirectory, IgnoresTheProcessesEnvironment) {
-  setenv("LX_HOME_DIR", "/from/the/shell", 1);
+  lx_test::SetVariable("LX_HOME_DIR", "/from/the/shell");
   const SettingsRecorder settings('/');
 
   EXPECT_STREQ("/opt/Vantrell", lx::get_home_directory());
-  unsetenv("LX_HOME_DIR");
+  lx_test::RemoveVariable("LX_HOME_DIR");
 }
 
 TEST(HomeDirectory, AsksInItsOrder) {
@@ -231,55 +225,6 @@ TEST(RegistryString, IsTextOfTwoTypes) {
   EXPECT_EQ(nullptr, lx::get_registry_string("K", "V"));
   EXPECT_EQ(nullptr, lx::get_registry_string("K", "W"));
   EXPECT_EQ(nullptr, lx::get_registry_string("L", "V"));
-}
-
-// The system's own settings, in files below a root of the test's.
-class SettingsFiles : public testing::Test {
- public:
-  SettingsFiles() : table_(lx::SystemPlatform()), scope_(&table_) {
-    table_.settingsRoot = root_.c_str();
-  }
-
-  void Write(const std::string& file, const std::string& text) {
-    const fs::path path = root_ + file;
-    fs::create_directories(path.parent_path());
-    std::ofstream(path) << text;
-  }
-
- private:
-  lx_test::ScratchFolder folder_;
-  const std::string root_ = folder_.Path().string();
-  lx_test::FreshServices fresh_;
-  lx::Platform table_;
-  lx::ScopedPlatform scope_;
-};
-
-TEST_F(SettingsFiles, NameNoHomeWhereThereAreNone) {
-  EXPECT_STREQ("/opt/Vantrell", lx::get_home_directory());
-}
-
-TEST_F(SettingsFiles, HoldTheMachinesEnvironment) {
-  Write("/etc/environment", "PATH=/bin\n# LX_HOME_DIR=/no\n LX_HOME_DIR = \"/big disk/media\" \n");
-
-  EXPECT_STREQ("/big disk/media", lx::get_home_directory());
-  EXPECT_EQ(nullptr, lx::get_environment_setting("LX_HOME", true));
-  EXPECT_EQ(nullptr, lx::get_environment_setting("LX_HOME_DIR", false));
-}
-
-TEST_F(SettingsFiles, HoldTheProgramFilesFolder) {
-  Write("/etc/vantrell.conf", "ProgramFilesDir=/srv/programs\n");
-
-  EXPECT_STREQ("/srv/programs/Vantrell", lx::get_home_directory());
-}
-
-TEST_F(SettingsFiles, HoldTheUsersEnvironmentTheLastFileWinning) {
-  const std::string folder = getpwuid(getuid())->pw_dir + std::string("/.config/environment.d/");
-  Write(folder + "20-b.conf", "X=second\nY='y'\n");
-  Write(folder + "10-a.conf", "X=first\n");
-  Write(folder + "30-c.txt", "X=third\n");
-
-  EXPECT_STREQ("second", lx::get_environment_setting("X", false));
-  EXPECT_STREQ("y", lx::get_environment_setting("Y", false));
 }
 
 }  // namespace

@@ -2,14 +2,21 @@
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <cstring>
 #include <string>
 #include <thread>
 
 #include "tests/support/platform_recorder.h"
+#include "tests/support/system.h"
 
 namespace {
+
+std::string WithoutLineFeed(std::string text) {
+  if (!text.empty() && text.back() == '\n') {
+    text.pop_back();
+  }
+  return text;
+}
 
 TEST(LastError, IsEmptyWhereThereIsNone) {
   lx_test::PlatformRecorder platform;
@@ -34,17 +41,17 @@ TEST(LastError, IsCutToItsBuffer) {
 }
 
 TEST(LastError, IsTheSystemsText) {
-  errno = ENOENT;
-  EXPECT_STREQ(std::strerror(ENOENT), lx::last_error_text());
+  lx_test::RaiseError(lx_test::kNoSuchFile);
+  EXPECT_EQ(WithoutLineFeed(lx_test::SystemText(lx_test::kNoSuchFile)), lx::last_error_text());
 }
 
 TEST(LastError, HasABufferForEachThread) {
-  errno = ENOENT;
+  lx_test::RaiseError(lx_test::kNoSuchFile);
   const char* own = lx::last_error_text();
   const std::string before = own;
   std::thread([] {
-    errno = EACCES;
-    EXPECT_STREQ(std::strerror(EACCES), lx::last_error_text());
+    lx_test::RaiseError(lx_test::kNoAccess);
+    EXPECT_EQ(WithoutLineFeed(lx_test::SystemText(lx_test::kNoAccess)), lx::last_error_text());
   }).join();
   EXPECT_EQ(before, own);
 }

@@ -690,11 +690,11 @@ TEST(PoolWorker, InheritsThenGoesIdleAndSwitchesBoostingOff) {
   PlatformRecorder platform;
   platform.SetProcessors(2);
   lx::mp_num_ways();
-  SetOwnPriority(3);
+  SetOwnPriority(1);
   EmptyPass();
   SetOwnPriority(0);
   const Log log = platform.ThreadLog();
-  const Log expected = {"priority self 3",   "write float control", "set slot",
+  const Log expected = {"priority self 1",   "write float control", "set slot",
                         "priority self -15", "boost self 1",        "wait 1: start 1"};
   EXPECT_EQ(expected, Beginning(log, expected.size()));
 }

@@ -1,7 +1,6 @@
 #include "baselib/threads/system_info.h"
 
 #include <gtest/gtest.h>
-#include <sched.h>
 
 #include "baselib/threads/module_state.h"
 #include "tests/support/fresh_services.h"
@@ -24,25 +23,6 @@ TEST(ProcessorCount, DoesNotDecideTheWaysOfThePool) {
   EXPECT_EQ(3U, lx::get_processor_count());
   EXPECT_EQ(0, lx::pool_state().ways);
   EXPECT_EQ(1, lx::pool_state().defaultWays);
-}
-
-TEST(ProcessorCount, FollowsTheAffinityOfTheProcess) {
-  cpu_set_t before;
-  ASSERT_EQ(0, sched_getaffinity(0, sizeof before, &before));
-  int first = 0;
-  while (!CPU_ISSET(first, &before)) {
-    ++first;
-  }
-  cpu_set_t one;
-  CPU_ZERO(&one);
-  CPU_SET(first, &one);
-
-  sched_setaffinity(0, sizeof one, &one);
-  const std::uint32_t narrowed = lx::get_processor_count();
-  sched_setaffinity(0, sizeof before, &before);
-
-  EXPECT_EQ(1U, narrowed);
-  EXPECT_EQ(static_cast<std::uint32_t>(CPU_COUNT(&before)), lx::get_processor_count());
 }
 
 TEST(PageSize, IsNeverBelow512) {

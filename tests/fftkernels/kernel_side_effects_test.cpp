@@ -1,7 +1,6 @@
 // What a call may not do or need: every operation of every size.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cstddef>
 #include <cstdlib>
 #include <latch>
@@ -11,75 +10,10 @@
 #include <type_traits>
 #include <vector>
 
+#include "tests/fftkernels/counted_heap.h"
 #include "tests/fftkernels/kernels_by_size.h"
 #include "tests/fftkernels/placed_array.h"
 #include "tests/fftkernels/transform_model.h"
-
-namespace {
-
-std::atomic<int> allocations;
-
-}  // namespace
-
-// The linker puts these in place of the functions that they are named after.
-extern "C" {
-
-void* __real_malloc(std::size_t size);
-void* __real_calloc(std::size_t count, std::size_t size);
-void* __real_realloc(void* block, std::size_t size);
-void* __real_aligned_alloc(std::size_t alignment, std::size_t size);
-int __real_posix_memalign(void** block, std::size_t alignment, std::size_t size);
-void* __real__Znwm(std::size_t size);
-void* __real__Znam(std::size_t size);
-void* __real__ZnwmSt11align_val_t(std::size_t size, std::align_val_t alignment);
-void* __real__ZnamSt11align_val_t(std::size_t size, std::align_val_t alignment);
-
-void* __wrap_malloc(std::size_t size) {
-  ++allocations;
-  return __real_malloc(size);
-}
-
-void* __wrap_calloc(std::size_t count, std::size_t size) {
-  ++allocations;
-  return __real_calloc(count, size);
-}
-
-void* __wrap_realloc(void* block, std::size_t size) {
-  ++allocations;
-  return __real_realloc(block, size);
-}
-
-void* __wrap_aligned_alloc(std::size_t alignment, std::size_t size) {
-  ++allocations;
-  return __real_aligned_alloc(alignment, size);
-}
-
-int __wrap_posix_memalign(void** block, std::size_t alignment, std::size_t size) {
-  ++allocations;
-  return __real_posix_memalign(block, alignment, size);
-}
-
-void* __wrap__Znwm(std::size_t size) {
-  ++allocations;
-  return __real__Znwm(size);
-}
-
-void* __wrap__Znam(std::size_t size) {
-  ++allocations;
-  return __real__Znam(size);
-}
-
-void* __wrap__ZnwmSt11align_val_t(std::size_t size, std::align_val_t alignment) {
-  ++allocations;
-  return __real__ZnwmSt11align_val_t(size, alignment);
-}
-
-void* __wrap__ZnamSt11align_val_t(std::size_t size, std::align_val_t alignment) {
-  ++allocations;
-  return __real__ZnamSt11align_val_t(size, alignment);
-}
-
-}  // extern "C"
 
 namespace {
 
@@ -183,9 +117,9 @@ TYPED_TEST(KernelCall, AllocatesNothingOnceTheTablesStand) {
   }
 
   for (const auto& operation : operations) {
-    const int before = allocations;
+    const int before = lx_test::allocations;
     operation.Run(a.data(), b.data());
-    const int after = allocations;
+    const int after = lx_test::allocations;
 
     EXPECT_EQ(after, before) << operation.Name();
   }
@@ -241,21 +175,20 @@ TYPED_TEST(KernelCall, OnEightThreadsAtOnceGivesWhatItGivesAlone) {
 // Of the counter above, without which no call could be seen to allocate.
 TEST(AllocationCounter, SeesEachWayToAllocate) {
   static void* volatile kept;
-  const int before = allocations;
+  const int before = lx_test::allocations;
 
   kept = std::malloc(1);
   std::free(kept);
   kept = std::calloc(1, 1);
   kept = std::realloc(kept, 2);
   std::free(kept);
-  kept = std::aligned_alloc(64, 64);
-  std::free(kept);
+  lx_test::AllocateAligned();
   kept = ::operator new(1);
   ::operator delete(kept);
   kept = ::operator new (64, std::align_val_t{64});
   ::operator delete (kept, std::align_val_t{64});
 
-  EXPECT_EQ(allocations, before + 6);
+  EXPECT_EQ(lx_test::allocations, before + 6);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
 
@@ -10,6 +9,7 @@
 #include "tests/support/fft_recorder.h"
 #include "tests/support/heap_faults.h"
 #include "tests/support/images.h"
+#include "tests/support/system.h"
 
 namespace {
 
@@ -116,9 +116,9 @@ TEST(DefocusEngine, TakesAnEmptyEnvironmentVariableAsSet) {
   table.makeDirectory = [](const char*) { return false; };
   table.openFile = [](const char*, const char*) -> std::FILE* { return nullptr; };
   const lx::ScopedPlatform scope(&table);
-  ASSERT_EQ(0, setenv("LX_USE_FFTW_WISDOM", "", 1));
+  lx_test::SetVariable("LX_USE_FFTW_WISDOM", "");
   const std::int32_t set = DefocusEngine().useWisdom;
-  unsetenv("LX_USE_FFTW_WISDOM");
+  lx_test::RemoveVariable("LX_USE_FFTW_WISDOM");
 
   EXPECT_EQ(1, set);
   EXPECT_EQ(0, DefocusEngine().useWisdom);

@@ -2,8 +2,6 @@
 #include "fftlib/fftlib/wisdom.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -34,7 +32,9 @@ class Wisdom : public testing::Test {
     home = folder_.Path() / "home";
     homeText = home.string();
     table_.defaultHome = homeText.c_str();
-    table_.settingsRoot = homeText.c_str();
+    table_.openSettings = [](lx::SettingsRoot, const char*) -> lx::SettingsHandle {
+      return nullptr;
+    };
     table_.hasEnvironmentVariable = [](const char* variable) {
       return variableIsSet && std::string(variable) == "LX_USE_FFTW_WISDOM";
     };
@@ -99,7 +99,9 @@ class Wisdom : public testing::Test {
   lx::ScopedPlatform scope_;
 };
 
-std::string Part() { return "fftw3_wisdom_lx.dat." + std::to_string(getpid()) + ".part"; }
+std::string Part() {
+  return "fftw3_wisdom_lx.dat." + std::to_string(lx::SystemPlatform().processId()) + ".part";
+}
 
 TEST_F(Wisdom, TouchesNoFileWithoutTheVariable) {
   variableIsSet = false;

@@ -1,9 +1,8 @@
 // A folder of its own for a test, gone with it.
 #pragma once
 
-#include <stdlib.h>  // mkdtemp
-
 #include <filesystem>
+#include <random>
 #include <string>
 #include <system_error>
 
@@ -12,8 +11,12 @@ namespace lx_test {
 class ScratchFolder {
  public:
   ScratchFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "glimmerXXXXXX").string();
-    path_ = mkdtemp(name.data());
+    std::random_device number;
+    do {
+      path_ = std::filesystem::temp_directory_path() / ("glimmer" + std::to_string(number()));
+      // Not where another has the name already.
+    } while (!std::filesystem::create_directory(path_));
+    std::filesystem::permissions(path_, std::filesystem::perms::owner_all);
   }
   ~ScratchFolder() {
     std::error_code error;

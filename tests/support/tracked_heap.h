@@ -35,18 +35,30 @@ class TrackedHeap {
   FreshServices fresh_;
 };
 
+// Length of the pointer that a text begins with, in whichever form a system gives it: 0x12ab,
+// (nil), or sixteen digits. 0 where there is none.
+inline std::size_t PointerLength(std::string_view text) {
+  constexpr std::string_view kNull = "(nil)";
+  constexpr std::string_view kDigits = "0123456789abcdefABCDEF";
+  constexpr std::size_t kBareDigits = 16;
+  if (text.substr(0, kNull.size()) == kNull) {
+    return kNull.size();
+  }
+  const std::size_t prefix = text.substr(0, 2) == "0x" ? 2 : 0;
+  const std::size_t end = std::min(text.find_first_not_of(kDigits, prefix), text.size());
+  return prefix == 2 || end == kBareDigits ? end : 0;
+}
+
 // Logged lines with "P" in the place of pointers.
 inline std::string LinesWithoutPointers() {
-  constexpr std::string_view kNull = "(nil)";
-  std::string lines = LoggedLines();
-  for (std::size_t at = lines.find("0x"); at != std::string::npos; at = lines.find("0x", at)) {
-    const std::size_t end = lines.find_first_not_of("0123456789abcdef", at + 2);
-    lines.replace(at, std::min(end, lines.size()) - at, "P");
+  const std::string lines = LoggedLines();
+  std::string without;
+  for (std::size_t at = 0; at < lines.size();) {
+    const std::size_t length = PointerLength(std::string_view(lines).substr(at));
+    without += length > 0 ? 'P' : lines[at];
+    at += std::max<std::size_t>(length, 1);
   }
-  for (std::size_t at = lines.find(kNull); at != std::string::npos; at = lines.find(kNull, at)) {
-    lines.replace(at, kNull.size(), "P");
-  }
-  return lines;
+  return without;
 }
 
 }  // namespace lx_test

@@ -1,0 +1,171 @@
+#include <direct.h>
+#include <io.h>
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "baselib/platform/float_control.h"
+#include "baselib/platform/platform.h"
+#include "baselib/platform/windows_api.h"
+#include "baselib/platform/windows_console.h"
+#include "baselib/platform/windows_settings.h"
+#include "baselib/platform/windows_threads.h"
+
+namespace lx {
+namespace {
+
+SYSTEM_INFO SystemInfo() {
+  SYSTEM_INFO info;
+  ::GetSystemInfo(&info);
+  return info;
+}
+
+std::int32_t ProcessorCount() {
+  return static_cast<std::int32_t>(SystemInfo().dwNumberOfProcessors);
+}
+
+std::int32_t PageSize() { return static_cast<std::int32_t>(SystemInfo().dwPageSize); }
+
+// Not the C runtime's copy, which leaves out empty variables and may be old.
+bool HasEnvironmentVariable(const char* name) {
+  return ::GetEnvironmentVariableA(name, nullptr, 0) != 0 ||
+         ::GetLastError() != ERROR_ENVVAR_NOT_FOUND;
+}
+
+void KeepLoaded(void (*function)()) {
+  HMODULE module = nullptr;
+  ::GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                       reinterpret_cast<LPCSTR>(function), &module);
+}
+
+std::int64_t Counter() {
+  LARGE_INTEGER count;
+  ::QueryPerformanceCounter(&count);
+  return count.QuadPart;
+}
+
+std::int64_t CounterFrequency() {
+  LARGE_INTEGER frequency;
+  ::QueryPerformanceFrequency(&frequency);
+  return frequency.QuadPart;
+}
+
+std::uint32_t TickCount() { return ::GetTickCount(); }
+
+std::uint32_t LastError() { return ::GetLastError(); }
+
+// The system refuses a buffer that is too small, where a text that is cut says more.
+void ErrorText(std::uint32_t error, char* text, std::size_t size) {
+  constexpr DWORD kFlags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
+  constexpr DWORD kLanguage = MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT);
+  char whole[2048] = {};
+  ::FormatMessageA(kFlags, nullptr, error, kLanguage, whole, sizeof whole, nullptr);
+  std::snprintf(text, size, "%s", whole);
+}
+
+std::uint32_t ProcessId() { return ::GetCurrentProcessId(); }
+
+bool CloseFile(std::FILE* file) {
+  const bool whole = std::ferror(file) == 0;
+  return std::fclose(file) == 0 && whole;
+}
+
+bool IsProtected(const char* path) {
+  const DWORD attributes = ::GetFileAttributesA(path);
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+}
+
+bool MoveOver(const char* from, const char* to) {
+  return !IsProtected(to) && ::MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING) != 0;
+}
+
+void RemoveNamed(const char* path) { (void)std::remove(path); }
+
+bool IsDirectory(const char* path) {
+  struct _stat status;
+  return _stat(path, &status) == 0 && (status.st_mode & _S_IFDIR) != 0;
+}
+
+bool MakeDirectory(const char* path) { return _mkdir(path) == 0; }
+
+bool SetWritable(const char* path, bool writable) {
+  return _chmod(path, writable ? _S_IREAD | _S_IWRITE : _S_IREAD) != -1;
+}
+
+void* Allocate(std::size_t size) { return std::malloc(size); }
+
+void* Reallocate(void* block, std::size_t size) { return std::realloc(block, size); }
+
+void Release(void* block) { std::free(block); }
+
+}  // namespace
+
+const Platform& SystemPlatform() {
+  static constexpr Platform kTable = {
+      .allocate = Allocate,
+      .reallocate = Reallocate,
+      .release = Release,
+      .processorCount = ProcessorCount,
+      .pageSize = PageSize,
+      .hasEnvironmentVariable = HasEnvironmentVariable,
+      .keepLoaded = KeepLoaded,
+      .counter = Counter,
+      .counterFrequency = CounterFrequency,
+      .pathSeparator = '\\',
+      .defaultHome = "C:\\Program Files\\Vantrell",
+      .settingsRoot = "",
+      .openSettings = windows::OpenSettings,
+      .querySetting = windows::QuerySetting,
+      .closeSettings = windows::CloseSettings,
+      .processId = ProcessId,
+      .openFile = std::fopen,
+      .closeFile = CloseFile,
+      .moveFile = MoveOver,
+      .removeFile = RemoveNamed,
+      .isDirectory = IsDirectory,
+      .makeDirectory = MakeDirectory,
+      .setWritable = SetWritable,
+      .localDaySeconds = windows::LocalDaySeconds,
+      .sleep = windows::Sleep,
+      .consoleHasTitle = windows::ConsoleHasTitle,
+      .consoleCreate = windows::ConsoleCreate,
+      .consoleIgnoreBreak = windows::ConsoleIgnoreBreak,
+      .consoleSetTitle = windows::ConsoleSetTitle,
+      .consoleOutput = windows::ConsoleOutput,
+      .consoleRaise = windows::ConsoleRaise,
+      .consoleWrite = windows::ConsoleWrite,
+      .tickCount = TickCount,
+      .lastError = LastError,
+      .errorText = ErrorText,
+      .beginThread = windows::BeginThread,
+      .endThread = windows::EndThread,
+      .terminateThread = windows::TerminateThread,
+      .closeThread = windows::CloseThread,
+      .currentThread = windows::CurrentThread,
+      .threadPriority = windows::ThreadPriority,
+      .setThreadPriority = windows::SetThreadPriority,
+      .setThreadPriorityBoost = windows::SetThreadPriorityBoost,
+      .threadsEndAtUnload = false,
+      .allocateThreadSlot = windows::AllocateThreadSlot,
+      .releaseThreadSlot = windows::ReleaseThreadSlot,
+      .setThreadSlot = windows::SetThreadSlot,
+      .threadSlot = windows::ThreadSlot,
+      .createEvent = windows::MakeEvent,
+      .destroyEvent = windows::DestroyEvent,
+      .setEvent = windows::SetEvent,
+      .resetEvent = windows::ResetEvent,
+      .waitForEvents = windows::WaitForEvents,
+      .lockBytes = windows::kLockBytes,
+      .initializeLock = windows::InitializeLock,
+      .destroyLock = windows::DestroyLock,
+      .enterLock = windows::EnterLock,
+      .leaveLock = windows::LeaveLock,
+      .floatControl = FloatControl,
+      .setFloatControl = SetFloatControl,
+      .extendFloatPrecision = ExtendFloatPrecision,
+  };
+  return kTable;
+}
+
+}  // namespace lx

@@ -1,0 +1,6 @@
+// The system's own header, without what would get in the way. For the sources of this
+// platform's side alone: its macros rename functions called CreateEvent, MoveFile and the like.
+#pragma once
+
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>

@@ -1,0 +1,56 @@
+#include "baselib/platform/windows_console.h"
+
+#include <cstring>
+#include <ctime>
+
+#include "baselib/platform/windows_api.h"
+
+namespace lx::windows {
+namespace {
+
+// Every event counts as dealt with, the closing of the window too.
+BOOL WINAPI KeepRunning(DWORD /*event*/) { return TRUE; }
+
+}  // namespace
+
+bool ConsoleHasTitle() {
+  char title[128];
+  return ::GetConsoleTitleA(title, sizeof title) > 0;
+}
+
+// Fails where the process has a console already, which then serves.
+void ConsoleCreate() { ::AllocConsole(); }
+
+bool ConsoleIgnoreBreak() { return ::SetConsoleCtrlHandler(KeepRunning, TRUE) != 0; }
+
+void ConsoleSetTitle(const char* title) { ::SetConsoleTitleA(title); }
+
+void* ConsoleOutput() {
+  const HANDLE output = ::GetStdHandle(STD_OUTPUT_HANDLE);
+  return output == INVALID_HANDLE_VALUE ? nullptr : output;
+}
+
+bool ConsoleRaise(const char* title) {
+  const HWND window = ::FindWindowA(nullptr, title);
+  if (window == nullptr) {
+    return false;
+  }
+  ::SetWindowPos(window, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE);
+  return true;
+}
+
+void ConsoleWrite(void* output, const char* text) {
+  DWORD written = 0;
+  ::WriteConsoleA(output, text, static_cast<DWORD>(std::strlen(text)), &written, nullptr);
+}
+
+void Sleep(std::uint32_t milliseconds) { ::Sleep(milliseconds); }
+
+double LocalDaySeconds() {
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+  localtime_s(&local, &now);
+  return (local.tm_hour * 60 + local.tm_min) * 60 + local.tm_sec;
+}
+
+}  // namespace lx::windows
