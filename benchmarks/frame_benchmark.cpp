@@ -1,6 +1,6 @@
 // What a frame costs against its own transforms.
 //
-//   build/release/benchmarks/frame_benchmark --benchmark_repetitions=5
+//   build/release/bin/frame_benchmark --benchmark_repetitions=5
 //       --benchmark_report_aggregates_only=true
 //
 // BM_Frame alternates, in one run, a whole Convolve with a kept PSF and the eight bare
