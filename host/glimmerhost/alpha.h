@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "host/glimmerhost/picture.h"
+#include "host/pictures/picture.h"
 
 namespace glimmerhost {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "host/glimmerhost/picture.h"
+#include "host/pictures/picture.h"
 #include "hostframe/interfaces/pictures.h"
 #include "hostframe/interfaces/ptr.h"
 

@@ -6,8 +6,8 @@
 #include <iostream>
 #include <new>
 #include <string>
+#include <vector>
 
-#include "host/glimmerhost/failure.h"
 #include "host/glimmerhost/info_command.h"
 #include "host/glimmerhost/page_command.h"
 #include "host/glimmerhost/psf_command.h"
@@ -15,6 +15,8 @@
 #include "host/glimmerhost/session_command.h"
 #include "host/glimmerhost/session_script.h"
 #include "host/glimmerhost/wisdom_command.h"
+#include "host/pictures/picture_formats.h"
+#include "host/support/failure.h"
 
 namespace glimmerhost {
 namespace {
@@ -91,8 +93,9 @@ void AddHighlights(CLI::App* app, RunOptions* options) {
 }
 
 void AddPictureOutput(CLI::App* app, RunOptions* options) {
-  app->add_option("-o,--output", options->output,
-                  "Where the result goes; its ending says the format. EXR holds half floats")
+  app->add_option(
+         "-o,--output", options->output,
+         std::string("Where the result goes. Its ending says the format: ") + kWritableEndings)
       ->required();
 }
 
@@ -115,7 +118,7 @@ void AddRunning(CLI::App* app, RunOptions* options) {
 
 CLI::App* AddRender(CLI::App* app, RenderOptions* options) {
   CLI::App* render = app->add_subcommand("render", "Render one picture");
-  render->add_option("INPUT", options->input, "The picture: PNG, TIFF, EXR, DPX, JPEG, ...")
+  render->add_option("INPUT", options->input, std::string("The picture: ") + kReadableFormats)
       ->required();
   AddPictureOutput(render, options);
   AddAperture(render, options);
@@ -199,7 +202,7 @@ CLI::App* AddWisdom(CLI::App* app, WisdomOptions* options) {
   return wisdom;
 }
 
-int Run(int argc, const char* const* argv) {
+int Run(const std::vector<std::string>& arguments) {
   CLI::App app(kDescription, "glimmerhost");
   app.require_subcommand(1);
   app.set_version_flag("--version", kVersion);
@@ -218,7 +221,8 @@ int Run(int argc, const char* const* argv) {
       app.add_subcommand("info", "Print the module's classes and the parameters of its page");
   info->add_option("--module", infoModule, "Another module file");
   try {
-    app.parse(argc, argv);
+    // The library takes them from the back.
+    app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend() - 1));
   } catch (const CLI::Success& done) {
     return app.exit(done);
   } catch (const CLI::ParseError& fault) {
@@ -242,9 +246,9 @@ int Run(int argc, const char* const* argv) {
 
 }  // namespace
 
-int RunCommandLine(int argc, const char* const* argv) {
+int RunCommandLine(const std::vector<std::string>& arguments) {
   try {
-    return Run(argc, argv);
+    return Run(arguments);
   } catch (const UsageError& fault) {
     return Complain(fault.what(), kExitUsage);
   } catch (const std::bad_alloc&) {

@@ -5,8 +5,9 @@
 #include <cstdio>
 #include <exception>
 
-#include "host/glimmerhost/failure.h"
 #include "host/glimmerhost/text.h"
+#include "host/support/failure.h"
+#include "host/support/system.h"
 #include "hostframe/interfaces/class_info.h"
 #include "hostframe/interfaces/recoverable.h"
 
@@ -50,8 +51,7 @@ std::filesystem::path ModuleFileOf(const std::string& name) {
   if (!name.empty()) {
     return name;
   }
-  return (ProgramFolder() / GLIMMERHOST_MODULE_FOLDER / "LXTorvane_GlimmerBlur.so")
-      .lexically_normal();
+  return (ProgramFolder() / GLIMMERHOST_MODULE_FOLDER / GLIMMERHOST_MODULE).lexically_normal();
 }
 
 EffectModule::EffectModule(const std::filesystem::path& file, Trace* trace)

@@ -82,7 +82,8 @@ void RenderPicture(const EffectModule& module, const std::map<std::string, Value
 }
 
 void SettleAlpha(const PictureOutput& output, Alpha before, Picture* picture) {
-  if (output.StraightOnly() || (before == Alpha::kStraight && !output.PremultipliedOnly())) {
+  if (output.Format().straightOnly ||
+      (before == Alpha::kStraight && !output.Format().premultipliedOnly)) {
     Unpremultiply(picture);
   }
 }

@@ -6,9 +6,9 @@
 
 #include "host/glimmerhost/effect_module.h"
 #include "host/glimmerhost/page.h"
-#include "host/glimmerhost/picture.h"
-#include "host/glimmerhost/picture_file.h"
 #include "host/glimmerhost/progress.h"
+#include "host/pictures/picture.h"
+#include "host/pictures/picture_file.h"
 #include "hostframe/interfaces/pictures.h"
 #include "hostframe/interfaces/ptr.h"
 

@@ -30,7 +30,4 @@ quantel::cSize2 ParseRatio(const std::string& option, const std::string& text);
 // A size of whole numbers of pixels, from 1 to 8192, "1920x1080". Throws UsageError.
 quantel::cSize2 ParseSize(const std::string& option, const std::string& text);
 
-// The nearest ratio of whole numbers, 1:1 for a value that is no ratio.
-quantel::cSize2 NearestRatio(double value);
-
 }  // namespace glimmerhost

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 
+#include "host/support/system.h"
 #include "hostframe/interfaces/module.h"
 
 namespace glimmerhost {
@@ -10,24 +11,16 @@ namespace glimmerhost {
 class ModuleFile {
  public:
   // Loads the library and finds its two functions, without calling them. Throws Failure,
-  // which names the file.
+  // which names the file. Unloads it at the end; nothing of the module may be in use then.
   explicit ModuleFile(const std::filesystem::path& file);
-
-  // Unloads it. Nothing of the module may be in use.
-  ~ModuleFile();
-  ModuleFile(const ModuleFile&) = delete;
-  ModuleFile& operator=(const ModuleFile&) = delete;
 
   void Init(const quantel::cPtr<qplugin::iQpluginModule>& module) const { init_(module); }
   void CleanUp() const { cleanUp_(); }
 
  private:
-  void* library_;
-  qplugin::ModuleInit* init_ = nullptr;
-  qplugin::ModuleCleanUp* cleanUp_ = nullptr;
+  SharedLibrary library_;
+  qplugin::ModuleInit* init_;
+  qplugin::ModuleCleanUp* cleanUp_;
 };
-
-// The folder of the running program.
-std::filesystem::path ProgramFolder();
 
 }  // namespace glimmerhost

@@ -7,7 +7,7 @@
 #include <variant>
 #include <vector>
 
-#include "host/glimmerhost/picture.h"
+#include "host/pictures/picture.h"
 #include "hostframe/interfaces/ptr.h"
 #include "hostframe/interfaces/ui_result.h"
 

@@ -7,9 +7,9 @@
 #include <cmath>
 #include <stdexcept>
 
-#include "host/glimmerhost/failure.h"
 #include "host/glimmerhost/nearest.h"
 #include "host/glimmerhost/text.h"
+#include "host/support/failure.h"
 
 namespace glimmerhost {
 namespace {

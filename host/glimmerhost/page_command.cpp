@@ -4,9 +4,9 @@
 
 #include "host/glimmerhost/effect_module.h"
 #include "host/glimmerhost/page_file.h"
-#include "host/glimmerhost/picture_file.h"
 #include "host/glimmerhost/progress.h"
 #include "host/glimmerhost/session_player.h"
+#include "host/pictures/picture_file.h"
 
 namespace glimmerhost {
 

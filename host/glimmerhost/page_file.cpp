@@ -1,6 +1,6 @@
 #include "host/glimmerhost/page_file.h"
 
-#include "host/glimmerhost/module_file.h"
+#include "host/support/system.h"
 
 namespace glimmerhost {
 

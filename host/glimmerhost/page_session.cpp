@@ -4,10 +4,10 @@
 #include <utility>
 
 #include "host/glimmerhost/border_pictures.h"
-#include "host/glimmerhost/failure.h"
 #include "host/glimmerhost/frame_render.h"
 #include "host/glimmerhost/render_settings.h"
 #include "host/glimmerhost/text.h"
+#include "host/support/failure.h"
 
 namespace glimmerhost {
 namespace {

@@ -12,7 +12,7 @@
 #include "host/glimmerhost/page.h"
 #include "host/glimmerhost/page_host.h"
 #include "host/glimmerhost/parameter_store.h"
-#include "host/glimmerhost/picture.h"
+#include "host/pictures/picture.h"
 #include "hostframe/interfaces/plugin_ui.h"
 
 namespace glimmerhost {

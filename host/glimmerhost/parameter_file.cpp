@@ -6,9 +6,9 @@
 #include <exception>
 #include <vector>
 
-#include "host/glimmerhost/failure.h"
 #include "host/glimmerhost/nearest.h"
 #include "host/glimmerhost/text.h"
+#include "host/support/failure.h"
 
 namespace glimmerhost {
 namespace {

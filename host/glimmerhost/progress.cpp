@@ -1,9 +1,9 @@
 #include "host/glimmerhost/progress.h"
 
-#include <unistd.h>
-
 #include <iomanip>
 #include <iostream>
+
+#include "host/support/system.h"
 
 namespace glimmerhost {
 namespace {
@@ -14,7 +14,7 @@ constexpr const char* kClearLine = "\r\033[K";
 }  // namespace
 
 Progress::Progress(bool wanted)
-    : active_(wanted && isatty(STDERR_FILENO) != 0), start_(std::chrono::steady_clock::now()) {}
+    : active_(wanted && IsTerminal()), start_(std::chrono::steady_clock::now()) {}
 
 void Progress::Clear() {
   if (open_) {

@@ -9,13 +9,13 @@
 #include <vector>
 
 #include "host/glimmerhost/effect_module.h"
-#include "host/glimmerhost/failure.h"
 #include "host/glimmerhost/frame_render.h"
 #include "host/glimmerhost/measures.h"
 #include "host/glimmerhost/page_file.h"
-#include "host/glimmerhost/picture_file.h"
 #include "host/glimmerhost/processors.h"
 #include "host/glimmerhost/progress.h"
+#include "host/pictures/picture_file.h"
+#include "host/support/failure.h"
 
 namespace glimmerhost {
 namespace {

@@ -5,14 +5,14 @@
 
 #include "host/glimmerhost/alpha.h"
 #include "host/glimmerhost/effect_module.h"
-#include "host/glimmerhost/failure.h"
 #include "host/glimmerhost/frame_render.h"
 #include "host/glimmerhost/measures.h"
 #include "host/glimmerhost/page_file.h"
-#include "host/glimmerhost/picture_file.h"
 #include "host/glimmerhost/processors.h"
 #include "host/glimmerhost/progress.h"
 #include "host/glimmerhost/text.h"
+#include "host/pictures/picture_file.h"
+#include "host/support/failure.h"
 
 namespace glimmerhost {
 namespace {

@@ -5,10 +5,10 @@
 #include <cstddef>
 #include <utility>
 
-#include "host/glimmerhost/failure.h"
 #include "host/glimmerhost/measures.h"
 #include "host/glimmerhost/parameter_file.h"
 #include "host/glimmerhost/text.h"
+#include "host/support/failure.h"
 
 namespace glimmerhost {
 namespace {

@@ -3,14 +3,14 @@
 #include <filesystem>
 
 #include "host/glimmerhost/effect_module.h"
-#include "host/glimmerhost/failure.h"
 #include "host/glimmerhost/page_file.h"
-#include "host/glimmerhost/picture_file.h"
 #include "host/glimmerhost/processors.h"
 #include "host/glimmerhost/progress.h"
 #include "host/glimmerhost/session_player.h"
 #include "host/glimmerhost/session_script.h"
 #include "host/glimmerhost/trace.h"
+#include "host/pictures/picture_file.h"
+#include "host/support/failure.h"
 
 namespace glimmerhost {
 

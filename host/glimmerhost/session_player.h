@@ -6,11 +6,11 @@
 #include <ostream>
 #include <string>
 
-#include "host/glimmerhost/failure.h"
 #include "host/glimmerhost/page_session.h"
 #include "host/glimmerhost/page_view.h"
 #include "host/glimmerhost/progress.h"
 #include "host/glimmerhost/run_options.h"
+#include "host/support/failure.h"
 
 namespace glimmerhost {
 

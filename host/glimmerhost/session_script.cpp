@@ -7,9 +7,9 @@
 #include <optional>
 #include <string_view>
 
-#include "host/glimmerhost/failure.h"
 #include "host/glimmerhost/nearest.h"
 #include "host/glimmerhost/page_view.h"
+#include "host/support/failure.h"
 
 namespace glimmerhost {
 namespace {

@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <iomanip>
 #include <ostream>
@@ -14,21 +13,19 @@
 #include "baselib/platform/platform.h"
 #include "baselib/utils/directories.h"
 #include "host/glimmerhost/effect_module.h"
-#include "host/glimmerhost/failure.h"
 #include "host/glimmerhost/frame_render.h"
 #include "host/glimmerhost/page_file.h"
-#include "host/glimmerhost/picture.h"
 #include "host/glimmerhost/processors.h"
 #include "host/glimmerhost/progress.h"
 #include "host/glimmerhost/render_settings.h"
+#include "host/pictures/picture.h"
+#include "host/support/failure.h"
+#include "host/support/system.h"
 
 namespace glimmerhost {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr const char* kAnotherHome =
-    "; a line LX_HOME_DIR=FOLDER in /etc/environment names another home directory";
 
 // The module's name for it, which its users rely on.
 constexpr const char* kWisdomFile = "fftw3_wisdom_lx.dat";
@@ -57,7 +54,7 @@ std::vector<int> ParseGrids(const WisdomOptions& options) {
 
 void MakeDirectories(const fs::path& home) {
   if (lx::make_standard_directories() == 0) {
-    throw Failure("the directories in " + home.string() + " could not be made" + kAnotherHome);
+    throw Failure("the directories in " + home.string() + " could not be made; " + kHomeAdvice);
   }
 }
 
@@ -68,8 +65,8 @@ void ExpectWritable(const fs::path& settings) {
       (settings / ("glimmerhost." + std::to_string(platform.processId()) + ".part")).string();
   std::FILE* file = platform.openFile(probe.c_str(), "w+");
   if (file == nullptr) {
-    throw Failure(settings.string() + " cannot be written, so no plan could be kept there" +
-                  kAnotherHome);
+    throw Failure(settings.string() + " cannot be written, so no plan could be kept there; " +
+                  kHomeAdvice);
   }
   platform.closeFile(file);
   platform.removeFile(probe.c_str());
@@ -102,7 +99,7 @@ void Measure(const WisdomOptions& options, const std::vector<int>& grids, std::o
   using Clock = std::chrono::steady_clock;
   NarrowProcessors(options.threads);
   const Page page = LoadPage();
-  setenv("LX_USE_FFTW_WISDOM", "1", 1);
+  SetVariable("LX_USE_FFTW_WISDOM", "1");
   Progress progress(!options.quiet);
   const EffectModule module(ModuleFileOf(options.module));
   for (const int grid : grids) {

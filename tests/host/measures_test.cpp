@@ -6,9 +6,9 @@
 #include <string>
 #include <utility>
 
-#include "host/glimmerhost/failure.h"
 #include "host/glimmerhost/page.h"
 #include "host/glimmerhost/text.h"
+#include "host/support/failure.h"
 
 namespace {
 
@@ -55,20 +55,6 @@ TEST(Ratio, IsTwoWholeNumbers) {
   for (const char* text :
        {"", "1", ":", "1:", "0:1", "1:0", "-1:1", "1.5:1", "1:2:3", "1:9999999"}) {
     EXPECT_THROW(glimmerhost::ParseRatio("--pixel-aspect", text), UsageError) << text;
-  }
-}
-
-TEST(Ratio, IsFoundForWhatAFileHolds) {
-  for (const auto& [first, second] :
-       {std::pair{1, 1}, {16, 15}, {10, 11}, {2, 1}, {64, 45}, {1, 2}}) {
-    const auto ratio =
-        glimmerhost::NearestRatio(static_cast<float>(first) / static_cast<float>(second));
-    EXPECT_EQ(first, ratio.first);
-    EXPECT_EQ(second, ratio.second);
-  }
-  for (const double none : {0.0, -1.0, std::numeric_limits<double>::quiet_NaN(), 1e30}) {
-    EXPECT_EQ(1, glimmerhost::NearestRatio(none).first);
-    EXPECT_EQ(1, glimmerhost::NearestRatio(none).second);
   }
 }
 

@@ -1,4 +1,4 @@
-#include "host/glimmerhost/picture_file.h"
+#include "host/pictures/picture_file.h"
 
 #include <OpenImageIO/imageio.h>
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "host/glimmerhost/failure.h"
+#include "host/support/failure.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {

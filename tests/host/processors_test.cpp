@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <sched.h>
 
-#include "host/glimmerhost/failure.h"
+#include "host/support/failure.h"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <string>
 
-#include "host/glimmerhost/picture_file.h"
+#include "host/pictures/picture_file.h"
 #include "tests/support/scratch_folder.h"
 
 namespace host_test {

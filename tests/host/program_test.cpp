@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/glimmerhost/picture_file.h"
+#include "host/pictures/picture_file.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <map>
 #include <string>
 
-#include "host/glimmerhost/failure.h"
+#include "host/support/failure.h"
 
 namespace {
 

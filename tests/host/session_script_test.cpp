@@ -5,7 +5,7 @@
 #include <fstream>
 #include <string>
 
-#include "host/glimmerhost/failure.h"
+#include "host/support/failure.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {

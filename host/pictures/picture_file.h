@@ -1,11 +1,11 @@
-// Pictures from and to files, by OpenImageIO: PNG, TIFF, EXR, DPX, JPEG and what else the
-// installed library reads and writes.
+// Pictures from and to files, in the formats that this build knows.
 #pragma once
 
 #include <filesystem>
 #include <string>
 
-#include "host/glimmerhost/picture.h"
+#include "host/pictures/picture.h"
+#include "host/pictures/picture_formats.h"
 
 namespace glimmerhost {
 
@@ -27,12 +27,7 @@ class PictureOutput {
   PictureOutput(const PictureOutput&) = delete;
   PictureOutput& operator=(const PictureOutput&) = delete;
 
-  bool HoldsAlpha() const { return holdsAlpha_; }
-
-  // Whether files of this format have straight alpha only, or premultiplied alpha only;
-  // none of both where the file says which.
-  bool StraightOnly() const;
-  bool PremultipliedOnly() const;
+  const OutputFormat& Format() const { return format_; }
 
   // Writes the picture with its metadata and moves the file in.
   //   bits  8 or 16; formats without whole numbers write half floats
@@ -42,9 +37,8 @@ class PictureOutput {
  private:
   std::filesystem::path file_;
   std::filesystem::path part_;
-  std::string format_;
+  OutputFormat format_;
   bool overwrite_;
-  bool holdsAlpha_ = false;
 };
 
 }  // namespace glimmerhost

@@ -1,4 +1,4 @@
-#include "host/glimmerhost/quiet_stderr.h"
+#include "host/pictures/quiet_stderr.h"
 
 #include <fcntl.h>
 #include <unistd.h>

@@ -1,0 +1,90 @@
+#include "host/pictures/channels.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+#include "host/support/failure.h"
+
+namespace glimmerhost {
+
+ChannelMap MapPlainChannels(int count) {
+  switch (count) {
+    case 1:
+      return {0, 0, 0, -1, true};
+    case 2:
+      return {0, 0, 0, 1, true};
+    case 3:
+      return {0, 1, 2, -1, false};
+    default:
+      return {0, 1, 2, 3, false};
+  }
+}
+
+void SpreadChannels(const std::vector<std::uint16_t>& from, int channels, const ChannelMap& map,
+                    Picture* picture) {
+  picture->samples.resize(picture->PixelCount() * 4);
+  const std::uint16_t* pixel = from.data();
+  std::uint16_t* to = picture->samples.data();
+  for (std::size_t i = 0; i < picture->PixelCount(); ++i, pixel += channels, to += 4) {
+    to[0] = pixel[map.red];
+    to[1] = pixel[map.green];
+    to[2] = pixel[map.blue];
+    to[3] = map.alpha < 0 ? std::uint16_t{65535} : pixel[map.alpha];
+  }
+}
+
+std::vector<std::uint16_t> GatherChannels(const Picture& picture, int channels) {
+  std::vector<std::uint16_t> out(picture.PixelCount() * static_cast<std::size_t>(channels));
+  const std::uint16_t* pixel = picture.samples.data();
+  std::uint16_t* to = out.data();
+  const int colours = channels < 3 ? 1 : 3;
+  for (std::size_t i = 0; i < picture.PixelCount(); ++i, pixel += 4, to += channels) {
+    if (colours == 1) {
+      to[0] = static_cast<std::uint16_t>((pixel[0] + pixel[1] + pixel[2] + 1) / 3);
+    } else {
+      std::copy(pixel, pixel + 3, to);
+    }
+    if (channels > colours) {
+      to[colours] = pixel[3];
+    }
+  }
+  return out;
+}
+
+bool Quantise(const std::vector<float>& from, std::vector<std::uint16_t>* to) {
+  bool clamped = false;
+  std::transform(from.begin(), from.end(), to->begin(), [&clamped](float v) {
+    const float unit = v > 0.0F ? (v < 1.0F ? v : 1.0F) : 0.0F;
+    clamped = clamped || unit != v;
+    return static_cast<std::uint16_t>(std::lround(unit * 65535.0F));
+  });
+  return clamped;
+}
+
+std::string ClampWarning(const std::filesystem::path& file) {
+  return file.string() + ": samples outside 0 to 1 were cut to that range";
+}
+
+std::vector<std::uint8_t> ToBytes(const std::vector<std::uint16_t>& samples) {
+  std::vector<std::uint8_t> bytes(samples.size());
+  std::transform(samples.begin(), samples.end(), bytes.begin(),
+                 [](std::uint16_t v) { return static_cast<std::uint8_t>((v + 128U) / 257U); });
+  return bytes;
+}
+
+void ReadFailure(const std::filesystem::path& file, const std::string& why) {
+  std::string line = why.empty() ? "it is not a picture that can be read" : why;
+  std::replace(line.begin(), line.end(), '\n', ' ');
+  throw Failure(file.string() + ": " + line);
+}
+
+void CheckSides(const std::filesystem::path& file, std::int64_t width, std::int64_t height) {
+  constexpr std::int64_t kLargestSide = 65535;
+  if (width < 1 || height < 1 || width > kLargestSide || height > kLargestSide) {
+    ReadFailure(file, "its size of " + std::to_string(width) + " x " + std::to_string(height) +
+                          " cannot be worked on");
+  }
+}
+
+}  // namespace glimmerhost

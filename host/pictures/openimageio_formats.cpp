@@ -1,0 +1,175 @@
+#include <OpenImageIO/imageio.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/pictures/channels.h"
+#include "host/pictures/picture_formats.h"
+#include "host/pictures/pixel_aspect.h"
+#include "host/pictures/quiet_stderr.h"
+#include "host/support/failure.h"
+
+namespace glimmerhost {
+
+struct FileMetadata {
+  std::string format;
+  OIIO::ParamValueList attributes;
+};
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kStraightAttribute = "oiio:UnassociatedAlpha";
+constexpr const char* kBitsAttribute = "oiio:BitsPerSample";
+
+int FindChannel(const OIIO::ImageSpec& spec, const char* name) {
+  const auto found =
+      std::find_if(spec.channelnames.begin(), spec.channelnames.end(),
+                   [name](const std::string& have) { return OIIO::Strutil::iequals(have, name); });
+  return found == spec.channelnames.end() ? -1
+                                          : static_cast<int>(found - spec.channelnames.begin());
+}
+
+ChannelMap MapChannels(const OIIO::ImageSpec& spec, const fs::path& file) {
+  if (spec.nchannels < 4) {
+    return MapPlainChannels(spec.nchannels);
+  }
+  const ChannelMap named{FindChannel(spec, "R"), FindChannel(spec, "G"), FindChannel(spec, "B"),
+                         FindChannel(spec, "A"), false};
+  if (named.red < 0 || named.green < 0 || named.blue < 0) {
+    ReadFailure(file, "it has " + std::to_string(spec.nchannels) +
+                          " channels, and none of them are named R, G and B");
+  }
+  return named;
+}
+
+std::unique_ptr<OIIO::ImageInput> OpenInput(const fs::path& file) {
+  OIIO::ImageSpec config;
+  config.attribute(kStraightAttribute, 1);
+  std::unique_ptr<OIIO::ImageInput> input = OIIO::ImageInput::open(file.string(), &config);
+  if (!input) {
+    ReadFailure(file, OIIO::geterror());
+  }
+  const OIIO::ImageSpec& spec = input->spec();
+  CheckSides(file, spec.width, spec.height);
+  if (spec.depth > 1 || spec.nchannels < 1) {
+    ReadFailure(file, "it holds no flat picture");
+  }
+  return input;
+}
+
+std::shared_ptr<const FileMetadata> KeepMetadata(const OIIO::ImageInput& input,
+                                                 const OIIO::ImageSpec& spec) {
+  auto metadata = std::make_shared<FileMetadata>();
+  metadata->format = input.format_name();
+  metadata->attributes = spec.extra_attribs;
+  return metadata;
+}
+
+// Attributes that describe the old file's coding and would be wrong for the new one.
+bool DescribesCoding(const OIIO::ParamValue& attribute, bool sameFormat) {
+  const std::string name = attribute.name().string();
+  return name == kStraightAttribute || name == "planarconfig" ||
+         (!sameFormat &&
+          (name == "compression" || name == kBitsAttribute || name.starts_with("tiff:")));
+}
+
+// A reason that may have come as several lines.
+[[noreturn]] void WriteFailure(std::string why) {
+  std::replace(why.begin(), why.end(), '\n', ' ');
+  throw Failure(why);
+}
+
+}  // namespace
+
+const char* const kReadableFormats = "PNG, TIFF, EXR, DPX, JPEG and what else OpenImageIO reads";
+const char* const kWritableEndings =
+    ".png, .tif, .exr, .dpx, .jpg or another format that OpenImageIO writes";
+
+std::optional<OutputFormat> FormatOf(const fs::path& file) {
+  const std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(file.string());
+  if (!output) {
+    (void)OIIO::geterror();
+    return std::nullopt;
+  }
+  const std::string name = output->format_name();
+  return OutputFormat{name, output->supports("alpha") != 0, name == "png", name == "openexr"};
+}
+
+Picture ReadFormat(const fs::path& file, std::string* warning) {
+  const QuietStderr quiet;
+  const std::unique_ptr<OIIO::ImageInput> input = OpenInput(file);
+  const OIIO::ImageSpec& spec = input->spec();
+  const ChannelMap map = MapChannels(spec, file);
+  Picture picture;
+  picture.width = spec.width;
+  picture.height = spec.height;
+  picture.grey = map.grey;
+  picture.bits = spec.format == OIIO::TypeDesc::UINT8 ? 8 : 16;
+  picture.alpha = map.alpha < 0                                        ? Alpha::kNone
+                  : spec.get_int_attribute(kStraightAttribute, 0) != 0 ? Alpha::kStraight
+                                                                       : Alpha::kPremultiplied;
+  picture.pixelAspect = NearestRatio(spec.get_float_attribute("PixelAspectRatio", 1.0F));
+  picture.metadata = KeepMetadata(*input, spec);
+
+  const std::size_t count = picture.PixelCount() * static_cast<std::size_t>(spec.nchannels);
+  std::vector<std::uint16_t> samples(count);
+  bool read = false;
+  if (spec.format.is_floating_point()) {
+    std::vector<float> values(count);
+    read = input->read_image(0, 0, 0, spec.nchannels, OIIO::TypeDesc::FLOAT, values.data());
+    if (read && Quantise(values, &samples)) {
+      *warning = ClampWarning(file);
+    }
+  } else {
+    read = input->read_image(0, 0, 0, spec.nchannels, OIIO::TypeDesc::UINT16, samples.data());
+  }
+  // Some readers fill up what is missing and only leave a word about it.
+  const std::string trouble = input->geterror();
+  if (!read || !trouble.empty()) {
+    ReadFailure(file, "it is cut short or broken: " + trouble);
+  }
+  SpreadChannels(samples, spec.nchannels, map, &picture);
+  return picture;
+}
+
+void WriteFormat(const fs::path& file, const OutputFormat& format, const Picture& picture,
+                 int bits) {
+  const std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(file.string());
+  const bool withAlpha = picture.alpha != Alpha::kNone && format.holdsAlpha;
+  const int channels = (picture.grey ? 1 : 3) + (withAlpha ? 1 : 0);
+  const OIIO::TypeDesc type = format.name == "openexr" ? OIIO::TypeDesc::HALF
+                              : bits == 8              ? OIIO::TypeDesc::UINT8
+                                                       : OIIO::TypeDesc::UINT16;
+  OIIO::ImageSpec spec(picture.width, picture.height, channels, type);
+  if (picture.metadata) {
+    const bool sameFormat = picture.metadata->format == format.name && bits == picture.bits;
+    for (const OIIO::ParamValue& attribute : picture.metadata->attributes) {
+      if (!DescribesCoding(attribute, sameFormat)) {
+        spec.extra_attribs.push_back(attribute);
+      }
+    }
+  }
+  // Also for samples that the format would hold otherwise: the library must not convert
+  // what is already as it was asked for.
+  if (withAlpha && (picture.alpha == Alpha::kStraight || format.straightOnly)) {
+    spec.attribute(kStraightAttribute, 1);
+  }
+  if (!output->open(file.string(), spec)) {
+    WriteFailure(output->geterror());
+  }
+  const std::vector<std::uint16_t> samples = GatherChannels(picture, channels);
+  const bool written = type == OIIO::TypeDesc::UINT8
+                           ? output->write_image(OIIO::TypeDesc::UINT8, ToBytes(samples).data())
+                           : output->write_image(OIIO::TypeDesc::UINT16, samples.data());
+  if (!written || !output->close()) {
+    WriteFailure(output->geterror());
+  }
+}
+
+}  // namespace glimmerhost

@@ -1,0 +1,86 @@
+#include "host/pictures/picture_file.h"
+
+#include <optional>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include "host/pictures/channels.h"
+#include "host/support/failure.h"
+#include "host/support/system.h"
+
+namespace glimmerhost {
+namespace {
+
+namespace fs = std::filesystem;
+
+OutputFormat KnownFormat(const fs::path& file) {
+  const std::optional<OutputFormat> format = FormatOf(file);
+  if (!format) {
+    throw UsageError("-o " + file.string() + ": allowed is a name that ends in " +
+                     kWritableEndings);
+  }
+  return *format;
+}
+
+}  // namespace
+
+Picture ReadPicture(const fs::path& file, std::string* warning) {
+  std::error_code error;
+  if (!fs::exists(file, error)) {
+    ReadFailure(file, "there is no such file");
+  }
+  if (!fs::is_regular_file(file, error)) {
+    ReadFailure(file, "it is not a file");
+  }
+  if (fs::file_size(file, error) == 0) {
+    ReadFailure(file, "it is empty");
+  }
+  return ReadFormat(file, warning);
+}
+
+PictureOutput::PictureOutput(fs::path file, bool overwrite)
+    : file_(std::move(file)), format_(KnownFormat(file_)), overwrite_(overwrite) {
+  std::error_code error;
+  if (fs::is_directory(file_, error)) {
+    throw Failure(file_.string() + ": it is a folder");
+  }
+  if (!overwrite_ && fs::exists(file_, error)) {
+    throw Failure(file_.string() + ": it exists already; --overwrite replaces it");
+  }
+  const fs::path folder = file_.has_parent_path() ? file_.parent_path() : fs::path(".");
+  if (!fs::is_directory(folder, error)) {
+    throw Failure(folder.string() + ": there is no such folder");
+  }
+  if (!IsWritable(folder)) {
+    throw Failure(folder.string() + ": the folder cannot be written to");
+  }
+  part_ = folder / ("." + file_.stem().string() + "." + std::to_string(ProcessId()) + ".part" +
+                    file_.extension().string());
+}
+
+PictureOutput::~PictureOutput() {
+  std::error_code error;
+  fs::remove(part_, error);
+}
+
+void PictureOutput::Write(const Picture& picture, int bits) {
+  const auto fail = [this](const std::string& why) {
+    throw Failure(file_.string() + ": it cannot be written: " + why);
+  };
+  try {
+    WriteFormat(part_, format_, picture, bits);
+  } catch (const Failure& fault) {
+    fail(fault.what());
+  }
+  std::error_code error;
+  if (!overwrite_ && fs::exists(file_, error)) {
+    fail("another program has made it meanwhile");
+  }
+  fs::rename(part_, file_, error);
+  if (error) {
+    fail(error.message());
+  }
+}
+
+}  // namespace glimmerhost

@@ -1,0 +1,60 @@
+// What the program asks of the system beyond the C++ library. One source a system defines it.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace glimmerhost {
+
+// The program's arguments in UTF-8, its own name first.
+std::vector<std::string> Arguments(int argc, const char* const* argv);
+
+// The folder of the running program.
+std::filesystem::path ProgramFolder();
+
+std::uint32_t ProcessId();
+
+// Whether files can be made in the folder.
+bool IsWritable(const std::filesystem::path& folder);
+
+// A variable of this process's environment, as modules see it.
+void SetVariable(const char* name, const char* value);
+
+// How a person names another home directory for this machine.
+extern const char* const kHomeAdvice;
+
+// Whether a person watches stderr, on a screen that lines can be cleared on.
+bool IsTerminal();
+
+// How many processors this process may run on; 0 if the system does not tell.
+int AllowedProcessors();
+
+// Narrows the process to the first so many of them. False if the system refuses.
+bool KeepProcessors(int count);
+
+// A library loaded at run time, until the end of the scope.
+class SharedLibrary {
+ public:
+  // Not looked for in the system's folders. Throws Failure, which names the file and says what
+  // the system says.
+  explicit SharedLibrary(const std::filesystem::path& file);
+  ~SharedLibrary();
+  SharedLibrary(const SharedLibrary&) = delete;
+  SharedLibrary& operator=(const SharedLibrary&) = delete;
+
+  // Null if the library has no such name.
+  template <class Function>
+  Function* Find(const char* name) const {
+    return reinterpret_cast<Function*>(Address(name));
+  }
+
+ private:
+  using AnyFunction = void();
+  AnyFunction* Address(const char* name) const;
+
+  void* library_;
+};
+
+}  // namespace glimmerhost

@@ -1,0 +1,68 @@
+#include <dlfcn.h>
+#include <sched.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <system_error>
+
+#include "host/support/failure.h"
+#include "host/support/system.h"
+
+namespace glimmerhost {
+
+const char* const kHomeAdvice =
+    "a line LX_HOME_DIR=FOLDER in /etc/environment names another home directory";
+
+std::vector<std::string> Arguments(int argc, const char* const* argv) {
+  return {argv, argv + argc};
+}
+
+std::filesystem::path ProgramFolder() {
+  std::error_code error;
+  return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+}
+
+std::uint32_t ProcessId() { return static_cast<std::uint32_t>(getpid()); }
+
+bool IsWritable(const std::filesystem::path& folder) { return access(folder.c_str(), W_OK) == 0; }
+
+void SetVariable(const char* name, const char* value) { setenv(name, value, 1); }
+
+bool IsTerminal() { return isatty(STDERR_FILENO) != 0; }
+
+int AllowedProcessors() {
+  cpu_set_t allowed;
+  CPU_ZERO(&allowed);
+  return sched_getaffinity(0, sizeof allowed, &allowed) == 0 ? CPU_COUNT(&allowed) : 0;
+}
+
+bool KeepProcessors(int count) {
+  cpu_set_t allowed;
+  CPU_ZERO(&allowed);
+  if (sched_getaffinity(0, sizeof allowed, &allowed) != 0) {
+    return false;
+  }
+  cpu_set_t kept;
+  CPU_ZERO(&kept);
+  for (int processor = 0; processor < CPU_SETSIZE && CPU_COUNT(&kept) < count; ++processor) {
+    if (CPU_ISSET(processor, &allowed)) {
+      CPU_SET(processor, &kept);
+    }
+  }
+  return sched_setaffinity(0, sizeof kept, &kept) == 0;
+}
+
+SharedLibrary::SharedLibrary(const std::filesystem::path& file)
+    : library_(dlopen(std::filesystem::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL)) {
+  if (library_ == nullptr) {
+    throw Failure(file.string() + ": it is no module that can be loaded: " + dlerror());
+  }
+}
+
+SharedLibrary::~SharedLibrary() { dlclose(library_); }
+
+SharedLibrary::AnyFunction* SharedLibrary::Address(const char* name) const {
+  return reinterpret_cast<AnyFunction*>(dlsym(library_, name));
+}
+
+}  // namespace glimmerhost
