@@ -12,21 +12,17 @@
 #include "baselib/utils/heap.h"
 #include "baselib/winbits/registry.h"
 #include "tests/support/fresh_services.h"
+#include "tests/support/registry_value.h"
 
 namespace {
 
-using Bytes = std::vector<BYTE>;
+using lx_test::kMachineEnvironment;
+using lx_test::RegistryValue;
+using lx_test::Stored;
+using Bytes = RegistryValue::Bytes;
 
-constexpr const wchar_t* kMachineEnvironment =
-    L"SYSTEM\\CurrentControlSet\\Control\\Session Manager\\Environment";
 constexpr const wchar_t* kPrograms = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion";
 constexpr const char* kProgramsKey = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion";
-
-// A text as the registry stores it, with its end.
-Bytes Stored(const std::wstring& text) {
-  const auto* first = reinterpret_cast<const BYTE*>(text.c_str());
-  return {first, first + (text.size() + 1) * sizeof(wchar_t)};
-}
 
 // As programs see it that know of no wide text.
 std::string Narrow(const std::wstring& text) {
@@ -36,66 +32,13 @@ std::string Narrow(const std::wstring& text) {
   return bytes.substr(0, static_cast<std::size_t>(length) - 1);
 }
 
-// A value of a test's, in place of what is there for the length of a scope.
-class Value {
- public:
-  Value(HKEY root, const wchar_t* key, std::wstring name) : name_(std::move(name)) {
-    RegCreateKeyExW(root, key, 0, nullptr, 0, KEY_QUERY_VALUE | KEY_SET_VALUE, nullptr, &key_,
-                    nullptr);
-    wasThere_ = Read(&type_, &bytes_);
-    Remove();
-  }
-  ~Value() {
-    Remove();
-    if (wasThere_) {
-      Set(type_, bytes_);
-    }
-    RegCloseKey(key_);
-  }
-  Value(const Value&) = delete;
-  Value& operator=(const Value&) = delete;
-
-  void Set(DWORD type, const Bytes& bytes) const {
-    ASSERT_EQ(ERROR_SUCCESS, RegSetValueExW(key_, name_.c_str(), 0, type, bytes.data(),
-                                            static_cast<DWORD>(bytes.size())));
-  }
-  void SetText(const std::wstring& text) const { Set(REG_SZ, Stored(text)); }
-
-  bool Read(DWORD* type, Bytes* bytes) const {
-    DWORD size = 0;
-    if (RegQueryValueExW(key_, name_.c_str(), nullptr, type, nullptr, &size) != ERROR_SUCCESS) {
-      return false;
-    }
-    bytes->resize(size);
-    return RegQueryValueExW(key_, name_.c_str(), nullptr, type, bytes->data(), &size) ==
-           ERROR_SUCCESS;
-  }
-
-  // What stood there before, as a text.
-  std::wstring Before() const {
-    std::wstring text(reinterpret_cast<const wchar_t*>(bytes_.data()),
-                      bytes_.size() / sizeof(wchar_t));
-    return text.substr(0, text.find(L'\0'));
-  }
-  bool WasThere() const { return wasThere_; }
-
- private:
-  void Remove() const { RegDeleteValueW(key_, name_.c_str()); }
-
-  std::wstring name_;
-  HKEY key_ = nullptr;
-  bool wasThere_ = false;
-  DWORD type_ = REG_NONE;
-  Bytes bytes_;
-};
-
 class Registry : public testing::Test {
  public:
   lx_test::FreshServices fresh;
-  const Value home{HKEY_LOCAL_MACHINE, kMachineEnvironment, L"LX_HOME_DIR"};
-  const Value programs{HKEY_LOCAL_MACHINE, kPrograms, L"ProgramFilesDir"};
-  const Value machine{HKEY_LOCAL_MACHINE, kMachineEnvironment, L"LX_OF_A_TEST"};
-  const Value user{HKEY_CURRENT_USER, L"Environment", L"LX_OF_A_TEST"};
+  const RegistryValue home{HKEY_LOCAL_MACHINE, kMachineEnvironment, L"LX_HOME_DIR"};
+  const RegistryValue programs{HKEY_LOCAL_MACHINE, kPrograms, L"ProgramFilesDir"};
+  const RegistryValue machine{HKEY_LOCAL_MACHINE, kMachineEnvironment, L"LX_OF_A_TEST"};
+  const RegistryValue user{HKEY_CURRENT_USER, L"Environment", L"LX_OF_A_TEST"};
 };
 
 TEST_F(Registry, NamesTheHomeInTheMachinesEnvironment) {

@@ -1,38 +1,28 @@
 #include "host/glimmerhost/processors.h"
 
 #include <gtest/gtest.h>
-#include <sched.h>
 
 #include "host/support/failure.h"
+#include "tests/support/processors.h"
 
 namespace {
 
 class Processors : public testing::Test {
- public:
-  Processors() { sched_getaffinity(0, sizeof before_, &before_); }
-  ~Processors() override { sched_setaffinity(0, sizeof before_, &before_); }
-
-  static int Count() {
-    cpu_set_t now;
-    sched_getaffinity(0, sizeof now, &now);
-    return CPU_COUNT(&now);
-  }
-
  private:
-  cpu_set_t before_;
+  const lx_test::ProcessorsAsBefore before_;
 };
 
 TEST_F(Processors, AreNarrowedToTheFirstOfThoseAllowed) {
   glimmerhost::NarrowProcessors("1");
-  EXPECT_EQ(1, Count());
+  EXPECT_EQ(1, lx_test::ProcessorCount());
   // What was narrowed once cannot be widened.
   EXPECT_THROW(glimmerhost::NarrowProcessors("2"), glimmerhost::UsageError);
 }
 
 TEST_F(Processors, StayAsTheyAreWithoutACount) {
-  const int before = Count();
+  const int before = lx_test::ProcessorCount();
   glimmerhost::NarrowProcessors("");
-  EXPECT_EQ(before, Count());
+  EXPECT_EQ(before, lx_test::ProcessorCount());
 }
 
 TEST_F(Processors, RefuseWhatIsNoCount) {

@@ -2,16 +2,14 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <filesystem>
 #include <string>
 
 #include "host/pictures/picture_file.h"
+#include "tests/support/child_program.h"
 #include "tests/support/scratch_folder.h"
 
 namespace host_test {
@@ -20,22 +18,11 @@ using glimmerhost::Alpha;
 using glimmerhost::Picture;
 namespace fs = std::filesystem;
 
-struct Outcome {
-  int code;
-  std::string text;  // of both outputs
-};
+using lx_test::Outcome;
 
-//   prefix  what stands before the program on the shell's line
-inline Outcome RunProgram(const std::string& arguments, const std::string& prefix = "") {
-  FILE* pipe = popen((prefix + " '" PROGRAM "' " + arguments + " 2>&1").c_str(), "r");
-  Outcome outcome{-1, ""};
-  std::array<char, 512> buffer{};
-  while (fgets(buffer.data(), buffer.size(), pipe) != nullptr) {
-    outcome.text += buffer.data();
-  }
-  const int status = pclose(pipe);
-  outcome.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return outcome;
+//   arguments  parted as a shell would
+inline Outcome RunProgram(const std::string& arguments, const lx_test::Variables& variables = {}) {
+  return lx_test::RunChild(PROGRAM, lx_test::SplitArguments(arguments), variables);
 }
 
 inline Picture Read(const fs::path& file) {

@@ -9,6 +9,7 @@
 #include <string>
 #include <thread>
 
+#include "tests/host/machine_home.h"
 #include "tests/host/program.h"
 
 namespace {
@@ -16,29 +17,25 @@ namespace {
 using host_test::Outcome;
 namespace fs = std::filesystem;
 
+// Any value will do.
+const lx_test::Variables kMeasure{{"LX_USE_FFTW_WISDOM", "1"}};
+
 class WisdomProgram : public host_test::Program {
  public:
-  WisdomProgram() { SetHome(home); }
+  WisdomProgram() { settings.Set(home); }
 
-  void SetHome(const fs::path& to) {
-    fs::create_directories(folder / "etc");
-    std::ofstream(folder / "etc/environment") << "LX_HOME_DIR=" << to.string() << '\n';
-  }
-
-  // The sanitizer's runtime wants to be the first library; here another one has to be.
-  Outcome RunHere(const std::string& arguments, const std::string& variables = "") const {
-    return host_test::RunProgram(
-        arguments, "env LD_PRELOAD='" SETTINGS_ELSEWHERE "' SETTINGS_ELSEWHERE='" +
-                       (folder / "").string() +
-                       "' ASAN_OPTIONS=\"$ASAN_OPTIONS:verify_asan_link_order=0\" " + variables);
+  Outcome RunHere(const std::string& arguments, lx_test::Variables variables = {}) const {
+    variables.merge(settings.Variables());
+    return host_test::RunProgram(arguments, variables);
   }
 
   std::string RenderSmall(const std::string& output) {
     return Render(WriteInput("in.png", 40, 30), output, "--radius 3px --overwrite");
   }
 
+  const host_test::MachineHome settings{folder / ""};
   const fs::path home = folder / "home";
-  const fs::path file = home / "Settings/fftw3_wisdom_lx.dat";
+  const fs::path file = home / "Settings" / "fftw3_wisdom_lx.dat";
 };
 
 std::string Contents(const fs::path& file) {
@@ -63,7 +60,7 @@ TEST_F(WisdomProgram, RendersWithoutTheVariableTouchNothing) {
 }
 
 TEST_F(WisdomProgram, ARenderOnRequestKeepsItsPlans) {
-  const Outcome outcome = RunHere(RenderSmall("out.png"), "LX_USE_FFTW_WISDOM=");
+  const Outcome outcome = RunHere(RenderSmall("out.png"), {{"LX_USE_FFTW_WISDOM", ""}});
 
   EXPECT_EQ(0, outcome.code) << outcome.text;
   EXPECT_EQ("", outcome.text);
@@ -75,11 +72,11 @@ TEST_F(WisdomProgram, ANewProcessKeepsWhatAnotherHasLearnt) {
   if (LX_ENGINE_MODE != 4) {
     GTEST_SKIP() << "a module that has no plans to measure";
   }
-  RunHere(RenderSmall("out.png"), "LX_USE_FFTW_WISDOM=1");
+  RunHere(RenderSmall("out.png"), kMeasure);
   const std::set<std::string> first = Lines(file);
 
-  const Outcome outcome = RunHere(Render(WriteInput("in.png", 200, 30), "out.png", "--overwrite"),
-                                  "LX_USE_FFTW_WISDOM=1");
+  const Outcome outcome =
+      RunHere(Render(WriteInput("in.png", 200, 30), "out.png", "--overwrite"), kMeasure);
 
   EXPECT_EQ(0, outcome.code) << outcome.text;
   const std::set<std::string> second = Lines(file);
@@ -90,8 +87,8 @@ TEST_F(WisdomProgram, ANewProcessKeepsWhatAnotherHasLearnt) {
 TEST_F(WisdomProgram, TwoProcessesAtOnceLeaveAWholeFile) {
   const std::string first = RenderSmall("a.png");
   const std::string second = RenderSmall("b.png");
-  std::thread other([&] { RunHere(first, "LX_USE_FFTW_WISDOM=1"); });
-  RunHere(second, "LX_USE_FFTW_WISDOM=1");
+  std::thread other([&] { RunHere(first, kMeasure); });
+  RunHere(second, kMeasure);
   other.join();
 
   const std::string content = Contents(file);
@@ -104,9 +101,9 @@ TEST_F(WisdomProgram, TwoProcessesAtOnceLeaveAWholeFile) {
 TEST_F(WisdomProgram, AHomeThatCannotBeMadeChangesNothingOfAPicture) {
   RunHere(RenderSmall("plain.png"));
   std::ofstream(folder / "taken") << "a file";
-  SetHome(folder / "taken/home");
+  settings.Set(folder / "taken/home");
 
-  const Outcome outcome = RunHere(RenderSmall("out.png"), "LX_USE_FFTW_WISDOM=1");
+  const Outcome outcome = RunHere(RenderSmall("out.png"), kMeasure);
 
   EXPECT_EQ(0, outcome.code) << outcome.text;
   EXPECT_EQ("", outcome.text);
@@ -142,15 +139,14 @@ TEST_F(WisdomProgram, MeasuresAGridAhead) {
 
 TEST_F(WisdomProgram, NamesTheHomeThatItCannotMake) {
   std::ofstream(folder / "taken") << "a file";
-  SetHome(folder / "taken/home");
+  settings.Set(folder / "taken/home");
 
   const Outcome outcome = RunHere("wisdom --measure");
 
   EXPECT_EQ(1, outcome.code);
   EXPECT_EQ("Settings directory  " + (folder / "taken/home/Settings").string() +
                 "\nglimmerhost: the directories in " + (folder / "taken/home").string() +
-                " could not be made; a line LX_HOME_DIR=FOLDER in /etc/environment names another "
-                "home directory\n",
+                " could not be made; " + host_test::kHomeAdvice + "\n",
             outcome.text);
 }
 

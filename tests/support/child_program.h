@@ -1,0 +1,24 @@
+// Another program, run to its end.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace lx_test {
+
+struct Outcome {
+  int code;          // -1 where it did not end by itself
+  std::string text;  // of both outputs, with plain line ends
+};
+
+using Variables = std::map<std::string, std::string>;
+
+// As a shell parts a line: at blanks, but not between single quotes.
+std::vector<std::string> SplitArguments(const std::string& line);
+
+//   variables  of its environment, beside those of this process
+Outcome RunChild(const std::string& program, const std::vector<std::string>& arguments,
+                 const Variables& variables = {});
+
+}  // namespace lx_test
