@@ -1,7 +1,5 @@
 #include "host/glimmerhost/page.h"
 
-#include <toml++/toml.h>
-
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -9,6 +7,7 @@
 
 #include "host/glimmerhost/nearest.h"
 #include "host/glimmerhost/text.h"
+#include "host/glimmerhost/toml_file.h"
 #include "host/support/failure.h"
 
 namespace glimmerhost {
@@ -223,7 +222,7 @@ std::string Parameter::Show(const Value& value) const {
 Page Page::Load(const std::filesystem::path& file) {
   Page page;
   try {
-    const toml::table root = toml::parse_file(file.string());
+    const toml::table root = ParseTomlFile(file);
     const toml::array* list = root["parameter"].as_array();
     if (list == nullptr || list->empty()) {
       throw std::runtime_error("it has no parameters");

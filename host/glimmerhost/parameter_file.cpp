@@ -1,13 +1,12 @@
 #include "host/glimmerhost/parameter_file.h"
 
-#include <toml++/toml.h>
-
 #include <algorithm>
 #include <exception>
 #include <vector>
 
 #include "host/glimmerhost/nearest.h"
 #include "host/glimmerhost/text.h"
+#include "host/glimmerhost/toml_file.h"
 #include "host/support/failure.h"
 
 namespace glimmerhost {
@@ -99,7 +98,7 @@ void Read(const std::string& file, const std::string& name, const toml::node& no
 
 toml::table Parse(const std::filesystem::path& file) {
   try {
-    return toml::parse_file(file.string());
+    return ParseTomlFile(file);
   } catch (const toml::parse_error& fault) {
     std::string place = file.string();
     if (const auto line = fault.source().begin.line; line != 0) {
@@ -107,6 +106,8 @@ toml::table Parse(const std::filesystem::path& file) {
       place += std::to_string(line);
     }
     throw Failure(place.append(": it cannot be read as parameters: ").append(fault.description()));
+  } catch (const std::exception& fault) {
+    throw Failure(file.string() + ": it cannot be read as parameters: " + fault.what());
   }
 }
 
