@@ -205,6 +205,8 @@ CLI::App* AddWisdom(CLI::App* app, WisdomOptions* options) {
 int Run(const std::vector<std::string>& arguments) {
   CLI::App app(kDescription, "glimmerhost");
   app.require_subcommand(1);
+  // Otherwise, on Windows, a path that begins with a slash would be an option.
+  app.allow_windows_style_options(false);
   app.set_version_flag("--version", kVersion);
   RenderOptions render;
   const CLI::App* renderCommand = AddRender(&app, &render);
