@@ -1,8 +1,9 @@
 #define WIN32_LEAN_AND_MEAN
 #define NOMINMAX
 #include <io.h>
-#include <shellapi.h>
 #include <windows.h>
+// Only after the header above, whose macros it is written in.
+#include <shellapi.h>
 
 #include <bit>
 #include <cstddef>
