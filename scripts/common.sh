@@ -32,7 +32,7 @@ build_packages=(g++ cmake ninja-build pkg-config libfftw3-dev libopenimageio-dev
   libtomlplusplus-dev)
 
 # What the tests and the benchmarks need beside it.
-test_packages=(libgtest-dev libbenchmark-dev binutils)
+test_packages=(libgtest-dev libbenchmark-dev binutils libpng-dev libtiff-dev)
 
 # build_preset PRESET [TARGET...]: configures and builds; quiet unless it fails.
 build_preset() {

@@ -34,6 +34,10 @@ void SpreadChannels(const std::vector<std::uint16_t>& from, int channels, const 
   }
 }
 
+int ChannelsToWrite(const Picture& picture) {
+  return (picture.grey ? 1 : 3) + (picture.alpha == Alpha::kNone ? 0 : 1);
+}
+
 std::vector<std::uint16_t> GatherChannels(const Picture& picture, int channels) {
   std::vector<std::uint16_t> out(picture.PixelCount() * static_cast<std::size_t>(channels));
   const std::uint16_t* pixel = picture.samples.data();

@@ -30,6 +30,9 @@ ChannelMap MapPlainChannels(int count);
 void SpreadChannels(const std::vector<std::uint16_t>& from, int channels, const ChannelMap& map,
                     Picture* picture);
 
+// Of a file that can hold them all: 1 to 4.
+int ChannelsToWrite(const Picture& picture);
+
 // The samples that go into a file of 1 to 4 channels: one colour is the mean of three.
 std::vector<std::uint16_t> GatherChannels(const Picture& picture, int channels);
 

@@ -1,0 +1,37 @@
+// FileBytes: the bytes of a file, for libraries written in C.
+//
+// Opened by whatever name the system allows, and no operation throws: an exception must not
+// pass through the frames of a library that knows none.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <ios>
+
+namespace glimmerhost {
+
+class FileBytes {
+ public:
+  // The file is closed, and nothing said about it, when the object goes.
+  //   mode  in: an existing file to read; in, out and trunc: a new one to write
+  FileBytes(const std::filesystem::path& file, std::ios_base::openmode mode);
+
+  bool IsOpen() const { return buffer_.is_open(); }
+
+  // How many bytes went: fewer than asked at the file's end, or if the system fails.
+  std::size_t Read(void* to, std::size_t count) noexcept;
+  std::size_t Write(const void* from, std::size_t count) noexcept;
+
+  // The new place, or -1.
+  std::int64_t Seek(std::int64_t offset, std::ios_base::seekdir from) noexcept;
+
+  // False if what was written did not all get there.
+  bool Close() noexcept;
+
+ private:
+  std::filebuf buffer_;
+};
+
+}  // namespace glimmerhost

@@ -1,0 +1,57 @@
+// PngLibrary: libpng's records for one file.
+//
+// libpng tells of an error by a call that must not return, and knows no exceptions. So its
+// calls are made in steps, which an error leaves by a long jump:
+//
+//   if (!library.Run([&] { png_read_info(library.Png(), library.Info()); })) { ... }
+//
+// A step holds no object that has a destructor, and calls nothing of ours that does. What it
+// needs is made before it; what it finds is looked at after.
+#pragma once
+
+#include <png.h>
+
+#include <array>
+#include <csetjmp>
+
+#include "host/pictures/file_bytes.h"
+
+namespace glimmerhost {
+
+class PngLibrary {
+ public:
+  enum class Use { kRead, kWrite };
+
+  //   bytes  borrowed
+  // Throws Failure where memory does not suffice.
+  PngLibrary(FileBytes* bytes, Use use);
+  ~PngLibrary();
+  PngLibrary(const PngLibrary&) = delete;
+  PngLibrary& operator=(const PngLibrary&) = delete;
+
+  png_structp Png() const { return png_; }
+  png_infop Info() const { return info_; }
+
+  // False if the step was left; what libpng said is the trouble.
+  template <class Step>
+  bool Run(const Step& step) {
+    if (setjmp(back_) != 0) {
+      return false;
+    }
+    step();
+    return true;
+  }
+
+  const char* Trouble() const { return trouble_.data(); }
+
+ private:
+  static void OnError(png_structp png, png_const_charp message);
+
+  png_structp png_ = nullptr;
+  png_infop info_ = nullptr;
+  Use use_;
+  std::jmp_buf back_;
+  std::array<char, 200> trouble_{};
+};
+
+}  // namespace glimmerhost

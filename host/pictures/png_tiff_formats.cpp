@@ -1,0 +1,82 @@
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string>
+
+#include "host/pictures/channels.h"
+#include "host/pictures/file_bytes.h"
+#include "host/pictures/picture_formats.h"
+#include "host/pictures/png_file.h"
+#include "host/pictures/tiff_file.h"
+
+namespace glimmerhost {
+namespace {
+
+namespace fs = std::filesystem;
+using Start = std::array<unsigned char, 8>;
+
+Start StartOf(const fs::path& file) {
+  FileBytes bytes(file, std::ios_base::in);
+  if (!bytes.IsOpen()) {
+    ReadFailure(file, "the system does not open it");
+  }
+  Start start{};
+  bytes.Read(start.data(), start.size());
+  return start;
+}
+
+bool IsPng(const Start& start) {
+  return start == Start{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+}
+
+// 42, or 43 for files of more than 4 GiB, in the byte order that the two letters name.
+bool IsTiff(const Start& start) {
+  const auto version = [&start](unsigned char first, unsigned low, unsigned high) {
+    return start[0] == first && start[1] == first && start[high] == 0 &&
+           (start[low] == 42 || start[low] == 43);
+  };
+  return version('I', 2, 3) || version('M', 3, 2);
+}
+
+}  // namespace
+
+const char* const kReadableFormats = "PNG and TIFF";
+const char* const kWritableEndings = ".png, .tif or .tiff";
+
+std::optional<OutputFormat> FormatOf(const fs::path& file) {
+  // Not as a narrow string: of a name that has none, that throws.
+  fs::path::string_type ending = file.extension().native();
+  for (auto& letter : ending) {
+    letter = letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+  }
+  if (ending == fs::path(".png").native()) {
+    return OutputFormat{"png", true, true, false};
+  }
+  if (ending == fs::path(".tif").native() || ending == fs::path(".tiff").native()) {
+    return OutputFormat{"tiff", true, false, false};
+  }
+  return std::nullopt;
+}
+
+Picture ReadFormat(const fs::path& file, std::string* warning) {
+  const Start start = StartOf(file);
+  if (IsPng(start)) {
+    return ReadPng(file);
+  }
+  if (!IsTiff(start)) {
+    ReadFailure(
+        file, std::string("it is not a picture that can be read: allowed is ") + kReadableFormats);
+  }
+  return ReadTiff(file, warning);
+}
+
+void WriteFormat(const fs::path& file, const OutputFormat& format, const Picture& picture,
+                 int bits) {
+  if (format.name == "png") {
+    WritePng(file, picture, bits);
+  } else {
+    WriteTiff(file, picture, bits);
+  }
+}
+
+}  // namespace glimmerhost

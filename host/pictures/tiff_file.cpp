@@ -1,0 +1,369 @@
+#include "host/pictures/tiff_file.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "host/pictures/channels.h"
+#include "host/pictures/file_metadata.h"
+#include "host/pictures/tiff_library.h"
+#include "host/pictures/tiff_metadata.h"
+#include "host/pictures/tiff_samples.h"
+#include "host/support/failure.h"
+
+namespace glimmerhost {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Compression {
+  std::uint16_t tag;
+  std::uint64_t mostPerByte;  // bytes that one byte of a file can become
+  bool predicts;              // may store the differences of neighbours
+};
+
+constexpr Compression kCompressions[] = {
+    {COMPRESSION_ADOBE_DEFLATE, 1032, true},
+    {COMPRESSION_DEFLATE, 1032, true},
+    {COMPRESSION_LZW, 2731, true},
+    {COMPRESSION_PACKBITS, 64, false},
+    {COMPRESSION_NONE, 1, false},
+};
+
+const Compression* FindCompression(std::uint16_t tag) {
+  const auto* const found =
+      std::find_if(std::begin(kCompressions), std::end(kCompressions),
+                   [tag](const Compression& compression) { return compression.tag == tag; });
+  return found == std::end(kCompressions) ? nullptr : found;
+}
+
+std::string CompressionName(std::uint16_t tag) {
+  const TIFFCodec* const codec = TIFFFindCODEC(tag);
+  return codec == nullptr ? "compression " + std::to_string(tag) : std::string(codec->name);
+}
+
+std::string PhotometricName(std::uint16_t photometric) {
+  switch (photometric) {
+    case PHOTOMETRIC_MASK:
+      return "a mask";
+    case PHOTOMETRIC_SEPARATED:
+      return "CMYK";
+    case PHOTOMETRIC_YCBCR:
+      return "YCbCr";
+    case PHOTOMETRIC_CIELAB:
+    case PHOTOMETRIC_ICCLAB:
+    case PHOTOMETRIC_ITULAB:
+      return "Lab";
+    default:
+      return "of kind " + std::to_string(photometric);
+  }
+}
+
+template <class Value>
+Value Field(TIFF* tiff, std::uint32_t tag) {
+  Value value{};
+  TIFFGetFieldDefaulted(tiff, tag, &value);
+  return value;
+}
+
+// How a file is cut: strips are blocks as wide as the picture.
+struct Blocks {
+  std::uint32_t width;
+  std::uint32_t height;
+  std::uint64_t rowBytes;
+  bool tiles;
+};
+
+class TiffReader {
+ public:
+  explicit TiffReader(const fs::path& file)
+      : file_(file), library_(file, TiffLibrary::Use::kRead), tiff_(library_.Tiff()) {
+    if (tiff_ == nullptr) {
+      Broken();
+    }
+    width_ = Field<std::uint32_t>(tiff_, TIFFTAG_IMAGEWIDTH);
+    height_ = Field<std::uint32_t>(tiff_, TIFFTAG_IMAGELENGTH);
+    CheckSides(file_, width_, height_);
+    channels_ = Field<std::uint16_t>(tiff_, TIFFTAG_SAMPLESPERPIXEL);
+    bits_ = Field<std::uint16_t>(tiff_, TIFFTAG_BITSPERSAMPLE);
+    floats_ = Field<std::uint16_t>(tiff_, TIFFTAG_SAMPLEFORMAT) == SAMPLEFORMAT_IEEEFP;
+    apart_ = Field<std::uint16_t>(tiff_, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_SEPARATE;
+    if (TIFFGetField(tiff_, TIFFTAG_PHOTOMETRIC, &photometric_) == 0) {
+      photometric_ = channels_ == 1 ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB;
+    }
+    CheckKind();
+    CheckCompression();
+    FindBlocks();
+  }
+
+  Picture Read(std::string* warning) {
+    Picture picture;
+    picture.width = static_cast<int>(width_);
+    picture.height = static_cast<int>(height_);
+    picture.bits = bits_ <= 8 ? 8 : 16;
+    std::vector<std::uint16_t> samples = ReadSamples(warning);
+    int channels = channels_;
+    if (photometric_ == PHOTOMETRIC_PALETTE) {
+      samples = LookUp(samples);
+      channels = 3;
+    }
+    const ChannelMap map = MapChannels(channels, &picture);
+    if (photometric_ == PHOTOMETRIC_MINISWHITE) {
+      Invert(&samples);
+    }
+    picture.grey = map.grey;
+    SpreadChannels(samples, channels, map, &picture);
+    const FileMetadata metadata = ReadTiffMetadata(tiff_);
+    picture.pixelAspect = PixelAspectOf(metadata.resolution);
+    picture.metadata = std::make_shared<FileMetadata>(metadata);
+    return picture;
+  }
+
+ private:
+  [[noreturn]] void Broken() const {
+    ReadFailure(file_, std::string("it is cut short or broken: ") + library_.Trouble());
+  }
+
+  void CheckKind() const {
+    if (photometric_ != PHOTOMETRIC_MINISBLACK && photometric_ != PHOTOMETRIC_MINISWHITE &&
+        photometric_ != PHOTOMETRIC_RGB && photometric_ != PHOTOMETRIC_PALETTE) {
+      ReadFailure(file_, "its colours are " + PhotometricName(photometric_) +
+                             "; grey, palettes and RGB can be read");
+    }
+    if (channels_ < 1 || (photometric_ == PHOTOMETRIC_PALETTE && channels_ != 1)) {
+      ReadFailure(file_, "its pixels have " + std::to_string(channels_) + " samples");
+    }
+    const auto format = Field<std::uint16_t>(tiff_, TIFFTAG_SAMPLEFORMAT);
+    const bool whole = format == SAMPLEFORMAT_UINT || format == SAMPLEFORMAT_VOID;
+    const bool known = floats_ ? bits_ == 16 || bits_ == 32 || bits_ == 64
+                               : whole && (bits_ == 1 || bits_ == 2 || bits_ == 4 || bits_ == 8 ||
+                                           bits_ == 16 || bits_ == 32);
+    if (!known || (photometric_ == PHOTOMETRIC_PALETTE && (floats_ || bits_ > 8))) {
+      ReadFailure(file_, "its samples are of a kind that cannot be read: " + std::to_string(bits_) +
+                             " bits, sample format " + std::to_string(format));
+    }
+  }
+
+  void CheckCompression() {
+    const auto tag = Field<std::uint16_t>(tiff_, TIFFTAG_COMPRESSION);
+    const Compression* const compression = FindCompression(tag);
+    if (compression == nullptr) {
+      ReadFailure(file_, "it is compressed by " + CompressionName(tag) +
+                             "; none, LZW, deflate and PackBits can be read");
+    }
+    std::error_code error;
+    mostBytes_ = fs::file_size(file_, error) * compression->mostPerByte;
+  }
+
+  void FindBlocks() {
+    blocks_.tiles = TIFFIsTiled(tiff_) != 0;
+    if (blocks_.tiles) {
+      blocks_.width = Field<std::uint32_t>(tiff_, TIFFTAG_TILEWIDTH);
+      blocks_.height = Field<std::uint32_t>(tiff_, TIFFTAG_TILELENGTH);
+      blocks_.rowBytes = TIFFTileRowSize64(tiff_);
+    } else {
+      blocks_.width = width_;
+      blocks_.height = std::min(height_, Field<std::uint32_t>(tiff_, TIFFTAG_ROWSPERSTRIP));
+      blocks_.rowBytes = TIFFScanlineSize64(tiff_);
+    }
+    const std::uint64_t samplesInRow = blocks_.width * std::uint64_t{apart_ ? 1U : channels_};
+    if (blocks_.width == 0 || blocks_.height == 0 ||
+        blocks_.rowBytes < (samplesInRow * bits_ + 7) / 8) {
+      Broken();
+    }
+    // A header may claim anything; nothing is allocated for more than the file can hold.
+    const std::uint64_t pixelBits = std::uint64_t{channels_} * bits_;
+    if (std::uint64_t{width_} * height_ * pixelBits / 8 > mostBytes_ ||
+        blocks_.rowBytes > mostBytes_ / blocks_.height) {
+      ReadFailure(file_, "it is cut short or broken: it is too small for the size that it claims");
+    }
+  }
+
+  std::vector<std::uint16_t> ReadSamples(std::string* warning) {
+    const std::size_t count = std::size_t{width_} * height_ * channels_;
+    std::vector<std::uint16_t> samples(count);
+    if (floats_) {
+      std::vector<float> values(count);
+      ReadBlocks(UnpackFloats, values.data());
+      if (Quantise(values, &samples)) {
+        *warning = ClampWarning(file_);
+      }
+      return samples;
+    }
+    ReadBlocks(UnpackWords, samples.data());
+    if (const std::uint16_t scale = WordScale(bits_);
+        scale != 1 && photometric_ != PHOTOMETRIC_PALETTE) {
+      for (std::uint16_t& sample : samples) {
+        sample = static_cast<std::uint16_t>(sample * scale);
+      }
+    }
+    return samples;
+  }
+
+  // Every block goes to its place in the picture, whose samples are together at the end.
+  template <class Sample>
+  void ReadBlocks(void (*unpack)(const std::uint8_t*, std::size_t, int, std::size_t, Sample*),
+                  Sample* to) {
+    std::vector<std::uint8_t> block(blocks_.rowBytes * blocks_.height);
+    const std::uint32_t planes = apart_ ? channels_ : 1U;
+    const std::size_t inRow = apart_ ? 1U : channels_;
+    std::uint32_t number = 0;
+    for (std::uint32_t plane = 0; plane < planes; ++plane) {
+      for (std::uint64_t top = 0; top < height_; top += blocks_.height) {
+        const auto rows =
+            static_cast<std::size_t>(std::min<std::uint64_t>(blocks_.height, height_ - top));
+        for (std::uint64_t left = 0; left < width_; left += blocks_.width) {
+          const auto columns =
+              static_cast<std::size_t>(std::min<std::uint64_t>(blocks_.width, width_ - left));
+          ReadBlock(number++, rows, &block);
+          for (std::size_t y = 0; y < rows; ++y) {
+            unpack(block.data() + y * blocks_.rowBytes, columns * inRow, bits_,
+                   apart_ ? channels_ : 1U, to + ((top + y) * width_ + left) * channels_ + plane);
+          }
+        }
+      }
+    }
+  }
+
+  void ReadBlock(std::uint32_t number, std::size_t rows, std::vector<std::uint8_t>* block) {
+    const auto size =
+        static_cast<tmsize_t>(blocks_.tiles ? block->size() : rows * blocks_.rowBytes);
+    const tmsize_t read = blocks_.tiles ? TIFFReadEncodedTile(tiff_, number, block->data(), size)
+                                        : TIFFReadEncodedStrip(tiff_, number, block->data(), size);
+    // Some decoders fill up what is missing and only leave a word about it.
+    if (read != size || library_.Trouble()[0] != '\0') {
+      Broken();
+    }
+  }
+
+  std::vector<std::uint16_t> LookUp(const std::vector<std::uint16_t>& indices) {
+    std::uint16_t* maps[3] = {};
+    if (TIFFGetField(tiff_, TIFFTAG_COLORMAP, &maps[0], &maps[1], &maps[2]) == 0) {
+      ReadFailure(file_, "it has no palette");
+    }
+    std::vector<std::uint16_t> colours;
+    colours.reserve(indices.size() * 3);
+    for (const std::uint16_t index : indices) {
+      for (const std::uint16_t* const map : maps) {
+        // A picture of 8 bits, so that nothing is lost when it is written as such.
+        colours.push_back(static_cast<std::uint16_t>(map[index] / 257 * 257));
+      }
+    }
+    return colours;
+  }
+
+  // The first extra sample that is declared as alpha; of 2 or 4 samples the last in any case.
+  ChannelMap MapChannels(int channels, Picture* picture) const {
+    ChannelMap map = MapPlainChannels(channels);
+    std::uint16_t count = 0;
+    const std::uint16_t* kinds = nullptr;
+    TIFFGetFieldDefaulted(tiff_, TIFFTAG_EXTRASAMPLES, &count, &kinds);
+    bool straight = false;
+    if (count > 0 && channels > 3) {
+      map.alpha = -1;
+    }
+    for (int i = count - 1; i >= 0 && kinds != nullptr; --i) {
+      if (kinds[i] != EXTRASAMPLE_UNSPECIFIED) {
+        straight = kinds[i] == EXTRASAMPLE_UNASSALPHA;
+        map.alpha = channels > 3 ? channels - count + i : map.alpha;
+      }
+    }
+    picture->alpha = map.alpha < 0 ? Alpha::kNone
+                     : straight    ? Alpha::kStraight
+                                   : Alpha::kPremultiplied;
+    return map;
+  }
+
+  // Of grey, and not of what stands beside it.
+  void Invert(std::vector<std::uint16_t>* samples) const {
+    for (std::size_t i = 0; i < samples->size(); i += channels_) {
+      (*samples)[i] = static_cast<std::uint16_t>(65535 - (*samples)[i]);
+    }
+  }
+
+  const fs::path& file_;
+  TiffLibrary library_;
+  TIFF* tiff_;
+  std::uint32_t width_ = 0;
+  std::uint32_t height_ = 0;
+  std::uint16_t channels_ = 0;
+  std::uint16_t bits_ = 0;
+  std::uint16_t photometric_ = 0;
+  bool floats_ = false;
+  bool apart_ = false;
+  std::uint64_t mostBytes_ = 0;
+  Blocks blocks_{};
+};
+
+void SetLayout(TIFF* tiff, const Picture& picture, int bits, int channels) {
+  TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, picture.width);
+  TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, picture.height);
+  TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, bits);
+  TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, channels);
+  TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
+  TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+  TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, picture.grey ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB);
+  if (picture.alpha != Alpha::kNone) {
+    const std::uint16_t kind =
+        picture.alpha == Alpha::kStraight ? EXTRASAMPLE_UNASSALPHA : EXTRASAMPLE_ASSOCALPHA;
+    TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &kind);
+  }
+}
+
+// The input's own, where the samples are of its kind; deflate otherwise.
+const Compression& CompressionFor(const Picture& picture, int bits) {
+  const FileMetadata* const metadata = picture.metadata.get();
+  const Compression* const found =
+      metadata != nullptr && metadata->format == "tiff" && bits == picture.bits
+          ? FindCompression(metadata->tiff.compression)
+          : nullptr;
+  return found == nullptr ? kCompressions[0] : *found;
+}
+
+}  // namespace
+
+Picture ReadTiff(const fs::path& file, std::string* warning) {
+  return TiffReader(file).Read(warning);
+}
+
+void WriteTiff(const fs::path& file, const Picture& picture, int bits) {
+  TiffLibrary library(file, TiffLibrary::Use::kWrite);
+  TIFF* const tiff = library.Tiff();
+  if (tiff == nullptr) {
+    throw Failure(library.Trouble());
+  }
+  const int channels = ChannelsToWrite(picture);
+  std::vector<std::uint16_t> samples = GatherChannels(picture, channels);
+  std::vector<std::uint8_t> narrow;
+  if (bits == 8) {
+    narrow = ToBytes(samples);
+  }
+  SetLayout(tiff, picture, bits, channels);
+  const Compression& compression = CompressionFor(picture, bits);
+  TIFFSetField(tiff, TIFFTAG_COMPRESSION, compression.tag);
+  if (compression.predicts) {
+    TIFFSetField(tiff, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
+  }
+  TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff, 0));
+  if (picture.metadata) {
+    SetTiffMetadata(*picture.metadata, tiff);
+  }
+
+  const std::size_t rowSamples = static_cast<std::size_t>(picture.width * channels);
+  bool written = true;
+  for (int y = 0; written && y < picture.height; ++y) {
+    const std::size_t first = static_cast<std::size_t>(y) * rowSamples;
+    void* const row = bits == 8 ? static_cast<void*>(&narrow[first]) : &samples[first];
+    written = TIFFWriteScanline(tiff, row, static_cast<std::uint32_t>(y), 0) == 1;
+  }
+  const bool closed = library.Close();
+  if (!written || !closed) {
+    throw Failure(library.Trouble()[0] != '\0' ? library.Trouble()
+                                               : "the system does not take all of it");
+  }
+}
+
+}  // namespace glimmerhost

@@ -1,0 +1,21 @@
+// Pictures in TIFF files, by libtiff.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "host/pictures/picture.h"
+
+namespace glimmerhost {
+
+// Reads the first picture of the file: strips or tiles, its samples together or each kind
+// apart, of 1 to 32 bits or floating point, grey, by a palette or in colour.
+//   warning  receives a line if samples were clamped
+// Throws Failure, which names the file.
+Picture ReadTiff(const std::filesystem::path& file, std::string* warning);
+
+// Throws Failure with the bare reason.
+//   bits  8 or 16
+void WriteTiff(const std::filesystem::path& file, const Picture& picture, int bits);
+
+}  // namespace glimmerhost

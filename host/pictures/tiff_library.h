@@ -1,0 +1,41 @@
+// TiffLibrary: libtiff's record of one file, with what it says about it kept off stderr.
+#pragma once
+
+#include <tiffio.h>
+
+#include <array>
+#include <filesystem>
+
+#include "host/pictures/file_bytes.h"
+
+namespace glimmerhost {
+
+class TiffLibrary {
+ public:
+  enum class Use { kRead, kWrite };
+
+  // Reads the first directory where there is one. A file that libtiff cannot open, or that
+  // asks for more memory than one of its size can need, leaves a null Tiff() and the trouble.
+  TiffLibrary(const std::filesystem::path& file, Use use);
+  ~TiffLibrary();
+  TiffLibrary(const TiffLibrary&) = delete;
+  TiffLibrary& operator=(const TiffLibrary&) = delete;
+
+  TIFF* Tiff() const { return tiff_; }
+
+  // Writes what is left, and closes the file. False if that fails.
+  bool Close();
+
+  // The first error since the file was opened, or why it was not; empty if there was none.
+  const char* Trouble() const { return trouble_.data(); }
+
+ private:
+  static int OnError(TIFF* tiff, void* library, const char* place, const char* format,
+                     va_list values);
+
+  FileBytes bytes_;
+  TIFF* tiff_ = nullptr;
+  std::array<char, 200> trouble_{};
+};
+
+}  // namespace glimmerhost

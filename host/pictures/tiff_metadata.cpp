@@ -1,0 +1,115 @@
+#include "host/pictures/tiff_metadata.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace glimmerhost {
+namespace {
+
+struct TextTag {
+  std::uint32_t tag;
+  const char* key;
+};
+
+constexpr TextTag kTextTags[] = {
+    {TIFFTAG_IMAGEDESCRIPTION, "Description"},
+    {TIFFTAG_ARTIST, "Author"},
+    {TIFFTAG_COPYRIGHT, "Copyright"},
+    {TIFFTAG_SOFTWARE, "Software"},
+    {TIFFTAG_DOCUMENTNAME, "Title"},
+    {TIFFTAG_PAGENAME, "Page Name"},
+    {TIFFTAG_MAKE, "Make"},
+    {TIFFTAG_MODEL, "Model"},
+    {TIFFTAG_HOSTCOMPUTER, "Host Computer"},
+};
+
+std::string Text(TIFF* tiff, std::uint32_t tag) {
+  const char* text = nullptr;
+  return TIFFGetField(tiff, tag, &text) != 0 && text != nullptr ? text : std::string();
+}
+
+std::vector<std::uint8_t> Block(TIFF* tiff, std::uint32_t tag) {
+  std::uint32_t size = 0;
+  const std::uint8_t* bytes = nullptr;
+  if (TIFFGetField(tiff, tag, &size, &bytes) == 0 || bytes == nullptr) {
+    return {};
+  }
+  return {bytes, bytes + size};
+}
+
+void SetBlock(TIFF* tiff, std::uint32_t tag, std::size_t size, const void* bytes) {
+  if (size > 0) {
+    TIFFSetField(tiff, tag, static_cast<std::uint32_t>(size), bytes);
+  }
+}
+
+std::optional<Resolution> ReadResolution(TIFF* tiff) {
+  float x = 0.0F;
+  float y = 0.0F;
+  if (TIFFGetField(tiff, TIFFTAG_XRESOLUTION, &x) == 0 ||
+      TIFFGetField(tiff, TIFFTAG_YRESOLUTION, &y) == 0) {
+    return std::nullopt;
+  }
+  std::uint16_t unit = 0;
+  TIFFGetFieldDefaulted(tiff, TIFFTAG_RESOLUTIONUNIT, &unit);
+  return Resolution{x, y,
+                    unit == RESUNIT_INCH         ? DotsPer::kInch
+                    : unit == RESUNIT_CENTIMETER ? DotsPer::kCentimetre
+                                                 : DotsPer::kNothing};
+}
+
+void SetResolution(const Resolution& resolution, TIFF* tiff) {
+  TIFFSetField(tiff, TIFFTAG_XRESOLUTION, resolution.x);
+  TIFFSetField(tiff, TIFFTAG_YRESOLUTION, resolution.y);
+  TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT,
+               resolution.unit == DotsPer::kInch         ? RESUNIT_INCH
+               : resolution.unit == DotsPer::kCentimetre ? RESUNIT_CENTIMETER
+                                                         : RESUNIT_NONE);
+}
+
+}  // namespace
+
+FileMetadata ReadTiffMetadata(TIFF* tiff) {
+  FileMetadata metadata;
+  metadata.format = "tiff";
+  for (const TextTag& known : kTextTags) {
+    if (const std::string text = Text(tiff, known.tag); !text.empty()) {
+      metadata.texts.push_back({known.key, ToUtf8(text)});
+    }
+  }
+  if (const std::vector<std::uint8_t> xmp = Block(tiff, TIFFTAG_XMLPACKET); !xmp.empty()) {
+    // As text it ends where a zero is.
+    metadata.texts.push_back({kXmpKey, {xmp.begin(), std::find(xmp.begin(), xmp.end(), 0)}});
+  }
+  metadata.date = Text(tiff, TIFFTAG_DATETIME);
+  metadata.resolution = ReadResolution(tiff);
+  metadata.iccProfile = Block(tiff, TIFFTAG_ICCPROFILE);
+  metadata.tiff.iptc = Block(tiff, TIFFTAG_RICHTIFFIPTC);
+  TIFFGetFieldDefaulted(tiff, TIFFTAG_COMPRESSION, &metadata.tiff.compression);
+  TIFFGetFieldDefaulted(tiff, TIFFTAG_ORIENTATION, &metadata.tiff.orientation);
+  return metadata;
+}
+
+void SetTiffMetadata(const FileMetadata& metadata, TIFF* tiff) {
+  for (const FileText& text : metadata.texts) {
+    const auto* const known = std::find_if(std::begin(kTextTags), std::end(kTextTags),
+                                           [&text](const TextTag& t) { return t.key == text.key; });
+    if (known != std::end(kTextTags)) {
+      TIFFSetField(tiff, known->tag, text.value.c_str());
+    } else if (text.key == kXmpKey) {
+      SetBlock(tiff, TIFFTAG_XMLPACKET, text.value.size(), text.value.data());
+    }
+  }
+  if (IsFullDate(metadata.date)) {
+    TIFFSetField(tiff, TIFFTAG_DATETIME, metadata.date.c_str());
+  }
+  if (metadata.resolution) {
+    SetResolution(*metadata.resolution, tiff);
+  }
+  SetBlock(tiff, TIFFTAG_ICCPROFILE, metadata.iccProfile.size(), metadata.iccProfile.data());
+  SetBlock(tiff, TIFFTAG_RICHTIFFIPTC, metadata.tiff.iptc.size(), metadata.tiff.iptc.data());
+  TIFFSetField(tiff, TIFFTAG_ORIENTATION, metadata.tiff.orientation);
+}
+
+}  // namespace glimmerhost

@@ -1,0 +1,15 @@
+// Between a TIFF file's tags and FileMetadata.
+#pragma once
+
+#include <tiffio.h>
+
+#include "host/pictures/file_metadata.h"
+
+namespace glimmerhost {
+
+FileMetadata ReadTiffMetadata(TIFF* tiff);
+
+// To be called before samples are written. Compression is the caller's.
+void SetTiffMetadata(const FileMetadata& metadata, TIFF* tiff);
+
+}  // namespace glimmerhost

@@ -1,0 +1,81 @@
+#include "host/pictures/tiff_samples.h"
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace glimmerhost {
+namespace {
+
+// Blocks are bytes, and what lies in them need not be aligned once a row is odd.
+template <class Sample>
+Sample Load(const std::uint8_t* from, std::size_t i) {
+  Sample sample;
+  std::memcpy(&sample, from + i * sizeof sample, sizeof sample);
+  return sample;
+}
+
+float FromHalf(std::uint16_t half) {
+  const int exponent = half >> 10U & 0x1FU;
+  const int fraction = half & 0x3FFU;
+  const float size = exponent == 0 ? std::ldexp(static_cast<float>(fraction), -24)
+                     : exponent < 31
+                         ? std::ldexp(static_cast<float>(fraction + 1024), exponent - 25)
+                     : fraction == 0 ? std::numeric_limits<float>::infinity()
+                                     : std::numeric_limits<float>::quiet_NaN();
+  return (half & 0x8000U) != 0 ? -size : size;
+}
+
+float FloatAt(const std::uint8_t* from, std::size_t i, int bits) {
+  switch (bits) {
+    case 16:
+      return FromHalf(Load<std::uint16_t>(from, i));
+    case 32:
+      return Load<float>(from, i);
+    default: {
+      // What a float cannot hold lies outside 0 to 1 in any case.
+      const double value = Load<double>(from, i);
+      return value > 2.0 ? 2.0F : value < -1.0 ? -1.0F : static_cast<float>(value);
+    }
+  }
+}
+
+std::uint16_t WordAt(const std::uint8_t* from, std::size_t i, int bits) {
+  switch (bits) {
+    case 8:
+      return from[i];
+    case 16:
+      return Load<std::uint16_t>(from, i);
+    case 32:
+      // 2^32 - 1 is 65537 times 65535.
+      return static_cast<std::uint16_t>((std::uint64_t{Load<std::uint32_t>(from, i)} + 32768U) /
+                                        65537U);
+    default: {
+      const std::size_t bit = i * static_cast<std::size_t>(bits);
+      const auto low = static_cast<unsigned>(8U - static_cast<unsigned>(bits) - bit % 8U);
+      return static_cast<std::uint16_t>(from[bit / 8] >> low & ((1U << bits) - 1U));
+    }
+  }
+}
+
+}  // namespace
+
+void UnpackWords(const std::uint8_t* from, std::size_t count, int bits, std::size_t stride,
+                 std::uint16_t* to) {
+  for (std::size_t i = 0; i < count; ++i) {
+    to[i * stride] = WordAt(from, i, bits);
+  }
+}
+
+void UnpackFloats(const std::uint8_t* from, std::size_t count, int bits, std::size_t stride,
+                  float* to) {
+  for (std::size_t i = 0; i < count; ++i) {
+    to[i * stride] = FloatAt(from, i, bits);
+  }
+}
+
+std::uint16_t WordScale(int bits) {
+  return bits < 16 ? static_cast<std::uint16_t>(65535 / ((1 << bits) - 1)) : std::uint16_t{1};
+}
+
+}  // namespace glimmerhost
