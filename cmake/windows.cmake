@@ -19,3 +19,6 @@ set(ENV{PKG_CONFIG_LIBDIR} ${LX_TARGET_PREFIX}/lib/pkgconfig)
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES LX_TARGET_PREFIX)
 
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/wine.sh)
+
+# Beside the static library stands one that asks for a DLL of zlib.
+set(ZLIB_USE_STATIC_LIBS ON)
