@@ -44,8 +44,9 @@ struct Platform {
   bool (*hasEnvironmentVariable)(const char* name);
 
   // Keeps the shared library that holds a function in the process for good, also when
-  // everything that uses it is unloaded. Does nothing for one that cannot be found.
-  void (*keepLoaded)(void (*function)());
+  // everything that uses it is unloaded. False, with nothing done, where it cannot be found
+  // or is this module itself, which must be able to go.
+  bool (*keepLoaded)(void (*function)());
 
   // A counter that never goes back, and how often a second it counts.
   std::int64_t (*counter)();
@@ -117,7 +118,8 @@ struct Platform {
 
   // Ends another thread at the event that it waits for, now or next, and returns when it
   // has ended. Where the system cannot end a thread from outside, the thread leaves there
-  // by itself: see waitForEvents. False where that cannot be done.
+  // by itself: see waitForEvents. May be called while this module is unloaded. False where it
+  // cannot be done.
   bool (*terminateThread)(ThreadHandle thread, std::uint32_t exitCode);
 
   // Gives a handle back. May wait for the thread to end.
@@ -131,9 +133,6 @@ struct Platform {
   std::int32_t (*threadPriority)(ThreadHandle thread);
   bool (*setThreadPriority)(ThreadHandle thread, std::int32_t priority);
   bool (*setThreadPriorityBoost)(ThreadHandle thread, bool disabled);
-
-  // Whether threads of this module can be awaited while it is unloaded.
-  bool threadsEndAtUnload;
 
   // A slot that holds one word for each thread, null at first. kNoThreadSlot where none is
   // left.

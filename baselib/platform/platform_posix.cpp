@@ -34,12 +34,16 @@ std::int32_t PageSize() { return static_cast<std::int32_t>(sysconf(_SC_PAGESIZE)
 
 bool HasEnvironmentVariable(const char* name) { return std::getenv(name) != nullptr; }
 
-void KeepLoaded(void (*function)()) {
+bool KeepLoaded(void (*function)()) {
+  static const char inThisModule = 0;
+  Dl_info own;
   Dl_info info;
-  if (dladdr(reinterpret_cast<void*>(function), &info) != 0 && info.dli_fname != nullptr) {
-    // The handle is not kept: what matters is that the library is marked.
-    (void)dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
+  if (dladdr(&inThisModule, &own) == 0 || dladdr(reinterpret_cast<void*>(function), &info) == 0 ||
+      info.dli_fbase == own.dli_fbase) {
+    return false;
   }
+  // The handle is not kept: what matters is that the library is marked.
+  return dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE) != nullptr;
 }
 
 constexpr std::int64_t kNanoseconds = 1000000000;  // in a second
@@ -156,7 +160,6 @@ const Platform& SystemPlatform() {
       .threadPriority = posix::ThreadPriority,
       .setThreadPriority = posix::SetThreadPriority,
       .setThreadPriorityBoost = posix::SetThreadPriorityBoost,
-      .threadsEndAtUnload = true,
       .allocateThreadSlot = posix::AllocateThreadSlot,
       .releaseThreadSlot = posix::ReleaseThreadSlot,
       .setThreadSlot = posix::SetThreadSlot,

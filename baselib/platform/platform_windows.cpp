@@ -33,10 +33,24 @@ bool HasEnvironmentVariable(const char* name) {
          ::GetLastError() != ERROR_ENVVAR_NOT_FOUND;
 }
 
-void KeepLoaded(void (*function)()) {
+HMODULE ModuleOf(const void* address) {
   HMODULE module = nullptr;
-  ::GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
-                       reinterpret_cast<LPCSTR>(function), &module);
+  ::GetModuleHandleExA(
+      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+      static_cast<LPCSTR>(address), &module);
+  return module;
+}
+
+bool KeepLoaded(void (*function)()) {
+  static const char inThisModule = 0;
+  const auto* address = reinterpret_cast<const void*>(function);
+  if (ModuleOf(address) == ModuleOf(&inThisModule)) {
+    return false;
+  }
+  HMODULE module = nullptr;
+  return ::GetModuleHandleExA(
+             GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+             static_cast<LPCSTR>(address), &module) != 0;
 }
 
 std::int64_t Counter() {
@@ -146,7 +160,6 @@ const Platform& SystemPlatform() {
       .threadPriority = windows::ThreadPriority,
       .setThreadPriority = windows::SetThreadPriority,
       .setThreadPriorityBoost = windows::SetThreadPriorityBoost,
-      .threadsEndAtUnload = false,
       .allocateThreadSlot = windows::AllocateThreadSlot,
       .releaseThreadSlot = windows::ReleaseThreadSlot,
       .setThreadSlot = windows::SetThreadSlot,

@@ -11,6 +11,11 @@ namespace {
 // Every event counts as dealt with, the closing of the window too.
 BOOL WINAPI KeepRunning(DWORD /*event*/) { return TRUE; }
 
+// The system would call on, into code that is gone.
+struct HandlerGoesAtUnload {
+  ~HandlerGoesAtUnload() { ::SetConsoleCtrlHandler(KeepRunning, FALSE); }
+};
+
 }  // namespace
 
 bool ConsoleHasTitle() {
@@ -21,7 +26,10 @@ bool ConsoleHasTitle() {
 // Fails where the process has a console already, which then serves.
 void ConsoleCreate() { ::AllocConsole(); }
 
-bool ConsoleIgnoreBreak() { return ::SetConsoleCtrlHandler(KeepRunning, TRUE) != 0; }
+bool ConsoleIgnoreBreak() {
+  static const HandlerGoesAtUnload atUnload;
+  return ::SetConsoleCtrlHandler(KeepRunning, TRUE) != 0;
+}
 
 void ConsoleSetTitle(const char* title) { ::SetConsoleTitleA(title); }
 

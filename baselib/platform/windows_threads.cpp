@@ -76,12 +76,17 @@ void EndThread(std::uint32_t exitCode) {
 }
 
 // A thread that is ended in the middle of its work takes along whatever lock it holds, and
-// the process hangs at the next allocation. So it is ended where it waits.
+// the process hangs at the next allocation. So it is ended where it waits. It is not asked to
+// leave by itself: while the module is unloaded, no thread gets past the loader on its way out.
 bool TerminateThread(ThreadHandle handle, std::uint32_t exitCode) {
   auto& thread = *static_cast<Thread*>(handle);
   while (!MoveStage(thread, kAtEvent, kTold)) {
     if (thread.stage.load() == kLeaving) {
       return ::WaitForMultipleObjects(1, &thread.handle, TRUE, INFINITE) == WAIT_OBJECT_0;
+    }
+    // At the end of the process the system has ended it already, wherever it was.
+    if (::WaitForSingleObject(thread.handle, 0) == WAIT_OBJECT_0) {
+      return true;
     }
     // Not only a yield: an idle thread would never get its turn from a busy one.
     ::Sleep(1);

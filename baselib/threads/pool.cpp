@@ -65,9 +65,7 @@ bool StartWorkers() {
   if (!mp_setup()) {
     return StaySingleWay();
   }
-  if (platform.threadsEndAtUnload) {
-    static const PoolEndsAtUnload atUnload;
-  }
+  static const PoolEndsAtUnload atUnload;
   const std::int32_t ways = pool.ways;
   log_continue("Initialize %d-way multiprocessing", ways);
   pool.threadSlot = platform.allocateThreadSlot();

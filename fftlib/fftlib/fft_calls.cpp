@@ -5,9 +5,24 @@
 #include <atomic>
 
 #include "baselib/platform/platform.h"
+#include "fftlib/fftlib/transform_threads.h"
 
 namespace lx {
 namespace {
+
+// Ending the library's own threads does not wait for their last instructions, so their code
+// must stay even if the module that brought it is unloaded right away. Where it is part of the
+// module and goes with it, the threads are ours, which are awaited.
+int StartThreads() {
+  const bool stays = GetPlatform().keepLoaded(reinterpret_cast<void (*)()>(&fftw_init_threads));
+  fftw_threads_set_callback(stays ? nullptr : RunTransformJobs, nullptr);
+  return fftw_init_threads();
+}
+
+void EndThreads() {
+  fftw_cleanup_threads();
+  EndTransformThreads();
+}
 
 void PlanWithThreads(int count) { fftw_plan_with_nthreads(count); }
 
@@ -37,8 +52,8 @@ unsigned threadsReady = 0;
 
 const FftCalls& LibraryFftCalls() {
   static constexpr FftCalls kTable = {
-      .initThreads = fftw_init_threads,
-      .cleanupThreads = fftw_cleanup_threads,
+      .initThreads = StartThreads,
+      .cleanupThreads = EndThreads,
       .planWithThreads = PlanWithThreads,
       .planForward = PlanForward,
       .planInverse = PlanInverse,
@@ -70,9 +85,6 @@ std::mutex& FftPlannerLock() {
 unsigned AcquireFftThreads() {
   const std::scoped_lock hold(FftPlannerLock());
   if (engines == 0) {
-    // Ending the threads does not wait for their last instructions, so the library must
-    // stay where it is even if the module that brought it is unloaded right away.
-    GetPlatform().keepLoaded(reinterpret_cast<void (*)()>(&fftw_init_threads));
     threadsReady = static_cast<unsigned>(GetFftCalls().initThreads());
   }
   ++engines;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <atomic>
 #include <cstdint>
 #include <cstring>
 #include <fstream>
@@ -130,6 +131,51 @@ TEST(WindowsThread, HasTheStackThatItWasGiven) {
   ASSERT_NE(nullptr, thread);
   System().closeThread(thread);
   EXPECT_LE(std::size_t{0x800000}, bytes);
+}
+
+// As all threads but one have been when a process ends and its libraries are told so.
+TEST(WindowsThread, CountsAsTerminatedWhereTheSystemHasEndedItAtItsWork) {
+  static std::atomic<bool> atWork;
+  atWork = false;
+  std::uint32_t id = 0;
+  lx::ThreadHandle thread = System().beginThread(
+      0x100000,
+      [](void*) {
+        atWork = true;
+        while (atWork) {
+        }
+        return std::uint32_t{0};
+      },
+      nullptr, 0, &id);
+  ASSERT_NE(nullptr, thread);
+  while (!atWork) {
+  }
+  const HANDLE handle = OpenThread(THREAD_TERMINATE | SYNCHRONIZE, FALSE, id);
+  TerminateThread(handle, 0);
+  WaitForSingleObject(handle, INFINITE);
+  CloseHandle(handle);
+
+  EXPECT_TRUE(System().terminateThread(thread, 0));
+  EXPECT_TRUE(System().closeThread(thread));
+}
+
+TEST(WindowsLibrary, StaysAfterItsLastUserIsGoneWhereItIsToBeKept) {
+  constexpr const char* kFile = "cabinet.dll";
+  const HMODULE library = LoadLibraryA(kFile);
+  ASSERT_NE(nullptr, library);
+  const auto function = reinterpret_cast<void (*)()>(GetProcAddress(library, "FDIDestroy"));
+  ASSERT_NE(nullptr, function);
+
+  EXPECT_TRUE(System().keepLoaded(function));
+  FreeLibrary(library);
+
+  EXPECT_NE(nullptr, GetModuleHandleA(kFile));
+}
+
+void OfThisModule() {}
+
+TEST(WindowsLibrary, IsNotKeptWhereItIsTheModuleItself) {
+  EXPECT_FALSE(System().keepLoaded(OfThisModule));
 }
 
 // The pool fixes the word on a thread whose x87 precision may differ from a new thread's.
