@@ -1,20 +1,20 @@
 // The module's file, loaded for the length of a scope.
 #pragma once
 
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include "hostframe/interfaces/module.h"
 #include "tests/support/fake_host.h"
+#include "tests/support/shared_library.h"
 
 namespace lx_test {
 
 class LoadedModule {
  public:
-  explicit LoadedModule(FakeHost* host) : library_(dlopen(MODULE_FILE, RTLD_NOW | RTLD_LOCAL)) {
-    EXPECT_NE(nullptr, library_) << dlerror();
-    init_ = reinterpret_cast<qplugin::ModuleInit*>(dlsym(library_, "moduleInit"));
-    cleanUp_ = reinterpret_cast<qplugin::ModuleCleanUp*>(dlsym(library_, "moduleCleanUp"));
+  explicit LoadedModule(FakeHost* host) : library_(OpenLibrary(MODULE_FILE)) {
+    EXPECT_NE(nullptr, library_) << LibraryError();
+    init_ = reinterpret_cast<qplugin::ModuleInit*>(FunctionOf(library_, "moduleInit"));
+    cleanUp_ = reinterpret_cast<qplugin::ModuleCleanUp*>(FunctionOf(library_, "moduleCleanUp"));
     init_(cPtr<qplugin::iQpluginModule>(new FakeModule(&host->log)));
   }
   ~LoadedModule() { Unload(); }
@@ -25,18 +25,14 @@ class LoadedModule {
 
   void Unload() {
     if (library_ != nullptr) {
-      dlclose(library_);
+      CloseLibrary(library_);
       library_ = nullptr;
     }
   }
 
-  static bool IsResident() {
-    void* again = dlopen(MODULE_FILE, RTLD_NOW | RTLD_NOLOAD);
-    if (again != nullptr) {
-      dlclose(again);
-    }
-    return again != nullptr;
-  }
+  void* Library() const { return library_; }
+
+  static bool IsResident() { return IsLibraryOpen(MODULE_FILE); }
 
  private:
   void* library_;

@@ -1,14 +1,13 @@
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cstdint>
-#include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <string>
 #include <vector>
 
 #include "hostframe/interfaces/plugin_ui.h"
+#include "tests/border/exported_names.h"
 #include "tests/border/loaded_module.h"
 
 namespace {
@@ -17,31 +16,20 @@ using lx_test::FakeHost;
 using lx_test::LoadedModule;
 using Log = std::vector<std::string>;
 
-std::string Output(const std::string& command) {
-  std::string text;
-  std::array<char, 256> buffer{};
-  FILE* pipe = popen(command.c_str(), "r");
-  while (fgets(buffer.data(), buffer.size(), pipe) != nullptr) {
-    text += buffer.data();
-  }
-  pclose(pipe);
-  return text;
-}
-
 TEST(ModuleFile, HasItsName) {
-  EXPECT_EQ("LXTorvane_GlimmerBlur.so", std::filesystem::path(MODULE_FILE).filename());
+  EXPECT_EQ("LXTorvane_GlimmerBlur" MODULE_SUFFIX, std::filesystem::path(MODULE_FILE).filename());
 }
 
 TEST(ModuleFile, ExportsTwoNames) {
-  EXPECT_EQ("moduleCleanUp\nmoduleInit\n",
-            Output("nm -D --defined-only '" MODULE_FILE "' | awk '{print $3}' | sort"));
+  EXPECT_EQ((Log{"moduleCleanUp", "moduleInit"}), lx_test::ExportedNames(MODULE_FILE));
 }
 
 TEST(ModuleFile, CallsNothingOnTheHostUntilItIsAsked) {
   FakeHost host;
-  void* library = dlopen(MODULE_FILE, RTLD_NOW | RTLD_LOCAL);
+  void* library = lx_test::OpenLibrary(MODULE_FILE);
+  ASSERT_NE(nullptr, library);
   EXPECT_TRUE(host.log.calls.empty());
-  dlclose(library);
+  lx_test::CloseLibrary(library);
   EXPECT_TRUE(host.log.calls.empty());
 }
 

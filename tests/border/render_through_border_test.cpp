@@ -1,56 +1,25 @@
 #include <gtest/gtest.h>
-#include <sched.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
 #include <limits>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "hostframe/interfaces/plugin_render.h"
 #include "hostframe/interfaces/plugin_ui.h"
+#include "tests/border/connections.h"
 #include "tests/border/loaded_module.h"
+#include "tests/support/process_threads.h"
 
 namespace {
 
-using lx_test::cPtr;
+using lx_test::Connections;
 using lx_test::FakeHost;
-using lx_test::FakeImage;
 using lx_test::LoadedModule;
-
-// What a host connects to a render instance.
-struct Connections {
-  explicit Connections(lx_test::CallLog* log, int width, int height)
-      : inputs(new lx_test::FakeInputs(log)),
-        target(new lx_test::FakeTarget(log)),
-        params(new lx_test::FakeParams(log)) {
-    inputs->main = cPtr<lx_test::FakeSource>(new lx_test::FakeSource(log, "source"));
-    inputs->main->image = cPtr<FakeImage>(new FakeImage(log, "in", width, height));
-    target->image = cPtr<FakeImage>(new FakeImage(log, "out", width, height));
-  }
-
-  void Connect(const cPtr<qplugin::iQpluginRender>& render) const {
-    render->setTarget(target);
-    render->setInputs(inputs);
-    render->setParams(params);
-  }
-
-  std::vector<std::uint16_t>& In() const { return inputs->main->image->samples; }
-  std::vector<std::uint16_t>& Out() const { return target->image->samples; }
-
-  cPtr<lx_test::FakeInputs> inputs;
-  cPtr<lx_test::FakeTarget> target;
-  cPtr<lx_test::FakeParams> params;
-};
-
-cPtr<qplugin::iQpluginRender> MakeRender(const FakeHost& host) {
-  return host.factory->classes[1]->create().Dynamic<qplugin::iQpluginRender>();
-}
+using lx_test::MakeRender;
 
 TEST(RenderThroughBorder, GoesThroughAWholeLifeInOrder) {
   FakeHost host;
@@ -214,41 +183,22 @@ TEST(RenderThroughBorder, RendersOnAfterAPageHasGone) {
   EXPECT_EQ(before, connections.Out());
 }
 
-// The transform library's threads may still be on their last instructions when the module
-// goes: unmapped under them, the process would die now and then.
-TEST(RenderThroughBorder, LeavesTheTransformLibraryWhereItsThreadsAre) {
-  FakeHost host;
-  LoadedModule module(&host);
-  { const auto render = MakeRender(host); }
-  module.Unload();
-  ASSERT_FALSE(LoadedModule::IsResident());
-
-  void* library = dlopen("libfftw3_threads.so.3", RTLD_NOW | RTLD_NOLOAD);
-
-  EXPECT_NE(nullptr, library);
-  if (library != nullptr) {
-    dlclose(library);
+// Waits until the system lists no more threads than that, or for a long time.
+int SettledThreads(int expected) {
+  for (int i = 0; i < 100000 && lx_test::ThreadCount() > expected; ++i) {
+    std::this_thread::yield();
   }
+  return lx_test::ThreadCount();
 }
 
-int PoolThreads() {
-  int count = 0;
-  for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
-    std::ifstream file(task.path() / "comm");
-    std::string name;
-    std::getline(file, name);
-    count += name == "lx pool" ? 1 : 0;
-  }
-  return count;
-}
-
-// A worker that stayed would run on in code that is gone.
+// A thread that stayed would run on in code that is gone: those of the transforms end with the
+// last instance, the pool's when the module goes.
 TEST(RenderThroughBorder, TakesItsWorkersWithIt) {
-  cpu_set_t processors;
-  ASSERT_EQ(0, sched_getaffinity(0, sizeof processors, &processors));
-  if (CPU_COUNT(&processors) < 2) {
+  const int workers = lx_test::ProcessorCount() - 1;
+  if (workers == 0) {
     GTEST_SKIP() << "there are no workers on one processor";
   }
+  const int before = lx_test::ThreadCount();
   FakeHost host;
   LoadedModule module(&host);
   {
@@ -257,13 +207,11 @@ TEST(RenderThroughBorder, TakesItsWorkersWithIt) {
     connections.Connect(render);
     render->renderFrame(1, 0, 0);
   }
-  EXPECT_GT(PoolThreads(), 0);
+  EXPECT_EQ(before + workers, SettledThreads(before + workers));
+
   module.Unload();
-  // A thread that has been awaited may be listed for another moment.
-  for (int i = 0; i < 1000 && PoolThreads() > 0; ++i) {
-    std::this_thread::yield();
-  }
-  EXPECT_EQ(0, PoolThreads());
+
+  EXPECT_EQ(before, SettledThreads(before));
 }
 
 TEST(RenderThroughBorder, RendersOnSeveralThreadsAtOnce) {
