@@ -194,7 +194,7 @@ int SettledThreads(int expected) {
 // A thread that stayed would run on in code that is gone: those of the transforms end with the
 // last instance, the pool's when the module goes.
 TEST(RenderThroughBorder, TakesItsWorkersWithIt) {
-  const int workers = lx_test::ProcessorCount() - 1;
+  const int workers = lx_test::ToldProcessors() - 1;
   if (workers == 0) {
     GTEST_SKIP() << "there are no workers on one processor";
   }

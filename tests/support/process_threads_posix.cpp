@@ -12,7 +12,7 @@ int ThreadCount() {
   return static_cast<int>(std::distance(begin(tasks), end(tasks)));
 }
 
-int ProcessorCount() {
+int ToldProcessors() {
   cpu_set_t processors;
   CPU_ZERO(&processors);
   sched_getaffinity(0, sizeof processors, &processors);

@@ -21,7 +21,7 @@ int ThreadCount() {
   return count;
 }
 
-int ProcessorCount() {
+int ToldProcessors() {
   SYSTEM_INFO info;
   GetSystemInfo(&info);
   return static_cast<int>(info.dwNumberOfProcessors);
