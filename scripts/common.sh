@@ -2,6 +2,21 @@
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
+# quietly MESSAGE COMMAND...: runs the command, whose output is shown only if it fails, and then
+# MESSAGE, and that is the end of it. Stream 3 is for what the command has to tell all the same.
+quietly() {
+  local message=$1 log
+  shift
+  log=$(mktemp)
+  if ! "$@" 3>&2 >"$log" 2>&1; then
+    cat "$log" >&2
+    rm -f "$log"
+    echo "$message" >&2
+    exit 1
+  fi
+  rm -f "$log"
+}
+
 # install_missing PACKAGE...: installs those Debian packages that are not there yet.
 install_missing() {
   local missing=() package
@@ -13,18 +28,10 @@ install_missing() {
   echo "Installing ${missing[*]}" >&2
   local as_root=()
   [ "$(id -u)" -eq 0 ] || as_root=(sudo)
-  # One log, shown only if something goes wrong: apt says a lot when all is well.
-  local log
-  log=$(mktemp)
-  if ! { "${as_root[@]}" apt-get update &&
+  quietly "The package lists could not be read." "${as_root[@]}" apt-get update
+  quietly "The packages above could not be installed." \
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y \
-      --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
-    cat "$log" >&2
-    rm -f "$log"
-    echo "The packages above could not be installed." >&2
-    exit 1
-  fi
-  rm -f "$log"
+    --no-install-recommends "${missing[@]}"
 }
 
 # What the program needs to be built.
@@ -35,16 +42,12 @@ build_packages=(g++ cmake ninja-build pkg-config libfftw3-dev libopenimageio-dev
 test_packages=(libgtest-dev libbenchmark-dev binutils libpng-dev libtiff-dev)
 
 # build_preset PRESET [TARGET...]: configures and builds; quiet unless it fails.
-build_preset() {
-  local preset=$1 log
+# In a shell of its own, so that the caller's folder stays what it was.
+build_preset() (
+  preset=$1
+  message="The build of preset $preset failed."
   shift
-  log=$(mktemp)
-  if ! (cd "$root" && cmake --preset "$preset" && cmake --build --preset "$preset" \
-    ${1:+--target "$@"}) >"$log" 2>&1; then
-    cat "$log" >&2
-    rm -f "$log"
-    echo "The build of preset $preset failed." >&2
-    exit 1
-  fi
-  rm -f "$log"
-}
+  cd "$root"
+  quietly "$message" cmake --preset "$preset"
+  quietly "$message" cmake --build --preset "$preset" ${1:+--target "$@"}
+)

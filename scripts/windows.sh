@@ -1,0 +1,148 @@
+# What building and running for Windows needs; sourced after common.sh, not run.
+
+windows_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev cmake ninja-build pkg-config make
+  dpkg-dev libcli11-dev libtomlplusplus-dev wine wine64)
+
+windows_libraries=$root/build/windows-libraries
+
+# What our programs link is static and runs on any processor of the family. GCC keeps the stack at
+# 16 bytes for this system, so wider spills must not ask for their alignment.
+windows_flags="-O2 -fomit-frame-pointer -fno-strict-aliasing -ffp-contract=off \
+-Wa,-muse-unaligned-vector-move"
+
+# debian_sources FOLDER: writes those entries of the machine's own package lists that are Debian's
+# into FOLDER, asking for sources. Whether an entry is Debian's, and where it stands, is apt's word.
+debian_sources() {
+  local entry file number
+  apt-get indextargets --format '$(ORIGIN) $(SOURCESENTRY)' 'Created-By: Packages' |
+    sed -n 's/^Debian \(\/.*\)/\1/p' | sort -u | while IFS= read -r entry; do
+    file=${entry%:*}
+    number=${entry##*:}
+    case $file in
+      # Counted by stanza.
+      *.sources)
+        grep -v '^#' "$file" | awk -v RS= -v number="$number" 'NR == number' |
+          sed 's/^Types:.*/Types: deb-src/I' >"$1/${file##*/}-$number.sources"
+        ;;
+      # Counted by line.
+      *)
+        sed -n "${number}s/^[[:space:]]*deb[[:space:]]/deb-src /p" "$file" \
+          >"$1/${file##*/}-$number.list"
+        ;;
+    esac
+  done
+}
+
+# fetch_source PACKAGE OPTION...: unpacks the newest version that can be had, with these options of
+# apt. A mirror may list one that it has not; whoever builds is told, as it may mend something.
+fetch_source() {
+  local package=$1 version
+  shift
+  for version in $(apt-cache "$@" showsrc --only-source "$package" | sed -n 's/^Version: //p' |
+    sort -rVu); do
+    ! apt-get "$@" source "$package=$version" || return 0
+    echo "The source of $package $version cannot be had; trying an older one." >&3
+  done
+  return 1
+}
+
+# fetch_sources FOLDER PACKAGE...: unpacks Debian's source packages in FOLDER, each in a folder named
+# without its version, and writes FOLDER/versions. Lists of sources are kept in FOLDER as well: the
+# machine may have none, and its configuration is not ours to change.
+fetch_sources() {
+  local folder=$1 package
+  shift
+  mkdir -p "$folder/entries" "$folder/lists/partial"
+  debian_sources "$folder/entries"
+  if [ -z "$(ls "$folder/entries")" ]; then
+    echo "None of the machine's package lists is Debian's; apt-get update may help."
+    return 1
+  fi
+  # As the caller: apt's own user may not be allowed into the folder.
+  local options=(-o Dir::Etc::SourceList=/dev/null -o "Dir::Etc::SourceParts=$folder/entries"
+    -o "Dir::State::Lists=$folder/lists" -o Dir::Cache::pkgcache= -o Dir::Cache::srcpkgcache=
+    -o APT::Sandbox::User=root)
+  apt-get "${options[@]}" update
+  cd "$folder"
+  for package in "$@"; do
+    fetch_source "$package" "${options[@]}"
+    mv "$package"-*/ "$package"
+    echo "$package $(dpkg-parsechangelog -l "$package/debian/changelog" -S Version)" >>versions
+  done
+}
+
+# build_fftw SOURCE BUILD OPTION...: not by its CMake files, which let the compiler use every wanted
+# instruction set throughout, so that no processor could do without. Nor as a whole: its tests and
+# tools take a third of the time.
+build_fftw() {
+  local source=$1 build=$2 part
+  shift 2
+  mkdir -p "$build"
+  cd "$build"
+  "$source/configure" --host=x86_64-w64-mingw32 --prefix="$windows_libraries" --disable-shared \
+    --enable-static --enable-threads --with-our-malloc --disable-fortran --disable-doc \
+    --disable-dependency-tracking CC=x86_64-w64-mingw32-gcc-posix CFLAGS="$windows_flags" "$@"
+  for part in support kernel simd-support dft rdft reodft api; do
+    make -j "$(nproc)" -C "$part"
+  done
+  make install-libLTLIBRARIES install-pkgconfigDATA
+  make -j "$(nproc)" -C threads install-libLTLIBRARIES
+  make -C api install-includeHEADERS
+}
+
+# build_by_cmake SOURCE BUILD OPTION...
+build_by_cmake() {
+  local source=$1 build=$2
+  shift 2
+  cmake -G Ninja -S "$source" -B "$build" --toolchain "$root/cmake/windows.cmake" \
+    -DLX_TARGET_PREFIX="$windows_libraries" -DCMAKE_INSTALL_PREFIX="$windows_libraries" \
+    -DCMAKE_BUILD_TYPE=Release -DCMAKE_C_FLAGS_RELEASE="$windows_flags" "$@"
+  cmake --build "$build" --target install
+}
+
+# The double-precision FFTW has the instruction sets of Debian's own for this machine, so that both
+# plan alike and give the same bits. The other one is there for tests to compare errors with.
+make_windows_libraries() {
+  local source=$windows_libraries/source package
+  mkdir -p "$source"
+  (fetch_sources "$source" fftw3 libpng1.6 tiff)
+  (build_fftw "$source/fftw3" "$source/fftw3-double" --enable-sse2 --enable-avx)
+  (build_fftw "$source/fftw3" "$source/fftw3-single" --enable-float)
+  build_by_cmake "$source/libpng1.6" "$source/libpng1.6-build" -DPNG_SHARED=OFF -DPNG_TESTS=OFF \
+    -DPNG_EXECUTABLES=OFF
+  build_by_cmake "$source/tiff" "$source/tiff-build" -DBUILD_SHARED_LIBS=OFF -Djpeg=OFF \
+    -Dlzma=OFF -Dzstd=OFF -Dwebp=OFF -Dlerc=OFF -Djbig=OFF -Dlibdeflate=OFF -Dcxx=OFF \
+    -Dtiff-tools=OFF -Dtiff-tests=OFF -Dtiff-contrib=OFF -Dtiff-docs=OFF
+  rm -rf "$windows_libraries"/{bin,share}
+  for package in fftw3 libpng1.6 tiff; do
+    install -D -m 644 "$source/$package/debian/copyright" \
+      "$windows_libraries/share/licences/$package.txt"
+  done
+  cp "$source/versions" "$windows_libraries/share/licences/sources.txt"
+  rm -rf "$source"
+}
+
+# build_windows_libraries: FFTW, libpng and libtiff for Windows, from Debian's source packages, once
+# for a compiler, a zlib and this recipe. The stamp is written last: what has none is half built.
+build_windows_libraries() {
+  local stamp
+  stamp=$(dpkg-query -W g++-mingw-w64-x86-64-posix mingw-w64-x86-64-dev libz-mingw-w64-dev &&
+    { declare -f make_windows_libraries build_fftw build_by_cmake; echo "$windows_flags"; } | sha256sum)
+  [ "$stamp" != "$(cat "$windows_libraries/stamp" 2>/dev/null)" ] || return 0
+  echo "Building libraries for Windows" >&2
+  rm -rf "$windows_libraries"
+  mkdir -p "$windows_libraries"
+  # By a shell of its own: in a function whose failure is asked about, none of its commands' stops it.
+  quietly "The libraries for Windows could not be built." bash -euo pipefail -c \
+    'source "$0/common.sh"; source "$0/windows.sh"; make_windows_libraries' "$root/scripts"
+  echo "$stamp" >"$windows_libraries/stamp"
+}
+
+# start_wine: keeps Wine's server running until the script ends; each program starts the faster.
+start_wine() {
+  export WINEPREFIX=$root/build/wine
+  # The first program sets the prefix up, and waits for its server to end.
+  "$root/cmake/wine.sh" cmd /c exit
+  trap 'wineserver -k || true' EXIT
+  wineserver -p
+}
