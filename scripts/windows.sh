@@ -143,6 +143,8 @@ start_wine() {
   export WINEPREFIX=$root/build/wine
   # The first program sets the prefix up, and waits for its server to end.
   "$root/cmake/wine.sh" cmd /c exit
+  # A server lingers after its last program, and takes no order to stay.
+  wineserver -k || true
   trap 'wineserver -k || true' EXIT
   wineserver -p
 }
