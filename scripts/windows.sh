@@ -147,4 +147,7 @@ start_wine() {
   wineserver -k || true
   trap 'wineserver -k || true' EXIT
   wineserver -p
+  # The system's own programs start with the first one and stay, holding on to its outputs: whoever
+  # read these to their end would wait for ever.
+  "$root/cmake/wine.sh" cmd /c exit >/dev/null 2>&1 </dev/null
 }
