@@ -37,7 +37,7 @@ quantel::cSize2 PixelAspectOf(const std::optional<Resolution>& resolution) {
   if (!resolution || !(resolution->x > 0.0) || !(resolution->y > 0.0)) {
     return {1, 1};
   }
-  return NearestRatio(static_cast<float>(resolution->y / resolution->x));
+  return NearestRatio(resolution->y / resolution->x);
 }
 
 std::string ToUtf8(std::string_view text) {

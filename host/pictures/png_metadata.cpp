@@ -118,12 +118,21 @@ void SetDate(const std::string& date, PngLibrary* library) {
   library->Run([&] { png_set_tIME(library->Png(), library->Info(), &time); });
 }
 
+// The ratio of the two is the pixel aspect, and matters more than either: of whole numbers
+// nearby, those that keep it.
 void SetResolution(const Resolution& resolution, PngLibrary* library) {
   const double scale = resolution.unit == DotsPer::kInch         ? kInchesPerMetre
                        : resolution.unit == DotsPer::kCentimetre ? kCentimetresPerMetre
                                                                  : 1.0;
-  const double x = std::round(resolution.x * scale);
-  const double y = std::round(resolution.y * scale);
+  double x = std::round(resolution.x * scale);
+  double y = std::round(resolution.y * scale);
+  const quantel::cSize2 aspect = PixelAspectOf(resolution);
+  const double steps = std::round(resolution.x * scale / aspect.second);
+  constexpr double kStepsWhereNoneIsMissed = 100.0;
+  if (resolution.unit != DotsPer::kNothing && steps >= kStepsWhereNoneIsMissed) {
+    x = steps * aspect.second;
+    y = steps * aspect.first;
+  }
   if (!(x >= 1.0 && y >= 1.0 && x <= PNG_UINT_31_MAX && y <= PNG_UINT_31_MAX)) {
     return;
   }

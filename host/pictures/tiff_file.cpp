@@ -77,6 +77,15 @@ struct Blocks {
   bool tiles;
 };
 
+// Alpha is not light.
+void InvertColours(Picture* picture) {
+  for (std::size_t i = 0; i < picture->samples.size(); ++i) {
+    if (i % 4 != 3) {
+      picture->samples[i] = static_cast<std::uint16_t>(65535 - picture->samples[i]);
+    }
+  }
+}
+
 class TiffReader {
  public:
   explicit TiffReader(const fs::path& file)
@@ -111,11 +120,11 @@ class TiffReader {
       channels = 3;
     }
     const ChannelMap map = MapChannels(channels, &picture);
-    if (photometric_ == PHOTOMETRIC_MINISWHITE) {
-      Invert(&samples);
-    }
     picture.grey = map.grey;
     SpreadChannels(samples, channels, map, &picture);
+    if (photometric_ == PHOTOMETRIC_MINISWHITE) {
+      InvertColours(&picture);
+    }
     const FileMetadata metadata = ReadTiffMetadata(tiff_);
     picture.pixelAspect = PixelAspectOf(metadata.resolution);
     picture.metadata = std::make_shared<FileMetadata>(metadata);
@@ -255,33 +264,31 @@ class TiffReader {
     return colours;
   }
 
-  // The first extra sample that is declared as alpha; of 2 or 4 samples the last in any case.
+  // The first extra sample that is declared as alpha. Where nothing is declared, and of grey
+  // whatever is, the sample behind the colours is alpha.
   ChannelMap MapChannels(int channels, Picture* picture) const {
     ChannelMap map = MapPlainChannels(channels);
     std::uint16_t count = 0;
     const std::uint16_t* kinds = nullptr;
-    TIFFGetFieldDefaulted(tiff_, TIFFTAG_EXTRASAMPLES, &count, &kinds);
     bool straight = false;
-    if (count > 0 && channels > 3) {
-      map.alpha = -1;
-    }
-    for (int i = count - 1; i >= 0 && kinds != nullptr; --i) {
-      if (kinds[i] != EXTRASAMPLE_UNSPECIFIED) {
-        straight = kinds[i] == EXTRASAMPLE_UNASSALPHA;
-        map.alpha = channels > 3 ? channels - count + i : map.alpha;
+    // Not the defaulted form, which declares what the file does not.
+    if (TIFFGetField(tiff_, TIFFTAG_EXTRASAMPLES, &count, &kinds) != 0) {
+      const std::uint16_t* const end = kinds + count;
+      const std::uint16_t* const alpha = std::find_if(
+          kinds, end, [](std::uint16_t kind) { return kind != EXTRASAMPLE_UNSPECIFIED; });
+      straight = alpha != end && *alpha == EXTRASAMPLE_UNASSALPHA;
+      if (channels > 3) {
+        map.alpha = alpha == end ? -1 : channels - static_cast<int>(end - alpha);
+        if (map.alpha >= 0 && map.alpha < 3) {
+          ReadFailure(file_, "it has " + std::to_string(channels) +
+                                 " channels, and its alpha is where a colour is expected");
+        }
       }
     }
     picture->alpha = map.alpha < 0 ? Alpha::kNone
                      : straight    ? Alpha::kStraight
                                    : Alpha::kPremultiplied;
     return map;
-  }
-
-  // Of grey, and not of what stands beside it.
-  void Invert(std::vector<std::uint16_t>* samples) const {
-    for (std::size_t i = 0; i < samples->size(); i += channels_) {
-      (*samples)[i] = static_cast<std::uint16_t>(65535 - (*samples)[i]);
-    }
   }
 
   const fs::path& file_;

@@ -1,0 +1,188 @@
+// What PNG and TIFF files say beside their samples, carried from one to the other.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/pictures/file_metadata.h"
+#include "host/pictures/picture_file.h"
+#include "tests/host/odd_pictures.h"
+#include "tests/host/picture_samples.h"
+#include "tests/support/scratch_folder.h"
+
+namespace {
+
+using glimmerhost::FileMetadata;
+using glimmerhost::Picture;
+using lx_test::Read;
+using lx_test::Sample;
+using lx_test::ScratchFolder;
+using lx_test::Write;
+
+// A profile that libpng takes: the head of one for RGB displays and a single tag, "text".
+std::vector<std::uint8_t> Profile() {
+  std::vector<std::uint8_t> profile(344, 0);
+  const auto put = [&profile](std::size_t at, const std::string& text) {
+    std::copy(text.begin(), text.end(), profile.begin() + static_cast<std::ptrdiff_t>(at));
+  };
+  put(0, std::string("\x00\x00\x01\x58", 4));  // 344
+  put(8, "\x02");
+  put(12, "mntrRGB XYZ ");
+  put(36, "acsp");
+  // The illuminant, D50: 0.9642, 1, 0.8249 in 16.16.
+  put(68, std::string("\x00\x00\xF6\xD6\x00\x01\x00\x00\x00\x00\xD3\x2D", 12));
+  // One tag, of 200 bytes from 144 on.
+  put(128, std::string("\x00\x00\x00\x01"
+                       "cprt\x00\x00\x00\x90\x00\x00\x00\xC8",
+                       16));
+  put(144, "text");
+  for (std::size_t i = 152; i < profile.size(); ++i) {
+    profile[i] = static_cast<std::uint8_t>(i * i % 251);
+  }
+  return profile;
+}
+
+Picture Described() {
+  FileMetadata metadata;
+  metadata.format = "tiff";
+  metadata.texts = {{"Description",
+                     "\xC3\xBC"
+                     "ber Licht"},
+                    {"Author", "somebody"},
+                    {"Copyright", "nobody"},
+                    {"Software", "a program"},
+                    {"Title", "a title"},
+                    {glimmerhost::kXmpKey, "<x:xmpmeta/>"}};
+  metadata.date = "2001:02:03 04:05:06";
+  metadata.resolution = {72.0, 76.8, glimmerhost::DotsPer::kInch};
+  metadata.iccProfile = Profile();
+  metadata.tiff.orientation = 6;
+  metadata.tiff.iptc = {0x1C, 2, 5, 0, 1, 'a'};
+  Picture picture = Sample(5, 4);
+  picture.metadata = std::make_shared<FileMetadata>(metadata);
+  return picture;
+}
+
+std::string TextOf(const FileMetadata& metadata, const std::string& key) {
+  for (const auto& text : metadata.texts) {
+    if (text.key == key) {
+      return text.value;
+    }
+  }
+  return "none";
+}
+
+TEST(PngTiffMetadata, GoesAnyWayBetweenTheFormats) {
+  const ScratchFolder folder;
+  Write(folder / "a.tif", Described(), 8);
+  Write(folder / "b.png", Read(folder / "a.tif"), 8);
+  Write(folder / "c.png", Read(folder / "b.png"), 8);
+  Write(folder / "d.tif", Read(folder / "c.png"), 8);
+  for (const char* name : {"a.tif", "b.png", "c.png", "d.tif"}) {
+    const Picture picture = Read(folder / name);
+    const FileMetadata& metadata = *picture.metadata;
+    EXPECT_EQ(
+        "\xC3\xBC"
+        "ber Licht",
+        TextOf(metadata, "Description"))
+        << name;
+    EXPECT_EQ("somebody", TextOf(metadata, "Author")) << name;
+    EXPECT_EQ("nobody", TextOf(metadata, "Copyright")) << name;
+    EXPECT_EQ("a program", TextOf(metadata, "Software")) << name;
+    EXPECT_EQ("a title", TextOf(metadata, "Title")) << name;
+    EXPECT_EQ("<x:xmpmeta/>", TextOf(metadata, glimmerhost::kXmpKey)) << name;
+    EXPECT_EQ("2001:02:03 04:05:06", metadata.date) << name;
+    EXPECT_EQ(Profile(), metadata.iccProfile) << name;
+    // Narrow pixels are those that lie closely across: 76.8 down for 72 across is 16:15.
+    EXPECT_EQ(16, picture.pixelAspect.first) << name;
+    EXPECT_EQ(15, picture.pixelAspect.second) << name;
+  }
+}
+
+TEST(PngTiffMetadata, GoesFromTiffToTiffWhole) {
+  const ScratchFolder folder;
+  Write(folder / "a.tif", Described(), 8);
+  Write(folder / "b.tif", Read(folder / "a.tif"), 8);
+  const Picture picture = Read(folder / "b.tif");
+  const FileMetadata& metadata = *picture.metadata;
+  EXPECT_EQ(6, metadata.tiff.orientation);
+  EXPECT_EQ((std::vector<std::uint8_t>{0x1C, 2, 5, 0, 1, 'a'}), metadata.tiff.iptc);
+  EXPECT_FLOAT_EQ(72.0F, static_cast<float>(metadata.resolution->x));
+  EXPECT_FLOAT_EQ(76.8F, static_cast<float>(metadata.resolution->y));
+  EXPECT_EQ(glimmerhost::DotsPer::kInch, metadata.resolution->unit);
+}
+
+TEST(PngTiffMetadata, KeepsWhatOnlyPngHas) {
+  const ScratchFolder folder;
+  const std::array<std::int32_t, 8> chromaticities{31270, 32900, 64000, 33000,
+                                                   30000, 60000, 15000, 6000};
+  FileMetadata metadata;
+  metadata.texts = {{"Comment", "a comment"}, {"Of our own", "a word"}};
+  metadata.colours.gamma = 55556;
+  metadata.colours.chromaticities = chromaticities;
+  metadata.resolution = {3.0, 2.0, glimmerhost::DotsPer::kNothing};
+  Picture picture = Sample(5, 4);
+  picture.metadata = std::make_shared<FileMetadata>(metadata);
+  Write(folder / "a.png", picture, 16);
+  Write(folder / "b.png", Read(folder / "a.png"), 16);
+
+  const Picture back = Read(folder / "b.png");
+
+  EXPECT_EQ("a comment", TextOf(*back.metadata, "Comment"));
+  EXPECT_EQ("a word", TextOf(*back.metadata, "Of our own"));
+  EXPECT_EQ(55556, back.metadata->colours.gamma);
+  EXPECT_EQ(chromaticities, back.metadata->colours.chromaticities);
+  EXPECT_FALSE(back.metadata->colours.srgbIntent);
+  EXPECT_EQ(2, back.pixelAspect.first);
+  EXPECT_EQ(3, back.pixelAspect.second);
+}
+
+TEST(PngTiffMetadata, KeepsTheWordThatSamplesAreSrgb) {
+  const ScratchFolder folder;
+  FileMetadata metadata;
+  metadata.colours.srgbIntent = 1;
+  Picture picture = Sample(5, 4);
+  picture.metadata = std::make_shared<FileMetadata>(metadata);
+  Write(folder / "a.png", picture, 16);
+  Write(folder / "b.png", Read(folder / "a.png"), 16);
+  EXPECT_EQ(1, Read(folder / "b.png").metadata->colours.srgbIntent);
+}
+
+TEST(PngTiffMetadata, LeavesOutAProfileThatDoesNotSuitThePicture) {
+  const ScratchFolder folder;
+  Picture picture = Sample(5, 4, glimmerhost::Alpha::kNone, true);
+  picture.metadata = Described().metadata;  // with a profile of colours
+  Write(folder / "a.png", picture, 8);
+  const Picture back = Read(folder / "a.png");
+  EXPECT_TRUE(back.metadata->iccProfile.empty());
+  EXPECT_EQ(picture.samples, back.samples);
+}
+
+TEST(PngTiffMetadata, TakesLatin1ForWhatIsNoUtf8) {
+  EXPECT_EQ(
+      "\xC3\xBC"
+      "ber",
+      glimmerhost::ToUtf8("\xFC"
+                          "ber"));
+  EXPECT_EQ(
+      "\xC3\xBC"
+      "ber",
+      glimmerhost::ToUtf8("\xC3\xBC"
+                          "ber"));
+  EXPECT_EQ("\xE6\x97\xA5", glimmerhost::ToUtf8("\xE6\x97\xA5"));
+  EXPECT_EQ("\xC3\xA6\xC2\x97", glimmerhost::ToUtf8("\xE6\x97"));  // cut within a letter
+}
+
+TEST(PngTiffMetadata, TakesDatesOfOneFormOnly) {
+  EXPECT_TRUE(glimmerhost::IsFullDate("2001:02:03 04:05:06"));
+  for (const char* date : {"", "2001:02:03", "2001-02-03 04:05:06", "2001:02:03 04:05:06 "}) {
+    EXPECT_FALSE(glimmerhost::IsFullDate(date)) << date;
+  }
+}
+
+}  // namespace
