@@ -19,21 +19,26 @@ std::size_t FileBytes::Read(void* to, std::size_t count) noexcept {
 }
 
 std::size_t FileBytes::Write(const void* from, std::size_t count) noexcept {
+  std::size_t written = 0;
   try {
-    const auto written =
-        buffer_.sputn(static_cast<const char*>(from), static_cast<std::streamsize>(count));
-    return static_cast<std::size_t>(written);
+    written = static_cast<std::size_t>(
+        buffer_.sputn(static_cast<const char*>(from), static_cast<std::streamsize>(count)));
   } catch (const std::exception&) {
-    return 0;
+    written = 0;
   }
+  refused_ = refused_ || written != count;
+  return written;
 }
 
 std::int64_t FileBytes::Seek(std::int64_t offset, std::ios_base::seekdir from) noexcept {
+  std::int64_t place = -1;
   try {
-    return static_cast<std::int64_t>(std::streamoff(buffer_.pubseekoff(offset, from)));
+    place = static_cast<std::int64_t>(std::streamoff(buffer_.pubseekoff(offset, from)));
   } catch (const std::exception&) {
-    return -1;
+    place = -1;
   }
+  refused_ = refused_ || place < 0;
+  return place;
 }
 
 bool FileBytes::Close() noexcept {

@@ -30,8 +30,12 @@ class FileBytes {
   // False if what was written did not all get there.
   bool Close() noexcept;
 
+  // Whether anything was not written, or a place not reached, so far.
+  bool IsRefused() const { return refused_; }
+
  private:
   std::filebuf buffer_;
+  bool refused_ = false;
 };
 
 }  // namespace glimmerhost

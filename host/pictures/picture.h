@@ -16,7 +16,7 @@ enum class Alpha {
   kPremultiplied,  // colour is already multiplied by alpha
 };
 
-struct FileMetadata;  // what a file says beside its samples; picture_file.cpp knows it
+struct FileMetadata;  // what a file says beside its samples; the formats know it
 
 // Samples are 16 bits, red, green, blue, alpha; rows follow one another without a gap, the
 // top row first. Grey pictures have three equal colours.

@@ -20,17 +20,17 @@ namespace {
 namespace fs = std::filesystem;
 
 struct Compression {
-  std::uint16_t tag;
   std::uint64_t mostPerByte;  // bytes that one byte of a file can become
-  bool predicts;              // may store the differences of neighbours
+  std::uint16_t tag;
+  bool predicts;  // may store the differences of neighbours
 };
 
 constexpr Compression kCompressions[] = {
-    {COMPRESSION_ADOBE_DEFLATE, 1032, true},
-    {COMPRESSION_DEFLATE, 1032, true},
-    {COMPRESSION_LZW, 2731, true},
-    {COMPRESSION_PACKBITS, 64, false},
-    {COMPRESSION_NONE, 1, false},
+    {1032, COMPRESSION_ADOBE_DEFLATE, true},
+    {1032, COMPRESSION_DEFLATE, true},
+    {2731, COMPRESSION_LZW, true},
+    {64, COMPRESSION_PACKBITS, false},
+    {1, COMPRESSION_NONE, false},
 };
 
 const Compression* FindCompression(std::uint16_t tag) {
@@ -359,7 +359,8 @@ void WriteTiff(const fs::path& file, const Picture& picture, int bits) {
     SetTiffMetadata(*picture.metadata, tiff);
   }
 
-  const std::size_t rowSamples = static_cast<std::size_t>(picture.width * channels);
+  const std::size_t rowSamples =
+      static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(channels);
   bool written = true;
   for (int y = 0; written && y < picture.height; ++y) {
     const std::size_t first = static_cast<std::size_t>(y) * rowSamples;
@@ -368,8 +369,9 @@ void WriteTiff(const fs::path& file, const Picture& picture, int bits) {
   }
   const bool closed = library.Close();
   if (!written || !closed) {
-    throw Failure(library.Trouble()[0] != '\0' ? library.Trouble()
-                                               : "the system does not take all of it");
+    // libtiff has its own idea of why the system did not move on in a file.
+    const bool taken = !library.IsRefused() && library.Trouble()[0] != '\0';
+    throw Failure(taken ? library.Trouble() : "the system does not take all of it");
   }
 }
 

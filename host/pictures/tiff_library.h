@@ -26,6 +26,9 @@ class TiffLibrary {
   // Writes what is left, and closes the file. False if that fails.
   bool Close();
 
+  // Whether the system would not do what libtiff asked of it.
+  bool IsRefused() const { return bytes_.IsRefused(); }
+
   // The first error since the file was opened, or why it was not; empty if there was none.
   const char* Trouble() const { return trouble_.data(); }
 
