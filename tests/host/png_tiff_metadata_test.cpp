@@ -5,6 +5,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -59,7 +61,7 @@ Picture Described() {
                     {"Title", "a title"},
                     {glimmerhost::kXmpKey, "<x:xmpmeta/>"}};
   metadata.date = "2001:02:03 04:05:06";
-  metadata.resolution = {72.0, 76.8, glimmerhost::DotsPer::kInch};
+  metadata.resolution = {72.0, 90.0, glimmerhost::DotsPer::kInch};
   metadata.iccProfile = Profile();
   metadata.tiff.orientation = 6;
   metadata.tiff.iptc = {0x1C, 2, 5, 0, 1, 'a'};
@@ -98,10 +100,20 @@ TEST(PngTiffMetadata, GoesAnyWayBetweenTheFormats) {
     EXPECT_EQ("<x:xmpmeta/>", TextOf(metadata, glimmerhost::kXmpKey)) << name;
     EXPECT_EQ("2001:02:03 04:05:06", metadata.date) << name;
     EXPECT_EQ(Profile(), metadata.iccProfile) << name;
-    // Narrow pixels are those that lie closely across: 76.8 down for 72 across is 16:15.
-    EXPECT_EQ(16, picture.pixelAspect.first) << name;
-    EXPECT_EQ(15, picture.pixelAspect.second) << name;
+    // 90 down for 72 across: pixels are wider than high. The nearest whole numbers of dots per
+    // metre alone would make it 1181:945.
+    EXPECT_EQ(5, picture.pixelAspect.first) << name;
+    EXPECT_EQ(4, picture.pixelAspect.second) << name;
   }
+}
+
+TEST(PngTiffMetadata, WritesInPngAsUtf8WhatIsNotAscii) {
+  const ScratchFolder folder;
+  Write(folder / "a.png", Described(), 8);
+  std::ifstream file(folder / "a.png", std::ios::binary);
+  const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+  EXPECT_NE(std::string::npos, bytes.find("iTXtDescription"));
+  EXPECT_NE(std::string::npos, bytes.find("tEXtAuthor"));
 }
 
 TEST(PngTiffMetadata, GoesFromTiffToTiffWhole) {
@@ -113,7 +125,7 @@ TEST(PngTiffMetadata, GoesFromTiffToTiffWhole) {
   EXPECT_EQ(6, metadata.tiff.orientation);
   EXPECT_EQ((std::vector<std::uint8_t>{0x1C, 2, 5, 0, 1, 'a'}), metadata.tiff.iptc);
   EXPECT_FLOAT_EQ(72.0F, static_cast<float>(metadata.resolution->x));
-  EXPECT_FLOAT_EQ(76.8F, static_cast<float>(metadata.resolution->y));
+  EXPECT_FLOAT_EQ(90.0F, static_cast<float>(metadata.resolution->y));
   EXPECT_EQ(glimmerhost::DotsPer::kInch, metadata.resolution->unit);
 }
 
