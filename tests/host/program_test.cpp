@@ -50,6 +50,9 @@ TEST_F(Program, BlursTheExample) {
 TEST_F(Program, KeepsColoursInTheirPlaces) {
   const fs::path input = WriteInput("in.png", 40, 30, Alpha::kNone, true);
   for (const char* name : {"out.png", "out.tif", "out.exr", "out.dpx"}) {
+    if (!glimmerhost::FormatOf(name)) {
+      continue;  // a build without it
+    }
     ASSERT_EQ(0, RunProgram(Render(input, name, "--radius 5px")).code) << name;
     const Picture out = Read(folder / name);
     for (std::size_t i = 0; i < out.samples.size(); i += 4) {

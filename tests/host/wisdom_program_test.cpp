@@ -139,14 +139,15 @@ TEST_F(WisdomProgram, MeasuresAGridAhead) {
 
 TEST_F(WisdomProgram, NamesTheHomeThatItCannotMake) {
   std::ofstream(folder / "taken") << "a file";
-  settings.Set(folder / "taken/home");
+  const fs::path inFile = folder / "taken" / "home";
+  settings.Set(inFile);
 
   const Outcome outcome = RunHere("wisdom --measure");
 
   EXPECT_EQ(1, outcome.code);
-  EXPECT_EQ("Settings directory  " + (folder / "taken/home/Settings").string() +
-                "\nglimmerhost: the directories in " + (folder / "taken/home").string() +
-                " could not be made; " + host_test::kHomeAdvice + "\n",
+  EXPECT_EQ("Settings directory  " + (inFile / "Settings").string() +
+                "\nglimmerhost: the directories in " + inFile.string() + " could not be made; " +
+                host_test::kHomeAdvice + "\n",
             outcome.text);
 }
 
