@@ -39,6 +39,12 @@ int Complain(const std::string& what, int code) {
   return code;
 }
 
+// A flag; with a value behind an equals sign, that value.
+CLI::Option* AddSwitch(CLI::App* app, const std::string& name, std::string* value,
+                       const std::string& text) {
+  return app->add_flag(name + "{on}", *value, text);
+}
+
 // The options that say what the aperture is.
 void AddAperture(CLI::App* app, RunOptions* options) {
   TypedValues& values = options->values;
@@ -53,7 +59,7 @@ void AddAperture(CLI::App* app, RunOptions* options) {
   app->add_option("--radius-y", values.radiusY,
                   "The vertical radius alone; a circle has none of its own")
       ->group(aperture);
-  app->add_flag("--match", values.match, "Polygon: the Y radius follows the X radius")
+  AddSwitch(app, "--match", &values.match, "Polygon: the Y radius follows the X radius")
       ->group(aperture);
   app->add_option("--sides", values.sides, "Polygon: sides, 3 to 50 (default 6)")->group(aperture);
   app->add_option("--rotation", values.rotation, "Degrees")->group(aperture);
@@ -88,7 +94,7 @@ void AddHighlights(CLI::App* app, RunOptions* options) {
                   "How much highlights outweigh the rest: up to 1 off (the default), 50 strong, "
                   "500 the most; above 75 dark areas show noise")
       ->group(highlights);
-  app->add_flag("--emph-alpha", options->values.emphAlpha, "Emphasis also for alpha")
+  AddSwitch(app, "--emph-alpha", &options->values.emphAlpha, "Emphasis also for alpha")
       ->group(highlights);
 }
 

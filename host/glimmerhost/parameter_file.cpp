@@ -17,11 +17,6 @@ struct TextName {
   std::string TypedValues::*value;
 };
 
-struct SwitchName {
-  const char* name;
-  bool TypedValues::*value;
-};
-
 constexpr TextName kTexts[] = {
     {"shape", &TypedValues::shape},
     {"radius", &TypedValues::radius},
@@ -33,9 +28,6 @@ constexpr TextName kTexts[] = {
     {"center", &TypedValues::center},
     {"radius-psf1", &TypedValues::radiusPsf1},
     {"radius-psf2", &TypedValues::radiusPsf2},
-};
-
-constexpr SwitchName kSwitches[] = {
     {"match", &TypedValues::match},
     {"emph-alpha", &TypedValues::emphAlpha},
 };
@@ -59,16 +51,8 @@ std::string AsTyped(const std::string& name, const toml::node& node) {
   for (const TextName& known : kTexts) {
     names.emplace_back(known.name);
   }
-  for (const SwitchName& known : kSwitches) {
-    names.emplace_back(known.name);
-  }
   throw UsageError(file + ": " + name + ": there is no such parameter; the nearest is " +
                    Nearest(name, names));
-}
-
-[[noreturn]] void RefuseSwitch(const std::string& file, const std::string& name,
-                               const std::string& typed) {
-  throw UsageError(file + ": " + name + " " + typed + ": allowed is true or false");
 }
 
 void Read(const std::string& file, const std::string& name, const toml::node& node,
@@ -81,15 +65,6 @@ void Read(const std::string& file, const std::string& name, const toml::node& no
   for (const TextName& known : kTexts) {
     if (name == known.name) {
       values->*known.value = typed;
-      return;
-    }
-  }
-  for (const SwitchName& known : kSwitches) {
-    if (name == known.name) {
-      if (typed != "on" && typed != "off") {
-        RefuseSwitch(file, name, typed);
-      }
-      values->*known.value = typed == "on";
       return;
     }
   }

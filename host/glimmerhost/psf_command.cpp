@@ -14,6 +14,7 @@
 #include "host/glimmerhost/page_file.h"
 #include "host/glimmerhost/processors.h"
 #include "host/glimmerhost/progress.h"
+#include "host/glimmerhost/shot_values.h"
 #include "host/pictures/picture_file.h"
 #include "host/support/failure.h"
 

@@ -3,36 +3,30 @@
 
 #include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "host/glimmerhost/page.h"
 
 namespace glimmerhost {
 
-// Options as they were typed; an empty text is an option that was not given.
+// Options as they were typed; an empty text is an option that was not given. Each may be a value
+// or keyframes.
 struct TypedValues {
   std::string file;  // a parameter file, whose values these go over
   std::string shape;
   std::string radius;
   std::string radiusX;
   std::string radiusY;
-  bool match = false;
+  std::string match;
   std::string sides;
   std::string rotation;
   std::string emphasis;
-  bool emphAlpha = false;
+  std::string emphAlpha;
   std::string center;
   std::string radiusPsf1;
   std::string radiusPsf2;
   std::vector<std::string> set;  // KEY=VALUE
 };
-
-// The store's values for a picture of that size: the page's defaults, then the parameter
-// file's, then the options and what --set says. Throws UsageError for a value that the page
-// does not allow, and what reading the file throws.
-std::map<std::string, Value> MakeStoreValues(const Page& page, const TypedValues& typed, int width,
-                                             int height);
 
 // Throws Failure if the effect's grid cannot take a picture of that size with these
 // radii. The module would hand back the picture as it is, without a word.

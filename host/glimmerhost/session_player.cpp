@@ -10,6 +10,7 @@
 #include "host/glimmerhost/frame_render.h"
 #include "host/glimmerhost/measures.h"
 #include "host/glimmerhost/render_settings.h"
+#include "host/glimmerhost/shot_values.h"
 
 namespace glimmerhost {
 namespace {

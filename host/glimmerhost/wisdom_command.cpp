@@ -18,6 +18,7 @@
 #include "host/glimmerhost/processors.h"
 #include "host/glimmerhost/progress.h"
 #include "host/glimmerhost/render_settings.h"
+#include "host/glimmerhost/shot_values.h"
 #include "host/pictures/picture.h"
 #include "host/support/failure.h"
 #include "host/support/system.h"

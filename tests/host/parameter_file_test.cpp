@@ -5,6 +5,7 @@
 #include <fstream>
 #include <string>
 
+#include "host/glimmerhost/shot_values.h"
 #include "host/support/failure.h"
 #include "tests/support/scratch_folder.h"
 
@@ -77,7 +78,7 @@ TEST_F(ParameterFile, RefusesWithItsNameTheValueAndWhatIsAllowed) {
   EXPECT_EQ(file + ": radus: there is no such parameter; the nearest is radius",
             Refusal("radus = \"4px\"\n"));
   EXPECT_EQ(file + ": sides 2: allowed is a whole number from 3 to 50", Refusal("sides = 2\n"));
-  EXPECT_EQ(file + ": match 1: allowed is true or false", Refusal("match = 1\n"));
+  EXPECT_EQ(file + ": match 2: allowed is on or off", Refusal("match = 2\n"));
   EXPECT_EQ(file + ": sides: allowed is a text, a number, true or false", Refusal("sides = [5]\n"));
   EXPECT_EQ(file + ": set PRM_Sids: there is no such parameter; the nearest is PRM_Sides",
             Refusal("PRM_Sids = 5\n"));

@@ -1,0 +1,60 @@
+// The store's values over a shot: constant, or by keyframes.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "host/glimmerhost/page.h"
+#include "host/glimmerhost/render_settings.h"
+#include "host/shots/keyframes.h"
+
+namespace glimmerhost {
+
+// The frames that times of keyframes count from: 0 is the lowest, -1 the highest.
+struct ShotSpan {
+  int lowest = 0;
+  int highest = 0;
+};
+
+class ShotValues {
+ public:
+  // The page's defaults, then the parameter file's, then the options and what --set says, for
+  // pictures of that size. Throws UsageError for a value that the page does not allow, and what
+  // reading the file throws.
+  ShotValues(const Page& page, const TypedValues& typed, int width, int height,
+             const ShotSpan& span);
+
+  // The values of a frame, whatever frames are asked for before it.
+  std::map<std::string, Value> At(int frame) const;
+
+  // Whether any value changes over the shot.
+  bool IsAnimated() const;
+
+ private:
+  struct TimedValue {
+    int time;
+    Course course;
+    Value value;
+  };
+
+  struct Track {
+    const Parameter* parameter;
+    std::vector<TimedValue> values;
+
+    Value At(int time) const;
+  };
+
+  class Setter;
+
+  ShotSpan span_;
+  std::map<std::string, Track> tracks_;
+};
+
+// The values for one picture of that size, which is the first of its shot and its last.
+inline std::map<std::string, Value> MakeStoreValues(const Page& page, const TypedValues& typed,
+                                                    int width, int height) {
+  return ShotValues(page, typed, width, height, {}).At(0);
+}
+
+}  // namespace glimmerhost
