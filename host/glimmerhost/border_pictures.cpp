@@ -46,6 +46,13 @@ quantel::cPtr<qplugin::iQpluginImage> StillClip::frame(
   return frame_;
 }
 
+Inputs::Inputs(const quantel::cPtr<FrameImage>& main, const quantel::cPtr<FrameImage>& spread)
+    : main_(new StillClip(main)) {
+  if (spread) {
+    spread_ = quantel::cPtr<qplugin::iQpluginSource>(new StillClip(spread));
+  }
+}
+
 quantel::cPtr<qplugin::iQpluginSource> Inputs::namedInput(const quantel::wstring& key) {
   if (key == u"PRM_Spread") {
     return spread_;

@@ -44,7 +44,7 @@ class FrameFormat final : public qplugin::iQpluginFormat, public quantel::cRefCo
 // A clip that has the same picture at every frame number.
 class StillClip final : public qplugin::iQpluginSource, public quantel::cRefCount {
  public:
-  explicit StillClip(const Picture& picture) : frame_(new FrameImage(picture)) {}
+  explicit StillClip(const quantel::cPtr<FrameImage>& frame) : frame_(frame) {}
 
   quantel::cPtr<qplugin::iQpluginImage> frame(int frame,
                                               quantel::cPtr<qplugin::iQpluginDescriptor> descriptor,
@@ -54,13 +54,11 @@ class StillClip final : public qplugin::iQpluginSource, public quantel::cRefCoun
   quantel::cPtr<FrameImage> frame_;
 };
 
-// The main clip, and the second one under its key.
+// The main clip, and the second one under its key, each of one frame.
 class Inputs final : public qplugin::iQpluginInputs, public quantel::cRefCount {
  public:
   //   spread  null if there is none
-  Inputs(const quantel::cPtr<qplugin::iQpluginSource>& main,
-         const quantel::cPtr<qplugin::iQpluginSource>& spread)
-      : main_(main), spread_(spread) {}
+  Inputs(const quantel::cPtr<FrameImage>& main, const quantel::cPtr<FrameImage>& spread);
 
   quantel::cPtr<qplugin::iQpluginSource> mainInput() override { return main_; }
   quantel::cPtr<qplugin::iQpluginSource> namedInput(const quantel::wstring& key) override;

@@ -3,8 +3,7 @@
 #include <algorithm>
 
 #include "host/glimmerhost/alpha.h"
-#include "host/glimmerhost/border_pictures.h"
-#include "host/glimmerhost/parameter_store.h"
+#include "host/glimmerhost/frame_renderer.h"
 
 namespace glimmerhost {
 namespace {
@@ -42,8 +41,8 @@ Picture ReadWithWarning(const std::string& file, Progress* progress) {
   return picture;
 }
 
-quantel::cPtr<qplugin::iQpluginSource> OpenSpread(const std::string& file, int width, int height,
-                                                  bool premultiplied, Progress* progress) {
+quantel::cPtr<FrameImage> OpenSpread(const std::string& file, int width, int height,
+                                     bool premultiplied, Progress* progress) {
   if (file.empty()) {
     return {};
   }
@@ -51,34 +50,16 @@ quantel::cPtr<qplugin::iQpluginSource> OpenSpread(const std::string& file, int w
   if (premultiplied) {
     Premultiply(&picture);
   }
-  return quantel::cPtr<qplugin::iQpluginSource>(new StillClip(Centred(picture, width, height)));
+  return quantel::cPtr<FrameImage>(new FrameImage(Centred(picture, width, height)));
 }
 
 void RenderPicture(const EffectModule& module, const std::map<std::string, Value>& values,
-                   const quantel::cPtr<qplugin::iQpluginSource>& spread,
-                   quantel::cSize2 pixelAspect, Picture* picture) {
-  const quantel::cPtr<FrameImage> output(new FrameImage(picture->width, picture->height));
-  const quantel::cPtr<FrameFormat> format(
-      new FrameFormat(pixelAspect, {picture->width, picture->height}));
-  try {
-    Trace* trace = module.GetTrace();
-    const quantel::cPtr<qplugin::iQpluginRender> render = module.MakeRender();
-    const quantel::cPtr<qplugin::iQpluginTarget> target(new Target(output, format));
-    TraceToModule(trace, "render.setTarget(target)");
-    render->setTarget(Traced(target, trace));
-    const quantel::cPtr<qplugin::iQpluginSource> main(new StillClip(*picture));
-    const quantel::cPtr<qplugin::iQpluginInputs> inputs(new Inputs(main, spread));
-    TraceToModule(trace, "render.setInputs(inputs)");
-    render->setInputs(Traced(inputs, trace));
-    const quantel::cPtr<qplugin::iQpluginParams> store(new ParameterStore(values));
-    TraceToModule(trace, "render.setParams(store)");
-    render->setParams(Traced(store, trace));
-    TraceToModule(trace, "render.renderFrame(1, 0, 0)");
-    render->renderFrame(1, 0, 0);
-  } catch (...) {
-    RethrowModuleFault();
-  }
-  output->CopyTo(picture);
+                   const quantel::cPtr<FrameImage>& spread, quantel::cSize2 pixelAspect,
+                   Picture* picture) {
+  FrameRenderer renderer(module, false);
+  const FrameInput input{1, values, quantel::cPtr<FrameImage>(new FrameImage(*picture)), spread,
+                         pixelAspect};
+  renderer.Render(input)->CopyTo(picture);
 }
 
 void SettleAlpha(const PictureOutput& output, Alpha before, Picture* picture) {

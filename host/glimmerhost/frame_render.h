@@ -4,12 +4,12 @@
 #include <map>
 #include <string>
 
+#include "host/glimmerhost/border_pictures.h"
 #include "host/glimmerhost/effect_module.h"
 #include "host/glimmerhost/page.h"
 #include "host/glimmerhost/progress.h"
 #include "host/pictures/picture.h"
 #include "host/pictures/picture_file.h"
-#include "hostframe/interfaces/pictures.h"
 #include "hostframe/interfaces/ptr.h"
 
 namespace glimmerhost {
@@ -17,18 +17,18 @@ namespace glimmerhost {
 // Reads a picture, with a warning if something of it was lost.
 Picture ReadWithWarning(const std::string& file, Progress* progress);
 
-// The second clip, which the image shape takes its aperture from; null for no file. The
-// effect wants it as large as the frame: a smaller picture is centred on black, a larger
-// one loses its edges, and neither is scaled.
+// The frame of the second clip, which the image shape takes its aperture from; null for no file.
+// The effect wants it as large as the frame: a smaller picture is centred on black, a larger one
+// loses its edges, and neither is scaled.
 //   premultiplied  whether straight alpha is multiplied in, as it is for the frame
-quantel::cPtr<qplugin::iQpluginSource> OpenSpread(const std::string& file, int width, int height,
-                                                  bool premultiplied, Progress* progress);
+quantel::cPtr<FrameImage> OpenSpread(const std::string& file, int width, int height,
+                                     bool premultiplied, Progress* progress);
 
 // Replaces the picture by what the effect makes of it, by an instance of its own, so that
 // none depends on the one before. Throws Failure.
 void RenderPicture(const EffectModule& module, const std::map<std::string, Value>& values,
-                   const quantel::cPtr<qplugin::iQpluginSource>& spread,
-                   quantel::cSize2 pixelAspect, Picture* picture);
+                   const quantel::cPtr<FrameImage>& spread, quantel::cSize2 pixelAspect,
+                   Picture* picture);
 
 // Alpha of a picture that was premultiplied for the effect, as the output's format has it, or
 // as it was before.

@@ -24,8 +24,7 @@ std::string Text(quantel::cPoint2 point) {
 }  // namespace
 
 PageSession::PageSession(const EffectModule& module, std::map<std::string, Value> values,
-                         const Picture& picture,
-                         const quantel::cPtr<qplugin::iQpluginSource>& spread,
+                         const Picture& picture, const quantel::cPtr<FrameImage>& spread,
                          quantel::cSize2 pixelAspect)
     : module_(module),
       trace_(module.GetTrace()),
@@ -59,13 +58,12 @@ void PageSession::OnModule(const Call& call) const {
 void PageSession::HandOverInputs() const {
   result_->Show(quantel::cPtr<qplugin::iQpluginFormat>(
       new FrameFormat(pixelAspect_, {picture_.width, picture_.height})));
-  const quantel::cPtr<qplugin::iQpluginSource> main(new StillClip(picture_));
+  const quantel::cPtr<FrameImage> main(new FrameImage(picture_));
   TraceToModule(trace_, "ui.setInputs(inputs)");
   ui_->setInputs(Traced(quantel::cPtr<qplugin::iQpluginInputs>(new Inputs(main, spread_)), trace_));
 }
 
-void PageSession::Connect(const Picture& picture,
-                          const quantel::cPtr<qplugin::iQpluginSource>& spread,
+void PageSession::Connect(const Picture& picture, const quantel::cPtr<FrameImage>& spread,
                           quantel::cSize2 pixelAspect) {
   picture_ = picture;
   spread_ = spread;

@@ -24,11 +24,11 @@ class PageSession {
   //   spread  the second clip, null for none
   // This and every operation throw Failure for what the module throws.
   PageSession(const EffectModule& module, std::map<std::string, Value> values,
-              const Picture& picture, const quantel::cPtr<qplugin::iQpluginSource>& spread,
+              const Picture& picture, const quantel::cPtr<FrameImage>& spread,
               quantel::cSize2 pixelAspect);
 
   // Another picture, or another second clip, under the same page.
-  void Connect(const Picture& picture, const quantel::cPtr<qplugin::iQpluginSource>& spread,
+  void Connect(const Picture& picture, const quantel::cPtr<FrameImage>& spread,
                quantel::cSize2 pixelAspect);
 
   // A parameter, as the page sets it: into the store, and then the module is told.
@@ -67,7 +67,7 @@ class PageSession {
   const EffectModule& module_;
   Trace* trace_;
   Picture picture_;
-  quantel::cPtr<qplugin::iQpluginSource> spread_;
+  quantel::cPtr<FrameImage> spread_;
   quantel::cSize2 pixelAspect_;
   quantel::cPtr<ParameterStore> store_;
   quantel::cPtr<OverlaySurface> surface_;

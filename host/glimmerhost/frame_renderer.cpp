@@ -1,0 +1,66 @@
+#include "host/glimmerhost/frame_renderer.h"
+
+#include <utility>
+
+#include "host/glimmerhost/parameter_store.h"
+
+namespace glimmerhost {
+namespace {
+
+constexpr int kImageShape = 3;
+
+bool Same(quantel::cSize2 a, quantel::cSize2 b) {
+  return a.first == b.first && a.second == b.second;
+}
+
+}  // namespace
+
+FrameRenderer::Aperture FrameRenderer::ApertureOf(const FrameInput& input) {
+  Aperture aperture{input.values, input.source->size(), input.pixelAspect};
+  // What is done to the highlights leaves it as it is.
+  aperture.values.erase("PRM_Emphasis");
+  aperture.values.erase("PRM_EmphAlpha");
+  return aperture;
+}
+
+bool FrameRenderer::MayKeep(const Aperture& now) const {
+  if (!render_ || carryPsf_) {
+    return static_cast<bool>(render_);
+  }
+  const auto shape = now.values.find("PRM_Shape");
+  return (shape == now.values.end() || shape->second != Value(kImageShape)) &&
+         now.values == before_.values && Same(now.size, before_.size) &&
+         Same(now.pixelAspect, before_.pixelAspect);
+}
+
+quantel::cPtr<FrameImage> FrameRenderer::Render(const FrameInput& input) {
+  const quantel::cSize2 size = input.source->size();
+  const quantel::cPtr<FrameImage> output(new FrameImage(size.first, size.second));
+  const quantel::cPtr<FrameFormat> format(new FrameFormat(input.pixelAspect, size));
+  try {
+    Trace* trace = module_.GetTrace();
+    Aperture now = ApertureOf(input);
+    if (!MayKeep(now)) {
+      render_.Reset();
+      render_ = module_.MakeRender();
+    }
+    before_ = std::move(now);
+    const quantel::cPtr<qplugin::iQpluginTarget> target(new Target(output, format));
+    TraceToModule(trace, "render.setTarget(target)");
+    render_->setTarget(Traced(target, trace));
+    const quantel::cPtr<qplugin::iQpluginInputs> inputs(new Inputs(input.source, input.spread));
+    TraceToModule(trace, "render.setInputs(inputs)");
+    render_->setInputs(Traced(inputs, trace));
+    const quantel::cPtr<qplugin::iQpluginParams> store(new ParameterStore(input.values));
+    TraceToModule(trace, "render.setParams(store)");
+    render_->setParams(Traced(store, trace));
+    TraceToModule(trace, "render.renderFrame(", input.frame, ", 0, 0)");
+    render_->renderFrame(input.frame, 0, 0);
+  } catch (...) {
+    render_.Reset();
+    RethrowModuleFault();
+  }
+  return output;
+}
+
+}  // namespace glimmerhost
