@@ -94,7 +94,8 @@ TEST(ShotValues, RefuseAKeyframeThatThePageDoesNotAllow) {
     Over(typed);
     FAIL();
   } catch (const glimmerhost::UsageError& fault) {
-    EXPECT_STREQ("--emphasis 501: allowed is a number from 0 to 500 (the page offers 1 to 50)", fault.what());
+    EXPECT_STREQ("--emphasis 501: allowed is a number from 0 to 500 (the page offers 1 to 50)",
+                 fault.what());
   }
 }
 

@@ -1,0 +1,78 @@
+#include "host/shots/shot_plan.h"
+
+#include <algorithm>
+#include <charconv>
+#include <string_view>
+#include <system_error>
+
+#include "host/shots/file_sequence.h"
+#include "host/shots/frame_list.h"
+#include "host/support/failure.h"
+
+namespace glimmerhost {
+namespace {
+
+bool TakeCount(std::string_view* text, std::size_t* count) {
+  const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), *count);
+  if (error != std::errc() || *count == 0) {
+    return false;
+  }
+  text->remove_prefix(static_cast<std::size_t>(end - text->data()));
+  return true;
+}
+
+std::vector<int> ShotFrames(const ShotNames& names, const FileSequence& input) {
+  if (!names.frames.empty()) {
+    return ParseFrames("--frames", names.frames);
+  }
+  if (!input.HasFrames()) {
+    return {1};
+  }
+  return input.Frames().empty() ? input.Scan() : input.Frames();
+}
+
+}  // namespace
+
+ChunkPlaces ParseChunk(const std::string& text, std::size_t count) {
+  std::string_view rest = text;
+  std::size_t which = 0;
+  std::size_t parts = 0;
+  const bool whole = TakeCount(&rest, &which) && rest.starts_with('/') &&
+                     (rest.remove_prefix(1), TakeCount(&rest, &parts)) && rest.empty();
+  if (!whole || which > parts || parts > count) {
+    throw UsageError("--chunk " + text + ": allowed is K/N, the K-th of N parts, for " +
+                     std::to_string(count) + " frames up to N = " + std::to_string(count));
+  }
+  const auto begin = [&](std::size_t part) {
+    return count / parts * part + std::min(part, count % parts);
+  };
+  return {begin(which - 1), begin(which)};
+}
+
+ShotPlan PlanShot(const ShotNames& names) {
+  const FileSequence input("INPUT", names.input);
+  const FileSequence output("-o", names.output);
+  const FileSequence spread("--spread", names.spread);
+  std::vector<int> frames = ShotFrames(names, input);
+  if (frames.size() > 1 && !output.HasFrames()) {
+    throw UsageError("-o " + names.output + ": allowed for " + std::to_string(frames.size()) +
+                     " frames is a name with a place for their numbers (out.####.png)");
+  }
+  ShotPlan plan;
+  plan.isShot = input.HasFrames() || output.HasFrames() || !names.frames.empty();
+  const auto [lowest, highest] = std::minmax_element(frames.begin(), frames.end());
+  plan.lowest = *lowest;
+  plan.highest = *highest;
+  ChunkPlaces places{0, frames.size()};
+  if (!names.chunk.empty()) {
+    places = ParseChunk(names.chunk, frames.size());
+  }
+  for (std::size_t i = places.begin; i < places.end; ++i) {
+    const int frame = frames[i];
+    plan.files.push_back({frame, input.File(frame), output.File(frame),
+                          names.spread.empty() ? std::filesystem::path() : spread.File(frame)});
+  }
+  return plan;
+}
+
+}  // namespace glimmerhost
