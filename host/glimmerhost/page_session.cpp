@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/glimmerhost/border_pictures.h"
+#include "host/glimmerhost/frame_checks.h"
 #include "host/glimmerhost/frame_render.h"
 #include "host/glimmerhost/render_settings.h"
 #include "host/glimmerhost/text.h"

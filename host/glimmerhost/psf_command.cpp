@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/glimmerhost/effect_module.h"
+#include "host/glimmerhost/frame_checks.h"
 #include "host/glimmerhost/frame_render.h"
 #include "host/glimmerhost/measures.h"
 #include "host/glimmerhost/page_file.h"

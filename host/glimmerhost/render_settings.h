@@ -28,8 +28,4 @@ struct TypedValues {
   std::vector<std::string> set;  // KEY=VALUE
 };
 
-// Throws Failure if the effect's grid cannot take a picture of that size with these
-// radii. The module would hand back the picture as it is, without a word.
-void CheckGrid(const std::map<std::string, Value>& values, int width, int height);
-
 }  // namespace glimmerhost

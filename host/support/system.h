@@ -16,6 +16,9 @@ std::filesystem::path ProgramFolder();
 
 std::uint32_t ProcessId();
 
+// Bytes that programs may still take, swapping included; 0 if the system does not tell.
+std::uint64_t AvailableMemory();
+
 // Whether files can be made in the folder.
 bool IsWritable(const std::filesystem::path& folder);
 

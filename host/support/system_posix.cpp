@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <fstream>
+#include <sstream>
 #include <system_error>
 
 #include "host/support/failure.h"
@@ -23,6 +25,21 @@ std::filesystem::path ProgramFolder() {
 }
 
 std::uint32_t ProcessId() { return static_cast<std::uint32_t>(getpid()); }
+
+// What the kernel says can be had without swapping, and what is left to swap to.
+std::uint64_t AvailableMemory() {
+  std::ifstream file("/proc/meminfo");
+  std::uint64_t kibibytes = 0;
+  std::string name;
+  std::uint64_t value = 0;
+  for (std::string line; std::getline(file, line);) {
+    std::istringstream words(line);
+    if (words >> name >> value && (name == "MemAvailable:" || name == "SwapFree:")) {
+      kibibytes += value;
+    }
+  }
+  return kibibytes * 1024;
+}
 
 bool IsWritable(const std::filesystem::path& folder) { return access(folder.c_str(), W_OK) == 0; }
 

@@ -65,6 +65,12 @@ std::filesystem::path ProgramFolder() {
 
 std::uint32_t ProcessId() { return GetCurrentProcessId(); }
 
+std::uint64_t AvailableMemory() {
+  MEMORYSTATUSEX status{};
+  status.dwLength = sizeof status;
+  return GlobalMemoryStatusEx(&status) != 0 ? status.ullAvailPageFile : 0;
+}
+
 bool IsWritable(const std::filesystem::path& folder) {
   constexpr int kWrite = 2;
   return _waccess(folder.c_str(), kWrite) == 0;

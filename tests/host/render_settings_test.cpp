@@ -5,6 +5,7 @@
 #include <map>
 #include <string>
 
+#include "host/glimmerhost/frame_checks.h"
 #include "host/glimmerhost/shot_values.h"
 #include "host/support/failure.h"
 

@@ -1,0 +1,22 @@
+// What the module would keep to itself: it says nothing of a frame that it could not work on, and
+// leaves it as a copy of its source.
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "host/glimmerhost/frame_renderer.h"
+#include "host/glimmerhost/page.h"
+
+namespace glimmerhost {
+
+// Throws Failure if the effect cannot take a picture of that size with these values: its grid
+// would be too large, or there is not the memory for it.
+void CheckGrid(const std::map<std::string, Value>& values, int width, int height);
+
+// Throws Failure if the result is the source as it passes the border in 15 bits, though the
+// aperture is larger than a pixel and the source has neighbours that differ. Alpha does not
+// count: it may be left alone on purpose.
+void CheckRendered(const FrameInput& input, FrameImage* result);
+
+}  // namespace glimmerhost
