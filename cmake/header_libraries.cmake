@@ -1,8 +1,8 @@
-# Libraries of headers alone, for the program: CLI11 and toml++. The machine's own serve every
+# Libraries of headers alone, for the program: CLI11, JSON and toml++. The machine's own serve every
 # target, but a target of another system may see nothing else of the folder that they lie in.
 add_library(header_libraries INTERFACE)
 set(folder ${PROJECT_BINARY_DIR}/header_libraries)
-foreach(library CLI/CLI.hpp toml++/toml.h)
+foreach(library CLI/CLI.hpp nlohmann/json.hpp toml++/toml.h)
   string(MAKE_C_IDENTIFIER ${library} variable)
   find_path(${variable}_FOLDER ${library} REQUIRED NO_CMAKE_FIND_ROOT_PATH)
   get_filename_component(name ${library} DIRECTORY)

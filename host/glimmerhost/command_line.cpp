@@ -122,13 +122,42 @@ void AddRunning(CLI::App* app, RunOptions* options) {
   app->add_option("--module", options->module, "Another module file");
 }
 
+// What of a shot is rendered, and what becomes of frames that fail.
+void AddShot(CLI::App* app, RenderOptions* options) {
+  const std::string shot = "Shot";
+  app->add_option("--frames", options->frames,
+                  "1-10,20-30, 1-100x5 (every fifth), 100-1 (backwards); default: the list in the "
+                  "input's name (shot.1-100#.exr), or the frames that its folder has")
+      ->group(shot);
+  app->add_option("--chunk", options->chunk, "K/N: only the K-th of N parts of the frames")
+      ->group(shot);
+  app->add_flag("--skip-existing", options->skipExisting, "Leave out frames whose output is there")
+      ->group(shot);
+  app->add_flag("--keep-going", options->keepGoing,
+                "Render the rest where a frame fails; the program fails all the same")
+      ->group(shot);
+  app->add_flag("--carry-psf", options->carryPsf,
+                "One instance of the effect for all frames: it keeps an aperture for values that "
+                "are near enough, so a frame may depend on those before it")
+      ->group(shot);
+  app->add_flag("--explain", options->explain,
+                "Render nothing; print grids, memory and how often the aperture is built")
+      ->group(shot);
+  app->add_flag("--dry-run", options->dryRun,
+                "Render nothing; list the files that would be read and written")
+      ->group(shot);
+}
+
 CLI::App* AddRender(CLI::App* app, RenderOptions* options) {
-  CLI::App* render = app->add_subcommand("render", "Render one picture");
-  render->add_option("INPUT", options->input, std::string("The picture: ") + kReadableFormats)
+  CLI::App* render = app->add_subcommand("render", "Render a picture, or a shot of them");
+  render
+      ->add_option("INPUT", options->input,
+                   std::string("The picture, or a sequence (shot.####.exr): ") + kReadableFormats)
       ->required();
   AddPictureOutput(render, options);
   AddAperture(render, options);
   AddHighlights(render, options);
+  AddShot(render, options);
   render->add_option("--alpha", options->alpha,
                      "premultiplied (default): colour of a file with straight alpha is "
                      "multiplied by it on the way in and divided on the way out; as-is: samples "
@@ -137,6 +166,8 @@ CLI::App* AddRender(CLI::App* app, RenderOptions* options) {
                      "8 or 16 (default: the input's; 16 for floating point)");
   AddPixelAspect(render, options, "the file's");
   AddThreads(render, options);
+  render->add_option("--progress", options->progress,
+                     "auto (default: bar on a terminal, lines elsewhere), bar, lines or json");
   AddRunning(render, options);
   return render;
 }
@@ -239,7 +270,7 @@ int Run(const std::vector<std::string>& arguments) {
   if (info->parsed()) {
     RunInfo(infoModule, std::cout);
   } else if (renderCommand->parsed()) {
-    RunRender(render);
+    return RunRender(render, std::cout);
   } else if (psfCommand->parsed()) {
     RunPsf(psf);
   } else if (pageCommand->parsed()) {

@@ -32,21 +32,28 @@ Picture Centred(const Picture& picture, int width, int height) {
 
 }  // namespace
 
-Picture ReadWithWarning(const std::string& file, Progress* progress) {
+Picture ReadNoting(const std::filesystem::path& file, std::vector<std::string>* remarks) {
   std::string warning;
   Picture picture = ReadPicture(file, &warning);
   if (!warning.empty()) {
-    progress->Warn(warning);
+    remarks->push_back(warning);
   }
   return picture;
 }
 
+Picture ReadWithWarning(const std::string& file, Progress* progress) {
+  std::vector<std::string> remarks;
+  Picture picture = ReadNoting(file, &remarks);
+  progress->WarnAll(remarks);
+  return picture;
+}
+
 quantel::cPtr<FrameImage> OpenSpread(const std::string& file, int width, int height,
-                                     bool premultiplied, Progress* progress) {
+                                     bool premultiplied, std::vector<std::string>* remarks) {
   if (file.empty()) {
     return {};
   }
-  Picture picture = ReadWithWarning(file, progress);
+  Picture picture = ReadNoting(file, remarks);
   if (premultiplied) {
     Premultiply(&picture);
   }

@@ -1,8 +1,10 @@
 // One frame through the effect's border.
 #pragma once
 
+#include <filesystem>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "host/glimmerhost/border_pictures.h"
 #include "host/glimmerhost/effect_module.h"
@@ -14,7 +16,11 @@
 
 namespace glimmerhost {
 
-// Reads a picture, with a warning if something of it was lost.
+// Reads a picture.
+//   remarks  receives a line if something of it was lost
+Picture ReadNoting(const std::filesystem::path& file, std::vector<std::string>* remarks);
+
+// The same, with a warning at once.
 Picture ReadWithWarning(const std::string& file, Progress* progress);
 
 // The frame of the second clip, which the image shape takes its aperture from; null for no file.
@@ -22,7 +28,7 @@ Picture ReadWithWarning(const std::string& file, Progress* progress);
 // loses its edges, and neither is scaled.
 //   premultiplied  whether straight alpha is multiplied in, as it is for the frame
 quantel::cPtr<FrameImage> OpenSpread(const std::string& file, int width, int height,
-                                     bool premultiplied, Progress* progress);
+                                     bool premultiplied, std::vector<std::string>* remarks);
 
 // Replaces the picture by what the effect makes of it, by an instance of its own, so that
 // none depends on the one before. Throws Failure.

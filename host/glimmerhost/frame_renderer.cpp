@@ -15,12 +15,14 @@ bool Same(quantel::cSize2 a, quantel::cSize2 b) {
 
 }  // namespace
 
+std::map<std::string, Value> ApertureValues(std::map<std::string, Value> values) {
+  values.erase("PRM_Emphasis");
+  values.erase("PRM_EmphAlpha");
+  return values;
+}
+
 FrameRenderer::Aperture FrameRenderer::ApertureOf(const FrameInput& input) {
-  Aperture aperture{input.values, input.source->size(), input.pixelAspect};
-  // What is done to the highlights leaves it as it is.
-  aperture.values.erase("PRM_Emphasis");
-  aperture.values.erase("PRM_EmphAlpha");
-  return aperture;
+  return {ApertureValues(input.values), input.source->size(), input.pixelAspect};
 }
 
 bool FrameRenderer::MayKeep(const Aperture& now) const {

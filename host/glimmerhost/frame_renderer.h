@@ -20,6 +20,9 @@ struct FrameInput {
   quantel::cSize2 pixelAspect{1, 1};
 };
 
+// The values that an aperture is made from: all but what is done to the highlights.
+std::map<std::string, Value> ApertureValues(std::map<std::string, Value> values);
+
 // A render instance remembers the aperture that it built last, and takes it for values that are
 // near enough. A frame of this class does not depend on those before it: the instance is a new
 // one wherever the aperture may be another.

@@ -35,6 +35,12 @@ void Progress::Warn(const std::string& what) {
   open_ = false;
 }
 
+void Progress::WarnAll(const std::vector<std::string>& lines) {
+  for (const std::string& line : lines) {
+    Warn(line);
+  }
+}
+
 void Progress::Finish(const std::string& what) {
   if (active_) {
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start_;

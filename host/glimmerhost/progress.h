@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <string>
+#include <vector>
 
 namespace glimmerhost {
 
@@ -24,6 +25,7 @@ class Progress {
 
   // A line of its own, in the place of the one that is shown.
   void Warn(const std::string& what);
+  void WarnAll(const std::vector<std::string>& lines);
 
   // The last line, with the seconds since the start.
   void Finish(const std::string& what);

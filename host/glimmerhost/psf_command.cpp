@@ -143,7 +143,9 @@ void RunPsf(const PsfOptions& options) {
   ParseZoom(options.zoom, 1);
   PictureOutput output(options.output, options.overwrite);
   Progress progress(!options.quiet);
-  const auto spread = OpenSpread(options.spread, width, height, true, &progress);
+  std::vector<std::string> remarks;
+  const auto spread = OpenSpread(options.spread, width, height, true, &remarks);
+  progress.WarnAll(remarks);
 
   Picture frame = BlackPicture(width, height);
   const Point light{width / 2, height / 2};

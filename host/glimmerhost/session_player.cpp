@@ -51,7 +51,7 @@ void SessionPlayer::Load(const std::filesystem::path& file) {
   Premultiply(&picture);
   pixelAspect_ = options_.pixelAspect.empty() ? picture.pixelAspect
                                               : ParseRatio("--pixel-aspect", options_.pixelAspect);
-  const auto spread = OpenSpread(spread_.string(), picture.width, picture.height, true, progress_);
+  const auto spread = OpenSpreadFor(picture);
   if (session_) {
     session_->Connect(picture, spread, pixelAspect_);
   } else {
@@ -62,12 +62,17 @@ void SessionPlayer::Load(const std::filesystem::path& file) {
   showsResult_ = false;
 }
 
+quantel::cPtr<FrameImage> SessionPlayer::OpenSpreadFor(const Picture& picture) {
+  std::vector<std::string> remarks;
+  const auto spread = OpenSpread(spread_.string(), picture.width, picture.height, true, &remarks);
+  progress_->WarnAll(remarks);
+  return spread;
+}
+
 void SessionPlayer::Spread(const std::filesystem::path& file) {
   spread_ = file;
   const Picture& picture = session_->Source();
-  session_->Connect(Picture(picture),
-                    OpenSpread(file.string(), picture.width, picture.height, true, progress_),
-                    pixelAspect_);
+  session_->Connect(Picture(picture), OpenSpreadFor(picture), pixelAspect_);
 }
 
 void SessionPlayer::Render() {

@@ -56,6 +56,8 @@ class SessionPlayer {
   void ExpectPicture(const std::filesystem::path& file, bool same) const;
 
  private:
+  quantel::cPtr<FrameImage> OpenSpreadFor(const Picture& picture);
+
   const Picture& Shown() const { return showsResult_ ? result_ : session_->Source(); }
 
   const EffectModule& module_;

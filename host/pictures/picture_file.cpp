@@ -28,7 +28,7 @@ OutputFormat KnownFormat(const fs::path& file) {
 Picture ReadPicture(const fs::path& file, std::string* warning) {
   std::error_code error;
   if (!fs::exists(file, error)) {
-    ReadFailure(file, "there is no such file");
+    throw MissingInput(file.string() + ": there is no such file");
   }
   if (!fs::is_regular_file(file, error)) {
     ReadFailure(file, "it is not a file");

@@ -206,7 +206,7 @@ TEST_F(Program, TakesANegativeRotation) {
 TEST_F(Program, FailsInOneLineForWhatItCannotRead) {
   std::ofstream(folder / "text.png") << "no picture";
   ExpectRefusal(Render(folder / "text.png", "out.png"), 1, "text.png: ");
-  ExpectRefusal(Render(folder / "missing.png", "out.png"), 1, "no such file");
+  ExpectRefusal(Render(folder / "missing.png", "out.png"), 3, "no such file");
   const fs::path input = WriteInput("cut.png", 100, 100);
   fs::resize_file(input, fs::file_size(input) / 2);
   ExpectRefusal(Render(input, "out.png"), 1, "cut.png: ");

@@ -1,0 +1,20 @@
+// What a render would do, without doing it.
+#pragma once
+
+#include <iosfwd>
+
+#include "host/glimmerhost/page.h"
+#include "host/glimmerhost/shot_render.h"
+#include "host/shots/shot_plan.h"
+
+namespace glimmerhost {
+
+// A line a frame: the files that would be read, and the one that would be written.
+void ListFiles(const ShotPlan& plan, std::ostream& out);
+
+// Grids, memory, how often the aperture is built, and where the grid doubles. Frames are taken to
+// be as large as the first one that is there. Throws as reading and the values do.
+void Explain(const Page& page, const ShotSettings& settings, const ShotPlan& plan,
+             std::ostream& out);
+
+}  // namespace glimmerhost

@@ -1,0 +1,186 @@
+#include "host/glimmerhost/shot_render.h"
+
+#include <chrono>
+#include <exception>
+#include <new>
+#include <optional>
+#include <system_error>
+#include <thread>
+#include <variant>
+
+#include "host/glimmerhost/alpha.h"
+#include "host/glimmerhost/frame_checks.h"
+#include "host/glimmerhost/frame_render.h"
+#include "host/glimmerhost/text.h"
+#include "host/support/bounded_queue.h"
+#include "host/support/failure.h"
+
+namespace glimmerhost {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Enough for one to be worked on while one waits; each is some hundred megabytes of a large frame.
+constexpr std::size_t kRoom = 1;
+
+// Runs a step of a frame, unless it has failed before. What goes wrong becomes the frame's.
+template <class Step>
+void Try(FrameReport* report, const Step& step) {
+  if (report->state != FrameState::kDone) {
+    return;
+  }
+  try {
+    step();
+  } catch (const UsageError&) {
+    throw;
+  } catch (const MissingInput& fault) {
+    report->state = FrameState::kMissing;
+    report->fault = fault.what();
+  } catch (const std::bad_alloc&) {
+    report->state = FrameState::kFailed;
+    report->fault = "there is not enough memory for this picture";
+  } catch (const std::exception& fault) {
+    report->state = FrameState::kFailed;
+    report->fault = fault.what();
+  }
+}
+
+}  // namespace
+
+struct ShotRender::Queues {
+  BoundedQueue<std::unique_ptr<Work>> read{kRoom};
+  BoundedQueue<std::unique_ptr<Work>> rendered{kRoom};
+  std::exception_ptr fault;  // the reader's, that ends everything
+
+  void Close() {
+    read.Close();
+    rendered.Close();
+  }
+};
+
+void ShotRender::Run(ShotReport* report) {
+  Queues queues;
+  queues_ = &queues;
+  std::thread reader([this] { ReadAll(); });
+  std::thread writer([this, report] { WriteAll(report); });
+  RenderAll();
+  reader.join();
+  writer.join();
+  queues_ = nullptr;
+  if (queues.fault) {
+    std::rethrow_exception(queues.fault);
+  }
+}
+
+void ShotRender::ReadAll() {
+  try {
+    for (const FrameFiles& files : plan_.files) {
+      auto work = std::make_unique<Work>();
+      work->files = files;
+      work->report.frame = files.frame;
+      work->report.output = files.output.string();
+      Try(&work->report, [&] { Load(work.get()); });
+      if (!queues_->read.Push(std::move(work))) {
+        break;
+      }
+    }
+  } catch (...) {
+    queues_->fault = std::current_exception();
+  }
+  queues_->read.Close();
+}
+
+void ShotRender::RenderAll() {
+  using Clock = std::chrono::steady_clock;
+  while (std::optional<std::unique_ptr<Work>> work = queues_->read.Pop()) {
+    FrameReport& report = (*work)->report;
+    Try(&report, [&] {
+      const Clock::time_point start = Clock::now();
+      (*work)->result = renderer_.Render((*work)->input);
+      report.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    });
+    if (!queues_->rendered.Push(std::move(*work))) {
+      break;
+    }
+  }
+  queues_->rendered.Close();
+}
+
+void ShotRender::WriteAll(ShotReport* report) {
+  while (std::optional<std::unique_ptr<Work>> work = queues_->rendered.Pop()) {
+    Try(&(*work)->report, [&] { Write(work->get()); });
+    report->Add((*work)->report);
+    const FrameState state = (*work)->report.state;
+    if (!settings_.keepGoing && (state == FrameState::kFailed || state == FrameState::kMissing)) {
+      queues_->Close();
+      break;
+    }
+  }
+}
+
+void ShotRender::Load(Work* work) {
+  std::error_code error;
+  if (settings_.skipExisting && fs::exists(work->files.output, error)) {
+    work->report.state = FrameState::kSkipped;
+    return;
+  }
+  work->output = std::make_unique<PictureOutput>(work->files.output, settings_.overwrite);
+  work->picture = ReadNoting(work->files.input, &work->report.remarks);
+  Picture& picture = work->picture;
+  FrameInput& input = work->input;
+  input.frame = work->files.frame;
+  input.values = ValuesOf(work->files.frame, picture);
+  CheckGrid(input.values, picture.width, picture.height);
+  input.pixelAspect =
+      settings_.pixelAspect.first == 0 ? picture.pixelAspect : settings_.pixelAspect;
+  input.spread = SpreadOf(work);
+  const double emphasis = std::get<double>(input.values.at("PRM_Emphasis"));
+  // The inverse curve turns what rounding leaves of a black area into light: half a 16-bit step
+  // at an emphasis of 80, a hundred at 100.
+  constexpr double kQuiet = 75.0;
+  if (emphasis > kQuiet && !warnedOfNoise_) {
+    warnedOfNoise_ = true;
+    work->report.remarks.push_back("an emphasis of " + Shortest(emphasis) +
+                                   " shows rounding noise in dark areas; up to 75 none can be "
+                                   "seen");
+  }
+  work->alphaBefore = picture.alpha;
+  if (settings_.premultiplied) {
+    Premultiply(&picture);
+  }
+  input.source = quantel::cPtr<FrameImage>(new FrameImage(picture));
+}
+
+void ShotRender::Write(Work* work) const {
+  CheckRendered(work->input, work->result.Object());
+  Picture& picture = work->picture;
+  work->result->CopyTo(&picture);
+  if (settings_.premultiplied) {
+    SettleAlpha(*work->output, work->alphaBefore, &picture);
+  }
+  work->output->Write(picture, settings_.bits == 0 ? picture.bits : settings_.bits);
+}
+
+std::map<std::string, Value> ShotRender::ValuesOf(int frame, const Picture& picture) {
+  const std::pair<int, int> size{picture.width, picture.height};
+  if (!values_ || valuesSize_ != size) {
+    values_ = std::make_unique<ShotValues>(page_, settings_.values, picture.width, picture.height,
+                                           ShotSpan{plan_.lowest, plan_.highest});
+    valuesSize_ = size;
+  }
+  return values_->At(frame);
+}
+
+quantel::cPtr<FrameImage> ShotRender::SpreadOf(Work* work) {
+  const fs::path& file = work->files.spread;
+  const std::pair<int, int> size{work->picture.width, work->picture.height};
+  if (!spread_ || file != spreadFile_ || size != spreadSize_) {
+    spread_ = OpenSpread(file.string(), size.first, size.second, settings_.premultiplied,
+                         &work->report.remarks);
+    spreadFile_ = file;
+    spreadSize_ = size;
+  }
+  return spread_;
+}
+
+}  // namespace glimmerhost

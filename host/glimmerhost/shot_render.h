@@ -1,0 +1,83 @@
+// A shot through the effect: frames are read, rendered and written side by side.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/glimmerhost/effect_module.h"
+#include "host/glimmerhost/frame_renderer.h"
+#include "host/glimmerhost/page.h"
+#include "host/glimmerhost/render_settings.h"
+#include "host/glimmerhost/shot_report.h"
+#include "host/glimmerhost/shot_values.h"
+#include "host/pictures/picture.h"
+#include "host/pictures/picture_file.h"
+#include "host/shots/shot_plan.h"
+
+namespace glimmerhost {
+
+struct ShotSettings {
+  TypedValues values;
+  bool premultiplied = true;
+  int bits = 0;                       // 0 for the input's
+  quantel::cSize2 pixelAspect{0, 0};  // 0:0 for the file's
+  bool overwrite = false;
+  bool skipExisting = false;
+  bool keepGoing = false;
+  bool carryPsf = false;
+};
+
+class ShotRender {
+ public:
+  // All must outlive this.
+  ShotRender(const Page& page, const ShotSettings& settings, const ShotPlan& plan,
+             const EffectModule& module)
+      : page_(page), settings_(settings), plan_(plan), renderer_(module, settings.carryPsf) {}
+
+  // Renders the plan's frames in their order, on this thread and two of its own. A frame that
+  // fails has no output; without keepGoing it is the last. Throws UsageError where the command
+  // is wrong for all of them.
+  void Run(ShotReport* report);
+
+ private:
+  // One frame on its way.
+  struct Work {
+    FrameFiles files;
+    FrameReport report;
+    std::unique_ptr<PictureOutput> output;
+    Picture picture;
+    Alpha alphaBefore = Alpha::kNone;
+    FrameInput input;
+    quantel::cPtr<FrameImage> result;
+  };
+
+  void ReadAll();
+  void RenderAll();
+  void WriteAll(ShotReport* report);
+
+  void Load(Work* work);
+  void Write(Work* work) const;
+  std::map<std::string, Value> ValuesOf(int frame, const Picture& picture);
+  quantel::cPtr<FrameImage> SpreadOf(Work* work);
+
+  const Page& page_;
+  const ShotSettings& settings_;
+  const ShotPlan& plan_;
+  FrameRenderer renderer_;
+
+  struct Queues;
+  Queues* queues_ = nullptr;
+
+  // The reader's own: values for pictures of one size, and a still for all frames.
+  std::unique_ptr<ShotValues> values_;
+  std::pair<int, int> valuesSize_;
+  std::filesystem::path spreadFile_;
+  std::pair<int, int> spreadSize_;
+  quantel::cPtr<FrameImage> spread_;
+  bool warnedOfNoise_ = false;
+};
+
+}  // namespace glimmerhost

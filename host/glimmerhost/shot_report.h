@@ -1,0 +1,66 @@
+// ShotReport: what a person, or a machine, is told while a shot is rendered. All on stderr.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace glimmerhost {
+
+enum class FrameState { kDone, kSkipped, kFailed, kMissing };
+
+struct FrameReport {
+  int frame = 0;
+  FrameState state = FrameState::kDone;
+  std::string output;                // its file's name
+  std::string fault;                 // why it failed
+  std::vector<std::string> remarks;  // what was cut or left out
+  double seconds = 0.0;              // of the effect's own work
+};
+
+class ShotReport {
+ public:
+  enum class Form {
+    kQuiet,  // faults and remarks alone
+    kBar,    // one line on a terminal, with the rate and the time that is left
+    kLines,  // a line a frame
+    kJson,   // an object a line, for machines
+  };
+
+  // "auto": a bar where there is a terminal, lines elsewhere. Throws UsageError.
+  static Form ParseForm(const std::string& text, bool quiet);
+
+  //   count   of the frames to come
+  //   isShot  false for one picture, which is not called a frame
+  ShotReport(Form form, std::size_t count, bool isShot);
+
+  // Takes an unfinished bar away.
+  ~ShotReport();
+  ShotReport(const ShotReport&) = delete;
+  ShotReport& operator=(const ShotReport&) = delete;
+
+  void Add(const FrameReport& report);
+
+  // A line of its own, of no frame.
+  void Remark(const std::string& line);
+
+  // The last line: what became of all frames.
+  void Finish();
+
+  std::size_t Count(FrameState state) const { return frames_[static_cast<int>(state)].size(); }
+
+ private:
+  void Line(const std::string& line);
+  void ShowBar();
+  double Elapsed() const;
+
+  Form form_;
+  std::size_t count_;
+  bool isShot_;
+  std::vector<int> frames_[4];  // by state
+  bool barShown_ = false;
+  std::chrono::steady_clock::time_point start_;
+};
+
+}  // namespace glimmerhost

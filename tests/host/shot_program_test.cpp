@@ -1,0 +1,214 @@
+// Shots as a person renders them.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "tests/host/program.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using glimmerhost::Alpha;
+using glimmerhost::Picture;
+using host_test::Outcome;
+using host_test::RunProgram;
+
+std::string Bytes(const fs::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+class ShotProgram : public host_test::Program {
+ public:
+  // Frames that differ, 7 by default.
+  void WriteShot(int first, int last) {
+    for (int frame = first; frame <= last; ++frame) {
+      Picture picture;
+      picture.width = 60;
+      picture.height = 40;
+      picture.samples.assign(picture.PixelCount() * 4, 0);
+      for (std::size_t i = 0; i < picture.samples.size(); ++i) {
+        picture.samples[i] = i % 4 == 3 ? std::uint16_t{65535}
+                                        : static_cast<std::uint16_t>(i * 7919U * (frame % 13 + 1U));
+      }
+      glimmerhost::PictureOutput output(folder / InputName(frame), true);
+      output.Write(picture, 16);
+    }
+  }
+
+  static std::string InputName(int frame) { return "in." + std::to_string(frame) + ".png"; }
+
+  std::string Shot(const std::string& output, const std::string& options) {
+    return Render(folder / "in.@.png", output, options);
+  }
+};
+
+constexpr const char* kAnimated =
+    "--shape polygon --radius '0=2px; -1=12px' --emphasis '0=1; 3~=60; -1=20' --rotation "
+    "'0=0; -1=90' ";
+
+TEST_F(ShotProgram, RendersEveryFrameOfTheFolder) {
+  WriteShot(8, 11);
+  const Outcome outcome = RunProgram(Shot("out.####.png", "--radius 4px"));
+
+  EXPECT_EQ(0, outcome.code) << outcome.text;
+  for (const char* name : {"out.0008.png", "out.0009.png", "out.0010.png", "out.0011.png"}) {
+    EXPECT_TRUE(fs::exists(folder / name)) << name;
+  }
+  EXPECT_EQ(8, folder.FileCount());
+  EXPECT_NE(std::string::npos, outcome.text.find("frame 9 (2 of 4): ")) << outcome.text;
+}
+
+// Nothing of a frame may come from those that the process rendered before it.
+TEST_F(ShotProgram, GivesTheSameBytesHoweverTheWorkIsCut) {
+  WriteShot(1, 7);
+  const std::string options = kAnimated;
+  ASSERT_EQ(0, RunProgram(Shot("whole.@.png", options + "--frames 1-7")).code);
+  ASSERT_EQ(0, RunProgram(Shot("back.@.png", options + "--frames 7-1")).code);
+  for (const int parts : {2, 7}) {
+    for (int k = 1; k <= parts; ++k) {
+      ASSERT_EQ(0, RunProgram(Shot("parts" + std::to_string(parts) + ".@.png",
+                                   options + "--frames 1-7 --chunk " + std::to_string(k) + "/" +
+                                       std::to_string(parts)))
+                       .code);
+    }
+  }
+  for (int frame = 1; frame <= 7; ++frame) {
+    const std::string end = "." + std::to_string(frame) + ".png";
+    const std::string whole = Bytes(folder / ("whole" + end));
+    EXPECT_EQ(whole, Bytes(folder / ("back" + end))) << frame;
+    EXPECT_EQ(whole, Bytes(folder / ("parts2" + end))) << frame;
+    EXPECT_EQ(whole, Bytes(folder / ("parts7" + end))) << frame;
+  }
+  EXPECT_NE(Bytes(folder / "whole.1.png"), Bytes(folder / "whole.7.png"));
+}
+
+// Radii so near to each other that one instance would keep its aperture for all.
+TEST_F(ShotProgram, BuildsEveryFramesOwnApertureUnlessToldToCarryIt) {
+  WriteShot(1, 4);
+  const std::string options = "--radius '0=0.2; -1=0.200002' ";
+  ASSERT_EQ(0, RunProgram(Shot("fresh.@.png", options)).code);
+  ASSERT_EQ(0, RunProgram(Shot("alone.@.png", options + "--frames 1-4 --chunk 4/4")).code);
+  EXPECT_EQ(Bytes(folder / "fresh.4.png"), Bytes(folder / "alone.4.png"));
+  EXPECT_EQ(0, RunProgram(Shot("kept.@.png", options + "--carry-psf")).code);
+}
+
+TEST_F(ShotProgram, StopsAtAFrameThatIsMissingWithACodeOfItsOwn) {
+  WriteShot(1, 2);
+  WriteShot(4, 5);
+  const Outcome outcome = RunProgram(Shot("out.@.png", "--radius 3px --frames 1-5"));
+
+  EXPECT_EQ(3, outcome.code);
+  EXPECT_NE(std::string::npos, outcome.text.find("glimmerhost: frame 3: ")) << outcome.text;
+  EXPECT_NE(std::string::npos,
+            outcome.text.find("1 of 5 frames failed (3), 2 are there; --skip-existing"))
+      << outcome.text;
+  EXPECT_FALSE(fs::exists(folder / "out.4.png"));
+}
+
+TEST_F(ShotProgram, GoesOnBehindAFailureIfToldAndFailsAllTheSame) {
+  WriteShot(1, 5);
+  std::ofstream(folder / "in.2.png") << "no picture";
+  const Outcome outcome = RunProgram(Shot("out.@.png", "--radius 3px --keep-going --frames 1-6"));
+
+  EXPECT_EQ(1, outcome.code);
+  EXPECT_NE(std::string::npos, outcome.text.find("2 of 6 frames failed (2,6), 4 are there\n"))
+      << outcome.text;
+  EXPECT_TRUE(fs::exists(folder / "out.5.png"));
+  EXPECT_FALSE(fs::exists(folder / "out.2.png"));
+}
+
+TEST_F(ShotProgram, ResumesWhereItEnded) {
+  WriteShot(1, 4);
+  ASSERT_EQ(0, RunProgram(Shot("out.@.png", "--radius 3px --frames 2-3")).code);
+  const auto before = fs::last_write_time(folder / "out.2.png");
+
+  EXPECT_EQ(1, RunProgram(Shot("out.@.png", "--radius 3px --frames 2-3")).code);
+  const Outcome outcome = RunProgram(Shot("out.@.png", "--radius 3px --skip-existing"));
+
+  EXPECT_EQ(0, outcome.code) << outcome.text;
+  EXPECT_EQ(before, fs::last_write_time(folder / "out.2.png"));
+  EXPECT_TRUE(fs::exists(folder / "out.4.png"));
+}
+
+TEST_F(ShotProgram, KeepsAFrameAwayThatCameBackAsItWas) {
+  WriteShot(1, 2);
+  const std::string copying = "--module '" COPYING_MODULE "' ";
+  const Outcome outcome = RunProgram(Shot("out.@.png", copying + "--radius 3px"));
+
+  EXPECT_EQ(1, outcome.code);
+  EXPECT_NE(std::string::npos, outcome.text.find("frame 1: the effect gave the frame back"))
+      << outcome.text;
+  EXPECT_EQ(2, folder.FileCount());
+}
+
+TEST_F(ShotProgram, LetsAFramePassThatMayComeBackAsItWas) {
+  WriteShot(1, 1);
+  const std::string copying = "--module '" COPYING_MODULE "' ";
+  // An aperture of a pixel, and a flat frame.
+  EXPECT_EQ(0, RunProgram(Shot("out.@.png", copying + "--radius 0.5px")).code);
+  const fs::path flat = WriteInput("flat.png", 30, 20, Alpha::kNone, true);
+  EXPECT_EQ(0, RunProgram(Render(flat, "flat_out.png", copying + "--radius 5px")).code);
+  EXPECT_EQ(0, RunProgram(Render(flat, "real_out.png", "--radius 5px")).code);
+}
+
+TEST_F(ShotProgram, TakesASequenceOrAStillForTheAperture) {
+  WriteShot(1, 2);
+  const std::string shape = "--shape image --radius-psf1 6px --radius-psf2 8px --spread '";
+  EXPECT_EQ(0, RunProgram(Shot("a.@.png", shape + (folder / "in.@.png").string() + "'")).code);
+  EXPECT_EQ(0, RunProgram(Shot("b.@.png", shape + (folder / "in.1.png").string() + "'")).code);
+  EXPECT_EQ(Bytes(folder / "a.1.png"), Bytes(folder / "b.1.png"));
+  EXPECT_NE(Bytes(folder / "a.2.png"), Bytes(folder / "b.2.png"));
+}
+
+TEST_F(ShotProgram, ExplainsWithoutRendering) {
+  WriteShot(1, 3);
+  const Outcome outcome = RunProgram(Shot("out.@.png", "--radius '0=2px; -1=12px' --explain"));
+
+  EXPECT_EQ(0, outcome.code) << outcome.text;
+  // 60 and twice 3 is above 64 already; twice 13 is 86.
+  EXPECT_NE(std::string::npos, outcome.text.find("Frames              1-3, 3 of 60 x 40\n"))
+      << outcome.text;
+  EXPECT_NE(std::string::npos, outcome.text.find("Grid                128 x 128\n"));
+  EXPECT_NE(std::string::npos, outcome.text.find("built 3 times for 3 frames"));
+  EXPECT_NE(std::string::npos, outcome.text.find("above a radius of 33 pixels a grid of 256"));
+  EXPECT_EQ(3, folder.FileCount());
+}
+
+TEST_F(ShotProgram, ListsWhatItWouldReadAndWrite) {
+  WriteShot(1, 1);
+  const Outcome outcome = RunProgram(Shot("out.####.png", "--frames 1-2 --dry-run"));
+
+  EXPECT_EQ(0, outcome.code);
+  EXPECT_NE(std::string::npos, outcome.text.find("in.2.png (missing)  ->  "));
+  EXPECT_NE(std::string::npos, outcome.text.find("out.0002.png\n"));
+  EXPECT_EQ(1, folder.FileCount());
+}
+
+TEST_F(ShotProgram, ReportsToMachinesInJson) {
+  WriteShot(1, 2);
+  const Outcome outcome =
+      RunProgram(Shot("out.@.png", "--radius 2px --frames 1-3 --progress json"));
+
+  EXPECT_EQ(3, outcome.code);
+  EXPECT_NE(std::string::npos, outcome.text.find(R"({"frame":1,"state":"done",)"));
+  EXPECT_NE(std::string::npos, outcome.text.find(R"("index":2,"count":3,)"));
+  EXPECT_NE(std::string::npos,
+            outcome.text.find(R"({"done":2,"skipped":0,"failed":0,"missing":1,)"));
+}
+
+TEST_F(ShotProgram, RefusesWhatDoesNotGoTogether) {
+  WriteShot(1, 2);
+  ExpectRefusal(Shot("out.png", ""), 2, "allowed for 2 frames is a name with a place");
+  ExpectRefusal(Shot("out.@.png", "--frames 1-"), 2, "--frames 1-: allowed is");
+  ExpectRefusal(Shot("out.@.png", "--chunk 3/2"), 2, "--chunk 3/2: allowed is");
+  ExpectRefusal(Shot("out.@.png", "--emphasis '0=900'"), 2, "--emphasis 900: allowed is");
+  ExpectRefusal(Shot("out.@.png", "--progress loud"), 2, "--progress loud: allowed is");
+  ExpectRefusal(Render(folder / "none.@.png", "out.@.png"), 1, "there are no such files");
+}
+
+}  // namespace
