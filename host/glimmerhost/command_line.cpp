@@ -28,7 +28,7 @@ constexpr const char* kDescription =
     "  glimmerhost page night.png -o page.png --shape image\n"
     "  glimmerhost session handles.session\n"
     "  glimmerhost wisdom --measure\n\n"
-    "Exit codes: 0 done, 1 the work failed, 2 wrong usage.";
+    "Exit codes: 0 done, 1 the work failed, 2 wrong usage, 3 an input is missing.";
 
 constexpr const char* kVersion = "glimmerhost, reference host of GlimmerBlur 5.13";
 
