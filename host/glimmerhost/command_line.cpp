@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "host/glimmerhost/check_command.h"
 #include "host/glimmerhost/info_command.h"
 #include "host/glimmerhost/page_command.h"
 #include "host/glimmerhost/psf_command.h"
@@ -30,7 +31,7 @@ constexpr const char* kDescription =
     "  glimmerhost wisdom --measure\n\n"
     "Exit codes: 0 done, 1 the work failed, 2 wrong usage, 3 an input is missing.";
 
-constexpr const char* kVersion = "glimmerhost, reference host of GlimmerBlur 5.13";
+constexpr const char* kVersion = "glimmerhost, reference host of GlimmerBlur " GLIMMERHOST_VERSION;
 
 int Complain(const std::string& what, int code) {
   std::string line = what;
@@ -166,6 +167,9 @@ CLI::App* AddRender(CLI::App* app, RenderOptions* options) {
                      "8 or 16 (default: the input's; 16 for floating point)");
   AddPixelAspect(render, options, "the file's");
   AddThreads(render, options);
+  render->add_option("--manifest", options->manifest,
+                     "A file that receives a line of JSON a frame: hashes of input and output, "
+                     "values, versions, seconds");
   render->add_option("--progress", options->progress,
                      "auto (default: bar on a terminal, lines elsewhere), bar, lines or json");
   AddRunning(render, options);
@@ -239,6 +243,16 @@ CLI::App* AddWisdom(CLI::App* app, WisdomOptions* options) {
   return wisdom;
 }
 
+CLI::App* AddCheck(CLI::App* app, CheckOptions* options) {
+  CLI::App* check = app->add_subcommand(
+      "check", "Say whether the outputs of a manifest are all there, and what was written");
+  check->add_option("MANIFEST", options->manifests, "Files that render --manifest has written")
+      ->required();
+  check->add_option("--frames", options->frames,
+                    "Frames that must be in them (default: those that are)");
+  return check;
+}
+
 int Run(const std::vector<std::string>& arguments) {
   CLI::App app(kDescription, "glimmerhost");
   app.require_subcommand(1);
@@ -255,6 +269,8 @@ int Run(const std::vector<std::string>& arguments) {
   const CLI::App* sessionCommand = AddSession(&app, &session);
   WisdomOptions wisdom;
   const CLI::App* wisdomCommand = AddWisdom(&app, &wisdom);
+  CheckOptions check;
+  const CLI::App* checkCommand = AddCheck(&app, &check);
   std::string infoModule;
   CLI::App* info =
       app.add_subcommand("info", "Print the module's classes and the parameters of its page");
@@ -277,6 +293,8 @@ int Run(const std::vector<std::string>& arguments) {
     RunPage(page);
   } else if (sessionCommand->parsed()) {
     RunSession(session, std::cout);
+  } else if (checkCommand->parsed()) {
+    return RunCheck(check, std::cout);
   } else if (wisdomCommand->parsed()) {
     RunWisdom(wisdom, std::cout);
   }

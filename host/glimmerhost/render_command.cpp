@@ -1,5 +1,8 @@
 #include "host/glimmerhost/render_command.h"
 
+#include <filesystem>
+#include <optional>
+
 #include "host/glimmerhost/effect_module.h"
 #include "host/glimmerhost/explain.h"
 #include "host/glimmerhost/measures.h"
@@ -7,6 +10,8 @@
 #include "host/glimmerhost/processors.h"
 #include "host/glimmerhost/shot_render.h"
 #include "host/glimmerhost/shot_report.h"
+#include "host/shots/file_hash.h"
+#include "host/shots/manifest.h"
 #include "host/shots/shot_plan.h"
 #include "host/support/failure.h"
 
@@ -48,7 +53,7 @@ ShotSettings ParseSettings(const RenderOptions& options) {
 }  // namespace
 
 int RunRender(const RenderOptions& options, std::ostream& out) {
-  const ShotSettings settings = ParseSettings(options);
+  ShotSettings settings = ParseSettings(options);
   const ShotReport::Form form = ShotReport::ParseForm(options.progress, options.quiet);
   const ShotPlan plan =
       PlanShot({options.input, options.output, options.spread, options.frames, options.chunk});
@@ -64,8 +69,14 @@ int RunRender(const RenderOptions& options, std::ostream& out) {
   }
   ShotReport report(form, plan.files.size(), plan.isShot);
   {
-    const EffectModule module(ModuleFileOf(options.module));
-    ShotRender(page, settings, plan, module).Run(&report);
+    const std::filesystem::path file = ModuleFileOf(options.module);
+    const EffectModule module(file);
+    std::optional<Manifest> manifest;
+    if (!options.manifest.empty()) {
+      settings.versions = {{"glimmerhost", GLIMMERHOST_VERSION}, {"module", FileHash(file)}};
+      manifest.emplace(options.manifest, options.skipExisting, options.overwrite);
+    }
+    ShotRender(page, settings, plan, module, manifest ? &*manifest : nullptr).Run(&report);
   }
   report.Finish();
   return report.Count(FrameState::kFailed) > 0    ? kExitFailed

@@ -21,6 +21,7 @@ struct RenderOptions : RunOptions {
   bool explain = false;
   bool dryRun = false;
   std::string progress = "auto";
+  std::string manifest;  // a file; empty for none
 };
 
 // Renders, or only tells what would be done. Returns the program's exit code. Throws Failure or

@@ -12,6 +12,7 @@
 #include "host/glimmerhost/frame_checks.h"
 #include "host/glimmerhost/frame_render.h"
 #include "host/glimmerhost/text.h"
+#include "host/shots/file_hash.h"
 #include "host/support/bounded_queue.h"
 #include "host/support/failure.h"
 
@@ -125,6 +126,9 @@ void ShotRender::Load(Work* work) {
     return;
   }
   work->output = std::make_unique<PictureOutput>(work->files.output, settings_.overwrite);
+  if (manifest_ != nullptr) {
+    work->inputHash = FileHash(work->files.input);
+  }
   work->picture = ReadNoting(work->files.input, &work->report.remarks);
   Picture& picture = work->picture;
   FrameInput& input = work->input;
@@ -159,6 +163,24 @@ void ShotRender::Write(Work* work) const {
     SettleAlpha(*work->output, work->alphaBefore, &picture);
   }
   work->output->Write(picture, settings_.bits == 0 ? picture.bits : settings_.bits);
+  if (manifest_ != nullptr) {
+    Note(*work);
+  }
+}
+
+void ShotRender::Note(const Work& work) const {
+  ManifestEntry entry;
+  entry.frame = work.files.frame;
+  entry.input = work.files.input.string();
+  entry.inputHash = work.inputHash;
+  entry.output = work.files.output.string();
+  entry.outputHash = FileHash(work.files.output);
+  for (const auto& [key, value] : work.input.values) {
+    entry.parameters[key] = page_.Find(key).Show(value);
+  }
+  entry.versions = settings_.versions;
+  entry.seconds = work.report.seconds;
+  manifest_->Add(entry);
 }
 
 std::map<std::string, Value> ShotRender::ValuesOf(int frame, const Picture& picture) {

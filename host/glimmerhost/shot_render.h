@@ -15,6 +15,7 @@
 #include "host/glimmerhost/shot_values.h"
 #include "host/pictures/picture.h"
 #include "host/pictures/picture_file.h"
+#include "host/shots/manifest.h"
 #include "host/shots/shot_plan.h"
 
 namespace glimmerhost {
@@ -28,14 +29,20 @@ struct ShotSettings {
   bool skipExisting = false;
   bool keepGoing = false;
   bool carryPsf = false;
+  std::map<std::string, std::string> versions;  // for the manifest
 };
 
 class ShotRender {
  public:
   // All must outlive this.
+  //   manifest  null where none is asked for
   ShotRender(const Page& page, const ShotSettings& settings, const ShotPlan& plan,
-             const EffectModule& module)
-      : page_(page), settings_(settings), plan_(plan), renderer_(module, settings.carryPsf) {}
+             const EffectModule& module, Manifest* manifest)
+      : page_(page),
+        settings_(settings),
+        plan_(plan),
+        renderer_(module, settings.carryPsf),
+        manifest_(manifest) {}
 
   // Renders the plan's frames in their order, on this thread and two of its own. A frame that
   // fails has no output; without keepGoing it is the last. Throws UsageError where the command
@@ -52,6 +59,7 @@ class ShotRender {
     Alpha alphaBefore = Alpha::kNone;
     FrameInput input;
     quantel::cPtr<FrameImage> result;
+    std::string inputHash;  // empty where no manifest is asked for
   };
 
   void ReadAll();
@@ -60,6 +68,7 @@ class ShotRender {
 
   void Load(Work* work);
   void Write(Work* work) const;
+  void Note(const Work& work) const;
   std::map<std::string, Value> ValuesOf(int frame, const Picture& picture);
   quantel::cPtr<FrameImage> SpreadOf(Work* work);
 
@@ -67,6 +76,7 @@ class ShotRender {
   const ShotSettings& settings_;
   const ShotPlan& plan_;
   FrameRenderer renderer_;
+  Manifest* manifest_;
 
   struct Queues;
   Queues* queues_ = nullptr;

@@ -201,6 +201,24 @@ TEST_F(ShotProgram, ReportsToMachinesInJson) {
             outcome.text.find(R"({"done":2,"skipped":0,"failed":0,"missing":1,)"));
 }
 
+TEST_F(ShotProgram, WritesAManifestThatCanBeChecked) {
+  WriteShot(1, 3);
+  const std::string manifest = "--manifest '" + (folder / "m.jsonl").string() + "' ";
+  ASSERT_EQ(0, RunProgram(Shot("out.@.png", manifest + "--radius 2px --frames 1-2")).code);
+  const std::string check = "check '" + (folder / "m.jsonl").string() + "' --frames 1-3";
+  Outcome outcome = RunProgram(check);
+  EXPECT_EQ(1, outcome.code);
+  EXPECT_EQ("glimmerhost: no line for frames 3\n", outcome.text);
+
+  ASSERT_EQ(0, RunProgram(Shot("out.@.png", manifest + "--radius 2px --skip-existing")).code);
+  outcome = RunProgram(check);
+  EXPECT_EQ(0, outcome.code);
+  EXPECT_EQ("3 frames are as they were written\n", outcome.text);
+
+  fs::resize_file(folder / "out.2.png", 100);
+  EXPECT_EQ(1, RunProgram(check).code);
+}
+
 TEST_F(ShotProgram, RefusesWhatDoesNotGoTogether) {
   WriteShot(1, 2);
   ExpectRefusal(Shot("out.png", ""), 2, "allowed for 2 frames is a name with a place");

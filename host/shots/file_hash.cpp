@@ -1,0 +1,44 @@
+#include "host/shots/file_hash.h"
+
+#define XXH_INLINE_ALL
+#include <xxhash.h>
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <system_error>
+#include <vector>
+
+#include "host/support/failure.h"
+
+namespace glimmerhost {
+
+std::string FileHash(const std::filesystem::path& file) {
+  std::error_code error;
+  if (!std::filesystem::exists(file, error)) {
+    throw MissingInput(file.string() + ": there is no such file");
+  }
+  std::ifstream in(file, std::ios::binary);
+  const std::unique_ptr<XXH3_state_t, decltype(&XXH3_freeState)> state(XXH3_createState(),
+                                                                       XXH3_freeState);
+  XXH3_128bits_reset(state.get());
+  std::vector<char> block(1 << 20);
+  while (in.read(block.data(), static_cast<std::streamsize>(block.size())) || in.gcount() > 0) {
+    XXH3_128bits_update(state.get(), block.data(), static_cast<std::size_t>(in.gcount()));
+  }
+  if (!in.eof()) {
+    throw Failure(file.string() + ": it cannot be read");
+  }
+  XXH128_canonical_t bytes;
+  XXH128_canonicalFromHash(&bytes, XXH3_128bits_digest(state.get()));
+  std::string text = "xxh128:";
+  for (const unsigned char byte : bytes.digest) {
+    std::array<char, 3> digits{};
+    std::snprintf(digits.data(), digits.size(), "%02x", byte);
+    text += digits.data();
+  }
+  return text;
+}
+
+}  // namespace glimmerhost

@@ -1,0 +1,110 @@
+#include "host/shots/manifest.h"
+
+#include <exception>
+#include <nlohmann/json.hpp>
+#include <system_error>
+#include <utility>
+
+#include "host/shots/file_hash.h"
+#include "host/shots/frame_list.h"
+#include "host/support/failure.h"
+
+namespace glimmerhost {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json ToJson(const ManifestEntry& entry) {
+  return {{"frame", entry.frame},
+          {"input", entry.input},
+          {"input_hash", entry.inputHash},
+          {"output", entry.output},
+          {"output_hash", entry.outputHash},
+          {"parameters", entry.parameters},
+          {"versions", entry.versions},
+          {"seconds", entry.seconds},
+          {"clipped_samples", entry.clippedSamples}};
+}
+
+ManifestEntry FromJson(const Json& json) {
+  ManifestEntry entry;
+  json.at("frame").get_to(entry.frame);
+  json.at("input").get_to(entry.input);
+  json.at("input_hash").get_to(entry.inputHash);
+  json.at("output").get_to(entry.output);
+  json.at("output_hash").get_to(entry.outputHash);
+  json.at("parameters").get_to(entry.parameters);
+  json.at("versions").get_to(entry.versions);
+  json.at("seconds").get_to(entry.seconds);
+  json.at("clipped_samples").get_to(entry.clippedSamples);
+  return entry;
+}
+
+}  // namespace
+
+Manifest::Manifest(std::filesystem::path file, bool goOn, bool replace) : file_(std::move(file)) {
+  std::error_code error;
+  if (!goOn && !replace && std::filesystem::exists(file_, error)) {
+    throw Failure(file_.string() +
+                  ": it exists already; --skip-existing goes on with it, --overwrite replaces it");
+  }
+  out_.open(file_, std::ios::binary | (goOn ? std::ios::app : std::ios::trunc));
+  if (!out_) {
+    throw Failure(file_.string() + ": it cannot be written");
+  }
+}
+
+// A line at once, for readers that follow the file.
+void Manifest::Add(const ManifestEntry& entry) {
+  out_ << ToJson(entry).dump(-1, ' ', false, Json::error_handler_t::replace) + "\n" << std::flush;
+  if (!out_) {
+    throw Failure(file_.string() + ": it cannot be written");
+  }
+}
+
+std::map<int, ManifestEntry> ReadManifest(const std::filesystem::path& file) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(file, error)) {
+    throw MissingInput(file.string() + ": there is no such file");
+  }
+  std::ifstream in(file, std::ios::binary);
+  std::map<int, ManifestEntry> entries;
+  int number = 0;
+  for (std::string line; std::getline(in, line);) {
+    ++number;
+    try {
+      ManifestEntry entry = FromJson(Json::parse(line));
+      entries[entry.frame] = std::move(entry);
+    } catch (const Json::exception&) {
+      throw Failure(file.string() + ":" + std::to_string(number) + ": it is no line of a manifest");
+    }
+  }
+  return entries;
+}
+
+std::vector<std::string> CheckManifest(const std::map<int, ManifestEntry>& entries,
+                                       const std::vector<int>& frames) {
+  std::vector<std::string> faults;
+  std::vector<int> lacking;
+  for (const int frame : frames) {
+    if (!entries.contains(frame)) {
+      lacking.push_back(frame);
+    }
+  }
+  if (!lacking.empty()) {
+    faults.push_back("no line for frames " + ShowFrames(lacking));
+  }
+  for (const auto& [frame, entry] : entries) {
+    try {
+      if (FileHash(entry.output) != entry.outputHash) {
+        faults.push_back("frame " + std::to_string(frame) + ": " + entry.output +
+                         ": it is not what was written");
+      }
+    } catch (const Failure& fault) {
+      faults.push_back("frame " + std::to_string(frame) + ": " + fault.what());
+    }
+  }
+  return faults;
+}
+
+}  // namespace glimmerhost

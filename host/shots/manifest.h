@@ -1,0 +1,49 @@
+// A manifest: for each frame of a shot a line of JSON that says what went in and what came out.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace glimmerhost {
+
+struct ManifestEntry {
+  int frame = 0;
+  std::string input;
+  std::string inputHash;
+  std::string output;
+  std::string outputHash;
+  std::map<std::string, std::string> parameters;  // the store's keys, values as a person types them
+  std::map<std::string, std::string> versions;    // of the program and the module
+  double seconds = 0.0;                           // of the effect's own work
+  std::uint64_t clippedSamples = 0;
+};
+
+// Written line by line, so that what a run has done stays known however it ends.
+class Manifest {
+ public:
+  //   goOn  whether lines of an earlier run are kept, and new ones follow
+  // Throws Failure, which names the file, if it is there already and lines are not to be kept nor
+  // the file to be replaced, or if it cannot be written.
+  Manifest(std::filesystem::path file, bool goOn, bool replace);
+
+  void Add(const ManifestEntry& entry);
+
+ private:
+  std::filesystem::path file_;
+  std::ofstream out_;
+};
+
+// The entries of a file; of a frame that is there twice, the last one counts. Throws Failure, which
+// names the file and the line, for what is no manifest; MissingInput if it is not there.
+std::map<int, ManifestEntry> ReadManifest(const std::filesystem::path& file);
+
+// What is wrong with a manifest, a line each: frames of the list that it lacks, and outputs that
+// are not there or not what was written. Empty if it is whole.
+std::vector<std::string> CheckManifest(const std::map<int, ManifestEntry>& entries,
+                                       const std::vector<int>& frames);
+
+}  // namespace glimmerhost

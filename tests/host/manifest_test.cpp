@@ -1,0 +1,95 @@
+#include "host/shots/manifest.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "host/shots/file_hash.h"
+#include "host/support/failure.h"
+#include "tests/support/scratch_folder.h"
+
+namespace {
+
+using glimmerhost::FileHash;
+using glimmerhost::Manifest;
+using glimmerhost::ManifestEntry;
+using Lines = std::vector<std::string>;
+
+class Manifests : public testing::Test {
+ public:
+  // An entry of a frame whose output is there.
+  ManifestEntry Entry(int frame) {
+    ManifestEntry entry;
+    entry.frame = frame;
+    entry.output = (folder / ("out" + std::to_string(frame))).string();
+    std::ofstream(entry.output) << "picture " << frame;
+    entry.outputHash = FileHash(entry.output);
+    entry.parameters = {{"PRM_Sides", "6"}};
+    return entry;
+  }
+
+  lx_test::ScratchFolder folder;
+  const std::filesystem::path file = folder / "shot.jsonl";
+};
+
+// The published value of no bytes at all.
+TEST_F(Manifests, HashFilesAsXxh128) {
+  std::ofstream(folder / "empty");
+  EXPECT_EQ("xxh128:99aa06d3014798d86001c324468d497f", FileHash(folder / "empty"));
+  EXPECT_THROW((void)FileHash(folder / "none"), glimmerhost::MissingInput);
+}
+
+TEST_F(Manifests, ComeBackAsTheyWereWritten) {
+  {
+    Manifest manifest(file, false, false);
+    manifest.Add(Entry(1001));
+    manifest.Add(Entry(-5));
+  }
+  const auto entries = glimmerhost::ReadManifest(file);
+  ASSERT_EQ(2U, entries.size());
+  EXPECT_EQ("6", entries.at(1001).parameters.at("PRM_Sides"));
+  EXPECT_EQ(Lines{}, CheckManifest(entries, {1001, -5}));
+}
+
+TEST_F(Manifests, GoOnWithAnEarlierRunsLinesIfTold) {
+  Manifest(file, false, false).Add(Entry(1));
+  EXPECT_THROW(Manifest(file, false, false), glimmerhost::Failure);
+  Manifest(file, true, false).Add(Entry(2));
+  EXPECT_EQ(2U, glimmerhost::ReadManifest(file).size());
+  Manifest(file, false, true).Add(Entry(3));
+  EXPECT_EQ(1U, glimmerhost::ReadManifest(file).size());
+}
+
+TEST_F(Manifests, TellWhatIsMissingAndWhatHasChanged) {
+  {
+    Manifest manifest(file, false, false);
+    for (const int frame : {1, 2, 3}) {
+      manifest.Add(Entry(frame));
+    }
+  }
+  std::ofstream(folder / "out2") << "another";
+  std::filesystem::remove(folder / "out3");
+
+  const Lines faults = CheckManifest(glimmerhost::ReadManifest(file), {1, 2, 3, 4, 5});
+
+  const std::string two = (folder / "out2").string();
+  const std::string three = (folder / "out3").string();
+  EXPECT_EQ((Lines{"no line for frames 4-5", "frame 2: " + two + ": it is not what was written",
+                   "frame 3: " + three + ": there is no such file"}),
+            faults);
+}
+
+TEST_F(Manifests, AreRefusedWithTheLineThatIsNone) {
+  Manifest(file, false, false).Add(Entry(1));
+  std::ofstream(file, std::ios::app) << "{\"frame\":2}\n";
+  try {
+    glimmerhost::ReadManifest(file);
+    FAIL();
+  } catch (const glimmerhost::Failure& fault) {
+    EXPECT_EQ(file.string() + ":2: it is no line of a manifest", fault.what());
+  }
+}
+
+}  // namespace
