@@ -17,14 +17,11 @@ std::uint64_t EffectBytes(int grid) {
   return 5 * side * side * kDouble + 2 * side * (side / 2 + 1) * 2 * kDouble;
 }
 
-// Source, result and spread at the border, and the picture itself, for the frames being read,
-// rendered and written at once.
+// Source, result and spread at the border, and the picture itself.
 std::uint64_t PictureBytes(int width, int height) {
-  constexpr std::uint64_t kFrames = 5;
   constexpr std::uint64_t kCopies = 4;
   constexpr std::uint64_t kPixel = 8;
-  return kFrames * kCopies * kPixel * static_cast<std::uint64_t>(width) *
-         static_cast<std::uint64_t>(height);
+  return kCopies * kPixel * static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
 }
 
 }  // namespace

@@ -3,9 +3,7 @@
 #include <chrono>
 #include <exception>
 #include <new>
-#include <optional>
 #include <system_error>
-#include <thread>
 #include <variant>
 
 #include "host/glimmerhost/alpha.h"
@@ -13,7 +11,6 @@
 #include "host/glimmerhost/frame_render.h"
 #include "host/glimmerhost/text.h"
 #include "host/shots/file_hash.h"
-#include "host/support/bounded_queue.h"
 #include "host/support/failure.h"
 
 namespace glimmerhost {
@@ -21,17 +18,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Enough for one to be worked on while one waits; each is some hundred megabytes of a large frame.
-constexpr std::size_t kRoom = 1;
-
-// Runs a step of a frame, unless it has failed before. What goes wrong becomes the frame's.
-template <class Step>
-void Try(FrameReport* report, const Step& step) {
-  if (report->state != FrameState::kDone) {
-    return;
-  }
+// Does the work of a frame. What goes wrong becomes the frame's.
+template <class FrameWork>
+void Try(FrameReport* report, const FrameWork& work) {
   try {
-    step();
+    work();
   } catch (const UsageError&) {
     throw;
   } catch (const MissingInput& fault) {
@@ -48,75 +39,32 @@ void Try(FrameReport* report, const Step& step) {
 
 }  // namespace
 
-struct ShotRender::Queues {
-  BoundedQueue<std::unique_ptr<Work>> read{kRoom};
-  BoundedQueue<std::unique_ptr<Work>> rendered{kRoom};
-  std::exception_ptr fault;  // the reader's, that ends everything
-
-  void Close() {
-    read.Close();
-    rendered.Close();
-  }
-};
-
 void ShotRender::Run(ShotReport* report) {
-  Queues queues;
-  queues_ = &queues;
-  std::thread reader([this] { ReadAll(); });
-  std::thread writer([this, report] { WriteAll(report); });
-  RenderAll();
-  reader.join();
-  writer.join();
-  queues_ = nullptr;
-  if (queues.fault) {
-    std::rethrow_exception(queues.fault);
-  }
-}
-
-void ShotRender::ReadAll() {
-  try {
-    for (const FrameFiles& files : plan_.files) {
-      auto work = std::make_unique<Work>();
-      work->files = files;
-      work->report.frame = files.frame;
-      work->report.output = files.output.string();
-      Try(&work->report, [&] { Load(work.get()); });
-      if (!queues_->read.Push(std::move(work))) {
-        break;
+  for (const FrameFiles& files : plan_.files) {
+    Work work;
+    work.files = files;
+    work.report.frame = files.frame;
+    work.report.output = files.output.string();
+    Try(&work.report, [&] {
+      Load(&work);
+      if (work.report.state == FrameState::kDone) {
+        Render(&work);
+        Write(&work);
       }
-    }
-  } catch (...) {
-    queues_->fault = std::current_exception();
-  }
-  queues_->read.Close();
-}
-
-void ShotRender::RenderAll() {
-  using Clock = std::chrono::steady_clock;
-  while (std::optional<std::unique_ptr<Work>> work = queues_->read.Pop()) {
-    FrameReport& report = (*work)->report;
-    Try(&report, [&] {
-      const Clock::time_point start = Clock::now();
-      (*work)->result = renderer_.Render((*work)->input);
-      report.seconds = std::chrono::duration<double>(Clock::now() - start).count();
     });
-    if (!queues_->rendered.Push(std::move(*work))) {
+    report->Add(work.report);
+    const FrameState state = work.report.state;
+    if (!settings_.keepGoing && (state == FrameState::kFailed || state == FrameState::kMissing)) {
       break;
     }
   }
-  queues_->rendered.Close();
 }
 
-void ShotRender::WriteAll(ShotReport* report) {
-  while (std::optional<std::unique_ptr<Work>> work = queues_->rendered.Pop()) {
-    Try(&(*work)->report, [&] { Write(work->get()); });
-    report->Add((*work)->report);
-    const FrameState state = (*work)->report.state;
-    if (!settings_.keepGoing && (state == FrameState::kFailed || state == FrameState::kMissing)) {
-      queues_->Close();
-      break;
-    }
-  }
+void ShotRender::Render(Work* work) {
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point start = Clock::now();
+  work->result = renderer_.Render(work->input);
+  work->report.seconds = std::chrono::duration<double>(Clock::now() - start).count();
 }
 
 void ShotRender::Load(Work* work) {

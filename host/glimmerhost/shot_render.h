@@ -1,4 +1,4 @@
-// A shot through the effect: frames are read, rendered and written side by side.
+// A shot through the effect, frame by frame.
 #pragma once
 
 #include <map>
@@ -44,9 +44,8 @@ class ShotRender {
         renderer_(module, settings.carryPsf),
         manifest_(manifest) {}
 
-  // Renders the plan's frames in their order, on this thread and two of its own. A frame that
-  // fails has no output; without keepGoing it is the last. Throws UsageError where the command
-  // is wrong for all of them.
+  // Renders the plan's frames in their order. A frame that fails has no output; without keepGoing
+  // it is the last. Throws UsageError where the command is wrong for all of them.
   void Run(ShotReport* report);
 
  private:
@@ -62,11 +61,8 @@ class ShotRender {
     std::string inputHash;  // empty where no manifest is asked for
   };
 
-  void ReadAll();
-  void RenderAll();
-  void WriteAll(ShotReport* report);
-
   void Load(Work* work);
+  void Render(Work* work);
   void Write(Work* work) const;
   void Note(const Work& work) const;
   std::map<std::string, Value> ValuesOf(int frame, const Picture& picture);
@@ -78,10 +74,7 @@ class ShotRender {
   FrameRenderer renderer_;
   Manifest* manifest_;
 
-  struct Queues;
-  Queues* queues_ = nullptr;
-
-  // The reader's own: values for pictures of one size, and a still for all frames.
+  // Values for pictures of one size, and a still for all frames.
   std::unique_ptr<ShotValues> values_;
   std::pair<int, int> valuesSize_;
   std::filesystem::path spreadFile_;
