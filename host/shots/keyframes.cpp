@@ -67,9 +67,11 @@ std::vector<KeyframeText> ParseKeyframes(const std::string& name, const std::str
     const std::size_t end = std::min(rest.find(';'), rest.size());
     KeyframeText key;
     if (!ParseOne(Trimmed(rest.substr(0, end)), &key)) {
-      throw UsageError(name + " " + text +
-                       ": allowed is a value, or keyframes TIME=VALUE; TIME~=VALUE; TIME|=VALUE "
-                       "(0=50; 24~=60; -1=220)");
+      std::string what = name;
+      what.append(" ").append(text).append(
+          ": allowed is a value, or keyframes TIME=VALUE; TIME~=VALUE; TIME|=VALUE "
+          "(0=50; 24~=60; -1=220)");
+      throw UsageError(what);
     }
     keys.push_back(key);
     rest.remove_prefix(std::min(end + 1, rest.size()));
