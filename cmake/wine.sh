@@ -7,7 +7,8 @@
 set -eu
 
 : "${WINEPREFIX:=$(realpath "$(dirname "$0")/..")/build/wine}"
-export WINEPREFIX WINEDEBUG=-all
+# In the plain locale names of files could only be ASCII.
+export WINEPREFIX WINEDEBUG=-all LC_ALL=C.UTF-8
 
 triple=x86_64-w64-mingw32
 runtimes=$(dirname "$($triple-g++-posix -print-file-name=libstdc++-6.dll)")

@@ -73,7 +73,7 @@ class ShotValues::Setter {
     if (text.empty()) {
       return;
     }
-    Track track{&parameter, {}};
+    Track track{parameter, {}};
     if (!HasKeyframes(text)) {
       track.values.push_back({0, Course::kHeld, parse(text)});
     } else {
@@ -113,7 +113,7 @@ ShotValues::ShotValues(const Page& page, const TypedValues& typed, int width, in
                        const ShotSpan& span)
     : span_(span) {
   for (const Parameter& parameter : page.Parameters()) {
-    tracks_[parameter.key] = {&parameter, {{0, Course::kHeld, parameter.initial}}};
+    tracks_[parameter.key] = {parameter, {{0, Course::kHeld, parameter.initial}}};
   }
   const auto apply = [&](const TypedValues& values, const std::string& origin) {
     Setter set(page, span_, origin, &tracks_);
@@ -167,8 +167,8 @@ Value ShotValues::Track::At(int time) const {
     keys.push_back({value.time, value.course, std::get<double>(value.value)});
   }
   const double number =
-      std::clamp(ValueAt(keys, time), parameter->typedLowest, parameter->typedHighest);
-  return parameter->kind == Kind::kWhole ? std::round(number) : number;
+      std::clamp(ValueAt(keys, time), parameter.typedLowest, parameter.typedHighest);
+  return parameter.kind == Kind::kWhole ? std::round(number) : number;
 }
 
 }  // namespace glimmerhost

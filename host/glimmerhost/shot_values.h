@@ -39,7 +39,7 @@ class ShotValues {
   };
 
   struct Track {
-    const Parameter* parameter;
+    Parameter parameter;
     std::vector<TimedValue> values;
 
     Value At(int time) const;

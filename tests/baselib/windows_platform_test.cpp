@@ -238,9 +238,12 @@ TEST(WindowsEnvironment, KnowsEmptyVariables) {
 }
 
 TEST(WindowsMachine, HasTheProcessorsAndPagesOfTheSystem) {
-  EXPECT_EQ(static_cast<std::int32_t>(GetActiveProcessorCount(ALL_PROCESSOR_GROUPS)),
-            System().processorCount());
   EXPECT_EQ(4096, System().pageSize());
+  const DWORD active = GetActiveProcessorCount(ALL_PROCESSOR_GROUPS);
+  if (active == 0) {
+    GTEST_SKIP() << "a system that does not count the active ones";
+  }
+  EXPECT_EQ(static_cast<std::int32_t>(active), System().processorCount());
 }
 
 TEST(WindowsFile, MadeReadOnlyHasThatAttribute) {
