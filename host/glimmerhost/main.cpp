@@ -1,6 +1,8 @@
 #include "host/glimmerhost/command_line.h"
+#include "host/support/ending.h"
 #include "host/support/system.h"
 
 int main(int argc, char** argv) {
+  glimmerhost::EndOnSignals();
   return glimmerhost::RunCommandLine(glimmerhost::Arguments(argc, argv));
 }

@@ -1,52 +1,42 @@
 #include "host/pictures/file_bytes.h"
 
-#include <exception>
+#include <mutex>
+
+#include "host/support/temporary_file.h"
 
 namespace glimmerhost {
 
-FileBytes::FileBytes(const std::filesystem::path& file, std::ios_base::openmode mode) {
-  // Without the path's narrow form between: it cannot say every name.
-  buffer_.open(file.c_str(), mode | std::ios_base::binary);
+FileBytes::FileBytes(const std::filesystem::path& file, FileUse use) {
+  std::unique_lock<std::mutex> hold;
+  if (use == FileUse::kMake) {
+    hold = HoldTemporaryFiles();
+  }
+  file_.reset(OpenFile(file, use));
 }
 
 std::size_t FileBytes::Read(void* to, std::size_t count) noexcept {
-  try {
-    const auto read = buffer_.sgetn(static_cast<char*>(to), static_cast<std::streamsize>(count));
-    return static_cast<std::size_t>(read);
-  } catch (const std::exception&) {
-    return 0;
-  }
+  return std::fread(to, 1, count, file_.get());
 }
 
 std::size_t FileBytes::Write(const void* from, std::size_t count) noexcept {
-  std::size_t written = 0;
-  try {
-    written = static_cast<std::size_t>(
-        buffer_.sputn(static_cast<const char*>(from), static_cast<std::streamsize>(count)));
-  } catch (const std::exception&) {
-    written = 0;
-  }
+  const std::size_t written = std::fwrite(from, 1, count, file_.get());
   refused_ = refused_ || written != count;
   return written;
 }
 
 std::int64_t FileBytes::Seek(std::int64_t offset, std::ios_base::seekdir from) noexcept {
-  std::int64_t place = -1;
-  try {
-    place = static_cast<std::int64_t>(std::streamoff(buffer_.pubseekoff(offset, from)));
-  } catch (const std::exception&) {
-    place = -1;
-  }
+  const int whence = from == std::ios_base::beg   ? SEEK_SET
+                     : from == std::ios_base::cur ? SEEK_CUR
+                                                  : SEEK_END;
+  const std::int64_t place =
+      SeekFile(file_.get(), offset, whence) ? TellFile(file_.get()) : std::int64_t{-1};
   refused_ = refused_ || place < 0;
   return place;
 }
 
 bool FileBytes::Close() noexcept {
-  try {
-    return buffer_.close() != nullptr;
-  } catch (const std::exception&) {
-    return false;
-  }
+  const bool good = std::ferror(file_.get()) == 0;
+  return std::fclose(file_.release()) == 0 && good;
 }
 
 }  // namespace glimmerhost

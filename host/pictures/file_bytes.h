@@ -6,19 +6,21 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <ios>
+#include <memory>
+
+#include "host/support/files.h"
 
 namespace glimmerhost {
 
 class FileBytes {
  public:
   // The file is closed, and nothing said about it, when the object goes.
-  //   mode  in: an existing file to read; in, out and trunc: a new one to write
-  FileBytes(const std::filesystem::path& file, std::ios_base::openmode mode);
+  FileBytes(const std::filesystem::path& file, FileUse use);
 
-  bool IsOpen() const { return buffer_.is_open(); }
+  bool IsOpen() const { return file_ != nullptr; }
 
   // How many bytes went: fewer than asked at the file's end, or if the system fails.
   std::size_t Read(void* to, std::size_t count) noexcept;
@@ -34,7 +36,10 @@ class FileBytes {
   bool IsRefused() const { return refused_; }
 
  private:
-  std::filebuf buffer_;
+  struct Closer {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+  };
+  std::unique_ptr<std::FILE, Closer> file_;
   bool refused_ = false;
 };
 

@@ -5,9 +5,11 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/pictures/channels.h"
+#include "host/pictures/openimageio_output.h"
 #include "host/pictures/picture_formats.h"
 #include "host/pictures/pixel_aspect.h"
 #include "host/pictures/quiet_stderr.h"
@@ -79,12 +81,6 @@ bool DescribesCoding(const OIIO::ParamValue& attribute, bool sameFormat) {
           (name == "compression" || name == kBitsAttribute || name.starts_with("tiff:")));
 }
 
-// A reason that may have come as several lines.
-[[noreturn]] void WriteFailure(std::string why) {
-  std::replace(why.begin(), why.end(), '\n', ' ');
-  throw Failure(why);
-}
-
 }  // namespace
 
 const char* const kReadableFormats = "PNG, TIFF, EXR, DPX, JPEG and what else OpenImageIO reads";
@@ -140,7 +136,7 @@ Picture ReadFormat(const fs::path& file, std::string* warning) {
 
 void WriteFormat(const fs::path& file, const OutputFormat& format, const Picture& picture,
                  int bits) {
-  const std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(file.string());
+  std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(file.string());
   const bool withAlpha = picture.alpha != Alpha::kNone && format.holdsAlpha;
   const int channels = (picture.grey ? 1 : 3) + (withAlpha ? 1 : 0);
   const OIIO::TypeDesc type = format.name == "openexr" ? OIIO::TypeDesc::HALF
@@ -160,15 +156,11 @@ void WriteFormat(const fs::path& file, const OutputFormat& format, const Picture
   if (withAlpha && (picture.alpha == Alpha::kStraight || format.straightOnly)) {
     spec.attribute(kStraightAttribute, 1);
   }
-  if (!output->open(file.string(), spec)) {
-    WriteFailure(output->geterror());
-  }
   const std::vector<std::uint16_t> samples = GatherChannels(picture, channels);
-  const bool written = type == OIIO::TypeDesc::UINT8
-                           ? output->write_image(OIIO::TypeDesc::UINT8, ToBytes(samples).data())
-                           : output->write_image(OIIO::TypeDesc::UINT16, samples.data());
-  if (!written || !output->close()) {
-    WriteFailure(output->geterror());
+  if (type == OIIO::TypeDesc::UINT8) {
+    WriteWhole(file, spec, type, ToBytes(samples).data(), std::move(output));
+  } else {
+    WriteWhole(file, spec, OIIO::TypeDesc::UINT16, samples.data(), std::move(output));
   }
 }
 

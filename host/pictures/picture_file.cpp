@@ -8,6 +8,7 @@
 #include "host/pictures/channels.h"
 #include "host/support/failure.h"
 #include "host/support/system.h"
+#include "host/support/temporary_file.h"
 
 namespace glimmerhost {
 namespace {
@@ -55,31 +56,15 @@ PictureOutput::PictureOutput(fs::path file, bool overwrite)
   if (!IsWritable(folder)) {
     throw Failure(folder.string() + ": the folder cannot be written to");
   }
-  part_ = folder / ("." + file_.stem().string() + "." + std::to_string(ProcessId()) + ".part" +
-                    file_.extension().string());
-}
-
-PictureOutput::~PictureOutput() {
-  std::error_code error;
-  fs::remove(part_, error);
 }
 
 void PictureOutput::Write(const Picture& picture, int bits) {
-  const auto fail = [this](const std::string& why) {
-    throw Failure(file_.string() + ": it cannot be written: " + why);
-  };
   try {
-    WriteFormat(part_, format_, picture, bits);
+    TemporaryFile part(file_);
+    WriteFormat(part.Path(), format_, picture, bits);
+    part.MoveIn(overwrite_);
   } catch (const Failure& fault) {
-    fail(fault.what());
-  }
-  std::error_code error;
-  if (!overwrite_ && fs::exists(file_, error)) {
-    fail("another program has made it meanwhile");
-  }
-  fs::rename(part_, file_, error);
-  if (error) {
-    fail(error.message());
+    throw Failure(file_.string() + ": it cannot be written: " + fault.what());
   }
 }
 

@@ -22,21 +22,16 @@ class PictureOutput {
   // whether a file may be replaced. Throws Failure, or UsageError for an unknown format.
   PictureOutput(std::filesystem::path file, bool overwrite);
 
-  // Removes what a failed write left.
-  ~PictureOutput();
-  PictureOutput(const PictureOutput&) = delete;
-  PictureOutput& operator=(const PictureOutput&) = delete;
-
   const OutputFormat& Format() const { return format_; }
 
-  // Writes the picture with its metadata and moves the file in.
+  // Writes the picture with its metadata and moves the file in. It is on the disk then.
   //   bits  8 or 16; formats without whole numbers write half floats
-  // Throws Failure, which names the file.
+  // Throws Failure, which names the file. Nothing is left of it then, and a file that was there
+  // is as it was.
   void Write(const Picture& picture, int bits);
 
  private:
   std::filesystem::path file_;
-  std::filesystem::path part_;
   OutputFormat format_;
   bool overwrite_;
 };

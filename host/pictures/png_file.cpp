@@ -41,7 +41,7 @@ void SwapOnLittleEndian(png_structp png) {
 class PngReader {
  public:
   explicit PngReader(const fs::path& file)
-      : file_(file), bytes_(file, std::ios_base::in), library_(&bytes_, PngLibrary::Use::kRead) {}
+      : file_(file), bytes_(file, FileUse::kRead), library_(&bytes_, PngLibrary::Use::kRead) {}
 
   Picture Read() {
     const png_structp png = library_.Png();
@@ -111,7 +111,7 @@ constexpr int kColourTypes[] = {PNG_COLOR_TYPE_GRAY, PNG_COLOR_TYPE_GRAY_ALPHA, 
 Picture ReadPng(const fs::path& file) { return PngReader(file).Read(); }
 
 void WritePng(const fs::path& file, const Picture& picture, int bits) {
-  FileBytes bytes(file, std::ios_base::in | std::ios_base::out | std::ios_base::trunc);
+  FileBytes bytes(file, FileUse::kMake);
   if (!bytes.IsOpen()) {
     throw Failure("the file cannot be made");
   }

@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 using Start = std::array<unsigned char, 8>;
 
 Start StartOf(const fs::path& file) {
-  FileBytes bytes(file, std::ios_base::in);
+  FileBytes bytes(file, FileUse::kRead);
   if (!bytes.IsOpen()) {
     ReadFailure(file, "the system does not open it");
   }

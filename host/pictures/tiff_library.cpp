@@ -50,9 +50,7 @@ tmsize_t LargestBlockOfMemory(const std::filesystem::path& file) {
 }  // namespace
 
 TiffLibrary::TiffLibrary(const std::filesystem::path& file, Use use)
-    : bytes_(file, use == Use::kRead
-                       ? std::ios_base::in
-                       : std::ios_base::in | std::ios_base::out | std::ios_base::trunc) {
+    : bytes_(file, use == Use::kRead ? FileUse::kRead : FileUse::kMake) {
   if (!bytes_.IsOpen()) {
     std::snprintf(trouble_.data(), trouble_.size(), "the system does not open it");
     return;

@@ -1,9 +1,13 @@
 #include <dlfcn.h>
 #include <sched.h>
+#include <signal.h>
 #include <unistd.h>
 
+#include <array>
+#include <cerrno>
 #include <cstdlib>
 #include <fstream>
+#include <limits>
 #include <sstream>
 #include <system_error>
 
@@ -39,6 +43,17 @@ std::uint64_t AvailableMemory() {
     }
   }
   return kibibytes * 1024;
+}
+
+// Zero and what would be negative ask for groups of processes.
+bool ProcessExists(std::uint32_t process) {
+  return process > 0 && process <= std::numeric_limits<pid_t>::max() &&
+         (kill(static_cast<pid_t>(process), 0) == 0 || errno == EPERM);
+}
+
+std::string HostName() {
+  std::array<char, 256> name{};
+  return gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "";
 }
 
 bool IsWritable(const std::filesystem::path& folder) { return access(folder.c_str(), W_OK) == 0; }

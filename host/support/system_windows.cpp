@@ -71,6 +71,23 @@ std::uint64_t AvailableMemory() {
   return GlobalMemoryStatusEx(&status) != 0 ? status.ullAvailPageFile : 0;
 }
 
+bool ProcessExists(std::uint32_t process) {
+  const HANDLE handle = OpenProcess(SYNCHRONIZE, FALSE, process);
+  if (handle == nullptr) {
+    return GetLastError() == ERROR_ACCESS_DENIED;
+  }
+  // One that has ended is kept by those who still look at it.
+  const bool runs = WaitForSingleObject(handle, 0) == WAIT_TIMEOUT;
+  CloseHandle(handle);
+  return runs;
+}
+
+std::string HostName() {
+  wchar_t name[256] = {};
+  DWORD size = std::size(name);
+  return GetComputerNameExW(ComputerNameDnsHostname, name, &size) != 0 ? ToUtf8(name) : "";
+}
+
 bool IsWritable(const std::filesystem::path& folder) {
   constexpr int kWrite = 2;
   return _waccess(folder.c_str(), kWrite) == 0;

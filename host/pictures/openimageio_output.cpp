@@ -1,0 +1,107 @@
+#include "host/pictures/openimageio_output.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string>
+#include <utility>
+
+#include "host/pictures/file_bytes.h"
+#include "host/pictures/file_proxy.h"
+#include "host/support/failure.h"
+
+namespace glimmerhost {
+namespace {
+
+namespace fs = std::filesystem;
+using Output = std::unique_ptr<OIIO::ImageOutput>;
+
+constexpr const char* kNotMade = "the file cannot be made";
+constexpr const char* kNotTaken = "the system does not take all of it";
+
+// A reason that may have come as several lines.
+[[noreturn]] void WriteFailure(std::string why) {
+  std::replace(why.begin(), why.end(), '\n', ' ');
+  throw Failure(why);
+}
+
+// Also the end of the output, which after a failure may write on.
+void WriteTo(const std::string& name, const OIIO::ImageSpec& spec, OIIO::TypeDesc type,
+             const void* samples, Output output) {
+  if (!output->open(name, spec) || !output->write_image(type, samples) || !output->close()) {
+    WriteFailure(output->geterror());
+  }
+}
+
+// A file without a place on a disk.
+class MemoryFile {
+ public:
+  MemoryFile() : file_(memfd_create("picture", MFD_CLOEXEC)) {
+    if (file_ < 0) {
+      throw Failure("there is not enough memory");
+    }
+  }
+  ~MemoryFile() { close(file_); }
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
+
+  std::string Name() const { return "/proc/self/fd/" + std::to_string(file_); }
+
+  // False if not all of it gets there.
+  bool CopyTo(FileBytes* to) const {
+    std::array<char, 65536> buffer{};
+    lseek(file_, 0, SEEK_SET);
+    for (;;) {
+      const ssize_t got = read(file_, buffer.data(), buffer.size());
+      if (got <= 0) {
+        return got == 0;
+      }
+      const auto count = static_cast<std::size_t>(got);
+      if (to->Write(buffer.data(), count) != count) {
+        return false;
+      }
+    }
+  }
+
+ private:
+  int file_;
+};
+
+// For formats whose writers open a file themselves: into memory, which says when it is full.
+void WriteByMemory(const fs::path& file, const OIIO::ImageSpec& spec, OIIO::TypeDesc type,
+                   const void* samples, Output output) {
+  const MemoryFile memory;
+  WriteTo(memory.Name(), spec, type, samples, std::move(output));
+  FileBytes bytes(file, FileUse::kMake);
+  if (!bytes.IsOpen()) {
+    throw Failure(kNotMade);
+  }
+  const bool copied = memory.CopyTo(&bytes);
+  if (!bytes.Close() || !copied) {
+    throw Failure(kNotTaken);
+  }
+}
+
+}  // namespace
+
+void WriteWhole(const fs::path& file, const OIIO::ImageSpec& spec, OIIO::TypeDesc type,
+                const void* samples, Output output) {
+  if (output->supports("ioproxy") == 0) {
+    WriteByMemory(file, spec, type, samples, std::move(output));
+    return;
+  }
+  FileProxy proxy(file);
+  if (!proxy.IsOpen()) {
+    throw Failure(kNotMade);
+  }
+  output->set_ioproxy(&proxy);
+  WriteTo(file.string(), spec, type, samples, std::move(output));
+  if (!proxy.Finish()) {
+    throw Failure(kNotTaken);
+  }
+}
+
+}  // namespace glimmerhost

@@ -1,0 +1,49 @@
+// TemporaryFile: an output that is not whole yet, under a name of its own beside its place.
+//
+// The name, .shot.0001.HOST-PID.part.exr for shot.0001.exr, keeps the ending, which libraries
+// choose the format by, and says whose it is: folders are shared by many machines.
+//
+// All of these files are in one list, so that nothing is left of them when a signal ends the
+// program (ending.h). What a program leaves that was killed, the next one removes that writes
+// the same output on the same machine.
+#pragma once
+
+#include <filesystem>
+#include <mutex>
+
+namespace glimmerhost {
+
+class TemporaryFile {
+ public:
+  // Names the file and removes what ended programs of this machine have left of the same output.
+  // Making it is the caller's.
+  //   target  where it goes when it is whole; one such object at a time in a program
+  explicit TemporaryFile(std::filesystem::path target);
+
+  // Removes the file unless it has been moved in. On some systems it must be closed by then.
+  ~TemporaryFile();
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+  const std::filesystem::path& Path() const { return path_; }
+
+  // Once the file is closed: syncs it, gives it its place, and syncs the folder.
+  //   replace  false: a file that another program has put there meanwhile stays
+  // Throws Failure with the bare reason.
+  void MoveIn(bool replace);
+
+ private:
+  std::filesystem::path target_;
+  std::filesystem::path path_;
+  bool listed_ = true;
+};
+
+// While it is held no signal ends the program. For the moment in which a listed file is made:
+// one that is made after the list was cleared would stay. Not for work that takes long.
+[[nodiscard]] std::unique_lock<std::mutex> HoldTemporaryFiles();
+
+// Removes every listed file. From then on whoever would make or move one waits for ever: only
+// for a program that ends at once.
+void AbandonTemporaryFiles() noexcept;
+
+}  // namespace glimmerhost
