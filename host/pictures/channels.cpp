@@ -56,20 +56,6 @@ std::vector<std::uint16_t> GatherChannels(const Picture& picture, int channels) 
   return out;
 }
 
-bool Quantise(const std::vector<float>& from, std::vector<std::uint16_t>* to) {
-  bool clamped = false;
-  std::transform(from.begin(), from.end(), to->begin(), [&clamped](float v) {
-    const float unit = v > 0.0F ? (v < 1.0F ? v : 1.0F) : 0.0F;
-    clamped = clamped || unit != v;
-    return static_cast<std::uint16_t>(std::lround(unit * 65535.0F));
-  });
-  return clamped;
-}
-
-std::string ClampWarning(const std::filesystem::path& file) {
-  return file.string() + ": samples outside 0 to 1 were cut to that range";
-}
-
 std::vector<std::uint8_t> ToBytes(const std::vector<std::uint16_t>& samples) {
   std::vector<std::uint8_t> bytes(samples.size());
   std::transform(samples.begin(), samples.end(), bytes.begin(),

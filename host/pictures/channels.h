@@ -36,12 +36,6 @@ int ChannelsToWrite(const Picture& picture);
 // The samples that go into a file of 1 to 4 channels: one colour is the mean of three.
 std::vector<std::uint16_t> GatherChannels(const Picture& picture, int channels);
 
-// Float samples to 16 bits. True if one lay outside 0..1 or was no number.
-bool Quantise(const std::vector<float>& from, std::vector<std::uint16_t>* to);
-
-// The line that says so.
-std::string ClampWarning(const std::filesystem::path& file);
-
 // 16 bits to the nearest of 8.
 std::vector<std::uint8_t> ToBytes(const std::vector<std::uint16_t>& samples);
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/pictures/channels.h"
+#include "host/pictures/float_samples.h"
 #include "host/pictures/openimageio_output.h"
 #include "host/pictures/picture_formats.h"
 #include "host/pictures/pixel_aspect.h"
@@ -65,6 +66,15 @@ std::unique_ptr<OIIO::ImageInput> OpenInput(const fs::path& file) {
   return input;
 }
 
+void ReadSamples(const fs::path& file, OIIO::TypeDesc type, void* to, OIIO::ImageInput* input) {
+  const bool read = input->read_image(0, 0, 0, input->spec().nchannels, type, to);
+  // Some readers fill up what is missing and only leave a word about it.
+  const std::string trouble = input->geterror();
+  if (!read || !trouble.empty()) {
+    ReadFailure(file, "it is cut short or broken: " + trouble);
+  }
+}
+
 std::shared_ptr<const FileMetadata> KeepMetadata(const OIIO::ImageInput& input,
                                                  const OIIO::ImageSpec& spec) {
   auto metadata = std::make_shared<FileMetadata>();
@@ -94,10 +104,11 @@ std::optional<OutputFormat> FormatOf(const fs::path& file) {
     return std::nullopt;
   }
   const std::string name = output->format_name();
-  return OutputFormat{name, output->supports("alpha") != 0, name == "png", name == "openexr"};
+  return OutputFormat{name, output->supports("alpha") != 0, name == "png", name == "openexr",
+                      name == "openexr" || name == "hdr"};
 }
 
-Picture ReadFormat(const fs::path& file, std::string* warning) {
+Picture ReadFormat(const fs::path& file, const ReadOptions& options, ReadReport* report) {
   const QuietStderr quiet;
   const std::unique_ptr<OIIO::ImageInput> input = OpenInput(file);
   const OIIO::ImageSpec& spec = input->spec();
@@ -114,23 +125,15 @@ Picture ReadFormat(const fs::path& file, std::string* warning) {
   picture.metadata = KeepMetadata(*input, spec);
 
   const std::size_t count = picture.PixelCount() * static_cast<std::size_t>(spec.nchannels);
-  std::vector<std::uint16_t> samples(count);
-  bool read = false;
   if (spec.format.is_floating_point()) {
     std::vector<float> values(count);
-    read = input->read_image(0, 0, 0, spec.nchannels, OIIO::TypeDesc::FLOAT, values.data());
-    if (read && Quantise(values, &samples)) {
-      *warning = ClampWarning(file);
-    }
+    ReadSamples(file, OIIO::TypeDesc::FLOAT, values.data(), input.get());
+    SpreadFloats(file, values, spec.nchannels, map, options.range, &picture, report);
   } else {
-    read = input->read_image(0, 0, 0, spec.nchannels, OIIO::TypeDesc::UINT16, samples.data());
+    std::vector<std::uint16_t> samples(count);
+    ReadSamples(file, OIIO::TypeDesc::UINT16, samples.data(), input.get());
+    SpreadChannels(samples, spec.nchannels, map, &picture);
   }
-  // Some readers fill up what is missing and only leave a word about it.
-  const std::string trouble = input->geterror();
-  if (!read || !trouble.empty()) {
-    ReadFailure(file, "it is cut short or broken: " + trouble);
-  }
-  SpreadChannels(samples, spec.nchannels, map, &picture);
   return picture;
 }
 
@@ -157,8 +160,11 @@ void WriteFormat(const fs::path& file, const OutputFormat& format, const Picture
     spec.attribute(kStraightAttribute, 1);
   }
   const std::vector<std::uint16_t> samples = GatherChannels(picture, channels);
-  if (type == OIIO::TypeDesc::UINT8) {
+  if (type == OIIO::TypeDesc::UINT8 && !format.holdsFloats) {
     WriteWhole(file, spec, type, ToBytes(samples).data(), std::move(output));
+  } else if (format.holdsFloats) {
+    WriteWhole(file, spec, OIIO::TypeDesc::FLOAT, ToFloats(samples, channels, picture.range).data(),
+               std::move(output));
   } else {
     WriteWhole(file, spec, OIIO::TypeDesc::UINT16, samples.data(), std::move(output));
   }

@@ -98,9 +98,18 @@ void WriteWhole(const fs::path& file, const OIIO::ImageSpec& spec, OIIO::TypeDes
     throw Failure(kNotMade);
   }
   output->set_ioproxy(&proxy);
-  WriteTo(file.string(), spec, type, samples, std::move(output));
+  std::string trouble;
+  try {
+    WriteTo(file.string(), spec, type, samples, std::move(output));
+  } catch (const Failure& fault) {
+    trouble = fault.what();
+  }
+  // What the library says of it is long, and names the file otherwise than a person knows it.
   if (!proxy.Finish()) {
     throw Failure(kNotTaken);
+  }
+  if (!trouble.empty()) {
+    throw Failure(trouble);
   }
 }
 

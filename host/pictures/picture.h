@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "host/pictures/range.h"
 #include "hostframe/interfaces/geometry.h"
 
 namespace glimmerhost {
@@ -28,6 +29,7 @@ struct Picture {
   bool grey = false;
   int bits = 16;  // of the file that it came from: 8 or 16
   quantel::cSize2 pixelAspect{1, 1};
+  RangeMapping range;  // what its colours stand for, where a file of floats is written
   std::shared_ptr<const FileMetadata> metadata;
 
   std::size_t PixelCount() const {

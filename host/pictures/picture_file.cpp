@@ -26,18 +26,31 @@ OutputFormat KnownFormat(const fs::path& file) {
 
 }  // namespace
 
-Picture ReadPicture(const fs::path& file, std::string* warning) {
+Picture ReadPicture(const fs::path& file, const ReadOptions& options, ReadReport* report) {
   std::error_code error;
-  if (!fs::exists(file, error)) {
+  const fs::file_status status = fs::status(file, error);
+  if (status.type() == fs::file_type::not_found) {
     throw MissingInput(file.string() + ": there is no such file");
   }
-  if (!fs::is_regular_file(file, error)) {
+  if (!fs::status_known(status)) {
+    ReadFailure(file, error.message());
+  }
+  if (!fs::is_regular_file(status)) {
     ReadFailure(file, "it is not a file");
   }
   if (fs::file_size(file, error) == 0) {
     ReadFailure(file, "it is empty");
   }
-  return ReadFormat(file, warning);
+  return ReadFormat(file, options, report);
+}
+
+Picture ReadPicture(const fs::path& file, std::string* warning) {
+  ReadReport report;
+  Picture picture = ReadPicture(file, {}, &report);
+  for (const std::string& line : report.lines) {
+    *warning += (warning->empty() ? "" : "; ") + line;
+  }
+  return picture;
 }
 
 PictureOutput::PictureOutput(fs::path file, bool overwrite)

@@ -10,9 +10,14 @@
 namespace glimmerhost {
 
 // Reads a picture of 1 to 4 channels, or the red, green, blue and alpha of one with more.
-// Integer samples become 16 bits; float samples are clamped to 0..1.
-//   warning  receives a line if samples were clamped
-// Throws Failure, which names the file, if it is missing, no picture, cut short or broken.
+// Integer samples become 16 bits; float samples are brought into 0..1 and cut to it.
+// Throws Failure, which names the file, if it is no picture, cut short or broken; MissingInput
+// if it is not there.
+Picture ReadPicture(const std::filesystem::path& file, const ReadOptions& options,
+                    ReadReport* report);
+
+// The same as things are without options.
+//   warning  receives what is to be said, in one line
 Picture ReadPicture(const std::filesystem::path& file, std::string* warning);
 
 // An output that appears whole or not at all: it is written beside its place and moved in.

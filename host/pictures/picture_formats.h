@@ -7,6 +7,7 @@
 #include <string>
 
 #include "host/pictures/picture.h"
+#include "host/pictures/read_report.h"
 
 namespace glimmerhost {
 
@@ -16,6 +17,7 @@ struct OutputFormat {
   bool holdsAlpha = false;
   bool straightOnly = false;       // alpha is straight, and nothing in the file could say else
   bool premultipliedOnly = false;  // alpha is premultiplied, likewise
+  bool holdsFloats = false;        // colours are written as the picture's range says
 };
 
 // For a person: "PNG and TIFF".
@@ -28,9 +30,9 @@ extern const char* const kWritableEndings;
 std::optional<OutputFormat> FormatOf(const std::filesystem::path& file);
 
 // Reads a file that is there and not empty, whatever its ending.
-//   warning  receives a line if samples were clamped
 // Throws Failure, which names the file.
-Picture ReadFormat(const std::filesystem::path& file, std::string* warning);
+Picture ReadFormat(const std::filesystem::path& file, const ReadOptions& options,
+                   ReadReport* report);
 
 // Writes the picture with its metadata into a file of that name, and closes it. What a failure
 // leaves is the caller's to remove.

@@ -50,15 +50,15 @@ std::optional<OutputFormat> FormatOf(const fs::path& file) {
     letter = letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
   }
   if (ending == fs::path(".png").native()) {
-    return OutputFormat{"png", true, true, false};
+    return OutputFormat{"png", true, true, false, false};
   }
   if (ending == fs::path(".tif").native() || ending == fs::path(".tiff").native()) {
-    return OutputFormat{"tiff", true, false, false};
+    return OutputFormat{"tiff", true, false, false, false};
   }
   return std::nullopt;
 }
 
-Picture ReadFormat(const fs::path& file, std::string* warning) {
+Picture ReadFormat(const fs::path& file, const ReadOptions& options, ReadReport* report) {
   const Start start = StartOf(file);
   if (IsPng(start)) {
     return ReadPng(file);
@@ -67,7 +67,7 @@ Picture ReadFormat(const fs::path& file, std::string* warning) {
     ReadFailure(
         file, std::string("it is not a picture that can be read: allowed is ") + kReadableFormats);
   }
-  return ReadTiff(file, warning);
+  return ReadTiff(file, options, report);
 }
 
 void WriteFormat(const fs::path& file, const OutputFormat& format, const Picture& picture,

@@ -9,6 +9,7 @@
 
 #include "host/pictures/channels.h"
 #include "host/pictures/file_metadata.h"
+#include "host/pictures/float_samples.h"
 #include "host/pictures/tiff_library.h"
 #include "host/pictures/tiff_metadata.h"
 #include "host/pictures/tiff_samples.h"
@@ -108,22 +109,15 @@ class TiffReader {
     FindBlocks();
   }
 
-  Picture Read(std::string* warning) {
+  Picture Read(const ReadOptions& options, ReadReport* report) {
     Picture picture;
     picture.width = static_cast<int>(width_);
     picture.height = static_cast<int>(height_);
     picture.bits = bits_ <= 8 ? 8 : 16;
-    std::vector<std::uint16_t> samples = ReadSamples(warning);
-    int channels = channels_;
-    if (photometric_ == PHOTOMETRIC_PALETTE) {
-      samples = LookUp(samples);
-      channels = 3;
-    }
-    const ChannelMap map = MapChannels(channels, &picture);
-    picture.grey = map.grey;
-    SpreadChannels(samples, channels, map, &picture);
-    if (photometric_ == PHOTOMETRIC_MINISWHITE) {
-      InvertColours(&picture);
+    if (floats_) {
+      TakeFloats(options, report, &picture);
+    } else {
+      TakeWords(&picture);
     }
     const FileMetadata metadata = ReadTiffMetadata(tiff_);
     picture.pixelAspect = PixelAspectOf(metadata.resolution);
@@ -191,17 +185,39 @@ class TiffReader {
     }
   }
 
-  std::vector<std::uint16_t> ReadSamples(std::string* warning) {
-    const std::size_t count = std::size_t{width_} * height_ * channels_;
-    std::vector<std::uint16_t> samples(count);
-    if (floats_) {
-      std::vector<float> values(count);
-      ReadBlocks(UnpackFloats, values.data());
-      if (Quantise(values, &samples)) {
-        *warning = ClampWarning(file_);
+  std::size_t SampleCount() const { return std::size_t{width_} * height_ * channels_; }
+
+  void TakeFloats(const ReadOptions& options, ReadReport* report, Picture* picture) {
+    std::vector<float> values(SampleCount());
+    ReadBlocks(UnpackFloats, values.data());
+    const ChannelMap map = MapChannels(channels_, picture);
+    if (photometric_ == PHOTOMETRIC_MINISWHITE) {
+      // Before the range, which would take black for the brightest.
+      for (std::size_t i = 0; i < values.size(); i += channels_) {
+        values[i] = 1.0F - values[i];
       }
-      return samples;
     }
+    picture->grey = map.grey;
+    SpreadFloats(file_, values, channels_, map, options.range, picture, report);
+  }
+
+  void TakeWords(Picture* picture) {
+    std::vector<std::uint16_t> samples = ReadWords();
+    int channels = channels_;
+    if (photometric_ == PHOTOMETRIC_PALETTE) {
+      samples = LookUp(samples);
+      channels = 3;
+    }
+    const ChannelMap map = MapChannels(channels, picture);
+    picture->grey = map.grey;
+    SpreadChannels(samples, channels, map, picture);
+    if (photometric_ == PHOTOMETRIC_MINISWHITE) {
+      InvertColours(picture);
+    }
+  }
+
+  std::vector<std::uint16_t> ReadWords() {
+    std::vector<std::uint16_t> samples(SampleCount());
     ReadBlocks(UnpackWords, samples.data());
     if (const std::uint16_t scale = WordScale(bits_);
         scale != 1 && photometric_ != PHOTOMETRIC_PALETTE) {
@@ -332,8 +348,8 @@ const Compression& CompressionFor(const Picture& picture, int bits) {
 
 }  // namespace
 
-Picture ReadTiff(const fs::path& file, std::string* warning) {
-  return TiffReader(file).Read(warning);
+Picture ReadTiff(const fs::path& file, const ReadOptions& options, ReadReport* report) {
+  return TiffReader(file).Read(options, report);
 }
 
 void WriteTiff(const fs::path& file, const Picture& picture, int bits) {

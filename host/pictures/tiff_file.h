@@ -2,17 +2,16 @@
 #pragma once
 
 #include <filesystem>
-#include <string>
 
 #include "host/pictures/picture.h"
+#include "host/pictures/read_report.h"
 
 namespace glimmerhost {
 
 // Reads the first picture of the file: strips or tiles, its samples together or each kind
 // apart, of 1 to 32 bits or floating point, grey, by a palette or in colour.
-//   warning  receives a line if samples were clamped
 // Throws Failure, which names the file.
-Picture ReadTiff(const std::filesystem::path& file, std::string* warning);
+Picture ReadTiff(const std::filesystem::path& file, const ReadOptions& options, ReadReport* report);
 
 // Throws Failure with the bare reason.
 //   bits  8 or 16

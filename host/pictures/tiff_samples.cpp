@@ -1,5 +1,6 @@
 #include "host/pictures/tiff_samples.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -33,9 +34,10 @@ float FloatAt(const std::uint8_t* from, std::size_t i, int bits) {
     case 32:
       return Load<float>(from, i);
     default: {
-      // What a float cannot hold lies outside 0 to 1 in any case.
+      // What a float cannot hold lies outside every range.
+      constexpr double kMost = std::numeric_limits<float>::max();
       const double value = Load<double>(from, i);
-      return value > 2.0 ? 2.0F : value < -1.0 ? -1.0F : static_cast<float>(value);
+      return static_cast<float>(std::isinf(value) ? value : std::clamp(value, -kMost, kMost));
     }
   }
 }

@@ -8,7 +8,7 @@ namespace glimmerhost {
 inline constexpr int kExitDone = 0;
 inline constexpr int kExitFailed = 1;
 inline constexpr int kExitUsage = 2;
-inline constexpr int kExitMissing = 3;  // an input is not there
+inline constexpr int kExitMissing = 3;
 
 // The work failed: one line for a person, which names the thing and says what is wrong.
 class Failure : public std::runtime_error {
@@ -16,7 +16,7 @@ class Failure : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// An input is not there.
+// An input is not there, which may only mean that it is not there yet.
 class MissingInput : public Failure {
  public:
   using Failure::Failure;

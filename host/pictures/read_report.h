@@ -1,0 +1,26 @@
+// What a person may choose about the reading of a picture, and what is to be said of it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/pictures/range.h"
+
+namespace glimmerhost {
+
+struct ReadOptions {
+  RangeMapping range;  // of floating-point files; files of whole numbers have none
+};
+
+struct ReadReport {
+  // Samples of the picture's own channels. A grey one counts once.
+  std::uint64_t cut = 0;         // outside the range: at its nearer end now
+  std::uint64_t infinite = 0;    // likewise
+  std::uint64_t notNumbers = 0;  // 0 now
+
+  // For a person, each naming the file; none if there is nothing to say.
+  std::vector<std::string> lines;
+};
+
+}  // namespace glimmerhost
