@@ -34,6 +34,9 @@ void SetVariable(const char* name, const char* value);
 // How a person names another home directory for this machine.
 extern const char* const kHomeAdvice;
 
+// Lets bytes pass stdin and stdout as they are, where the system would change the ends of lines.
+void UseBinaryStreams();
+
 // Whether a person watches stderr, on a screen that lines can be cleared on.
 bool IsTerminal();
 

@@ -60,6 +60,8 @@ bool IsWritable(const std::filesystem::path& folder) { return access(folder.c_st
 
 void SetVariable(const char* name, const char* value) { setenv(name, value, 1); }
 
+void UseBinaryStreams() {}
+
 bool IsTerminal() { return isatty(STDERR_FILENO) != 0; }
 
 int AllowedProcessors() {

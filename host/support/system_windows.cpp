@@ -1,5 +1,6 @@
 #define WIN32_LEAN_AND_MEAN
 #define NOMINMAX
+#include <fcntl.h>
 #include <io.h>
 #include <windows.h>
 // Only after the header above, whose macros it is written in.
@@ -7,6 +8,7 @@
 
 #include <bit>
 #include <cstddef>
+#include <cstdio>
 
 #include "host/support/failure.h"
 #include "host/support/system.h"
@@ -95,6 +97,11 @@ bool IsWritable(const std::filesystem::path& folder) {
 
 // By the system alone: modules do not ask the C runtime's copy.
 void SetVariable(const char* name, const char* value) { SetEnvironmentVariableA(name, value); }
+
+void UseBinaryStreams() {
+  _setmode(_fileno(stdin), _O_BINARY);
+  _setmode(_fileno(stdout), _O_BINARY);
+}
 
 bool IsTerminal() {
   const HANDLE console = GetStdHandle(STD_ERROR_HANDLE);
