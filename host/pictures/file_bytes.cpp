@@ -19,7 +19,8 @@ std::size_t FileBytes::Read(void* to, std::size_t count) noexcept {
 }
 
 std::size_t FileBytes::Write(const void* from, std::size_t count) noexcept {
-  const std::size_t written = std::fwrite(from, 1, count, file_.get());
+  // Some libraries write nothing from nowhere, which the C library does not allow.
+  const std::size_t written = count == 0 ? 0 : std::fwrite(from, 1, count, file_.get());
   refused_ = refused_ || written != count;
   return written;
 }

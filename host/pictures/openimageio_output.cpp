@@ -1,12 +1,14 @@
 #include "host/pictures/openimageio_output.h"
 
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "host/pictures/file_bytes.h"
@@ -50,6 +52,14 @@ class MemoryFile {
 
   std::string Name() const { return "/proc/self/fd/" + std::to_string(file_); }
 
+  // A limit on the size of files, which a full disk is not, holds for it too, and writers overlook
+  // that they met it. One that writes in blocks may have stopped a block before: that is not seen.
+  bool IsAtLimit() const {
+    rlimit limit{};
+    return getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY &&
+           static_cast<rlim_t>(lseek(file_, 0, SEEK_END)) >= limit.rlim_cur;
+  }
+
   // False if not all of it gets there.
   bool CopyTo(FileBytes* to) const {
     std::array<char, 65536> buffer{};
@@ -70,6 +80,12 @@ class MemoryFile {
   int file_;
 };
 
+// TIFF cannot be written to a file that is handed over, although the library says so: it reads
+// the file again where there is an EXIF directory, and leaves that as the picture's.
+bool TakesFile(const OIIO::ImageOutput& output) {
+  return output.supports("ioproxy") != 0 && std::string_view(output.format_name()) != "tiff";
+}
+
 // For formats whose writers open a file themselves: into memory, which says when it is full.
 void WriteByMemory(const fs::path& file, const OIIO::ImageSpec& spec, OIIO::TypeDesc type,
                    const void* samples, Output output) {
@@ -79,7 +95,7 @@ void WriteByMemory(const fs::path& file, const OIIO::ImageSpec& spec, OIIO::Type
   if (!bytes.IsOpen()) {
     throw Failure(kNotMade);
   }
-  const bool copied = memory.CopyTo(&bytes);
+  const bool copied = !memory.IsAtLimit() && memory.CopyTo(&bytes);
   if (!bytes.Close() || !copied) {
     throw Failure(kNotTaken);
   }
@@ -89,7 +105,7 @@ void WriteByMemory(const fs::path& file, const OIIO::ImageSpec& spec, OIIO::Type
 
 void WriteWhole(const fs::path& file, const OIIO::ImageSpec& spec, OIIO::TypeDesc type,
                 const void* samples, Output output) {
-  if (output->supports("ioproxy") == 0) {
+  if (!TakesFile(*output)) {
     WriteByMemory(file, spec, type, samples, std::move(output));
     return;
   }
