@@ -13,7 +13,7 @@ endforeach()
 # Those of Debian's packages as they stand on this machine; those of what is built from source
 # packages were kept by that build.
 foreach(package gcc-mingw-w64-base libcli11-dev libtomlplusplus-dev libz-mingw-w64-dev
-                mingw-w64-x86-64-dev)
+                mingw-w64-x86-64-dev nlohmann-json3-dev)
   install(FILES /usr/share/doc/${package}/copyright DESTINATION licences RENAME ${package}.txt)
 endforeach()
 install(DIRECTORY ${LX_TARGET_PREFIX}/share/licences/ DESTINATION licences)

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "host/support/failure.h"
+
 namespace glimmerhost {
 namespace {
 
@@ -30,6 +32,13 @@ std::uint16_t Divided(std::uint16_t colour, std::uint16_t alpha) {
   }
   const std::uint64_t quotient = (std::uint64_t{colour} * 65535 + alpha / 2U) / alpha;
   return static_cast<std::uint16_t>(std::min<std::uint64_t>(quotient, 65535));
+}
+
+bool ParsePremultiplied(const std::string& name, const std::string& text) {
+  if (text == "premultiplied" || text == "as-is") {
+    return text == "premultiplied";
+  }
+  throw UsageError(name + " " + text + ": allowed is premultiplied or as-is");
 }
 
 void Premultiply(Picture* picture) {

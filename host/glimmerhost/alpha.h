@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "host/pictures/picture.h"
 
@@ -12,6 +13,11 @@ std::uint16_t Multiplied(std::uint16_t colour, std::uint16_t alpha);
 
 // colour / alpha, to the nearest and at most 65535. Alpha 0 gives 0.
 std::uint16_t Divided(std::uint16_t colour, std::uint16_t alpha);
+
+// Whether files with straight alpha are to be premultiplied, by "premultiplied" or "as-is".
+//   name  how the text's origin is called in an error
+// Throws UsageError.
+bool ParsePremultiplied(const std::string& name, const std::string& text);
 
 // Pictures that are not straight, or not premultiplied, are left as they are.
 void Premultiply(Picture* picture);

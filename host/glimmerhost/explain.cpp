@@ -80,7 +80,7 @@ void ListFiles(const ShotPlan& plan, std::ostream& out) {
 void Explain(const Page& page, const ShotSettings& settings, const ShotPlan& plan,
              std::ostream& out) {
   const Picture picture = FirstPicture(plan);
-  const ShotValues values(page, settings.values, picture.width, picture.height,
+  const ShotValues values(page, settings.layers, picture.width, picture.height,
                           {plan.lowest, plan.highest});
   std::vector<int> frames;
   std::map<int, std::vector<int>> byGrid;

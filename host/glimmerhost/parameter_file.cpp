@@ -1,99 +1,124 @@
 #include "host/glimmerhost/parameter_file.h"
 
 #include <algorithm>
-#include <exception>
+#include <cstddef>
+#include <cstdint>
+#include <fstream>
+#include <set>
+#include <system_error>
 #include <vector>
 
+#include "host/glimmerhost/alpha.h"
+#include "host/glimmerhost/measures.h"
 #include "host/glimmerhost/nearest.h"
+#include "host/glimmerhost/parameter_entries.h"
 #include "host/glimmerhost/text.h"
-#include "host/glimmerhost/toml_file.h"
 #include "host/support/failure.h"
 
 namespace glimmerhost {
 namespace {
 
-struct TextName {
-  const char* name;
-  std::string TypedValues::*value;
-};
+namespace fs = std::filesystem;
 
-constexpr TextName kTexts[] = {
-    {"shape", &TypedValues::shape},
-    {"radius", &TypedValues::radius},
-    {"radius-x", &TypedValues::radiusX},
-    {"radius-y", &TypedValues::radiusY},
-    {"sides", &TypedValues::sides},
-    {"rotation", &TypedValues::rotation},
-    {"emphasis", &TypedValues::emphasis},
-    {"center", &TypedValues::center},
-    {"radius-psf1", &TypedValues::radiusPsf1},
-    {"radius-psf2", &TypedValues::radiusPsf2},
-    {"match", &TypedValues::match},
-    {"emph-alpha", &TypedValues::emphAlpha},
-};
+constexpr const char* kVersion = "version";
 
-// As a person would have typed it on the command line.
-std::string AsTyped(const std::string& name, const toml::node& node) {
-  if (const auto text = node.value_exact<std::string>()) {
-    return *text;
+std::string ReadText(const fs::path& file) {
+  constexpr std::uintmax_t kLargest = 1 << 20;
+  const auto fail = [&](const std::string& why) { throw Failure(file.string() + ": " + why); };
+  std::error_code error;
+  if (!fs::exists(file, error)) {
+    throw MissingInput(file.string() + ": there is no such file");
   }
-  if (const auto on = node.value_exact<bool>()) {
-    return *on ? "on" : "off";
+  if (!fs::is_regular_file(file, error)) {
+    fail("it is not a file");
   }
-  if (const auto number = node.value<double>()) {
-    return Shortest(*number);
+  const std::uintmax_t size = fs::file_size(file, error);
+  if (size == 0) {
+    fail("it is empty");
   }
-  throw UsageError(name + ": allowed is a text, a number, true or false");
+  if (error || size > kLargest) {
+    fail("it is no parameter file: it has more than a million bytes");
+  }
+  std::string text(static_cast<std::size_t>(size), '\0');
+  std::ifstream in(file, std::ios::binary);
+  if (!in.read(text.data(), static_cast<std::streamsize>(size))) {
+    fail("it cannot be read");
+  }
+  return text;
 }
 
-[[noreturn]] void RefuseName(const std::string& file, const std::string& name) {
-  std::vector<std::string> names;
-  for (const TextName& known : kTexts) {
+[[noreturn]] void RefuseName(const ParameterEntry& entry) {
+  std::vector<std::string> names = {kVersion};
+  for (const LookName& known : LookNames()) {
     names.emplace_back(known.name);
   }
-  throw UsageError(file + ": " + name + ": there is no such parameter; the nearest is " +
+  const std::string name = OneLine(entry.name);
+  throw UsageError(entry.place + name + ": there is no such parameter; the nearest is " +
                    Nearest(name, names));
 }
 
-void Read(const std::string& file, const std::string& name, const toml::node& node,
-          TypedValues* values) {
-  const std::string typed = AsTyped(file + ": " + name, node);
-  if (name.starts_with("PRM_")) {
-    values->set.push_back(name + "=" + typed);
-    return;
+void CheckText(const ParameterEntry& entry) {
+  const std::string name = entry.place + OneLine(entry.name);
+  if (entry.text.empty() || OneLine(entry.text, entry.text.size()) != entry.text) {
+    throw UsageError(name + ": allowed is a text of one line that is not empty");
   }
-  for (const TextName& known : kTexts) {
-    if (name == known.name) {
-      values->*known.value = typed;
-      return;
-    }
+  if (entry.name == "alpha") {
+    ParsePremultiplied(name, entry.text);
+  } else if (entry.name == "pixel-aspect") {
+    ParseRatio(name, entry.text);
   }
-  RefuseName(file, name);
 }
 
-toml::table Parse(const std::filesystem::path& file) {
-  try {
-    return ParseTomlFile(file);
-  } catch (const toml::parse_error& fault) {
-    std::string place = file.string();
-    if (const auto line = fault.source().begin.line; line != 0) {
-      place += ':';
-      place += std::to_string(line);
-    }
-    throw Failure(place.append(": it cannot be read as parameters: ").append(fault.description()));
-  } catch (const std::exception& fault) {
-    throw Failure(file.string() + ": it cannot be read as parameters: " + fault.what());
+void CheckVersion(const ParameterEntry& entry) {
+  if (!entry.wholeNumber || entry.text != "1") {
+    throw UsageError(entry.place + kVersion + " " + OneLine(entry.text) +
+                     ": allowed is the whole number 1");
   }
+}
+
+void Put(const ParameterEntry& entry, Look* look) {
+  if (entry.name == kVersion) {
+    CheckVersion(entry);
+    return;
+  }
+  CheckText(entry);
+  if (entry.name.starts_with("PRM_")) {
+    look->values.set.push_back(entry.name + "=" + entry.text);
+    return;
+  }
+  const auto names = LookNames();
+  const auto known = std::find_if(names.begin(), names.end(),
+                                  [&](const LookName& name) { return name.name == entry.name; });
+  if (known == names.end()) {
+    RefuseName(entry);
+  }
+  TextOf(*known, look) = entry.text;
 }
 
 }  // namespace
 
-TypedValues ReadParameterFile(const std::filesystem::path& file) {
-  TypedValues values;
-  for (const auto& [name, node] : Parse(file)) {
-    Read(file.string(), std::string(name.str()), node, &values);
+bool IsJson(const fs::path& file) { return file.extension() == ".json"; }
+
+Look ReadParameterFile(const fs::path& file) { return ParseParameters(file, ReadText(file)); }
+
+Look ParseParameters(const fs::path& file, const std::string& text) {
+  const bool isJson = IsJson(file);
+  const auto entries = isJson ? JsonEntries(file.string(), text) : TomlEntries(file.string(), text);
+  Look look;
+  std::set<std::string> seen;
+  for (const ParameterEntry& entry : entries) {
+    if (!seen.insert(entry.name).second) {
+      throw UsageError(entry.place + OneLine(entry.name) + ": allowed is each name once");
+    }
+    Put(entry, &look);
   }
-  return values;
+  if (isJson && !seen.contains(kVersion)) {
+    throw UsageError(file.string() + ": version is missing; allowed is \"version\": 1");
+  }
+  if (!look.spread.empty()) {
+    look.spread = (file.parent_path() / look.spread).lexically_normal().string();
+  }
+  return look;
 }
 
 }  // namespace glimmerhost

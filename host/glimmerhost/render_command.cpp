@@ -3,10 +3,13 @@
 #include <filesystem>
 #include <optional>
 
+#include "host/glimmerhost/alpha.h"
 #include "host/glimmerhost/effect_module.h"
 #include "host/glimmerhost/explain.h"
+#include "host/glimmerhost/look_layers.h"
 #include "host/glimmerhost/measures.h"
 #include "host/glimmerhost/page_file.h"
+#include "host/glimmerhost/parameter_file.h"
 #include "host/glimmerhost/processors.h"
 #include "host/glimmerhost/shot_render.h"
 #include "host/glimmerhost/shot_report.h"
@@ -28,18 +31,12 @@ int ParseBits(const std::string& text) {
   throw UsageError("--bits " + text + ": allowed is 8 or 16");
 }
 
-bool ParsePremultiplied(const std::string& text) {
-  if (text == "premultiplied" || text == "as-is") {
-    return text == "premultiplied";
-  }
-  throw UsageError("--alpha " + text + ": allowed is premultiplied or as-is");
-}
-
 ShotSettings ParseSettings(const RenderOptions& options) {
   ShotSettings settings;
-  settings.values = options.values;
-  settings.premultiplied = ParsePremultiplied(options.alpha);
+  settings.layers = ReadLayers(options);
+  settings.premultiplied = ParsePremultiplied("--alpha", options.alpha);
   settings.bits = ParseBits(options.bits);
+  settings.reading.range = RangeMapping::Parse(options.range);
   if (!options.pixelAspect.empty()) {
     settings.pixelAspect = ParseRatio("--pixel-aspect", options.pixelAspect);
   }
@@ -66,6 +63,9 @@ int RunRender(const RenderOptions& options, std::ostream& out) {
   if (options.explain) {
     Explain(page, settings, plan, out);
     return kExitDone;
+  }
+  if (!options.saveParams.empty()) {
+    SaveParameters(options.saveParams, UsedLook(page, settings.layers), options.overwrite);
   }
   ShotReport report(form, plan.files.size(), plan.isShot);
   {

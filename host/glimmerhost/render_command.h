@@ -11,8 +11,8 @@ namespace glimmerhost {
 // Without a pixel aspect the file's own counts. Input, output and spread may be names of sequences.
 struct RenderOptions : RunOptions {
   std::string input;
-  std::string alpha = "premultiplied";
-  std::string bits;    // 8, 16, or empty for the input's
+  std::string bits;  // 8, 16, or empty for the input's
+  std::string range = "clip";
   std::string frames;  // a list; empty for what the input's name or its folder says
   std::string chunk;   // K/N
   bool keepGoing = false;
@@ -21,7 +21,8 @@ struct RenderOptions : RunOptions {
   bool explain = false;
   bool dryRun = false;
   std::string progress = "auto";
-  std::string manifest;  // a file; empty for none
+  std::string manifest;    // a file; empty for none
+  std::string saveParams;  // a file for what was used; empty for none
 };
 
 // Renders, or only tells what would be done. Returns the program's exit code. Throws Failure or

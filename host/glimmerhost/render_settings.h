@@ -12,7 +12,8 @@ namespace glimmerhost {
 // Options as they were typed; an empty text is an option that was not given. Each may be a value
 // or keyframes.
 struct TypedValues {
-  std::string file;  // a parameter file, whose values these go over
+  std::string preset;  // its name
+  std::string file;    // a parameter file, whose values go over the preset's, and these over both
   std::string shape;
   std::string radius;
   std::string radiusX;
@@ -26,6 +27,8 @@ struct TypedValues {
   std::string radiusPsf1;
   std::string radiusPsf2;
   std::vector<std::string> set;  // KEY=VALUE
+
+  bool operator==(const TypedValues&) const = default;
 };
 
 }  // namespace glimmerhost

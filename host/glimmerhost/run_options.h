@@ -3,17 +3,14 @@
 
 #include <string>
 
-#include "host/glimmerhost/render_settings.h"
+#include "host/glimmerhost/look.h"
 
 namespace glimmerhost {
 
 // An empty text is an option that was not given.
-struct RunOptions {
+struct RunOptions : Look {
   std::string output;
-  TypedValues values;
-  std::string spread;       // a picture file
-  std::string pixelAspect;  // A:B
-  std::string threads;      // a count; empty for every processor
+  std::string threads;  // a count; empty for every processor
   bool overwrite = false;
   bool quiet = false;
   std::string module;  // a module file; empty for the one beside the program

@@ -77,7 +77,8 @@ void ShotRender::Load(Work* work) {
   if (manifest_ != nullptr) {
     work->inputHash = FileHash(work->files.input);
   }
-  work->picture = ReadNoting(work->files.input, &work->report.remarks);
+  work->picture = ReadPicture(work->files.input, settings_.reading, &work->found);
+  work->report.remarks = work->found.lines;
   Picture& picture = work->picture;
   FrameInput& input = work->input;
   input.frame = work->files.frame;
@@ -128,13 +129,15 @@ void ShotRender::Note(const Work& work) const {
   }
   entry.versions = settings_.versions;
   entry.seconds = work.report.seconds;
+  entry.clippedSamples = work.found.cut + work.found.infinite;
+  entry.notNumbers = work.found.notNumbers;
   manifest_->Add(entry);
 }
 
 std::map<std::string, Value> ShotRender::ValuesOf(int frame, const Picture& picture) {
   const std::pair<int, int> size{picture.width, picture.height};
   if (!values_ || valuesSize_ != size) {
-    values_ = std::make_unique<ShotValues>(page_, settings_.values, picture.width, picture.height,
+    values_ = std::make_unique<ShotValues>(page_, settings_.layers, picture.width, picture.height,
                                            ShotSpan{plan_.lowest, plan_.highest});
     valuesSize_ = size;
   }

@@ -9,8 +9,8 @@
 
 #include "host/glimmerhost/effect_module.h"
 #include "host/glimmerhost/frame_renderer.h"
+#include "host/glimmerhost/look_layers.h"
 #include "host/glimmerhost/page.h"
-#include "host/glimmerhost/render_settings.h"
 #include "host/glimmerhost/shot_report.h"
 #include "host/glimmerhost/shot_values.h"
 #include "host/pictures/picture.h"
@@ -21,7 +21,8 @@
 namespace glimmerhost {
 
 struct ShotSettings {
-  TypedValues values;
+  std::vector<LookLayer> layers;
+  ReadOptions reading;
   bool premultiplied = true;
   int bits = 0;                       // 0 for the input's
   quantel::cSize2 pixelAspect{0, 0};  // 0:0 for the file's
@@ -58,6 +59,7 @@ class ShotRender {
     Alpha alphaBefore = Alpha::kNone;
     FrameInput input;
     quantel::cPtr<FrameImage> result;
+    ReadReport found;
     std::string inputHash;  // empty where no manifest is asked for
   };
 

@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "host/glimmerhost/measures.h"
-#include "host/glimmerhost/parameter_file.h"
 #include "host/support/failure.h"
 
 namespace glimmerhost {
@@ -109,13 +108,14 @@ class ShotValues::Setter {
   std::map<std::string, Track>& tracks_;
 };
 
-ShotValues::ShotValues(const Page& page, const TypedValues& typed, int width, int height,
-                       const ShotSpan& span)
+ShotValues::ShotValues(const Page& page, const std::vector<LookLayer>& layers, int width,
+                       int height, const ShotSpan& span)
     : span_(span) {
   for (const Parameter& parameter : page.Parameters()) {
     tracks_[parameter.key] = {parameter, {{0, Course::kHeld, parameter.initial}}};
   }
-  const auto apply = [&](const TypedValues& values, const std::string& origin) {
+  for (const auto& [origin, look] : layers) {
+    const TypedValues& values = look.values;
     Setter set(page, span_, origin, &tracks_);
     set.Text("PRM_Shape", "shape", values.shape);
     set.Text("PRM_Match", "match", values.match);
@@ -133,11 +133,7 @@ ShotValues::ShotValues(const Page& page, const TypedValues& typed, int width, in
     for (const std::string& assignment : values.set) {
       set.Assignment(assignment);
     }
-  };
-  if (!typed.file.empty()) {
-    apply(ReadParameterFile(typed.file), typed.file + ": ");
   }
-  apply(typed, "--");
 }
 
 std::map<std::string, Value> ShotValues::At(int frame) const {

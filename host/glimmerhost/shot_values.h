@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "host/glimmerhost/look_layers.h"
 #include "host/glimmerhost/page.h"
-#include "host/glimmerhost/render_settings.h"
 #include "host/shots/keyframes.h"
 
 namespace glimmerhost {
@@ -19,11 +19,15 @@ struct ShotSpan {
 
 class ShotValues {
  public:
-  // The page's defaults, then the parameter file's, then the options and what --set says, for
-  // pictures of that size. Throws UsageError for a value that the page does not allow, and what
-  // reading the file throws.
-  ShotValues(const Page& page, const TypedValues& typed, int width, int height,
+  // The page's defaults, then layer by layer the options and what --set says, for pictures of
+  // that size. Throws UsageError for a value that the page does not allow.
+  ShotValues(const Page& page, const std::vector<LookLayer>& layers, int width, int height,
              const ShotSpan& span);
+
+  // The same for what was typed. Throws what reading its files throws, too.
+  ShotValues(const Page& page, const TypedValues& typed, int width, int height,
+             const ShotSpan& span)
+      : ShotValues(page, ReadLayers({typed, {}, {}, {}}), width, height, span) {}
 
   // The values of a frame, whatever frames are asked for before it.
   std::map<std::string, Value> At(int frame) const;

@@ -1,5 +1,6 @@
 #include "host/glimmerhost/text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstddef>
@@ -54,6 +55,18 @@ std::string Shortest(double value) {
   std::array<char, 32> buffer{};
   const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
   return {buffer.data(), end.ptr};
+}
+
+std::string OneLine(std::string_view text, std::size_t longest) {
+  std::size_t size = std::min(text.size(), longest);
+  // Not within a character.
+  while (size > 0 && size < text.size() && (text[size] & 0xC0) == 0x80) {
+    --size;
+  }
+  std::string line(text.substr(0, size));
+  std::replace_if(
+      line.begin(), line.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, ' ');
+  return size < text.size() ? line + "..." : line;
 }
 
 }  // namespace glimmerhost

@@ -1,6 +1,7 @@
 // Between the border's 16-bit text and the program's UTF-8.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -14,5 +15,9 @@ std::u16string ToWide(std::string_view ascii);
 
 // A number in its shortest form that reads back as the same: "0.02", "3600".
 std::string Shortest(double value);
+
+// For a line of a message: control characters become blanks, and what is longer than so many
+// bytes of UTF-8 ends in three dots.
+std::string OneLine(std::string_view text, std::size_t longest = 200);
 
 }  // namespace glimmerhost

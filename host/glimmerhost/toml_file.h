@@ -1,9 +1,9 @@
 // TOML from a file, whatever letters its name has.
 #pragma once
 
-#include <toml++/toml.h>
-
 #include <filesystem>
+
+#include "host/glimmerhost/toml_library.h"
 
 namespace glimmerhost {
 

@@ -23,7 +23,8 @@ Json ToJson(const ManifestEntry& entry) {
           {"parameters", entry.parameters},
           {"versions", entry.versions},
           {"seconds", entry.seconds},
-          {"clipped_samples", entry.clippedSamples}};
+          {"clipped_samples", entry.clippedSamples},
+          {"not_numbers", entry.notNumbers}};
 }
 
 ManifestEntry FromJson(const Json& json) {
@@ -37,6 +38,7 @@ ManifestEntry FromJson(const Json& json) {
   json.at("versions").get_to(entry.versions);
   json.at("seconds").get_to(entry.seconds);
   json.at("clipped_samples").get_to(entry.clippedSamples);
+  json.at("not_numbers").get_to(entry.notNumbers);
   return entry;
 }
 

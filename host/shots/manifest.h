@@ -20,6 +20,7 @@ struct ManifestEntry {
   std::map<std::string, std::string> versions;    // of the program and the module
   double seconds = 0.0;                           // of the effect's own work
   std::uint64_t clippedSamples = 0;
+  std::uint64_t notNumbers = 0;  // samples that were none, and became 0
 };
 
 // Written line by line, so that what a run has done stays known however it ends.
