@@ -107,6 +107,8 @@ int RunCommandLine(const std::vector<std::string>& arguments) {
     return Run(arguments);
   } catch (const UsageError& fault) {
     return Complain(fault.what(), kExitUsage);
+  } catch (const MissingInput& fault) {
+    return Complain(fault.what(), kExitMissing);
   } catch (const std::bad_alloc&) {
     return Complain("there is not enough memory for this picture", kExitFailed);
   } catch (const std::exception& fault) {

@@ -80,8 +80,7 @@ void ListFiles(const ShotPlan& plan, std::ostream& out) {
 void Explain(const Page& page, const ShotSettings& settings, const ShotPlan& plan,
              std::ostream& out) {
   const Picture picture = FirstPicture(plan);
-  const ShotValues values(page, settings.layers, picture.width, picture.height,
-                          {plan.lowest, plan.highest});
+  const ShotValues values(page, settings.layers, picture.width, picture.height, SpanOf(plan));
   std::vector<int> frames;
   std::map<int, std::vector<int>> byGrid;
   double radius = 0.0;

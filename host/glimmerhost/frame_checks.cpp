@@ -84,9 +84,9 @@ bool IsLitDisc(const std::map<std::string, Value>& values, const Samples& pictur
   for (int y = 0; y < picture.height; ++y) {
     for (int x = 0; x < picture.width; ++x) {
       const std::uint16_t* pixel = picture.At(x, y);
-      lit += std::hypot(x + 0.5 - middleX,
-                        y + 0.5 - middleY)<radius&& * std::max_element(pixel, pixel + 3)>
-                     kLit ? 1 : 0;
+      const std::uint16_t brightest = std::max({pixel[0], pixel[1], pixel[2]});
+      const bool inside = std::hypot(x + 0.5 - middleX, y + 0.5 - middleY) < radius;
+      lit += inside && brightest > kLit ? 1 : 0;
     }
   }
   return lit > 1;
@@ -94,7 +94,8 @@ bool IsLitDisc(const std::map<std::string, Value>& values, const Samples& pictur
 
 }  // namespace
 
-void CheckGrid(const std::map<std::string, Value>& values, int width, int height) {
+void CheckGrid(const std::map<std::string, Value>& values, int width, int height,
+               std::uint64_t held) {
   const Foresight foresight = Foresee(values, width, height);
   if (foresight.grid == 0) {
     throw Failure("a picture of " + std::to_string(width) + " x " + std::to_string(height) +
@@ -103,7 +104,7 @@ void CheckGrid(const std::map<std::string, Value>& values, int width, int height
                   "one more, may come to 8192 pixels at most");
   }
   const std::uint64_t available = AvailableMemory();
-  if (available != 0 && foresight.effectBytes > available) {
+  if (available != 0 && foresight.effectBytes > available + held) {
     throw Failure("a picture of " + std::to_string(width) + " x " + std::to_string(height) +
                   " needs " + std::to_string(foresight.effectBytes / kMebibyte) +
                   " MiB for the effect, and this machine has " +

@@ -2,6 +2,7 @@
 // leaves it as a copy of its source.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <string>
 
@@ -12,7 +13,9 @@ namespace glimmerhost {
 
 // Throws Failure if the effect cannot take a picture of that size with these values: its grid
 // would be too large, or there is not the memory for it.
-void CheckGrid(const std::map<std::string, Value>& values, int width, int height);
+//   held  bytes that the effect holds already from the frame before
+void CheckGrid(const std::map<std::string, Value>& values, int width, int height,
+               std::uint64_t held = 0);
 
 // Throws Failure if the result is the source as it passes the border in 15 bits, though the
 // aperture is larger than a pixel and the source has neighbours that differ. Alpha does not

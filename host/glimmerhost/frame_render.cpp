@@ -69,9 +69,8 @@ void RenderPicture(const EffectModule& module, const std::map<std::string, Value
   renderer.Render(input)->CopyTo(picture);
 }
 
-void SettleAlpha(const PictureOutput& output, Alpha before, Picture* picture) {
-  if (output.Format().straightOnly ||
-      (before == Alpha::kStraight && !output.Format().premultipliedOnly)) {
+void SettleAlpha(const OutputFormat& format, Alpha before, Picture* picture) {
+  if (format.straightOnly || (before == Alpha::kStraight && !format.premultipliedOnly)) {
     Unpremultiply(picture);
   }
 }

@@ -38,6 +38,6 @@ void RenderPicture(const EffectModule& module, const std::map<std::string, Value
 
 // Alpha of a picture that was premultiplied for the effect, as the output's format has it, or
 // as it was before.
-void SettleAlpha(const PictureOutput& output, Alpha before, Picture* picture);
+void SettleAlpha(const OutputFormat& format, Alpha before, Picture* picture);
 
 }  // namespace glimmerhost

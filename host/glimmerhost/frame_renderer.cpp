@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "host/glimmerhost/foresight.h"
 #include "host/glimmerhost/parameter_store.h"
 
 namespace glimmerhost {
@@ -33,6 +34,10 @@ bool FrameRenderer::MayKeep(const Aperture& now) const {
   return (shape == now.values.end() || shape->second != Value(kImageShape)) &&
          now.values == before_.values && Same(now.size, before_.size) &&
          Same(now.pixelAspect, before_.pixelAspect);
+}
+
+std::uint64_t FrameRenderer::HeldBytes() const {
+  return render_ ? Foresee(before_.values, before_.size.first, before_.size.second).effectBytes : 0;
 }
 
 quantel::cPtr<FrameImage> FrameRenderer::Render(const FrameInput& input) {

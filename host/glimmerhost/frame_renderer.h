@@ -1,6 +1,7 @@
 // FrameRenderer: frames through the effect's border, one after another.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <string>
 
@@ -33,6 +34,9 @@ class FrameRenderer {
 
   // What the effect makes of the frame. Throws Failure.
   quantel::cPtr<FrameImage> Render(const FrameInput& input);
+
+  // What the effect may hold since the last frame, in bytes: it frees it or takes it again.
+  std::uint64_t HeldBytes() const;
 
  private:
   // What the module builds its aperture from.

@@ -17,6 +17,7 @@
 #include "host/shots/manifest.h"
 #include "host/shots/shot_plan.h"
 #include "host/support/failure.h"
+#include "host/support/system.h"
 
 namespace glimmerhost {
 namespace {
@@ -47,11 +48,33 @@ ShotSettings ParseSettings(const RenderOptions& options) {
   return settings;
 }
 
+// What cannot be done where pictures come one after another and are gone then.
+void CheckPipes(const RenderOptions& options) {
+  const auto refuse = [](bool given, const char* option, const char* where) {
+    if (given) {
+      throw UsageError(std::string(option) + ": allowed where " + where +
+                       " is a file, not a pipe (-)");
+    }
+  };
+  if (options.input == kPipe) {
+    refuse(options.explain, "--explain", "INPUT");
+    refuse(options.dryRun, "--dry-run", "INPUT");
+  }
+  if (options.output == kPipe) {
+    refuse(options.skipExisting, "--skip-existing", "-o");
+    // A gap would give all frames behind it other numbers.
+    refuse(options.keepGoing, "--keep-going", "-o");
+    refuse(!options.manifest.empty(), "--manifest", "-o");
+    refuse(options.bits == "8", "--bits 8", "-o");
+  }
+}
+
 }  // namespace
 
 int RunRender(const RenderOptions& options, std::ostream& out) {
   ShotSettings settings = ParseSettings(options);
   const ShotReport::Form form = ShotReport::ParseForm(options.progress, options.quiet);
+  CheckPipes(options);
   const ShotPlan plan =
       PlanShot({options.input, options.output, options.spread, options.frames, options.chunk});
   if (options.dryRun) {
@@ -67,6 +90,7 @@ int RunRender(const RenderOptions& options, std::ostream& out) {
   if (!options.saveParams.empty()) {
     SaveParameters(options.saveParams, UsedLook(page, settings.layers), options.overwrite);
   }
+  UseBinaryStreams();
   ShotReport report(form, plan.files.size(), plan.isShot);
   {
     const std::filesystem::path file = ModuleFileOf(options.module);

@@ -84,7 +84,7 @@ void SessionPlayer::Render() {
 void SessionPlayer::Save(const std::filesystem::path& file, bool withHandles) {
   PictureOutput output(file, options_.overwrite);
   Picture picture = Shown();
-  SettleAlpha(output, alpha_, &picture);
+  SettleAlpha(output.Format(), alpha_, &picture);
   if (withHandles) {
     session_->PaintHandles(&picture);
   }

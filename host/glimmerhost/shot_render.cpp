@@ -1,7 +1,8 @@
 #include "host/glimmerhost/shot_render.h"
 
 #include <chrono>
-#include <exception>
+#include <cstdio>
+#include <future>
 #include <new>
 #include <system_error>
 #include <variant>
@@ -18,72 +19,187 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Does the work of a frame. What goes wrong becomes the frame's.
-template <class FrameWork>
-void Try(FrameReport* report, const FrameWork& work) {
-  try {
-    work();
-  } catch (const UsageError&) {
-    throw;
-  } catch (const MissingInput& fault) {
-    report->state = FrameState::kMissing;
-    report->fault = fault.what();
-  } catch (const std::bad_alloc&) {
-    report->state = FrameState::kFailed;
-    report->fault = "there is not enough memory for this picture";
-  } catch (const std::exception& fault) {
-    report->state = FrameState::kFailed;
-    report->fault = fault.what();
+// How many frames wait between two threads. One is enough: none waits long for the effect.
+constexpr std::size_t kWaiting = 1;
+
+// What a PAM picture holds.
+const OutputFormat kPamFormat{"pam", true, true, false, false};
+
+// However a thread's loop ends, those beside it must not wait for it.
+template <class Channel>
+class ClosedAtEnd {
+ public:
+  ClosedAtEnd(Channel* from, Channel* to) : from_(from), to_(to) {}
+  ~ClosedAtEnd() {
+    if (from_ != nullptr) {
+      from_->Abandon();
+    }
+    if (to_ != nullptr) {
+      to_->Close();
+    }
   }
-}
+  ClosedAtEnd(const ClosedAtEnd&) = delete;
+  ClosedAtEnd& operator=(const ClosedAtEnd&) = delete;
+
+ private:
+  Channel* from_;
+  Channel* to_;
+};
 
 }  // namespace
 
+ShotRender::ShotRender(const Page& page, const ShotSettings& settings, const ShotPlan& plan,
+                       const EffectModule& module, Manifest* manifest)
+    : page_(page),
+      settings_(settings),
+      plan_(plan),
+      renderer_(module, settings.carryPsf),
+      manifest_(manifest),
+      pipe_(stdin, "standard input") {}
+
 void ShotRender::Run(ShotReport* report) {
-  for (const FrameFiles& files : plan_.files) {
-    Work work;
-    work.files = files;
-    work.report.frame = files.frame;
-    work.report.output = files.output.string();
-    Try(&work.report, [&] {
-      Load(&work);
-      if (work.report.state == FrameState::kDone) {
-        Render(&work);
-        Write(&work);
-      }
-    });
-    report->Add(work.report);
-    const FrameState state = work.report.state;
-    if (!settings_.keepGoing && (state == FrameState::kFailed || state == FrameState::kMissing)) {
-      break;
+  Works loaded(kWaiting);
+  Works rendered(kWaiting);
+  auto loading = std::async(std::launch::async, [&] { LoadAll(&loaded); });
+  auto writing = std::async(std::launch::async, [&] { WriteAll(&rendered, report); });
+  RenderAll(&loaded, &rendered);
+  loading.get();
+  writing.get();
+}
+
+// Does the work of a frame. What goes wrong becomes the frame's.
+template <class FrameWork>
+void ShotRender::Try(Work* work, const FrameWork& frameWork) {
+  if (work->report.state != FrameState::kDone || work->usage) {
+    return;
+  }
+  FrameReport& report = work->report;
+  try {
+    frameWork();
+  } catch (const UsageError&) {
+    work->usage = std::current_exception();
+  } catch (const MissingInput& fault) {
+    report.state = FrameState::kMissing;
+    report.fault = fault.what();
+  } catch (const std::bad_alloc&) {
+    report.state = FrameState::kFailed;
+    report.fault = "there is not enough memory for this picture";
+  } catch (const std::exception& fault) {
+    report.state = FrameState::kFailed;
+    report.fault = fault.what();
+  }
+}
+
+bool ShotRender::IsOver(const Work& work) const {
+  const FrameState state = work.report.state;
+  return work.isLast || work.usage ||
+         (!settings_.keepGoing && (state == FrameState::kFailed || state == FrameState::kMissing));
+}
+
+void ShotRender::LoadAll(Works* loaded) {
+  const ClosedAtEnd<Works> end(nullptr, loaded);
+  for (std::size_t place = 0;; ++place) {
+    const std::optional<FrameFiles> files = FilesAt(place);
+    if (!files) {
+      return;
+    }
+    auto work = std::make_unique<Work>();
+    work->files = *files;
+    work->report.frame = files->frame;
+    work->report.output = files->output.string();
+    Try(work.get(), [&] { Load(work.get()); });
+    const bool isOver = IsOver(*work);
+    if (work->isNone || !loaded->Put(std::move(work)) || isOver) {
+      return;
     }
   }
 }
 
-void ShotRender::Render(Work* work) {
-  using Clock = std::chrono::steady_clock;
-  const Clock::time_point start = Clock::now();
-  work->result = renderer_.Render(work->input);
-  work->report.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+void ShotRender::RenderAll(Works* loaded, Works* rendered) {
+  const ClosedAtEnd<Works> end(loaded, rendered);
+  while (std::optional<std::unique_ptr<Work>> work = loaded->Take()) {
+    Try(work->get(), [&] { Render(work->get()); });
+    const bool isOver = IsOver(**work);
+    if (!rendered->Put(std::move(*work)) || isOver) {
+      return;
+    }
+  }
+}
+
+void ShotRender::WriteAll(Works* rendered, ShotReport* report) {
+  const ClosedAtEnd<Works> end(rendered, nullptr);
+  while (const std::optional<std::unique_ptr<Work>> taken = rendered->Take()) {
+    Work& work = **taken;
+    Try(&work, [&] { Write(&work); });
+    if (work.usage) {
+      std::rethrow_exception(work.usage);
+    }
+    report->Add(work.report);
+    if (IsOver(work)) {
+      return;
+    }
+  }
+}
+
+std::optional<FrameFiles> ShotRender::FilesAt(std::size_t place) const {
+  if (plan_.filesOf) {
+    return plan_.filesOf(static_cast<int>(place) + 1);
+  }
+  return place < plan_.files.size() ? std::optional(plan_.files[place]) : std::nullopt;
+}
+
+void ShotRender::TakeFromPipe(Work* work) {
+  // Behind what is broken no next picture can be found.
+  work->isLast = true;
+  std::optional<Picture> picture = pipe_.Next();
+  if (!picture) {
+    work->isNone = plan_.filesOf && taken_ > 0;
+    if (!work->isNone) {
+      throw MissingInput(pipe_.Name() +
+                         (taken_ == 0 ? ": it holds no picture"
+                                      : ": it ends after " + std::to_string(taken_) + " pictures"));
+    }
+    return;
+  }
+  ++taken_;
+  work->isLast = false;
+  work->picture = std::move(*picture);
+  if (taken_ == plan_.files.size() && !pipe_.IsAtEnd()) {
+    work->report.remarks.push_back(pipe_.Name() + " holds more pictures than were asked for");
+  }
+}
+
+void ShotRender::TakePicture(Work* work) {
+  const fs::path& file = work->files.input;
+  if (file != kPipe) {
+    work->picture = ReadPicture(file, settings_.reading, &work->found);
+    work->report.remarks = work->found.lines;
+  }
+  if (manifest_ != nullptr) {
+    work->inputHash = file == kPipe ? SamplesHash(work->picture.samples) : FileHash(file);
+  }
 }
 
 void ShotRender::Load(Work* work) {
+  if (work->files.input == kPipe) {
+    TakeFromPipe(work);
+    if (work->isNone) {
+      return;
+    }
+  }
   std::error_code error;
   if (settings_.skipExisting && fs::exists(work->files.output, error)) {
     work->report.state = FrameState::kSkipped;
     return;
   }
-  work->output = std::make_unique<PictureOutput>(work->files.output, settings_.overwrite);
-  if (manifest_ != nullptr) {
-    work->inputHash = FileHash(work->files.input);
+  if (work->files.output != kPipe) {
+    work->output = std::make_unique<PictureOutput>(work->files.output, settings_.overwrite);
   }
-  work->picture = ReadPicture(work->files.input, settings_.reading, &work->found);
-  work->report.remarks = work->found.lines;
+  TakePicture(work);
   Picture& picture = work->picture;
   FrameInput& input = work->input;
   input.frame = work->files.frame;
   input.values = ValuesOf(work->files.frame, picture);
-  CheckGrid(input.values, picture.width, picture.height);
   input.pixelAspect =
       settings_.pixelAspect.first == 0 ? picture.pixelAspect : settings_.pixelAspect;
   input.spread = SpreadOf(work);
@@ -104,14 +220,28 @@ void ShotRender::Load(Work* work) {
   input.source = quantel::cPtr<FrameImage>(new FrameImage(picture));
 }
 
+void ShotRender::Render(Work* work) {
+  // Not earlier: the frame before has given back by now what it took.
+  CheckGrid(work->input.values, work->picture.width, work->picture.height, renderer_.HeldBytes());
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point start = Clock::now();
+  work->result = renderer_.Render(work->input);
+  work->report.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+}
+
 void ShotRender::Write(Work* work) const {
   CheckRendered(work->input, work->result.Object());
   Picture& picture = work->picture;
   work->result->CopyTo(&picture);
+  const bool toPipe = !work->output;
   if (settings_.premultiplied) {
-    SettleAlpha(*work->output, work->alphaBefore, &picture);
+    SettleAlpha(toPipe ? kPamFormat : work->output->Format(), work->alphaBefore, &picture);
   }
-  work->output->Write(picture, settings_.bits == 0 ? picture.bits : settings_.bits);
+  if (toPipe) {
+    WritePam(picture, stdout, "standard output");
+  } else {
+    work->output->Write(picture, settings_.bits == 0 ? picture.bits : settings_.bits);
+  }
   if (manifest_ != nullptr) {
     Note(*work);
   }
@@ -138,7 +268,7 @@ std::map<std::string, Value> ShotRender::ValuesOf(int frame, const Picture& pict
   const std::pair<int, int> size{picture.width, picture.height};
   if (!values_ || valuesSize_ != size) {
     values_ = std::make_unique<ShotValues>(page_, settings_.layers, picture.width, picture.height,
-                                           ShotSpan{plan_.lowest, plan_.highest});
+                                           SpanOf(plan_));
     valuesSize_ = size;
   }
   return values_->At(frame);

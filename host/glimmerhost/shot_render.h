@@ -1,8 +1,13 @@
-// A shot through the effect, frame by frame.
+// A shot through the effect, frame by frame. While the effect works on one, the next is read and
+// the one before is written.
 #pragma once
 
+#include <cstddef>
+#include <exception>
+#include <filesystem>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,10 +18,12 @@
 #include "host/glimmerhost/page.h"
 #include "host/glimmerhost/shot_report.h"
 #include "host/glimmerhost/shot_values.h"
+#include "host/pictures/pam_stream.h"
 #include "host/pictures/picture.h"
 #include "host/pictures/picture_file.h"
 #include "host/shots/manifest.h"
 #include "host/shots/shot_plan.h"
+#include "host/support/channel.h"
 
 namespace glimmerhost {
 
@@ -35,18 +42,15 @@ struct ShotSettings {
 
 class ShotRender {
  public:
-  // All must outlive this.
+  // All must outlive this. Where the plan says kPipe, pictures come from stdin, or go to stdout.
   //   manifest  null where none is asked for
   ShotRender(const Page& page, const ShotSettings& settings, const ShotPlan& plan,
-             const EffectModule& module, Manifest* manifest)
-      : page_(page),
-        settings_(settings),
-        plan_(plan),
-        renderer_(module, settings.carryPsf),
-        manifest_(manifest) {}
+             const EffectModule& module, Manifest* manifest);
 
-  // Renders the plan's frames in their order. A frame that fails has no output; without keepGoing
-  // it is the last. Throws UsageError where the command is wrong for all of them.
+  // Renders the plan's frames in their order; the effect works on the calling thread. A frame that
+  // fails has no output; without keepGoing it is the last. Throws UsageError where the command is
+  // wrong for all of them.
+  //   report  is given one frame at a time, in order, and not by the calling thread
   void Run(ShotReport* report);
 
  private:
@@ -60,10 +64,26 @@ class ShotRender {
     FrameInput input;
     quantel::cPtr<FrameImage> result;
     ReadReport found;
-    std::string inputHash;  // empty where no manifest is asked for
+    std::string inputHash;     // empty where no manifest is asked for
+    std::exception_ptr usage;  // the command is wrong
+    bool isLast = false;       // nothing can be read after it
+    bool isNone = false;       // an open pipe was at its end
   };
+  using Works = Channel<std::unique_ptr<Work>>;
 
+  template <class FrameWork>
+  static void Try(Work* work, const FrameWork& frameWork);
+
+  // Each the loop of a thread.
+  void LoadAll(Works* loaded);
+  void RenderAll(Works* loaded, Works* rendered);
+  void WriteAll(Works* rendered, ShotReport* report);
+
+  bool IsOver(const Work& work) const;
+  std::optional<FrameFiles> FilesAt(std::size_t place) const;
   void Load(Work* work);
+  void TakeFromPipe(Work* work);
+  void TakePicture(Work* work);
   void Render(Work* work);
   void Write(Work* work) const;
   void Note(const Work& work) const;
@@ -75,6 +95,10 @@ class ShotRender {
   const ShotPlan& plan_;
   FrameRenderer renderer_;
   Manifest* manifest_;
+
+  // What follows is the loading thread's.
+  PamReader pipe_;
+  std::size_t taken_ = 0;  // pictures of the pipe
 
   // Values for pictures of one size, and a still for all frames.
   std::unique_ptr<ShotValues> values_;

@@ -95,7 +95,7 @@ void ShotReport::Add(const FrameReport& report) {
     line["output"] = report.output;
     line["seconds"] = report.seconds;
     line["index"] = seen;
-    line["count"] = count_;
+    line["count"] = count_ == 0 ? nlohmann::ordered_json() : nlohmann::ordered_json(count_);
     line["elapsed"] = Elapsed();
     if (!report.fault.empty()) {
       line["fault"] = report.fault;
@@ -115,8 +115,9 @@ void ShotReport::Add(const FrameReport& report) {
   if (form_ == Form::kBar) {
     ShowBar();
   } else if (form_ == Form::kLines && report.fault.empty()) {
-    Line(name + " (" + std::to_string(seen) + " of " + std::to_string(count_) +
-         "): " + report.output +
+    Line(name +
+         (count_ == 0 ? "" : " (" + std::to_string(seen) + " of " + std::to_string(count_) + ")") +
+         ": " + report.output +
          (report.state == FrameState::kSkipped ? " is there already"
                                                : ", " + Seconds(report.seconds)));
   }
@@ -127,14 +128,20 @@ void ShotReport::ShowBar() {
   const std::size_t done = Count(FrameState::kDone);
   const std::size_t seen =
       done + Count(FrameState::kSkipped) + Count(FrameState::kFailed) + Count(FrameState::kMissing);
-  const std::size_t filled = kWidth * seen / std::max<std::size_t>(count_, 1);
-  std::string line = "[" + std::string(filled, '=') + std::string(kWidth - filled, ' ') + "] " +
-                     std::to_string(seen) + " of " + std::to_string(count_);
+  std::string line = std::to_string(seen);
+  if (count_ != 0) {
+    const std::size_t filled = kWidth * seen / count_;
+    line = "[" + std::string(filled, '=') + std::string(kWidth - filled, ' ') + "] " + line +
+           " of " + std::to_string(count_);
+  }
   if (done > 0) {
     const double each = Elapsed() / static_cast<double>(done);
     char rate[48];
-    std::snprintf(rate, sizeof rate, ", %.2f frames/s, ", 1.0 / each);
-    line += rate + Clock(each * static_cast<double>(count_ - seen)) + " left";
+    std::snprintf(rate, sizeof rate, ", %.2f frames/s", 1.0 / each);
+    line += rate;
+    if (count_ != 0) {
+      line += ", " + Clock(each * static_cast<double>(count_ - seen)) + " left";
+    }
   }
   std::cerr << kClearLine << line << std::flush;
   barShown_ = true;
@@ -160,13 +167,15 @@ void ShotReport::Finish() {
     }
   } else if (!bad.empty()) {
     const std::size_t fine = Count(FrameState::kDone) + Count(FrameState::kSkipped);
-    Remark(std::to_string(bad.size()) + " of " + std::to_string(count_) + " frames failed (" +
+    const std::size_t count = count_ == 0 ? fine + bad.size() : count_;
+    Remark(std::to_string(bad.size()) + " of " + std::to_string(count) + " frames failed (" +
            ShowFrames(bad) + "), " + std::to_string(fine) + " are there" +
-           (fine + bad.size() < count_
+           (fine + bad.size() < count
                 ? "; --skip-existing resumes, --keep-going renders the rest all the same"
                 : ""));
   } else if (form_ != Form::kQuiet) {
-    Line(std::to_string(count_) + " frames, " + Clock(Elapsed()));
+    Line(std::to_string(Count(FrameState::kDone) + Count(FrameState::kSkipped)) + " frames, " +
+         Clock(Elapsed()));
   }
 }
 

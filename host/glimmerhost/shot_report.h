@@ -31,7 +31,7 @@ class ShotReport {
   // "auto": a bar where there is a terminal, lines elsewhere. Throws UsageError.
   static Form ParseForm(const std::string& text, bool quiet);
 
-  //   count   of the frames to come
+  //   count   of the frames to come; 0 if nobody knows
   //   isShot  false for one picture, which is not called a frame
   ShotReport(Form form, std::size_t count, bool isShot);
 

@@ -77,6 +77,11 @@ class ShotValues::Setter {
       track.values.push_back({0, Course::kHeld, parse(text)});
     } else {
       for (const KeyframeText& key : ParseKeyframes(name, text)) {
+        if (key.time < 0 && span_.isOpen) {
+          throw UsageError(name + " " + text + ": allowed is a time from the end (" +
+                           std::to_string(key.time) +
+                           ") where --frames says how many pictures the pipe holds");
+        }
         track.values.push_back({FromStart(key.time), key.course, parse(key.value)});
       }
       Order(name, text, &track.values);

@@ -8,6 +8,7 @@
 #include "host/glimmerhost/look_layers.h"
 #include "host/glimmerhost/page.h"
 #include "host/shots/keyframes.h"
+#include "host/shots/shot_plan.h"
 
 namespace glimmerhost {
 
@@ -15,7 +16,12 @@ namespace glimmerhost {
 struct ShotSpan {
   int lowest = 0;
   int highest = 0;
+  bool isOpen = false;  // nobody knows the highest
 };
+
+inline ShotSpan SpanOf(const ShotPlan& plan) {
+  return {plan.lowest, plan.highest, static_cast<bool>(plan.filesOf)};
+}
 
 class ShotValues {
  public:

@@ -197,6 +197,8 @@ std::optional<Picture> PamReader::Next() {
   return TakeSamples(TakeHeader());
 }
 
+bool PamReader::IsAtEnd() { return std::ungetc(std::getc(from_), from_) == EOF; }
+
 void WritePam(const Picture& picture, std::FILE* to, const std::string& name) {
   const std::string header = "P7\nWIDTH " + std::to_string(picture.width) + "\nHEIGHT " +
                              std::to_string(picture.height) +

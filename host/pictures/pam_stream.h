@@ -31,6 +31,11 @@ class PamReader {
   // the first being 1, if the picture is broken, cut short or of a kind that cannot be read.
   std::optional<Picture> Next();
 
+  // Whether nothing follows. Waits until that is known.
+  bool IsAtEnd();
+
+  const std::string& Name() const { return name_; }
+
  private:
   struct Header;
 

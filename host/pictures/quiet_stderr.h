@@ -1,7 +1,8 @@
-// QuietStderr: nothing reaches stderr for the length of a scope.
+// QuietStderr: nothing that a thread says reaches stderr for the length of a scope.
 //
-// Libraries under the picture library write lines of their own when a file is broken;
-// this program says it in one line. For one thread at a time.
+// Libraries under the picture library write lines of their own when a file is broken; this
+// program says it in one line. Other threads go on being heard: what the C library's stderr and
+// std::cerr take is sorted by thread. What goes past both, to the descriptor, is not.
 #pragma once
 
 namespace glimmerhost {
@@ -14,7 +15,7 @@ class QuietStderr {
   QuietStderr& operator=(const QuietStderr&) = delete;
 
  private:
-  int kept_;  // the real one, or -1 where it could not be put away
+  bool before_;
 };
 
 }  // namespace glimmerhost

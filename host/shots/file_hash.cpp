@@ -13,6 +13,25 @@
 #include "host/support/failure.h"
 
 namespace glimmerhost {
+namespace {
+
+std::string Show(XXH128_hash_t hash) {
+  XXH128_canonical_t bytes;
+  XXH128_canonicalFromHash(&bytes, hash);
+  std::string text = "xxh128:";
+  for (const unsigned char byte : bytes.digest) {
+    std::array<char, 3> digits{};
+    std::snprintf(digits.data(), digits.size(), "%02x", byte);
+    text += digits.data();
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string SamplesHash(const std::vector<std::uint16_t>& samples) {
+  return Show(XXH3_128bits(samples.data(), samples.size() * sizeof samples[0]));
+}
 
 std::string FileHash(const std::filesystem::path& file) {
   std::error_code error;
@@ -30,15 +49,7 @@ std::string FileHash(const std::filesystem::path& file) {
   if (!in.eof()) {
     throw Failure(file.string() + ": it cannot be read");
   }
-  XXH128_canonical_t bytes;
-  XXH128_canonicalFromHash(&bytes, XXH3_128bits_digest(state.get()));
-  std::string text = "xxh128:";
-  for (const unsigned char byte : bytes.digest) {
-    std::array<char, 3> digits{};
-    std::snprintf(digits.data(), digits.size(), "%02x", byte);
-    text += digits.data();
-  }
-  return text;
+  return Show(XXH3_128bits_digest(state.get()));
 }
 
 }  // namespace glimmerhost

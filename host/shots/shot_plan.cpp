@@ -53,8 +53,24 @@ ShotPlan PlanShot(const ShotNames& names) {
   const FileSequence input("INPUT", names.input);
   const FileSequence output("-o", names.output);
   const FileSequence spread("--spread", names.spread);
+  const bool fromPipe = names.input == kPipe;
+  const bool toPipe = names.output == kPipe;
+  if (fromPipe && !names.chunk.empty()) {
+    throw UsageError("--chunk " + names.chunk +
+                     ": allowed for files; a pipe is read from its start");
+  }
+  const auto filesOf = [=](int frame) {
+    return FrameFiles{frame, input.File(frame), output.File(frame),
+                      names.spread.empty() ? std::filesystem::path() : spread.File(frame)};
+  };
+  if (fromPipe && names.frames.empty() && (toPipe || output.HasFrames())) {
+    ShotPlan plan;
+    plan.isShot = true;
+    plan.filesOf = filesOf;
+    return plan;
+  }
   std::vector<int> frames = ShotFrames(names, input);
-  if (frames.size() > 1 && !output.HasFrames()) {
+  if (frames.size() > 1 && !output.HasFrames() && !toPipe) {
     throw UsageError("-o " + names.output + ": allowed for " + std::to_string(frames.size()) +
                      " frames is a name with a place for their numbers (out.####.png)");
   }
@@ -68,9 +84,7 @@ ShotPlan PlanShot(const ShotNames& names) {
     places = ParseChunk(names.chunk, frames.size());
   }
   for (std::size_t i = places.begin; i < places.end; ++i) {
-    const int frame = frames[i];
-    plan.files.push_back({frame, input.File(frame), output.File(frame),
-                          names.spread.empty() ? std::filesystem::path() : spread.File(frame)});
+    plan.files.push_back(filesOf(frames[i]));
   }
   return plan;
 }

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -32,10 +33,14 @@ struct ShotPlan {
   int lowest = 1;                 // of all frames of the shot, whatever chunk this is
   int highest = 1;
   bool isShot = false;  // false for one picture whose frame nobody named
+
+  // Null unless the input is a pipe without a list of frames: those go on from 1 until it ends,
+  // nobody knows when. There are no files then.
+  std::function<FrameFiles(int frame)> filesOf;
 };
 
-// Not for pipes. Throws UsageError for names and lists that do not go together, Failure where
-// the input's folder has no frames.
+// Input and output may be kPipe. Throws UsageError for names and lists that do not go together,
+// Failure where the input's folder has no frames.
 ShotPlan PlanShot(const ShotNames& names);
 
 // The places of a list that the chunk "K/N" takes: N parts as even as can be, the first ones

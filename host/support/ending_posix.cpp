@@ -35,7 +35,9 @@ bool IsIgnored(int signal) {
 }  // namespace
 
 void EndOnSignals() {
+  // Errors of the writer, which knows what it was writing.
   signal(SIGXFSZ, SIG_IGN);
+  signal(SIGPIPE, SIG_IGN);
   sigset_t signals;
   sigemptyset(&signals);
   for (const int number : {SIGINT, SIGTERM, SIGHUP}) {

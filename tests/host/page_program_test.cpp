@@ -137,7 +137,7 @@ TEST_F(PageProgram, RefusesAPageThatItCannotWrite) {
   ExpectRefusal("page '" + input.string() + "' -o x.xyz", 2, "allowed is a name that ends in");
   ExpectRefusal(
       "page '" + (folder / "none.png").string() + "' -o '" + (folder / "page.png").string() + "'",
-      1, "no such file");
+      3, "no such file");
   ExpectRefusal("page", 2, "required");
 }
 

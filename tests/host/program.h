@@ -21,8 +21,9 @@ namespace fs = std::filesystem;
 using lx_test::Outcome;
 
 //   arguments  parted as a shell would
-inline Outcome RunProgram(const std::string& arguments, const lx_test::Variables& variables = {}) {
-  return lx_test::RunChild(PROGRAM, lx_test::SplitArguments(arguments), variables);
+inline Outcome RunProgram(const std::string& arguments, const lx_test::Variables& variables = {},
+                          const lx_test::Streams& streams = {}) {
+  return lx_test::RunChild(PROGRAM, lx_test::SplitArguments(arguments), variables, streams);
 }
 
 inline Picture Read(const fs::path& file) {

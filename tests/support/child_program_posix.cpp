@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -36,7 +37,7 @@ std::vector<char*> Pointers(std::vector<std::string>* lines) {
 }  // namespace
 
 Outcome RunChild(const std::string& program, const std::vector<std::string>& arguments,
-                 const Variables& variables) {
+                 const Variables& variables, const Streams& streams) {
   std::vector<std::string> line{program};
   line.insert(line.end(), arguments.begin(), arguments.end());
   std::vector<std::string> environment = Environment(variables);
@@ -48,6 +49,13 @@ Outcome RunChild(const std::string& program, const std::vector<std::string>& arg
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
   posix_spawn_file_actions_adddup2(&actions, ends[1], STDERR_FILENO);
+  if (!streams.input.empty()) {
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, streams.input.c_str(), O_RDONLY, 0);
+  }
+  if (!streams.output.empty()) {
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, streams.output.c_str(),
+                                     O_WRONLY | O_CREAT | O_TRUNC, 0644);
+  }
   posix_spawn_file_actions_addclose(&actions, ends[0]);
   posix_spawn_file_actions_addclose(&actions, ends[1]);
   pid_t child = 0;

@@ -45,11 +45,34 @@ class Inherited {
   const Variables& variables_;
 };
 
+// A file that a child has as one of its streams.
+class StreamFile {
+ public:
+  StreamFile(const std::string& file, DWORD access, DWORD making, SECURITY_ATTRIBUTES* inheritable)
+      : handle_(file.empty() ? nullptr
+                             : CreateFileW(Wide(file).c_str(), access, FILE_SHARE_READ, inheritable,
+                                           making, 0, nullptr)) {}
+  ~StreamFile() {
+    if (handle_ != nullptr) {
+      CloseHandle(handle_);
+    }
+  }
+  StreamFile(const StreamFile&) = delete;
+  StreamFile& operator=(const StreamFile&) = delete;
+
+  HANDLE Or(HANDLE other) const { return handle_ != nullptr ? handle_ : other; }
+
+ private:
+  HANDLE handle_;
+};
+
 }  // namespace
 
 Outcome RunChild(const std::string& program, const std::vector<std::string>& arguments,
-                 const Variables& variables) {
+                 const Variables& variables, const Streams& streams) {
   SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+  const StreamFile input(streams.input, GENERIC_READ, OPEN_EXISTING, &inheritable);
+  const StreamFile output(streams.output, GENERIC_WRITE, CREATE_ALWAYS, &inheritable);
   HANDLE readEnd = nullptr;
   HANDLE writeEnd = nullptr;
   if (CreatePipe(&readEnd, &writeEnd, &inheritable, 0) == 0) {
@@ -59,8 +82,8 @@ Outcome RunChild(const std::string& program, const std::vector<std::string>& arg
   STARTUPINFOW start{};
   start.cb = sizeof start;
   start.dwFlags = STARTF_USESTDHANDLES;
-  start.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
-  start.hStdOutput = writeEnd;
+  start.hStdInput = input.Or(GetStdHandle(STD_INPUT_HANDLE));
+  start.hStdOutput = output.Or(writeEnd);
   start.hStdError = writeEnd;
   PROCESS_INFORMATION child{};
   std::wstring line = CommandLine(program, arguments);
