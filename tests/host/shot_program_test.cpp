@@ -229,4 +229,25 @@ TEST_F(ShotProgram, RefusesWhatDoesNotGoTogether) {
   ExpectRefusal(Render(folder / "none.@.png", "out.@.png"), 1, "there are no such files");
 }
 
+// A frame's picture has 24 KiB, its grid 0.6 MiB: either would be seen if it stayed.
+TEST_F(ShotProgram, HoldsItsMemoryFlatOverFiveHundredFrames) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  GTEST_SKIP() << "a sanitizer keeps what was freed";
+#endif
+  WriteInput("still.png", 64, 48);
+  const auto render = [this](const std::string& frames) {
+    return RunProgram(Render(folder / "still.png", "out.####.png",
+                             "--overwrite --frames " + frames + " " + kAnimated));
+  };
+  const Outcome ten = render("1-10");
+  if (ten.peak == 0) {
+    GTEST_SKIP() << "the system does not tell";
+  }
+  const Outcome many = render("1-500");
+
+  EXPECT_EQ(0, many.code) << many.text;
+  constexpr long kSlack = 4096;
+  EXPECT_LT(many.peak, ten.peak + kSlack);
+}
+
 }  // namespace

@@ -8,8 +8,9 @@
 namespace lx_test {
 
 struct Outcome {
-  int code;          // -1 where it did not end by itself
+  int code = -1;     // -1 where it did not end by itself
   std::string text;  // of both outputs, with plain line ends
+  long peak = 0;     // the most memory that it had, in KiB; 0 where the system does not tell
 };
 
 using Variables = std::map<std::string, std::string>;

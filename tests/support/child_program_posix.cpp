@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -43,7 +44,7 @@ Outcome RunChild(const std::string& program, const std::vector<std::string>& arg
   std::vector<std::string> environment = Environment(variables);
   int ends[2];
   if (pipe(ends) != 0) {
-    return {-1, "no pipe"};
+    return {-1, "no pipe", 0};
   }
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
@@ -63,15 +64,17 @@ Outcome RunChild(const std::string& program, const std::vector<std::string>& arg
                                 Pointers(&environment).data());
   posix_spawn_file_actions_destroy(&actions);
   close(ends[1]);
-  Outcome outcome{-1, fault == 0 ? "" : std::strerror(fault)};
+  Outcome outcome{-1, fault == 0 ? "" : std::strerror(fault), 0};
   std::array<char, 4096> buffer{};
   for (ssize_t got = 0; (got = read(ends[0], buffer.data(), buffer.size())) > 0;) {
     outcome.text.append(buffer.data(), static_cast<std::size_t>(got));
   }
   close(ends[0]);
   int status = 0;
-  if (fault == 0 && waitpid(child, &status, 0) == child && WIFEXITED(status)) {
+  rusage usage{};
+  if (fault == 0 && wait4(child, &status, 0, &usage) == child && WIFEXITED(status)) {
     outcome.code = WEXITSTATUS(status);
+    outcome.peak = usage.ru_maxrss;
   }
   return outcome;
 }

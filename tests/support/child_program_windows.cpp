@@ -76,7 +76,7 @@ Outcome RunChild(const std::string& program, const std::vector<std::string>& arg
   HANDLE readEnd = nullptr;
   HANDLE writeEnd = nullptr;
   if (CreatePipe(&readEnd, &writeEnd, &inheritable, 0) == 0) {
-    return {-1, "no pipe"};
+    return {-1, "no pipe", 0};
   }
   SetHandleInformation(readEnd, HANDLE_FLAG_INHERIT, 0);
   STARTUPINFOW start{};
@@ -94,7 +94,7 @@ Outcome RunChild(const std::string& program, const std::vector<std::string>& arg
                              nullptr, &start, &child);
   }
   CloseHandle(writeEnd);
-  Outcome outcome{-1, ""};
+  Outcome outcome;
   std::array<char, 4096> buffer{};
   DWORD got = 0;
   while (ReadFile(readEnd, buffer.data(), buffer.size(), &got, nullptr) != 0 && got > 0) {
