@@ -6,6 +6,7 @@
 #include "host/shots/frame_list.h"
 #include "host/shots/manifest.h"
 #include "host/support/failure.h"
+#include "host/support/utf8_path.h"
 
 namespace glimmerhost {
 
@@ -14,7 +15,7 @@ int RunCheck(const CheckOptions& options, std::ostream& out) {
       options.frames.empty() ? std::vector<int>() : ParseFrames("--frames", options.frames);
   std::map<int, ManifestEntry> entries;
   for (const std::string& file : options.manifests) {
-    for (auto& [frame, entry] : ReadManifest(file)) {
+    for (auto& [frame, entry] : ReadManifest(Utf8Path(file))) {
       entries[frame] = entry;
     }
   }

@@ -8,6 +8,7 @@
 #include "host/glimmerhost/text.h"
 #include "host/support/failure.h"
 #include "host/support/system.h"
+#include "host/support/utf8_path.h"
 #include "hostframe/interfaces/class_info.h"
 #include "hostframe/interfaces/recoverable.h"
 
@@ -49,7 +50,7 @@ void RethrowModuleFault() {
 
 std::filesystem::path ModuleFileOf(const std::string& name) {
   if (!name.empty()) {
-    return name;
+    return Utf8Path(name);
   }
   return (ProgramFolder() / GLIMMERHOST_MODULE_FOLDER / GLIMMERHOST_MODULE).lexically_normal();
 }

@@ -41,14 +41,14 @@ Picture ReadNoting(const std::filesystem::path& file, std::vector<std::string>* 
   return picture;
 }
 
-Picture ReadWithWarning(const std::string& file, Progress* progress) {
+Picture ReadWithWarning(const std::filesystem::path& file, Progress* progress) {
   std::vector<std::string> remarks;
   Picture picture = ReadNoting(file, &remarks);
   progress->WarnAll(remarks);
   return picture;
 }
 
-quantel::cPtr<FrameImage> OpenSpread(const std::string& file, int width, int height,
+quantel::cPtr<FrameImage> OpenSpread(const std::filesystem::path& file, int width, int height,
                                      bool premultiplied, std::vector<std::string>* remarks) {
   if (file.empty()) {
     return {};

@@ -21,13 +21,13 @@ namespace glimmerhost {
 Picture ReadNoting(const std::filesystem::path& file, std::vector<std::string>* remarks);
 
 // The same, with a warning at once.
-Picture ReadWithWarning(const std::string& file, Progress* progress);
+Picture ReadWithWarning(const std::filesystem::path& file, Progress* progress);
 
 // The frame of the second clip, which the image shape takes its aperture from; null for no file.
 // The effect wants it as large as the frame: a smaller picture is centred on black, a larger one
 // loses its edges, and neither is scaled.
 //   premultiplied  whether straight alpha is multiplied in, as it is for the frame
-quantel::cPtr<FrameImage> OpenSpread(const std::string& file, int width, int height,
+quantel::cPtr<FrameImage> OpenSpread(const std::filesystem::path& file, int width, int height,
                                      bool premultiplied, std::vector<std::string>* remarks);
 
 // Replaces the picture by what the effect makes of it, by an instance of its own, so that

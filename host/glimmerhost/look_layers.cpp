@@ -4,6 +4,7 @@
 
 #include "host/glimmerhost/parameter_file.h"
 #include "host/glimmerhost/presets.h"
+#include "host/support/utf8_path.h"
 
 namespace glimmerhost {
 namespace {
@@ -58,7 +59,7 @@ std::vector<LookLayer> ReadLayers(const Look& typed) {
                       ReadParameterFile(PresetFile(typed.values.preset))});
   }
   if (!typed.values.file.empty()) {
-    layers.push_back({typed.values.file + ": ", ReadParameterFile(typed.values.file)});
+    layers.push_back({typed.values.file + ": ", ReadParameterFile(Utf8Path(typed.values.file))});
   }
   layers.push_back({"--", typed});
   return layers;

@@ -7,23 +7,24 @@
 #include "host/glimmerhost/progress.h"
 #include "host/glimmerhost/session_player.h"
 #include "host/pictures/picture_file.h"
+#include "host/support/utf8_path.h"
 
 namespace glimmerhost {
 
 void RunPage(const PageOptions& options) {
   const Page page = LoadPage();
-  { const PictureOutput check(options.output, options.overwrite); }
+  { const PictureOutput check(Utf8Path(options.output), options.overwrite); }
   Progress progress(!options.quiet);
   {
     const EffectModule module(ModuleFileOf(options.module));
     SessionPlayer player(module, page, options, std::cout, &progress);
-    player.Load(options.input);
+    player.Load(Utf8Path(options.input));
     player.Draw();
     if (!player.HasHandles()) {
       progress.Warn("nothing is drawn in this shape; --shape image has handles on the picture");
     }
     progress.Show("Writing " + options.output);
-    player.Save(options.output, true);
+    player.Save(Utf8Path(options.output), true);
   }
   progress.Finish(options.output);
 }

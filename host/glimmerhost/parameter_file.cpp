@@ -14,6 +14,7 @@
 #include "host/glimmerhost/parameter_entries.h"
 #include "host/glimmerhost/text.h"
 #include "host/support/failure.h"
+#include "host/support/utf8_path.h"
 
 namespace glimmerhost {
 namespace {
@@ -116,7 +117,7 @@ Look ParseParameters(const fs::path& file, const std::string& text) {
     throw UsageError(file.string() + ": version is missing; allowed is \"version\": 1");
   }
   if (!look.spread.empty()) {
-    look.spread = (file.parent_path() / look.spread).lexically_normal().string();
+    look.spread = (file.parent_path() / Utf8Path(look.spread)).lexically_normal().string();
   }
   return look;
 }

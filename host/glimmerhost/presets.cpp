@@ -10,6 +10,7 @@
 #include "host/glimmerhost/nearest.h"
 #include "host/support/failure.h"
 #include "host/support/system.h"
+#include "host/support/utf8_path.h"
 
 namespace glimmerhost {
 namespace {
@@ -35,7 +36,7 @@ std::vector<std::string> Names() {
   return names;
 }
 
-fs::path FileOf(const std::string& name) { return Folder() / (name + kEnding); }
+fs::path FileOf(const std::string& name) { return Folder() / Utf8Path(name + kEnding); }
 
 std::string FirstComment(const fs::path& file) {
   std::ifstream in(file);

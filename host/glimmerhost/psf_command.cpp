@@ -18,6 +18,7 @@
 #include "host/glimmerhost/shot_values.h"
 #include "host/pictures/picture_file.h"
 #include "host/support/failure.h"
+#include "host/support/utf8_path.h"
 
 namespace glimmerhost {
 namespace {
@@ -141,10 +142,10 @@ void RunPsf(const PsfOptions& options) {
   CheckGrid(values, width, height);
   values["PRM_Emphasis"] = kEmphasis;
   ParseZoom(options.zoom, 1);
-  PictureOutput output(options.output, options.overwrite);
+  PictureOutput output(Utf8Path(options.output), options.overwrite);
   Progress progress(!options.quiet);
   std::vector<std::string> remarks;
-  const auto spread = OpenSpread(options.spread, width, height, true, &remarks);
+  const auto spread = OpenSpread(Utf8Path(options.spread), width, height, true, &remarks);
   progress.WarnAll(remarks);
 
   Picture frame = BlackPicture(width, height);

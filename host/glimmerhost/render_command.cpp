@@ -18,6 +18,7 @@
 #include "host/shots/shot_plan.h"
 #include "host/support/failure.h"
 #include "host/support/system.h"
+#include "host/support/utf8_path.h"
 
 namespace glimmerhost {
 namespace {
@@ -88,7 +89,8 @@ int RunRender(const RenderOptions& options, std::ostream& out) {
     return kExitDone;
   }
   if (!options.saveParams.empty()) {
-    SaveParameters(options.saveParams, UsedLook(page, settings.layers), options.overwrite);
+    SaveParameters(Utf8Path(options.saveParams), UsedLook(page, settings.layers),
+                   options.overwrite);
   }
   UseBinaryStreams();
   ShotReport report(form, plan.files.size(), plan.isShot);
@@ -98,7 +100,7 @@ int RunRender(const RenderOptions& options, std::ostream& out) {
     std::optional<Manifest> manifest;
     if (!options.manifest.empty()) {
       settings.versions = {{"glimmerhost", GLIMMERHOST_VERSION}, {"module", FileHash(file)}};
-      manifest.emplace(options.manifest, options.skipExisting, options.overwrite);
+      manifest.emplace(Utf8Path(options.manifest), options.skipExisting, options.overwrite);
     }
     ShotRender(page, settings, plan, module, manifest ? &*manifest : nullptr).Run(&report);
   }

@@ -10,6 +10,7 @@
 #include "host/glimmerhost/text.h"
 #include "host/support/failure.h"
 #include "host/support/temporary_file.h"
+#include "host/support/utf8_path.h"
 
 namespace glimmerhost {
 namespace {
@@ -32,7 +33,7 @@ Json ValueOf(const std::string& text) {
 
 // Relative where the picture lies in the file's folder or below, so that both can be moved.
 std::string SpreadFrom(const fs::path& folder, const std::string& spread) {
-  const fs::path picture = fs::absolute(spread).lexically_normal();
+  const fs::path picture = fs::absolute(Utf8Path(spread)).lexically_normal();
   const fs::path relative = picture.lexically_relative(folder);
   const bool isBelow = !relative.empty() && *relative.begin() != "..";
   return (isBelow ? relative : picture).generic_string();
@@ -72,7 +73,7 @@ std::string InToml(const Json& entries) {
 // several keys means nothing.
 Look Comparable(Look look) {
   if (!look.spread.empty()) {
-    look.spread = fs::absolute(look.spread).lexically_normal().string();
+    look.spread = fs::absolute(Utf8Path(look.spread)).lexically_normal().string();
   }
   look.values.preset.clear();
   look.values.file.clear();

@@ -11,13 +11,15 @@
 #include "host/glimmerhost/trace.h"
 #include "host/pictures/picture_file.h"
 #include "host/support/failure.h"
+#include "host/support/utf8_path.h"
 
 namespace glimmerhost {
 
 void RunSession(const SessionOptions& options, std::ostream& out) {
   NarrowProcessors(options.threads);
   const Page page = LoadPage();
-  const SessionScript script = ReadSessionScript(options.script, page, options.output);
+  const SessionScript script =
+      ReadSessionScript(Utf8Path(options.script), page, Utf8Path(options.output));
   for (const std::filesystem::path& output : script.outputs) {
     const PictureOutput check(output, options.overwrite);
   }

@@ -11,6 +11,7 @@
 #include "host/glimmerhost/measures.h"
 #include "host/glimmerhost/render_settings.h"
 #include "host/glimmerhost/shot_values.h"
+#include "host/support/utf8_path.h"
 
 namespace glimmerhost {
 namespace {
@@ -42,11 +43,11 @@ SessionPlayer::SessionPlayer(const EffectModule& module, const Page& page,
       options_(options),
       out_(out),
       progress_(progress),
-      spread_(options.spread) {}
+      spread_(Utf8Path(options.spread)) {}
 
 void SessionPlayer::Load(const std::filesystem::path& file) {
   progress_->Show("Reading " + file.string());
-  Picture picture = ReadWithWarning(file.string(), progress_);
+  Picture picture = ReadWithWarning(file, progress_);
   alpha_ = picture.alpha;
   Premultiply(&picture);
   pixelAspect_ = options_.pixelAspect.empty() ? picture.pixelAspect
@@ -64,7 +65,7 @@ void SessionPlayer::Load(const std::filesystem::path& file) {
 
 quantel::cPtr<FrameImage> SessionPlayer::OpenSpreadFor(const Picture& picture) {
   std::vector<std::string> remarks;
-  const auto spread = OpenSpread(spread_.string(), picture.width, picture.height, true, &remarks);
+  const auto spread = OpenSpread(spread_, picture.width, picture.height, true, &remarks);
   progress_->WarnAll(remarks);
   return spread;
 }
@@ -118,7 +119,7 @@ void SessionPlayer::ExpectRow(const std::string& name, bool PageRow::*state, boo
 }
 
 void SessionPlayer::ExpectPicture(const std::filesystem::path& file, bool same) const {
-  Picture picture = ReadWithWarning(file.string(), progress_);
+  Picture picture = ReadWithWarning(file, progress_);
   Premultiply(&picture);
   constexpr int kByteStep = 257;
   if (LooksLike(Shown(), picture, picture.bits == 8 ? kByteStep : 1) != same) {

@@ -10,6 +10,7 @@
 #include "host/glimmerhost/nearest.h"
 #include "host/glimmerhost/page_view.h"
 #include "host/support/failure.h"
+#include "host/support/utf8_path.h"
 
 namespace glimmerhost {
 namespace {
@@ -30,11 +31,11 @@ struct Context {
 struct WrongForm {};
 
 std::filesystem::path Input(const Context& context, const std::string& name) {
-  return context.beside / name;
+  return context.beside / Utf8Path(name);
 }
 
 std::filesystem::path Output(Context* context, const std::string& name) {
-  std::filesystem::path file = context->folder / name;
+  std::filesystem::path file = context->folder / Utf8Path(name);
   auto& outputs = context->outputs;
   if (std::find(outputs.begin(), outputs.end(), file) != outputs.end()) {
     throw UsageError("an earlier step writes this file already");
@@ -45,7 +46,7 @@ std::filesystem::path Output(Context* context, const std::string& name) {
 
 // A picture that an earlier step has written, or one beside the script.
 std::filesystem::path AnyFile(const Context& context, const std::string& name) {
-  const std::filesystem::path own = context.folder / name;
+  const std::filesystem::path own = context.folder / Utf8Path(name);
   const auto& outputs = context.outputs;
   return std::find(outputs.begin(), outputs.end(), own) != outputs.end() ? own
                                                                          : Input(context, name);

@@ -278,8 +278,8 @@ quantel::cPtr<FrameImage> ShotRender::SpreadOf(Work* work) {
   const fs::path& file = work->files.spread;
   const std::pair<int, int> size{work->picture.width, work->picture.height};
   if (!spread_ || file != spreadFile_ || size != spreadSize_) {
-    spread_ = OpenSpread(file.string(), size.first, size.second, settings_.premultiplied,
-                         &work->report.remarks);
+    spread_ =
+        OpenSpread(file, size.first, size.second, settings_.premultiplied, &work->report.remarks);
     spreadFile_ = file;
     spreadSize_ = size;
   }

@@ -10,6 +10,7 @@
 
 #include "host/shots/frame_list.h"
 #include "host/support/failure.h"
+#include "host/support/utf8_path.h"
 
 namespace glimmerhost {
 namespace {
@@ -66,7 +67,7 @@ std::string Padded(int frame, int width) {
 }  // namespace
 
 FileSequence::FileSequence(const std::string& option, const std::string& name) : name_(name) {
-  const fs::path path(name);
+  const fs::path path = Utf8Path(name);
   folder_ = path.parent_path();
   before_ = path.filename().string();
   std::error_code error;
@@ -106,7 +107,7 @@ void FileSequence::TakeFrames(const std::string& option) {
 }
 
 fs::path FileSequence::File(int frame) const {
-  return folder_ / (HasFrames() ? before_ + Padded(frame, width_) + after_ : before_);
+  return folder_ / Utf8Path(HasFrames() ? before_ + Padded(frame, width_) + after_ : before_);
 }
 
 std::vector<int> FileSequence::Scan() const {

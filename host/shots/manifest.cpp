@@ -8,6 +8,7 @@
 #include "host/shots/file_hash.h"
 #include "host/shots/frame_list.h"
 #include "host/support/failure.h"
+#include "host/support/utf8_path.h"
 
 namespace glimmerhost {
 namespace {
@@ -98,7 +99,7 @@ std::vector<std::string> CheckManifest(const std::map<int, ManifestEntry>& entri
   }
   for (const auto& [frame, entry] : entries) {
     try {
-      if (FileHash(entry.output) != entry.outputHash) {
+      if (FileHash(Utf8Path(entry.output)) != entry.outputHash) {
         faults.push_back("frame " + std::to_string(frame) + ": " + entry.output +
                          ": it is not what was written");
       }

@@ -82,7 +82,7 @@ TEST_F(SavedParameters, AreWrittenForHandsAndForMachines) {
 }
 
 TEST_F(SavedParameters, NameAPictureFromTheirOwnFolder) {
-  const char* const name = "h '1' \xc3\xb6.####.png";
+  const fs::path name = u8"h '1' \u00f6.####.png";
   Look look;
   look.spread = (folder / "hearts" / name).string();
 

@@ -63,6 +63,29 @@ TEST_F(ShotProgram, RendersEveryFrameOfTheFolder) {
   EXPECT_NE(std::string::npos, outcome.text.find("frame 9 (2 of 4): ")) << outcome.text;
 }
 
+// As a shell hands them over, and as the folder has them.
+TEST_F(ShotProgram, NamesFilesInAnyScript) {
+  const fs::path place = folder.Path() / u8"Wei\u00df \u65e5";
+  fs::create_directory(place);
+  for (const char8_t* name : {u8"\u00f6.1.png", u8"\u00f6.2.png"}) {
+    fs::copy_file(WriteInput("in.png", 20, 10), place / name);
+  }
+  std::ofstream(place / u8"\u00e4.toml") << "radius = \"2px\"\n";
+  const auto named = [&place](const char8_t* name) { return "'" + (place / name).string() + "'"; };
+
+  const Outcome outcome =
+      RunProgram("render " + named(u8"\u00f6.@.png") + " -o " + named(u8"\u00fc.@.png") +
+                 " --params " + named(u8"\u00e4.toml") + " --save-params " +
+                 named(u8"\u00e5.toml") + " --manifest " + named(u8"\u0416.jsonl"));
+
+  EXPECT_EQ(0, outcome.code) << outcome.text;
+  for (const char8_t* name :
+       {u8"\u00fc.1.png", u8"\u00fc.2.png", u8"\u00e5.toml", u8"\u0416.jsonl"}) {
+    EXPECT_TRUE(fs::exists(place / name)) << (place / name).string();
+  }
+  EXPECT_EQ(0, RunProgram("check " + named(u8"\u0416.jsonl") + " --frames 1-2").code);
+}
+
 // Nothing of a frame may come from those that the process rendered before it.
 TEST_F(ShotProgram, GivesTheSameBytesHoweverTheWorkIsCut) {
   WriteShot(1, 7);

@@ -11,7 +11,9 @@
 namespace lx_test {
 namespace {
 
-std::wstring Wide(const std::string& utf8) { return std::filesystem::path(utf8).wstring(); }
+std::wstring Wide(const std::string& utf8) {
+  return std::filesystem::path(std::u8string(utf8.begin(), utf8.end())).wstring();
+}
 
 // As the C runtime of the other side takes it apart again. No argument of a test's holds quotes
 // or ends in a backslash behind a blank.
