@@ -10,6 +10,8 @@
 
 #include "host/pictures/channels.h"
 #include "host/pictures/float_samples.h"
+#include "host/pictures/openimageio_channels.h"
+#include "host/pictures/openimageio_metadata.h"
 #include "host/pictures/openimageio_output.h"
 #include "host/pictures/picture_formats.h"
 #include "host/pictures/pixel_aspect.h"
@@ -18,38 +20,11 @@
 
 namespace glimmerhost {
 
-struct FileMetadata {
-  std::string format;
-  OIIO::ParamValueList attributes;
-};
-
 namespace {
 
 namespace fs = std::filesystem;
 
 constexpr const char* kStraightAttribute = "oiio:UnassociatedAlpha";
-constexpr const char* kBitsAttribute = "oiio:BitsPerSample";
-
-int FindChannel(const OIIO::ImageSpec& spec, const char* name) {
-  const auto found =
-      std::find_if(spec.channelnames.begin(), spec.channelnames.end(),
-                   [name](const std::string& have) { return OIIO::Strutil::iequals(have, name); });
-  return found == spec.channelnames.end() ? -1
-                                          : static_cast<int>(found - spec.channelnames.begin());
-}
-
-ChannelMap MapChannels(const OIIO::ImageSpec& spec, const fs::path& file) {
-  if (spec.nchannels < 4) {
-    return MapPlainChannels(spec.nchannels);
-  }
-  const ChannelMap named{FindChannel(spec, "R"), FindChannel(spec, "G"), FindChannel(spec, "B"),
-                         FindChannel(spec, "A"), false};
-  if (named.red < 0 || named.green < 0 || named.blue < 0) {
-    ReadFailure(file, "it has " + std::to_string(spec.nchannels) +
-                          " channels, and none of them are named R, G and B");
-  }
-  return named;
-}
 
 std::unique_ptr<OIIO::ImageInput> OpenInput(const fs::path& file) {
   OIIO::ImageSpec config;
@@ -75,22 +50,6 @@ void ReadSamples(const fs::path& file, OIIO::TypeDesc type, void* to, OIIO::Imag
   }
 }
 
-std::shared_ptr<const FileMetadata> KeepMetadata(const OIIO::ImageInput& input,
-                                                 const OIIO::ImageSpec& spec) {
-  auto metadata = std::make_shared<FileMetadata>();
-  metadata->format = input.format_name();
-  metadata->attributes = spec.extra_attribs;
-  return metadata;
-}
-
-// Attributes that describe the old file's coding and would be wrong for the new one.
-bool DescribesCoding(const OIIO::ParamValue& attribute, bool sameFormat) {
-  const std::string name = attribute.name().string();
-  return name == kStraightAttribute || name == "planarconfig" ||
-         (!sameFormat &&
-          (name == "compression" || name == kBitsAttribute || name.starts_with("tiff:")));
-}
-
 }  // namespace
 
 const char* const kReadableFormats = "PNG, TIFF, EXR, DPX, JPEG and what else OpenImageIO reads";
@@ -111,8 +70,8 @@ std::optional<OutputFormat> FormatOf(const fs::path& file) {
 Picture ReadFormat(const fs::path& file, const ReadOptions& options, ReadReport* report) {
   const QuietStderr quiet;
   const std::unique_ptr<OIIO::ImageInput> input = OpenInput(file);
-  const OIIO::ImageSpec& spec = input->spec();
-  const ChannelMap map = MapChannels(spec, file);
+  const OIIO::ImageSpec spec = input->spec();
+  const ChannelMap map = MapChannels(file, input->format_name(), spec);
   Picture picture;
   picture.width = spec.width;
   picture.height = spec.height;
@@ -122,7 +81,7 @@ Picture ReadFormat(const fs::path& file, const ReadOptions& options, ReadReport*
                   : spec.get_int_attribute(kStraightAttribute, 0) != 0 ? Alpha::kStraight
                                                                        : Alpha::kPremultiplied;
   picture.pixelAspect = NearestRatio(spec.get_float_attribute("PixelAspectRatio", 1.0F));
-  picture.metadata = KeepMetadata(*input, spec);
+  picture.metadata = KeepMetadata(input->format_name(), spec);
 
   const std::size_t count = picture.PixelCount() * static_cast<std::size_t>(spec.nchannels);
   if (spec.format.is_floating_point()) {
@@ -134,11 +93,16 @@ Picture ReadFormat(const fs::path& file, const ReadOptions& options, ReadReport*
     ReadSamples(file, OIIO::TypeDesc::UINT16, samples.data(), input.get());
     SpreadChannels(samples, spec.nchannels, map, &picture);
   }
+  for (const auto& left : {ChannelsLeft(map, spec), PartsLeft(input.get())}) {
+    if (left) {
+      report->notCarried.push_back(*left);
+    }
+  }
   return picture;
 }
 
-void WriteFormat(const fs::path& file, const OutputFormat& format, const Picture& picture,
-                 int bits) {
+void WriteFormat(const fs::path& file, const OutputFormat& format, const Picture& picture, int bits,
+                 std::vector<NotCarried>* lost) {
   std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(file.string());
   const bool withAlpha = picture.alpha != Alpha::kNone && format.holdsAlpha;
   const int channels = (picture.grey ? 1 : 3) + (withAlpha ? 1 : 0);
@@ -146,14 +110,7 @@ void WriteFormat(const fs::path& file, const OutputFormat& format, const Picture
                               : bits == 8              ? OIIO::TypeDesc::UINT8
                                                        : OIIO::TypeDesc::UINT16;
   OIIO::ImageSpec spec(picture.width, picture.height, channels, type);
-  if (picture.metadata) {
-    const bool sameFormat = picture.metadata->format == format.name && bits == picture.bits;
-    for (const OIIO::ParamValue& attribute : picture.metadata->attributes) {
-      if (!DescribesCoding(attribute, sameFormat)) {
-        spec.extra_attribs.push_back(attribute);
-      }
-    }
-  }
+  SetMetadata(picture, format.name, bits, &spec);
   // Also for samples that the format would hold otherwise: the library must not convert
   // what is already as it was asked for.
   if (withAlpha && (picture.alpha == Alpha::kStraight || format.straightOnly)) {
@@ -167,6 +124,10 @@ void WriteFormat(const fs::path& file, const OutputFormat& format, const Picture
                std::move(output));
   } else {
     WriteWhole(file, spec, OIIO::TypeDesc::UINT16, samples.data(), std::move(output));
+  }
+  if (lost != nullptr) {
+    const std::vector<NotCarried> found = MetadataLost(picture, format.name, bits, file);
+    lost->insert(lost->end(), found.begin(), found.end());
   }
 }
 

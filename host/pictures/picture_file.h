@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "host/pictures/picture.h"
 #include "host/pictures/picture_formats.h"
@@ -31,9 +32,10 @@ class PictureOutput {
 
   // Writes the picture with its metadata and moves the file in. It is on the disk then.
   //   bits  8 or 16; formats without whole numbers write half floats
+  //   lost  receives what of the metadata is not in the file; null if nobody asks
   // Throws Failure, which names the file. Nothing is left of it then, and a file that was there
   // is as it was.
-  void Write(const Picture& picture, int bits);
+  void Write(const Picture& picture, int bits, std::vector<NotCarried>* lost = nullptr);
 
  private:
   std::filesystem::path file_;

@@ -5,7 +5,9 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "host/pictures/not_carried.h"
 #include "host/pictures/picture.h"
 #include "host/pictures/read_report.h"
 
@@ -37,8 +39,9 @@ Picture ReadFormat(const std::filesystem::path& file, const ReadOptions& options
 // Writes the picture with its metadata into a file of that name, and closes it. What a failure
 // leaves is the caller's to remove.
 //   bits  8 or 16; formats without whole numbers write half floats
+//   lost  receives what of the metadata is not in the file; null if nobody asks
 // Throws Failure with the bare reason, since the caller knows the file under another name.
 void WriteFormat(const std::filesystem::path& file, const OutputFormat& format,
-                 const Picture& picture, int bits);
+                 const Picture& picture, int bits, std::vector<NotCarried>* lost);
 
 }  // namespace glimmerhost

@@ -88,6 +88,15 @@ PngColours Colours(const PngLibrary& library) {
   return colours;
 }
 
+// The four letters of a profile's head that say what it is for.
+std::string ProfileSpace(const std::vector<std::uint8_t>& profile) {
+  constexpr std::size_t kAt = 16;
+  constexpr std::size_t kLength = 4;
+  return profile.size() < kAt + kLength
+             ? std::string()
+             : std::string(profile.begin() + kAt, profile.begin() + kAt + kLength);
+}
+
 void SetTexts(const std::vector<FileText>& texts, PngLibrary* library) {
   std::vector<png_text> list;
   for (const FileText& text : texts) {
@@ -187,6 +196,22 @@ void SetPngMetadata(const FileMetadata& metadata, PngLibrary* library) {
                    static_cast<png_uint_32>(metadata.iccProfile.size()));
     });
   }
+}
+
+std::vector<NotCarried> LostInPng(const FileMetadata& metadata, bool grey) {
+  const std::string why = "PNG has no place for it";
+  std::vector<NotCarried> lost;
+  if (metadata.tiff.orientation != 1) {
+    lost.push_back(OneNotCarried("orientation", std::to_string(metadata.tiff.orientation), why));
+  }
+  if (!metadata.tiff.iptc.empty()) {
+    lost.push_back(OneNotCarried("IPTC record", "", why));
+  }
+  if (!metadata.iccProfile.empty() &&
+      ProfileSpace(metadata.iccProfile) != (grey ? "GRAY" : "RGB ")) {
+    lost.push_back(OneNotCarried("ICC profile", "", "it is not one for the picture's channels"));
+  }
+  return lost;
 }
 
 }  // namespace glimmerhost

@@ -2,12 +2,15 @@
 #include <array>
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "host/pictures/channels.h"
 #include "host/pictures/file_bytes.h"
 #include "host/pictures/picture_formats.h"
 #include "host/pictures/png_file.h"
+#include "host/pictures/png_metadata.h"
 #include "host/pictures/tiff_file.h"
+#include "host/pictures/tiff_metadata.h"
 
 namespace glimmerhost {
 namespace {
@@ -70,12 +73,18 @@ Picture ReadFormat(const fs::path& file, const ReadOptions& options, ReadReport*
   return ReadTiff(file, options, report);
 }
 
-void WriteFormat(const fs::path& file, const OutputFormat& format, const Picture& picture,
-                 int bits) {
-  if (format.name == "png") {
+void WriteFormat(const fs::path& file, const OutputFormat& format, const Picture& picture, int bits,
+                 std::vector<NotCarried>* lost) {
+  const bool png = format.name == "png";
+  if (png) {
     WritePng(file, picture, bits);
   } else {
     WriteTiff(file, picture, bits);
+  }
+  if (lost != nullptr && picture.metadata) {
+    const std::vector<NotCarried> found =
+        png ? LostInPng(*picture.metadata, picture.grey) : LostInTiff(*picture.metadata);
+    lost->insert(lost->end(), found.begin(), found.end());
   }
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "host/pictures/not_carried.h"
 #include "host/pictures/range.h"
 
 namespace glimmerhost {
@@ -21,6 +22,9 @@ struct ReadReport {
 
   // For a person, each naming the file; none if there is nothing to say.
   std::vector<std::string> lines;
+
+  // What of the file is not in the picture.
+  std::vector<NotCarried> notCarried;
 };
 
 }  // namespace glimmerhost

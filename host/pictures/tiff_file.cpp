@@ -122,10 +122,25 @@ class TiffReader {
     const FileMetadata metadata = ReadTiffMetadata(tiff_);
     picture.pixelAspect = PixelAspectOf(metadata.resolution);
     picture.metadata = std::make_shared<FileMetadata>(metadata);
+    NoteLeft(picture, report);
     return picture;
   }
 
  private:
+  void NoteLeft(const Picture& picture, ReadReport* report) const {
+    const int taken = (picture.grey ? 1 : 3) + (picture.alpha == Alpha::kNone ? 0 : 1);
+    if (const int left = channels_ - taken; left > 0 && photometric_ != PHOTOMETRIC_PALETTE) {
+      const std::string why = "red, green, blue and alpha are";
+      report->notCarried.push_back(
+          left == 1 ? OneNotCarried("a further channel", "", why)
+                    : SomeNotCarried(std::to_string(left) + " further channels", why));
+    }
+    if (TIFFLastDirectory(tiff_) == 0) {
+      report->notCarried.push_back(SomeNotCarried("the parts of the file behind the first",
+                                                  "the first alone is the picture"));
+    }
+  }
+
   [[noreturn]] void Broken() const {
     ReadFailure(file_, std::string("it is cut short or broken: ") + library_.Trouble());
   }

@@ -1,7 +1,9 @@
 #include "host/pictures/tiff_metadata.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace glimmerhost {
@@ -23,6 +25,13 @@ constexpr TextTag kTextTags[] = {
     {TIFFTAG_MODEL, "Model"},
     {TIFFTAG_HOSTCOMPUTER, "Host Computer"},
 };
+
+// Null for a text that no tag means.
+const TextTag* FindTextTag(const std::string& key) {
+  const auto* const found = std::find_if(std::begin(kTextTags), std::end(kTextTags),
+                                         [&key](const TextTag& tag) { return tag.key == key; });
+  return found == std::end(kTextTags) ? nullptr : found;
+}
 
 std::string Text(TIFF* tiff, std::uint32_t tag) {
   const char* text = nullptr;
@@ -93,9 +102,7 @@ FileMetadata ReadTiffMetadata(TIFF* tiff) {
 
 void SetTiffMetadata(const FileMetadata& metadata, TIFF* tiff) {
   for (const FileText& text : metadata.texts) {
-    const auto* const known = std::find_if(std::begin(kTextTags), std::end(kTextTags),
-                                           [&text](const TextTag& t) { return t.key == text.key; });
-    if (known != std::end(kTextTags)) {
+    if (const TextTag* const known = FindTextTag(text.key); known != nullptr) {
       TIFFSetField(tiff, known->tag, text.value.c_str());
     } else if (text.key == kXmpKey) {
       SetBlock(tiff, TIFFTAG_XMLPACKET, text.value.size(), text.value.data());
@@ -110,6 +117,30 @@ void SetTiffMetadata(const FileMetadata& metadata, TIFF* tiff) {
   SetBlock(tiff, TIFFTAG_ICCPROFILE, metadata.iccProfile.size(), metadata.iccProfile.data());
   SetBlock(tiff, TIFFTAG_RICHTIFFIPTC, metadata.tiff.iptc.size(), metadata.tiff.iptc.data());
   TIFFSetField(tiff, TIFFTAG_ORIENTATION, metadata.tiff.orientation);
+}
+
+std::vector<NotCarried> LostInTiff(const FileMetadata& metadata) {
+  std::vector<std::string> names;
+  for (const FileText& text : metadata.texts) {
+    if (text.key != kXmpKey && FindTextTag(text.key) == nullptr) {
+      names.push_back(text.key);
+    }
+  }
+  const std::pair<bool, const char*> colours[] = {
+      {metadata.colours.gamma.has_value(), "gamma"},
+      {metadata.colours.chromaticities.has_value(), "chromaticities"},
+      {metadata.colours.srgbIntent.has_value(), "sRGB intent"}};
+  for (const auto& [there, name] : colours) {
+    if (there) {
+      names.emplace_back(name);
+    }
+  }
+  if (names.empty()) {
+    return {};
+  }
+  return {names.size() == 1
+              ? OneNotCarried("attribute " + names[0], "", "TIFF has no place for it")
+              : SomeNotCarried("attributes " + ListNames(names), "TIFF has no place for them")};
 }
 
 }  // namespace glimmerhost

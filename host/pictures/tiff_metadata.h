@@ -4,6 +4,7 @@
 #include <tiffio.h>
 
 #include "host/pictures/file_metadata.h"
+#include "host/pictures/not_carried.h"
 
 namespace glimmerhost {
 
@@ -11,5 +12,8 @@ FileMetadata ReadTiffMetadata(TIFF* tiff);
 
 // To be called before samples are written. Compression is the caller's.
 void SetTiffMetadata(const FileMetadata& metadata, TIFF* tiff);
+
+// What of it has no place in such a file.
+std::vector<NotCarried> LostInTiff(const FileMetadata& metadata);
 
 }  // namespace glimmerhost

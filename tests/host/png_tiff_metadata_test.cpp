@@ -13,6 +13,7 @@
 
 #include "host/pictures/file_metadata.h"
 #include "host/pictures/picture_file.h"
+#include "tests/host/icc_profile.h"
 #include "tests/host/odd_pictures.h"
 #include "tests/host/picture_samples.h"
 #include "tests/support/scratch_folder.h"
@@ -21,33 +22,11 @@ namespace {
 
 using glimmerhost::FileMetadata;
 using glimmerhost::Picture;
+using lx_test::Profile;
 using lx_test::Read;
 using lx_test::Sample;
 using lx_test::ScratchFolder;
 using lx_test::Write;
-
-// A profile that libpng takes: the head of one for RGB displays and a single tag, "text".
-std::vector<std::uint8_t> Profile() {
-  std::vector<std::uint8_t> profile(344, 0);
-  const auto put = [&profile](std::size_t at, const std::string& text) {
-    std::copy(text.begin(), text.end(), profile.begin() + static_cast<std::ptrdiff_t>(at));
-  };
-  put(0, std::string("\x00\x00\x01\x58", 4));  // 344
-  put(8, "\x02");
-  put(12, "mntrRGB XYZ ");
-  put(36, "acsp");
-  // The illuminant, D50: 0.9642, 1, 0.8249 in 16.16.
-  put(68, std::string("\x00\x00\xF6\xD6\x00\x01\x00\x00\x00\x00\xD3\x2D", 12));
-  // One tag, of 200 bytes from 144 on.
-  put(128, std::string("\x00\x00\x00\x01"
-                       "cprt\x00\x00\x00\x90\x00\x00\x00\xC8",
-                       16));
-  put(144, "text");
-  for (std::size_t i = 152; i < profile.size(); ++i) {
-    profile[i] = static_cast<std::uint8_t>(i * i % 251);
-  }
-  return profile;
-}
 
 Picture Described() {
   FileMetadata metadata;
@@ -173,6 +152,70 @@ TEST(PngTiffMetadata, LeavesOutAProfileThatDoesNotSuitThePicture) {
   const Picture back = Read(folder / "a.png");
   EXPECT_TRUE(back.metadata->iccProfile.empty());
   EXPECT_EQ(picture.samples, back.samples);
+}
+
+// What a write says, a line each.
+std::string Lost(const std::filesystem::path& file, const Picture& picture) {
+  std::vector<glimmerhost::NotCarried> lost;
+  glimmerhost::PictureOutput(file, true).Write(picture, 8, &lost);
+  std::string lines;
+  for (const glimmerhost::NotCarried& one : lost) {
+    lines += one.line + "\n";
+  }
+  return lines;
+}
+
+TEST(PngTiffMetadata, NamesWhatTheOtherFormatHasNoPlaceFor) {
+  const ScratchFolder folder;
+  Picture picture = Described();
+  EXPECT_EQ("", Lost(folder / "a.tif", picture));
+  EXPECT_EQ(
+      "orientation 6 is not carried: PNG has no place for it\n"
+      "IPTC record is not carried: PNG has no place for it\n",
+      Lost(folder / "a.png", picture));
+
+  FileMetadata metadata;
+  metadata.texts = {{"Of our own", "a word"}, {"Author", "somebody"}};
+  picture.metadata = std::make_shared<FileMetadata>(metadata);
+  EXPECT_EQ("attribute Of our own is not carried: TIFF has no place for it\n",
+            Lost(folder / "b.tif", picture));
+  metadata.colours.gamma = 55556;
+  picture.metadata = std::make_shared<FileMetadata>(metadata);
+  EXPECT_EQ("attributes Of our own, gamma are not carried: TIFF has no place for them\n",
+            Lost(folder / "b.tif", picture));
+  EXPECT_EQ("", Lost(folder / "b.png", picture));
+}
+
+TEST(PngTiffMetadata, NamesAProfileThatDoesNotSuitThePicture) {
+  const ScratchFolder folder;
+  Picture picture = Sample(5, 4, glimmerhost::Alpha::kNone, true);
+  FileMetadata metadata;
+  metadata.iccProfile = Profile();
+  picture.metadata = std::make_shared<FileMetadata>(metadata);
+  EXPECT_EQ("ICC profile is not carried: it is not one for the picture's channels\n",
+            Lost(folder / "a.png", picture));
+}
+
+TEST(PngTiffMetadata, NamesFurtherChannelsAndPages) {
+  const ScratchFolder folder;
+  const auto left = [](const std::filesystem::path& file) {
+    glimmerhost::ReadReport report;
+    glimmerhost::ReadPicture(file, {}, &report);
+    std::string lines;
+    for (const glimmerhost::NotCarried& one : report.notCarried) {
+      lines += one.line + "\n";
+    }
+    return lines;
+  };
+  lx_test::MakeTiff(folder / "a.tif", {.channels = 3});
+  EXPECT_EQ("", left(folder / "a.tif"));
+  lx_test::MakeTiff(folder / "a.tif", {.mode = "a"});
+  EXPECT_EQ(
+      "the parts of the file behind the first are not carried: the first alone is the picture\n",
+      left(folder / "a.tif"));
+  lx_test::MakeTiff(folder / "b.tif", {.channels = 5, .extraSamples = {2, 0}});
+  EXPECT_EQ("a further channel is not carried: red, green, blue and alpha are\n",
+            left(folder / "b.tif"));
 }
 
 TEST(PngTiffMetadata, TakesLatin1ForWhatIsNoUtf8) {
