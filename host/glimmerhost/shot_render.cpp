@@ -174,6 +174,7 @@ void ShotRender::TakePicture(Work* work) {
   if (file != kPipe) {
     work->picture = ReadPicture(file, settings_.reading, &work->found);
     work->report.remarks = work->found.lines;
+    work->report.notCarried = work->found.notCarried;
   }
   if (manifest_ != nullptr) {
     work->inputHash = file == kPipe ? SamplesHash(work->picture.samples) : FileHash(file);
@@ -240,7 +241,8 @@ void ShotRender::Write(Work* work) const {
   if (toPipe) {
     WritePam(picture, stdout, "standard output");
   } else {
-    work->output->Write(picture, settings_.bits == 0 ? picture.bits : settings_.bits);
+    work->output->Write(picture, settings_.bits == 0 ? picture.bits : settings_.bits,
+                        &work->report.notCarried);
   }
   if (manifest_ != nullptr) {
     Note(*work);

@@ -100,8 +100,12 @@ void ShotReport::Add(const FrameReport& report) {
     if (!report.fault.empty()) {
       line["fault"] = report.fault;
     }
-    if (!report.remarks.empty()) {
-      line["remarks"] = report.remarks;
+    std::vector<std::string> remarks = report.remarks;
+    for (const NotCarried& lost : report.notCarried) {
+      remarks.push_back(lost.line);
+    }
+    if (!remarks.empty()) {
+      line["remarks"] = remarks;
     }
     Line(line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
     return;
@@ -109,6 +113,7 @@ void ShotReport::Add(const FrameReport& report) {
   for (const std::string& remark : report.remarks) {
     Remark(prefix + remark);
   }
+  NoteNotCarried(report, prefix);
   if (!report.fault.empty()) {
     Remark(prefix + report.fault);
   }
@@ -120,6 +125,14 @@ void ShotReport::Add(const FrameReport& report) {
          ": " + report.output +
          (report.state == FrameState::kSkipped ? " is there already"
                                                : ", " + Seconds(report.seconds)));
+  }
+}
+
+void ShotReport::NoteNotCarried(const FrameReport& report, const std::string& prefix) {
+  for (const NotCarried& lost : report.notCarried) {
+    if (++notCarried_[lost.what] == 1) {
+      Remark(prefix + lost.line);
+    }
   }
 }
 
@@ -156,6 +169,11 @@ void ShotReport::Finish() {
     line["elapsed"] = Elapsed();
     Line(line.dump());
     return;
+  }
+  for (const auto& [what, frames] : notCarried_) {
+    if (frames > 1) {
+      Remark("not carried in " + std::to_string(frames) + " frames: " + what);
+    }
   }
   std::vector<int> bad = frames_[static_cast<int>(FrameState::kFailed)];
   const auto& missing = frames_[static_cast<int>(FrameState::kMissing)];

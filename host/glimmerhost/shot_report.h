@@ -3,8 +3,11 @@
 
 #include <chrono>
 #include <cstddef>
+#include <map>
 #include <string>
 #include <vector>
+
+#include "host/pictures/not_carried.h"
 
 namespace glimmerhost {
 
@@ -16,7 +19,8 @@ struct FrameReport {
   std::string output;                // its file's name
   std::string fault;                 // why it failed
   std::vector<std::string> remarks;  // what was cut or left out
-  double seconds = 0.0;              // of the effect's own work
+  std::vector<NotCarried> notCarried;
+  double seconds = 0.0;  // of the effect's own work
 };
 
 class ShotReport {
@@ -52,6 +56,7 @@ class ShotReport {
 
  private:
   void Line(const std::string& line);
+  void NoteNotCarried(const FrameReport& report, const std::string& prefix);
   void ShowBar();
   double Elapsed() const;
 
@@ -59,6 +64,8 @@ class ShotReport {
   std::size_t count_;
   bool isShot_;
   std::vector<int> frames_[4];  // by state
+  // Frames by what they have lost: the first is named at once, and the rest counted.
+  std::map<std::string, std::size_t> notCarried_;
   bool barShown_ = false;
   std::chrono::steady_clock::time_point start_;
 };
