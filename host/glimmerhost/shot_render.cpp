@@ -191,6 +191,7 @@ void ShotRender::Load(Work* work) {
   std::error_code error;
   if (settings_.skipExisting && fs::exists(work->files.output, error)) {
     work->report.state = FrameState::kSkipped;
+    NoteFound(*work);
     return;
   }
   if (work->files.output != kPipe) {
@@ -264,6 +265,17 @@ void ShotRender::Note(const Work& work) const {
   entry.clippedSamples = work.found.cut + work.found.infinite;
   entry.notNumbers = work.found.notNumbers;
   manifest_->Add(entry);
+}
+
+// A run may have been killed between an output and its line, or had no manifest.
+void ShotRender::NoteFound(const Work& work) const {
+  if (manifest_ != nullptr && !manifest_->Has(work.files.frame)) {
+    ManifestEntry entry;
+    entry.frame = work.files.frame;
+    entry.output = work.files.output.string();
+    entry.outputHash = FileHash(work.files.output);
+    manifest_->Add(entry);
+  }
 }
 
 std::map<std::string, Value> ShotRender::ValuesOf(int frame, const Picture& picture) {

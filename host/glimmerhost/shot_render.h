@@ -87,6 +87,7 @@ class ShotRender {
   void Render(Work* work);
   void Write(Work* work) const;
   void Note(const Work& work) const;
+  void NoteFound(const Work& work) const;
   std::map<std::string, Value> ValuesOf(int frame, const Picture& picture);
   quantel::cPtr<FrameImage> SpreadOf(Work* work);
 

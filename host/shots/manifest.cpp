@@ -1,7 +1,11 @@
 #include "host/shots/manifest.h"
 
+#include <cstddef>
 #include <exception>
+#include <iterator>
 #include <nlohmann/json.hpp>
+#include <sstream>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -43,37 +47,16 @@ ManifestEntry FromJson(const Json& json) {
   return entry;
 }
 
-}  // namespace
-
-Manifest::Manifest(std::filesystem::path file, bool goOn, bool replace) : file_(std::move(file)) {
-  std::error_code error;
-  if (!goOn && !replace && std::filesystem::exists(file_, error)) {
-    throw Failure(file_.string() +
-                  ": it exists already; --skip-existing goes on with it, --overwrite replaces it");
-  }
-  out_.open(file_, std::ios::binary | (goOn ? std::ios::app : std::ios::trunc));
-  if (!out_) {
-    throw Failure(file_.string() + ": it cannot be written");
-  }
+// Whether that may be the beginning of a line, and not what another kind of file ends in.
+bool IsBeginning(std::string_view text) {
+  constexpr std::string_view kFirst = "{\"frame\":";
+  return text.starts_with(kFirst) || kFirst.starts_with(text);
 }
 
-// A line at once, for readers that follow the file.
-void Manifest::Add(const ManifestEntry& entry) {
-  out_ << ToJson(entry).dump(-1, ' ', false, Json::error_handler_t::replace) + "\n" << std::flush;
-  if (!out_) {
-    throw Failure(file_.string() + ": it cannot be written");
-  }
-}
-
-std::map<int, ManifestEntry> ReadManifest(const std::filesystem::path& file) {
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(file, error)) {
-    throw MissingInput(file.string() + ": there is no such file");
-  }
-  std::ifstream in(file, std::ios::binary);
+std::map<int, ManifestEntry> ReadLines(const std::filesystem::path& file, std::istream* in) {
   std::map<int, ManifestEntry> entries;
   int number = 0;
-  for (std::string line; std::getline(in, line);) {
+  for (std::string line; std::getline(*in, line);) {
     ++number;
     try {
       ManifestEntry entry = FromJson(Json::parse(line));
@@ -84,6 +67,62 @@ std::map<int, ManifestEntry> ReadManifest(const std::filesystem::path& file) {
   }
   return entries;
 }
+
+}  // namespace
+
+Manifest::Manifest(std::filesystem::path file, bool goOn, bool replace) : file_(std::move(file)) {
+  std::error_code error;
+  if (!goOn && !replace && std::filesystem::exists(file_, error)) {
+    throw Failure(file_.string() +
+                  ": it exists already; --skip-existing goes on with it, --overwrite replaces it");
+  }
+  if (goOn && std::filesystem::exists(file_, error)) {
+    GoOn();
+  }
+  out_.open(file_, std::ios::binary | (goOn ? std::ios::app : std::ios::trunc));
+  if (!out_) {
+    throw Failure(file_.string() + ": it cannot be written");
+  }
+}
+
+void Manifest::GoOn() {
+  std::ifstream in(file_, std::ios::binary);
+  const std::string text{std::istreambuf_iterator<char>(in), {}};
+  in.close();
+  const std::size_t whole = text.rfind('\n') + 1;  // 0 where there is none
+  const bool isCut = whole < text.size() && IsBeginning(std::string_view(text).substr(whole));
+  std::istringstream lines(isCut ? text.substr(0, whole) : text);
+  for (const auto& [frame, entry] : ReadLines(file_, &lines)) {
+    frames_.insert(frame);
+  }
+  std::error_code error;
+  if (isCut) {
+    std::filesystem::resize_file(file_, whole, error);
+  }
+  if (error) {
+    throw Failure(file_.string() + ": it cannot be written: " + error.message());
+  }
+}
+
+// A line at once, for readers that follow the file.
+void Manifest::Add(const ManifestEntry& entry) {
+  out_ << ToJson(entry).dump(-1, ' ', false, Json::error_handler_t::replace) + "\n" << std::flush;
+  if (!out_) {
+    throw Failure(file_.string() + ": it cannot be written");
+  }
+  frames_.insert(entry.frame);
+}
+
+std::map<int, ManifestEntry> ReadManifest(const std::filesystem::path& file) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(file, error)) {
+    throw MissingInput(file.string() + ": there is no such file");
+  }
+  std::ifstream in(file, std::ios::binary);
+  return ReadLines(file, &in);
+}
+
+bool IsAsWritten(const ManifestEntry& entry) { return FileHash(Utf8Path(entry.output)) == entry.outputHash; }
 
 std::vector<std::string> CheckManifest(const std::map<int, ManifestEntry>& entries,
                                        const std::vector<int>& frames) {
@@ -99,7 +138,7 @@ std::vector<std::string> CheckManifest(const std::map<int, ManifestEntry>& entri
   }
   for (const auto& [frame, entry] : entries) {
     try {
-      if (FileHash(Utf8Path(entry.output)) != entry.outputHash) {
+      if (!IsAsWritten(entry)) {
         faults.push_back("frame " + std::to_string(frame) + ": " + entry.output +
                          ": it is not what was written");
       }

@@ -5,11 +5,14 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
 namespace glimmerhost {
 
+// Of an output that stood there already and that no run has written down, only frame, output and
+// its hash are known.
 struct ManifestEntry {
   int frame = 0;
   std::string input;
@@ -26,21 +29,32 @@ struct ManifestEntry {
 // Written line by line, so that what a run has done stays known however it ends.
 class Manifest {
  public:
-  //   goOn  whether lines of an earlier run are kept, and new ones follow
+  //   goOn  whether lines of an earlier run are kept, and new ones follow. Of a run that was killed
+  //         the last line may be cut off: what there is of it goes
   // Throws Failure, which names the file, if it is there already and lines are not to be kept nor
-  // the file to be replaced, or if it cannot be written.
+  // the file to be replaced, if its lines are none of a manifest, or if it cannot be written.
   Manifest(std::filesystem::path file, bool goOn, bool replace);
 
   void Add(const ManifestEntry& entry);
 
+  // Whether there is a line for the frame, of this run or one that it goes on with.
+  bool Has(int frame) const { return frames_.contains(frame); }
+
  private:
+  void GoOn();
+
   std::filesystem::path file_;
   std::ofstream out_;
+  std::set<int> frames_;
 };
 
 // The entries of a file; of a frame that is there twice, the last one counts. Throws Failure, which
 // names the file and the line, for what is no manifest; MissingInput if it is not there.
 std::map<int, ManifestEntry> ReadManifest(const std::filesystem::path& file);
+
+// Whether the output is what the entry says. Throws Failure if it cannot be read, MissingInput if
+// it is not there.
+bool IsAsWritten(const ManifestEntry& entry);
 
 // What is wrong with a manifest, a line each: frames of the list that it lacks, and outputs that
 // are not there or not what was written. Empty if it is whole.

@@ -62,6 +62,32 @@ TEST_F(Manifests, GoOnWithAnEarlierRunsLinesIfTold) {
   EXPECT_EQ(1U, glimmerhost::ReadManifest(file).size());
 }
 
+TEST_F(Manifests, KnowTheFramesOfTheRunThatTheyGoOnWith) {
+  Manifest(file, false, false).Add(Entry(1));
+  Manifest manifest(file, true, false);
+  EXPECT_TRUE(manifest.Has(1));
+  EXPECT_FALSE(manifest.Has(2));
+  manifest.Add(Entry(2));
+  EXPECT_TRUE(manifest.Has(2));
+}
+
+TEST_F(Manifests, GoOnBehindTheLastWholeLineOfARunThatWasKilled) {
+  Manifest(file, false, false).Add(Entry(1));
+  for (const char* cut : {"{\"fr", "{\"frame\":2,\"input\":\"in"}) {
+    std::ofstream(file, std::ios::app) << cut;
+    Manifest(file, true, false).Add(Entry(3));
+    EXPECT_EQ(2U, glimmerhost::ReadManifest(file).size()) << cut;
+  }
+}
+
+TEST_F(Manifests, LeaveAFileAloneThatIsNone) {
+  for (const std::string text : {"another", "another\n", "{\"frame\":2}\n{\"fr"}) {
+    std::ofstream(file) << text;
+    EXPECT_THROW(Manifest(file, true, false), glimmerhost::Failure);
+    EXPECT_EQ(text.size(), std::filesystem::file_size(file)) << text;
+  }
+}
+
 TEST_F(Manifests, TellWhatIsMissingAndWhatHasChanged) {
   {
     Manifest manifest(file, false, false);

@@ -242,6 +242,45 @@ TEST_F(ShotProgram, WritesAManifestThatCanBeChecked) {
   EXPECT_EQ(1, RunProgram(check).code);
 }
 
+TEST_F(ShotProgram, NotesAFrameThatStoodThereWithoutALine) {
+  WriteShot(1, 2);
+  ASSERT_EQ(0, RunProgram(Shot("out.@.png", "--radius 2px --frames 1")).code);
+  const std::string file = "'" + (folder / "m.jsonl").string() + "' ";
+  ASSERT_EQ(0,
+            RunProgram(Shot("out.@.png", "--radius 2px --skip-existing --manifest " + file)).code);
+
+  EXPECT_EQ("2 frames are as they were written\n",
+            RunProgram("check " + file + "--frames 1-2").text);
+  const std::string lines = Bytes(folder / "m.jsonl");
+  EXPECT_EQ(0U, lines.find(R"({"frame":1,"input":"","input_hash":"",)")) << lines;
+}
+
+TEST_F(ShotProgram, ChecksEachFrameByTheManifestThatIsRightAboutIt) {
+  WriteShot(1, 2);
+  const std::string old = "'" + (folder / "old.jsonl").string() + "' ";
+  const std::string young = "'" + (folder / "young.jsonl").string() + "' ";
+  ASSERT_EQ(0, RunProgram(Shot("out.@.png", "--radius 2px --manifest " + old)).code);
+  fs::remove(folder / "out.1.png");
+  ASSERT_EQ(0,
+            RunProgram(Shot("out.@.png", "--radius 5px --skip-existing --manifest " + young)).code);
+
+  EXPECT_EQ(1, RunProgram("check " + old).code);
+  EXPECT_EQ(0, RunProgram("check " + old + young).code);
+  EXPECT_EQ(0, RunProgram("check " + young + old).code);
+  fs::resize_file(folder / "out.2.png", 10);
+  EXPECT_EQ(1, RunProgram("check " + old + young).code);
+}
+
+TEST_F(ShotProgram, NamesTheFramesOfAManifestThatIsMissing) {
+  const std::string none = (folder / "none.jsonl").string();
+  const Outcome outcome = RunProgram("check '" + none + "' --frames 3-5");
+
+  EXPECT_EQ(1, outcome.code);
+  EXPECT_EQ(
+      "glimmerhost: " + none + ": there is no such file\nglimmerhost: no line for frames 3-5\n",
+      outcome.text);
+}
+
 TEST_F(ShotProgram, RefusesWhatDoesNotGoTogether) {
   WriteShot(1, 2);
   ExpectRefusal(Shot("out.png", ""), 2, "allowed for 2 frames is a name with a place");
