@@ -5,6 +5,7 @@
 #include <string_view>
 #include <thread>
 
+#include "host/support/child_process.h"
 #include "host/support/ending.h"
 #include "host/support/system.h"
 #include "host/support/temporary_file.h"
@@ -22,6 +23,7 @@ bool IsIgnored(int signal) {
   int signal = 0;
   while (sigwait(&signals, &signal) != 0) {
   }
+  EndChildren();
   AbandonTemporaryFiles();
   if (IsTerminal()) {
     // Past what stands there, and not through a stream, whose lock another thread may hold.

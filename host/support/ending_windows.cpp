@@ -2,6 +2,7 @@
 #define NOMINMAX
 #include <windows.h>
 
+#include "host/support/child_process.h"
 #include "host/support/ending.h"
 #include "host/support/temporary_file.h"
 
@@ -10,6 +11,7 @@ namespace {
 
 // The system calls it on a thread of its own. Open files go when the process has ended.
 BOOL WINAPI OnConsole(DWORD /*event*/) {
+  EndChildren();
   AbandonTemporaryFiles();
   constexpr UINT kInterrupted = 130;
   TerminateProcess(GetCurrentProcess(), kInterrupted);

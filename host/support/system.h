@@ -11,8 +11,11 @@ namespace glimmerhost {
 // The program's arguments in UTF-8, its own name first.
 std::vector<std::string> Arguments(int argc, const char* const* argv);
 
-// The folder of the running program.
-std::filesystem::path ProgramFolder();
+// The running program's file, from the root on.
+std::filesystem::path ProgramFile();
+
+// Its folder.
+inline std::filesystem::path ProgramFolder() { return ProgramFile().parent_path(); }
 
 std::uint32_t ProcessId();
 

@@ -23,9 +23,9 @@ std::vector<std::string> Arguments(int argc, const char* const* argv) {
   return {argv, argv + argc};
 }
 
-std::filesystem::path ProgramFolder() {
+std::filesystem::path ProgramFile() {
   std::error_code error;
-  return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+  return std::filesystem::read_symlink("/proc/self/exe", error);
 }
 
 std::uint32_t ProcessId() { return static_cast<std::uint32_t>(getpid()); }

@@ -59,10 +59,10 @@ std::vector<std::string> Arguments(int /*argc*/, const char* const* /*argv*/) {
   return arguments;
 }
 
-std::filesystem::path ProgramFolder() {
+std::filesystem::path ProgramFile() {
   std::wstring name(32768, L'\0');
   name.resize(GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size())));
-  return std::filesystem::path(name).parent_path();
+  return {name};
 }
 
 std::uint32_t ProcessId() { return GetCurrentProcessId(); }

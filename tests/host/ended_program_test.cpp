@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "host/pictures/picture_file.h"
+#include "host/support/child_process.h"
 #include "host/support/failure.h"
 #include "host/support/temporary_file.h"
 #include "tests/host/program.h"
@@ -69,10 +70,21 @@ class FileWatch {
   FileWatch(const FileWatch&) = delete;
   FileWatch& operator=(const FileWatch&) = delete;
 
-  void WaitForOne() const {
-    std::array<char, 4096> event{};
-    EXPECT_LT(0, read(events_, event.data(), event.size()));
+  //   ending  of its name
+  void WaitFor(const std::string& ending) const {
+    for (bool found = false; !found;) {
+      alignas(inotify_event) std::array<char, 4096> events{};
+      const ssize_t size = read(events_, events.data(), events.size());
+      ASSERT_LT(0, size);
+      for (ssize_t at = 0; at < size;) {
+        const auto* event = reinterpret_cast<const inotify_event*>(events.data() + at);
+        found |= event->len > 0 && std::string(event->name).ends_with(ending);
+        at += static_cast<ssize_t>(sizeof(inotify_event) + event->len);
+      }
+    }
   }
+
+  void WaitForOne() const { WaitFor(""); }
 
  private:
   int events_;
@@ -167,6 +179,11 @@ TEST_F(EndedProgram, IsNotTakenForEndedWhileItLives) {
   { const glimmerhost::TemporaryFile file(output); }
 
   EXPECT_TRUE(fs::exists(name));
+}
+
+// Whoever waited for its end would wait longer than a test may.
+TEST(StartedProgram, EndsWithItsObject) {
+  const glimmerhost::ChildProcess child("sleep", {"1000"});
 }
 
 // No file of this process may grow beyond so many bytes.

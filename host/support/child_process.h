@@ -1,0 +1,53 @@
+// ChildProcess: another program, started by this one and read from while it runs.
+//
+// All of them are in one list, so that a signal that ends this program (ending.h) ends them too.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace glimmerhost {
+
+struct ProcessEnd {
+  int code = 0;    // its exit code
+  int signal = 0;  // what killed it; 0 if it ended by itself
+};
+
+// "ended with exit code 1", "was killed by signal 9".
+std::string ShowEnd(const ProcessEnd& end);
+
+class ChildProcess {
+ public:
+  // Starts it in this process's folder, with its environment and nothing to read.
+  //   program    with a folder in its name, that file; otherwise looked for as a shell does
+  //   arguments  in UTF-8, any text, without the program's name; each comes over as it is
+  // Throws MissingInput where there is no such program, Failure where it cannot be started.
+  ChildProcess(const std::string& program, const std::vector<std::string>& arguments);
+
+  // Ends it, if it has not been waited for.
+  ~ChildProcess();
+  ChildProcess(const ChildProcess&) = delete;
+  ChildProcess& operator=(const ChildProcess&) = delete;
+
+  // The next line of both its outputs, without its end. False when they have ended.
+  bool ReadLine(std::string* line);
+
+  // Once, when its lines have been read: a program whose output nobody reads may wait itself.
+  ProcessEnd Wait();
+
+ private:
+  struct System;
+
+  // Some bytes of its outputs; false at their end.
+  bool ReadSome();
+
+  std::unique_ptr<System> system_;
+  std::string unread_;
+};
+
+// Ends all of them and comes back when they have ended. From then on whoever would start one or
+// wait for one waits for ever: only for a program that ends at once.
+void EndChildren() noexcept;
+
+}  // namespace glimmerhost

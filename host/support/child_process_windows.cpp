@@ -1,0 +1,167 @@
+#define WIN32_LEAN_AND_MEAN
+#define NOMINMAX
+#include <windows.h>
+
+#include <array>
+#include <cstddef>
+#include <filesystem>
+#include <mutex>
+#include <set>
+#include <system_error>
+
+#include "host/support/child_process.h"
+#include "host/support/failure.h"
+
+namespace glimmerhost {
+namespace {
+
+struct Registry {
+  std::mutex lock;
+  std::set<HANDLE> children;
+};
+
+// Never destroyed: the system may end the program while its last objects go.
+Registry& TheRegistry() {
+  static auto* const registry = new Registry;
+  return *registry;
+}
+
+std::wstring Wide(const std::string& utf8) {
+  const auto size = static_cast<int>(utf8.size());
+  std::wstring wide(
+      static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, nullptr, 0)),
+      L'\0');
+  MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, wide.data(), static_cast<int>(wide.size()));
+  return wide;
+}
+
+// As the other side takes a line apart: backslashes stand for themselves, but in front of a quote.
+std::wstring Quoted(const std::string& argument) {
+  std::wstring quoted = L"\"";
+  std::size_t backslashes = 0;
+  for (const wchar_t c : Wide(argument)) {
+    if (c == L'"') {
+      quoted.append(backslashes + 1, L'\\');
+    }
+    backslashes = c == L'\\' ? backslashes + 1 : 0;
+    quoted += c;
+  }
+  quoted.append(backslashes, L'\\');
+  return quoted + L'"';
+}
+
+std::string LastErrorText() {
+  return std::system_category().message(static_cast<int>(GetLastError()));
+}
+
+void Close(HANDLE* handle) {
+  if (*handle != nullptr) {
+    CloseHandle(*handle);
+    *handle = nullptr;
+  }
+}
+
+}  // namespace
+
+struct ChildProcess::System {
+  HANDLE child = nullptr;
+  HANDLE output = nullptr;
+
+  ~System() {
+    Close(&child);
+    Close(&output);
+  }
+
+  ProcessEnd Reap() {
+    WaitForSingleObject(child, INFINITE);
+    DWORD code = 0;
+    GetExitCodeProcess(child, &code);
+    const std::lock_guard<std::mutex> hold(TheRegistry().lock);
+    TheRegistry().children.erase(child);
+    Close(&child);
+    return {static_cast<int>(code), 0};
+  }
+
+  // The child inherits what may be inherited at that moment, so only one is started at a time.
+  bool Start(std::wstring* line, HANDLE input, HANDLE written) {
+    STARTUPINFOW start{};
+    start.cb = sizeof start;
+    start.dwFlags = STARTF_USESTDHANDLES;
+    start.hStdInput = input;
+    start.hStdOutput = written;
+    start.hStdError = written;
+    PROCESS_INFORMATION process{};
+    if (CreateProcessW(nullptr, line->data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
+                       &process) == 0) {
+      return false;
+    }
+    CloseHandle(process.hThread);
+    child = process.hProcess;
+    TheRegistry().children.insert(child);
+    return true;
+  }
+};
+
+ChildProcess::ChildProcess(const std::string& program, const std::vector<std::string>& arguments)
+    : system_(std::make_unique<System>()) {
+  std::wstring line = Quoted(program);
+  for (const std::string& argument : arguments) {
+    line += L" " + Quoted(argument);
+  }
+  const std::lock_guard<std::mutex> hold(TheRegistry().lock);
+  SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+  HANDLE written = nullptr;
+  if (CreatePipe(&system_->output, &written, &inheritable, 0) == 0) {
+    throw Failure(program + ": it cannot be started: " + LastErrorText());
+  }
+  SetHandleInformation(system_->output, HANDLE_FLAG_INHERIT, 0);
+  HANDLE input = CreateFileW(L"NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, &inheritable,
+                             OPEN_EXISTING, 0, nullptr);
+  const bool started = system_->Start(&line, input, written);
+  const DWORD error = GetLastError();
+  CloseHandle(input);
+  CloseHandle(written);
+  if (!started && (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND)) {
+    throw MissingInput(program + ": there is no such program");
+  }
+  if (!started) {
+    throw Failure(program + ": it cannot be started: " +
+                  std::system_category().message(static_cast<int>(error)));
+  }
+}
+
+ChildProcess::~ChildProcess() {
+  if (system_->child != nullptr) {
+    TerminateProcess(system_->child, 1);
+    system_->Reap();
+  }
+}
+
+bool ChildProcess::ReadSome() {
+  std::array<char, 4096> buffer{};
+  DWORD got = 0;
+  if (ReadFile(system_->output, buffer.data(), static_cast<DWORD>(buffer.size()), &got, nullptr) ==
+          0 ||
+      got == 0) {
+    return false;
+  }
+  unread_.append(buffer.data(), got);
+  return true;
+}
+
+ProcessEnd ChildProcess::Wait() { return system_->Reap(); }
+
+// What ends this program from its console ends them as well, in their own way; they get a while.
+void EndChildren() noexcept {
+  constexpr DWORD kMilliseconds = 3000;
+  constexpr UINT kInterrupted = 130;
+  Registry& registry = TheRegistry();
+  registry.lock.lock();
+  for (HANDLE child : registry.children) {
+    if (WaitForSingleObject(child, kMilliseconds) != WAIT_OBJECT_0) {
+      TerminateProcess(child, kInterrupted);
+    }
+  }
+}
+
+}  // namespace glimmerhost
