@@ -28,6 +28,7 @@ _glimmerhost() {
   case $before in
     --shape) choices="circle ellipse polygon image" ;;
     --alpha) choices="premultiplied as-is" ;;
+    --engine) choices="local slurm" ;;
     --bits) choices="8 16" ;;
     --progress) choices="auto bar lines json" ;;
     --grid) choices="512 1024 2048 4096" ;;

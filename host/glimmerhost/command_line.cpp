@@ -17,6 +17,8 @@
 #include "host/glimmerhost/psf_command.h"
 #include "host/glimmerhost/render_command.h"
 #include "host/glimmerhost/session_command.h"
+#include "host/glimmerhost/submit_command.h"
+#include "host/glimmerhost/typed_arguments.h"
 #include "host/glimmerhost/wisdom_command.h"
 #include "host/support/failure.h"
 
@@ -56,6 +58,8 @@ int Run(const std::vector<std::string>& arguments) {
   app.set_version_flag("--version", kVersion);
   RenderOptions render;
   const CLI::App* renderCommand = AddRender(&app, &render);
+  SubmitOptions submit;
+  const CLI::App* submitCommand = AddSubmit(&app, &submit);
   PsfOptions psf;
   const CLI::App* psfCommand = AddPsf(&app, &psf);
   PageOptions page;
@@ -86,6 +90,8 @@ int Run(const std::vector<std::string>& arguments) {
     RunPresets(std::cout);
   } else if (renderCommand->parsed()) {
     return RunRender(Settled(render), std::cout);
+  } else if (submitCommand->parsed()) {
+    return RunSubmit(Settled(submit), TypedArguments(*submitCommand), std::cout);
   } else if (psfCommand->parsed()) {
     RunPsf(Settled(psf));
   } else if (pageCommand->parsed()) {

@@ -110,14 +110,14 @@ void AddRunning(CLI::App* app, RunOptions* options) {
 }
 
 // What of a shot is rendered, and what becomes of frames that fail.
-void AddShot(CLI::App* app, RenderOptions* options) {
+//   chunk  what --chunk means
+void AddShot(CLI::App* app, RenderOptions* options, const std::string& chunk) {
   const std::string shot = "Shot";
   app->add_option("--frames", options->frames,
                   "1-10,20-30, 1-100x5 (every fifth), 100-1 (backwards); default: the list in the "
                   "input's name (shot.1-100#.exr), or the frames that its folder has")
       ->group(shot);
-  app->add_option("--chunk", options->chunk, "K/N: only the K-th of N parts of the frames")
-      ->group(shot);
+  app->add_option("--chunk", options->chunk, chunk)->group(shot);
   app->add_flag("--skip-existing", options->skipExisting, "Leave out frames whose output is there")
       ->group(shot);
   app->add_flag("--keep-going", options->keepGoing,
@@ -135,10 +135,7 @@ void AddShot(CLI::App* app, RenderOptions* options) {
       ->group(shot);
 }
 
-}  // namespace
-
-CLI::App* AddRender(CLI::App* app, RenderOptions* options) {
-  CLI::App* render = app->add_subcommand("render", "Render a picture, or a shot of them");
+void AddRenderOptions(CLI::App* render, RenderOptions* options, const std::string& chunk) {
   render
       ->add_option("INPUT", options->input,
                    std::string("The picture, or a sequence (shot.####.exr): ") + kReadableFormats)
@@ -146,7 +143,7 @@ CLI::App* AddRender(CLI::App* app, RenderOptions* options) {
   AddPictureOutput(render, options);
   AddAperture(render, options);
   AddHighlights(render, options);
-  AddShot(render, options);
+  AddShot(render, options, chunk);
   AddParameters(render, options);
   render
       ->add_option("--save-params", options->saveParams,
@@ -178,7 +175,46 @@ CLI::App* AddRender(CLI::App* app, RenderOptions* options) {
                    "auto (default: bar on a terminal, lines elsewhere), bar, lines or json")
       ->group(kRunning);
   AddRunning(render, options);
+}
+
+}  // namespace
+
+CLI::App* AddRender(CLI::App* app, RenderOptions* options) {
+  CLI::App* render = app->add_subcommand("render", "Render a picture, or a shot of them");
+  AddRenderOptions(render, options, "K/N: only the K-th of N parts of the frames");
   return render;
+}
+
+CLI::App* AddSubmit(CLI::App* app, SubmitOptions* options) {
+  CLI::App* submit = app->add_subcommand(
+      "submit", "Render a shot in chunks, by processes on this machine or by a farm");
+  submit->footer(
+      "Each chunk is a glimmerhost render --chunk K/N --skip-existing with a manifest of its own,\n"
+      "beside the output or called after --manifest: out.manifest.0003-of-0012.jsonl. In the end\n"
+      "glimmerhost check holds the frames against all of them. --dry-run prints what would be\n"
+      "run.");
+  AddRenderOptions(submit, options,
+                   "The most frames of a chunk; chunks are consecutive frames of the list, as even "
+                   "as can be (default 20, locally also no more than gives every process a chunk)");
+  const std::string farm = "Farm";
+  submit
+      ->add_option("--engine", options->engine,
+                   "local (default): processes on this machine; slurm: an array of Slurm jobs and "
+                   "one for the check, which is what this program then leaves them to")
+      ->group(farm);
+  submit
+      ->add_option("--jobs", options->jobs,
+                   "local: processes at once (default 1, as one frame takes all processors; with "
+                   "more, --threads says how many each of them has)")
+      ->group(farm);
+  submit
+      ->add_option("--sbatch", options->sbatch,
+                   "slurm: an option for sbatch in one word (--partition=long, --time=2:00:00), "
+                   "over those that come from the shot. May be given more than once")
+      ->take_all()
+      ->allow_extra_args(false)
+      ->group(farm);
+  return submit;
 }
 
 CLI::App* AddPsf(CLI::App* app, PsfOptions* options) {

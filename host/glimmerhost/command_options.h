@@ -8,12 +8,14 @@
 #include "host/glimmerhost/psf_command.h"
 #include "host/glimmerhost/render_command.h"
 #include "host/glimmerhost/session_command.h"
+#include "host/glimmerhost/submit_command.h"
 #include "host/glimmerhost/wisdom_command.h"
 
 namespace glimmerhost {
 
 // Each adds a command to the program. Parsing fills in the options, which must live as long.
 CLI::App* AddRender(CLI::App* app, RenderOptions* options);
+CLI::App* AddSubmit(CLI::App* app, SubmitOptions* options);
 CLI::App* AddPsf(CLI::App* app, PsfOptions* options);
 CLI::App* AddPage(CLI::App* app, PageOptions* options);
 CLI::App* AddSession(CLI::App* app, SessionOptions* options);

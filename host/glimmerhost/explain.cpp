@@ -1,10 +1,8 @@
 #include "host/glimmerhost/explain.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <iterator>
 #include <map>
 #include <ostream>
 #include <set>
@@ -14,9 +12,9 @@
 
 #include "host/glimmerhost/foresight.h"
 #include "host/glimmerhost/frame_renderer.h"
+#include "host/glimmerhost/shot_foresight.h"
 #include "host/glimmerhost/shot_values.h"
 #include "host/glimmerhost/text.h"
-#include "host/pictures/picture_file.h"
 #include "host/shots/frame_list.h"
 #include "host/support/failure.h"
 #include "host/support/system.h"
@@ -36,15 +34,6 @@ std::string Side(int side) { return std::to_string(side) + " x " + std::to_strin
 std::string Existence(const fs::path& file) {
   std::error_code error;
   return fs::exists(file, error) ? "" : " (missing)";
-}
-
-Picture FirstPicture(const ShotPlan& plan) {
-  std::error_code error;
-  const auto there =
-      std::find_if(plan.files.begin(), plan.files.end(),
-                   [&error](const FrameFiles& files) { return fs::exists(files.input, error); });
-  std::string warning;
-  return ReadPicture(there == plan.files.end() ? plan.files.front().input : there->input, &warning);
 }
 
 // What decides whether a new aperture is built, as FrameRenderer takes it.
@@ -81,35 +70,27 @@ void Explain(const Page& page, const ShotSettings& settings, const ShotPlan& pla
              std::ostream& out) {
   const Picture picture = FirstPicture(plan);
   const ShotValues values(page, settings.layers, picture.width, picture.height, SpanOf(plan));
+  const ShotForesight foresight = ForeseeShot(values, plan, picture);
   std::vector<int> frames;
-  std::map<int, std::vector<int>> byGrid;
-  double radius = 0.0;
-  std::uint64_t most = 0;
-  std::uint64_t pictures = 0;
   for (const FrameFiles& files : plan.files) {
-    const Foresight foresight = Foresee(values.At(files.frame), picture.width, picture.height);
     frames.push_back(files.frame);
-    byGrid[foresight.grid].push_back(files.frame);
-    radius = std::max(radius, foresight.radius);
-    most = std::max(most, foresight.effectBytes);
-    pictures = foresight.pictureBytes;
   }
   out << "Frames              " << ShowFrames(frames) << ", " << frames.size() << " of "
       << picture.width << " x " << picture.height << '\n';
-  for (const auto& [grid, of] : byGrid) {
+  for (const auto& [grid, of] : foresight.byGrid) {
     if (grid == 0) {
       out << "Too large           frames " << ShowFrames(of)
           << ": the grid ends at 8192, and they will fail\n";
       continue;
     }
     out << "Grid                " << Side(grid);
-    if (byGrid.size() > 1) {
+    if (foresight.byGrid.size() > 1) {
       out << " for frames " << ShowFrames(of);
     }
     out << '\n';
   }
-  out << "Memory              " << Mebibytes(most) << " for the effect, " << Mebibytes(pictures)
-      << " for pictures";
+  out << "Memory              " << Mebibytes(foresight.effectBytes) << " for the effect, "
+      << Mebibytes(foresight.pictureBytes) << " for pictures";
   if (const std::uint64_t available = AvailableMemory(); available != 0) {
     out << ", of " << Mebibytes(available) << " that this machine has left";
   }
@@ -117,8 +98,9 @@ void Explain(const Page& page, const ShotSettings& settings, const ShotPlan& pla
   out << "Apertures           built " << CountApertures(values, plan, settings) << " times for "
       << frames.size() << (frames.size() == 1 ? " frame" : " frames") << '\n';
   out << "Largest radius      "
-      << Shortest(static_cast<double>(std::int64_t(radius * 10.0 + 0.5)) / 10.0) << " pixels\n";
-  for (const auto& [grid, of] : byGrid) {
+      << Shortest(static_cast<double>(std::int64_t(foresight.radius * 10.0 + 0.5)) / 10.0)
+      << " pixels\n";
+  for (const auto& [grid, of] : foresight.byGrid) {
     if (grid != 0 && grid < 8192) {
       out << "Next step           above a radius of "
           << LargestRadius(grid, picture.width, picture.height) << " pixels a grid of "

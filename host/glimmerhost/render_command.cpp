@@ -11,7 +11,6 @@
 #include "host/glimmerhost/page_file.h"
 #include "host/glimmerhost/parameter_file.h"
 #include "host/glimmerhost/processors.h"
-#include "host/glimmerhost/shot_render.h"
 #include "host/glimmerhost/shot_report.h"
 #include "host/shots/file_hash.h"
 #include "host/shots/manifest.h"
@@ -31,22 +30,6 @@ int ParseBits(const std::string& text) {
     return text == "8" ? 8 : 16;
   }
   throw UsageError("--bits " + text + ": allowed is 8 or 16");
-}
-
-ShotSettings ParseSettings(const RenderOptions& options) {
-  ShotSettings settings;
-  settings.layers = ReadLayers(options);
-  settings.premultiplied = ParsePremultiplied("--alpha", options.alpha);
-  settings.bits = ParseBits(options.bits);
-  settings.reading.range = RangeMapping::Parse(options.range);
-  if (!options.pixelAspect.empty()) {
-    settings.pixelAspect = ParseRatio("--pixel-aspect", options.pixelAspect);
-  }
-  settings.overwrite = options.overwrite;
-  settings.skipExisting = options.skipExisting;
-  settings.keepGoing = options.keepGoing;
-  settings.carryPsf = options.carryPsf;
-  return settings;
 }
 
 // What cannot be done where pictures come one after another and are gone then.
@@ -71,6 +54,22 @@ void CheckPipes(const RenderOptions& options) {
 }
 
 }  // namespace
+
+ShotSettings ParseSettings(const RenderOptions& options) {
+  ShotSettings settings;
+  settings.layers = ReadLayers(options);
+  settings.premultiplied = ParsePremultiplied("--alpha", options.alpha);
+  settings.bits = ParseBits(options.bits);
+  settings.reading.range = RangeMapping::Parse(options.range);
+  if (!options.pixelAspect.empty()) {
+    settings.pixelAspect = ParseRatio("--pixel-aspect", options.pixelAspect);
+  }
+  settings.overwrite = options.overwrite;
+  settings.skipExisting = options.skipExisting;
+  settings.keepGoing = options.keepGoing;
+  settings.carryPsf = options.carryPsf;
+  return settings;
+}
 
 int RunRender(const RenderOptions& options, std::ostream& out) {
   ShotSettings settings = ParseSettings(options);

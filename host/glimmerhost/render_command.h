@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/glimmerhost/run_options.h"
+#include "host/glimmerhost/shot_render.h"
 
 namespace glimmerhost {
 
@@ -24,6 +25,9 @@ struct RenderOptions : RunOptions {
   std::string manifest;    // a file; empty for none
   std::string saveParams;  // a file for what was used; empty for none
 };
+
+// What is the same for all frames. Throws UsageError, and what reading parameter files throws.
+ShotSettings ParseSettings(const RenderOptions& options);
 
 // Renders, or only tells what would be done. Returns the program's exit code. Throws Failure or
 // UsageError; of a frame that failed there is no output, and nothing is left of one.

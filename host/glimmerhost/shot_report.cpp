@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <iostream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 
 #include "host/shots/frame_list.h"
@@ -35,6 +36,24 @@ std::string Clock(double seconds) {
 }
 
 }  // namespace
+
+bool ReadFrameLine(const std::string& line, FrameReport* report) {
+  const auto json = nlohmann::json::parse(line, nullptr, false);
+  if (!json.is_object() || !json.contains("frame")) {
+    return false;
+  }
+  const auto state = std::find(std::begin(kStateNames), std::end(kStateNames), json.at("state"));
+  if (state == std::end(kStateNames)) {
+    return false;
+  }
+  report->frame = json.at("frame");
+  report->state = static_cast<FrameState>(state - std::begin(kStateNames));
+  report->output = json.at("output");
+  report->seconds = json.at("seconds");
+  report->fault = json.value("fault", "");
+  report->remarks = json.value("remarks", std::vector<std::string>());
+  return true;
+}
 
 ShotReport::Form ShotReport::ParseForm(const std::string& text, bool quiet) {
   if (text == "json") {

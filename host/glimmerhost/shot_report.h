@@ -23,6 +23,9 @@ struct FrameReport {
   double seconds = 0.0;  // of the effect's own work
 };
 
+// Reads what ShotReport has written of a frame for machines. False for any other line.
+bool ReadFrameLine(const std::string& line, FrameReport* report);
+
 class ShotReport {
  public:
   enum class Form {
@@ -48,6 +51,9 @@ class ShotReport {
 
   // A line of its own, of no frame.
   void Remark(const std::string& line);
+
+  // Another program's line, as it is.
+  void Pass(const std::string& line) { Line(line); }
 
   // The last line: what became of all frames.
   void Finish();

@@ -110,6 +110,12 @@ fs::path FileSequence::File(int frame) const {
   return folder_ / Utf8Path(HasFrames() ? before_ + Padded(frame, width_) + after_ : before_);
 }
 
+fs::path FileSequence::Stem() const {
+  std::string stem = HasFrames() ? before_ : fs::path(before_).stem().string();
+  stem.erase(stem.find_last_not_of("._- ") + 1);
+  return folder_ / (stem.empty() ? "frames" : stem);
+}
+
 std::vector<int> FileSequence::Scan() const {
   const fs::path folder = folder_.empty() ? fs::path(".") : folder_;
   std::error_code error;

@@ -26,6 +26,10 @@ class FileSequence {
   // The file of a frame; of one file, that file.
   std::filesystem::path File(int frame) const;
 
+  // What the files have in common, for a file that is about all of them: "shot" in the folder of
+  // shot.####.exr, and of shot.exr. Never without a name.
+  std::filesystem::path Stem() const;
+
   // The list that the name holds; empty if it holds none.
   const std::vector<int>& Frames() const { return frames_; }
 

@@ -26,7 +26,8 @@ std::string Replies(const std::string& words, const std::string& folder = "/") {
 TEST(Completion, KnowsTheCommands) {
   EXPECT_EQ("render ", Replies("rend"));
   const std::string all = Replies("''");
-  for (const char* command : {"render", "psf", "page", "session", "wisdom", "presets", "info"}) {
+  for (const char* command :
+       {"render", "submit", "psf", "page", "session", "wisdom", "presets", "info"}) {
     EXPECT_NE(std::string::npos, all.find(std::string(command) + " ")) << all;
   }
   EXPECT_EQ(std::string::npos, all.find("--")) << all;
@@ -37,6 +38,7 @@ TEST(Completion, KnowsTheOptionsOfEachCommand) {
   EXPECT_EQ("", Replies("psf --emph"));
   EXPECT_EQ("--output --overwrite ", Replies("render --o"));
   EXPECT_EQ("--grid ", Replies("wisdom --g"));
+  EXPECT_EQ("--jobs ", Replies("submit --j"));
   EXPECT_EQ("--version ", Replies("--v"));
 }
 
@@ -45,6 +47,7 @@ TEST(Completion, KnowsTheValuesThatAreNames) {
   EXPECT_EQ("polygon ", Replies("render in.png --shape p"));
   EXPECT_EQ("polygon ", Replies("render in.png --shape = p"));
   EXPECT_EQ("circle ellipse polygon image ", Replies("render in.png --shape '='"));
+  EXPECT_EQ("slurm ", Replies("submit --engine s"));
   EXPECT_EQ("as-is ", Replies("render --alpha a"));
   EXPECT_EQ("six-blades soft-disc ", Replies("psf --preset s"));
 }

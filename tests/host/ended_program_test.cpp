@@ -181,6 +181,21 @@ TEST_F(EndedProgram, IsNotTakenForEndedWhileItLives) {
   EXPECT_TRUE(fs::exists(name));
 }
 
+// Of a process that went on, at least the output would be left that it was at.
+TEST_F(EndedProgram, EndsTheProcessesOfItsChunks) {
+  const std::string render = LongRender();
+  const std::string submit = "submit" + render.substr(render.find(' ')) + " --frames 1";
+  for (const int number : {SIGTERM, SIGINT}) {
+    const FileWatch watch(folder.Path());
+    const RunningProgram program(submit);
+    watch.WaitFor(".png");
+    program.Send(number);
+    EXPECT_EQ(128 + number, program.Wait());
+    EXPECT_EQ(1, folder.FileCount());
+    EXPECT_TRUE(fs::remove(folder / "out.manifest.0001-of-0001.jsonl"));
+  }
+}
+
 // Whoever waited for its end would wait longer than a test may.
 TEST(StartedProgram, EndsWithItsObject) {
   const glimmerhost::ChildProcess child("sleep", {"1000"});

@@ -65,7 +65,7 @@ TEST(ManPage, HasTheOptionsOfEveryCommandAndNoOther) {
 
   const Options help = FromHelp();
 
-  EXPECT_EQ(8U, help.size());
+  EXPECT_EQ(9U, help.size());
   EXPECT_TRUE(help.at("render").contains("emphasis"));
   EXPECT_EQ(help, FromManPage(page.str()));
 }
