@@ -35,8 +35,8 @@ install_missing() {
 }
 
 # What the program needs to be built.
-build_packages=(g++ cmake ninja-build pkg-config libfftw3-dev libopenimageio-dev libcli11-dev
-  libtomlplusplus-dev nlohmann-json3-dev libxxhash-dev)
+build_packages=(g++ cmake ninja-build pkg-config libfftw3-dev libopenimageio-dev
+  libopencolorio-dev libcli11-dev libtomlplusplus-dev nlohmann-json3-dev libxxhash-dev)
 
 # What the tests and the benchmarks need beside it.
 test_packages=(libgtest-dev libbenchmark-dev binutils libpng-dev libtiff-dev)

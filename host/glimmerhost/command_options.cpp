@@ -135,6 +135,21 @@ void AddShot(CLI::App* app, RenderOptions* options, const std::string& chunk) {
       ->group(shot);
 }
 
+void AddColours(CLI::App* app, ColourOptions* options) {
+  const std::string colours = "Colour spaces";
+  app->add_option("--colour-in", options->in,
+                  "The space that the input's colours are in; the effect works in scene_linear")
+      ->group(colours);
+  app->add_option("--colour-out", options->out,
+                  "The space of the output (default: the input's; scene_linear if alone, for the "
+                  "input)")
+      ->group(colours);
+  app->add_option("--colour-config", options->config,
+                  "The OpenColorIO configuration that names them (default: what OCIO in the "
+                  "environment names)")
+      ->group(colours);
+}
+
 void AddRenderOptions(CLI::App* render, RenderOptions* options, const std::string& chunk) {
   render
       ->add_option("INPUT", options->input,
@@ -164,6 +179,7 @@ void AddRenderOptions(CLI::App* render, RenderOptions* options, const std::strin
                    "Floating point into 0 to 1, and back into an EXR: clip (default), scale:MAX or "
                    "log:MAX")
       ->group(kPixels);
+  AddColours(render, &options->colours);
   AddThreads(render, options);
   render
       ->add_option("--manifest", options->manifest,

@@ -61,6 +61,7 @@ ShotSettings ParseSettings(const RenderOptions& options) {
   settings.premultiplied = ParsePremultiplied("--alpha", options.alpha);
   settings.bits = ParseBits(options.bits);
   settings.reading.range = RangeMapping::Parse(options.range);
+  settings.reading.colours = ParseColours(options.colours);
   if (!options.pixelAspect.empty()) {
     settings.pixelAspect = ParseRatio("--pixel-aspect", options.pixelAspect);
   }

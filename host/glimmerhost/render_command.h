@@ -4,6 +4,7 @@
 #include <iosfwd>
 #include <string>
 
+#include "host/glimmerhost/colour_options.h"
 #include "host/glimmerhost/run_options.h"
 #include "host/glimmerhost/shot_render.h"
 
@@ -14,6 +15,7 @@ struct RenderOptions : RunOptions {
   std::string input;
   std::string bits;  // 8, 16, or empty for the input's
   std::string range = "clip";
+  ColourOptions colours;
   std::string frames;  // a list; empty for what the input's name or its folder says
   std::string chunk;   // K/N
   bool keepGoing = false;

@@ -10,6 +10,7 @@
 
 #include "host/pictures/channels.h"
 #include "host/pictures/float_samples.h"
+#include "host/pictures/managed_samples.h"
 #include "host/pictures/openimageio_channels.h"
 #include "host/pictures/openimageio_metadata.h"
 #include "host/pictures/openimageio_output.h"
@@ -50,6 +51,21 @@ void ReadSamples(const fs::path& file, OIIO::TypeDesc type, void* to, OIIO::Imag
   }
 }
 
+// For a file of whole numbers.
+std::vector<std::uint16_t> ManagedWords(const Picture& picture, bool withAlpha,
+                                        const OutputFormat& format, std::vector<NotCarried>* lost) {
+  std::uint64_t cut = 0;
+  std::vector<std::uint16_t> words = CutToWords(ManagedFloats(picture, withAlpha), &cut);
+  if (cut > 0 && lost != nullptr) {
+    const std::string samples = "outside 0 to 1 in the output's colour space";
+    lost->push_back(
+        {"samples " + samples, std::to_string(cut) + (cut == 1 ? " sample " : " samples ") +
+                                   samples + (cut == 1 ? " is" : " are") + " cut to that range: " +
+                                   FormatLabel(format.name) + " has no place beyond"});
+  }
+  return words;
+}
+
 }  // namespace
 
 const char* const kReadableFormats = "PNG, TIFF, EXR, DPX, JPEG and what else OpenImageIO reads";
@@ -84,10 +100,14 @@ Picture ReadFormat(const fs::path& file, const ReadOptions& options, ReadReport*
   picture.metadata = KeepMetadata(input->format_name(), spec);
 
   const std::size_t count = picture.PixelCount() * static_cast<std::size_t>(spec.nchannels);
-  if (spec.format.is_floating_point()) {
+  if (options.colours || spec.format.is_floating_point()) {
     std::vector<float> values(count);
     ReadSamples(file, OIIO::TypeDesc::FLOAT, values.data(), input.get());
-    SpreadFloats(file, values, spec.nchannels, map, options.range, &picture, report);
+    if (options.colours) {
+      SpreadManaged(file, values, spec.nchannels, map, options, &picture, report);
+    } else {
+      SpreadFloats(file, values, spec.nchannels, map, options.range, &picture, report);
+    }
   } else {
     std::vector<std::uint16_t> samples(count);
     ReadSamples(file, OIIO::TypeDesc::UINT16, samples.data(), input.get());
@@ -116,14 +136,20 @@ void WriteFormat(const fs::path& file, const OutputFormat& format, const Picture
   if (withAlpha && (picture.alpha == Alpha::kStraight || format.straightOnly)) {
     spec.attribute(kStraightAttribute, 1);
   }
-  const std::vector<std::uint16_t> samples = GatherChannels(picture, channels);
-  if (type == OIIO::TypeDesc::UINT8 && !format.holdsFloats) {
-    WriteWhole(file, spec, type, ToBytes(samples).data(), std::move(output));
-  } else if (format.holdsFloats) {
-    WriteWhole(file, spec, OIIO::TypeDesc::FLOAT, ToFloats(samples, channels, picture.range).data(),
-               std::move(output));
+  if (format.holdsFloats) {
+    const std::vector<float> values =
+        picture.colours ? ManagedFloats(picture, withAlpha)
+                        : ToFloats(GatherChannels(picture, channels), channels, picture.range);
+    WriteWhole(file, spec, OIIO::TypeDesc::FLOAT, values.data(), std::move(output));
   } else {
-    WriteWhole(file, spec, OIIO::TypeDesc::UINT16, samples.data(), std::move(output));
+    const std::vector<std::uint16_t> samples = picture.colours
+                                                   ? ManagedWords(picture, withAlpha, format, lost)
+                                                   : GatherChannels(picture, channels);
+    if (type == OIIO::TypeDesc::UINT8) {
+      WriteWhole(file, spec, type, ToBytes(samples).data(), std::move(output));
+    } else {
+      WriteWhole(file, spec, type, samples.data(), std::move(output));
+    }
   }
   if (lost != nullptr) {
     const std::vector<NotCarried> found = MetadataLost(picture, format.name, bits, file);

@@ -7,6 +7,8 @@
 #include <iterator>
 #include <string_view>
 
+#include "host/pictures/colour_path.h"
+
 namespace glimmerhost {
 namespace {
 
@@ -44,6 +46,12 @@ constexpr const char* kNeverCarried[] = {
     "openexr:chunkCount",     "openexr:levelmode", "openexr:roundingmode",
     "thumbnail_width",        "thumbnail_height",  "thumbnail_nchannels",
     "thumbnail_image"};
+
+// What samples mean as colours.
+constexpr const char* kColourWords[] = {
+    kProfile,           "chromaticities",        "oiio:ColorSpace",  "oiio:Gamma",
+    "Exif:ColorSpace",  "dpx:Transfer",          "dpx:Colorimetric", kDpxTransferInExr,
+    "dpx/Colorimetric", "acesImageContainerFlag"};
 
 template <std::size_t kCount>
 bool IsOneOf(const std::string& name, const char* const (&names)[kCount]) {
@@ -106,6 +114,11 @@ void TranslateFrameRate(const std::string& format, OIIO::ParamValueList* attribu
   }
 }
 
+// Whether what the input says of its colours is wrong of the output.
+bool ChangesColours(const Picture& picture) {
+  return picture.colours != nullptr && !picture.colours->sameSpace;
+}
+
 // What of the metadata is true of a file of that format with such samples.
 OIIO::ParamValueList AttributesFor(const Picture& picture, const std::string& format, int bits) {
   const bool sameCoding = picture.metadata->format == format && bits == picture.bits;
@@ -113,6 +126,9 @@ OIIO::ParamValueList AttributesFor(const Picture& picture, const std::string& fo
   for (const OIIO::ParamValue& attribute : picture.metadata->attributes) {
     const std::string name = attribute.name().string();
     const bool twice = format == "openexr" && (name == kDpxTimecode || name == kDpxKeycode);
+    if (ChangesColours(picture) && IsOneOf(name, kColourWords)) {
+      continue;
+    }
     if (!twice && !IsOneOf(name, kNeverCarried) && (sameCoding || !DescribesCoding(name))) {
       attributes.push_back(attribute);
     }
@@ -278,6 +294,15 @@ std::vector<NotCarried> MetadataLost(const Picture& picture, const std::string& 
     lost.push_back(
         OneNotCarried("the display window", ShowWindow(metadata.display),
                       why + "it; the output is the data window, " + ShowWindow(metadata.data)));
+  }
+  if (ChangesColours(picture)) {
+    const std::string another = "the output is in another colour space";
+    if (metadata.attributes.contains(kProfile)) {
+      lost.push_back(OneNotCarried("ICC profile", "", another));
+    }
+    if (metadata.attributes.contains("chromaticities")) {
+      lost.push_back(SomeNotCarried("chromaticities", another));
+    }
   }
   std::vector<std::string> others;
   for (const OIIO::ParamValue& attribute : AttributesFor(picture, format, bits)) {

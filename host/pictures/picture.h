@@ -17,6 +17,7 @@ enum class Alpha {
   kPremultiplied,  // colour is already multiplied by alpha
 };
 
+struct ColourPath;    // between files and the space that the effect works in
 struct FileMetadata;  // what a file says beside its samples; the formats know it
 
 // Samples are 16 bits, red, green, blue, alpha; rows follow one another without a gap, the
@@ -30,6 +31,7 @@ struct Picture {
   int bits = 16;  // of the file that it came from: 8 or 16
   quantel::cSize2 pixelAspect{1, 1};
   RangeMapping range;  // what its colours stand for, where a file of floats is written
+  std::shared_ptr<const ColourPath> colours;  // null: a file's values are the picture's
   std::shared_ptr<const FileMetadata> metadata;
 
   std::size_t PixelCount() const {

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "host/pictures/colour_path.h"
 #include "host/pictures/not_carried.h"
 #include "host/pictures/range.h"
 
@@ -12,6 +14,7 @@ namespace glimmerhost {
 
 struct ReadOptions {
   RangeMapping range;  // of floating-point files; files of whole numbers have none
+  std::shared_ptr<const ColourPath> colours = nullptr;  // with one, all files are as of floats
 };
 
 struct ReadReport {

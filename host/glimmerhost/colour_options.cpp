@@ -1,0 +1,60 @@
+#include "host/glimmerhost/colour_options.h"
+
+#include <cstdlib>
+#include <vector>
+
+#include "host/glimmerhost/nearest.h"
+#include "host/pictures/colour_config.h"
+#include "host/support/failure.h"
+
+namespace glimmerhost {
+namespace {
+
+constexpr const char* kWorking = "scene_linear";
+
+void CheckSpace(const ColourConfig& config, const char* option, const std::string& space) {
+  if (!space.empty() && !config.Knows(space)) {
+    throw UsageError(std::string(option) + " " + space +
+                     ": the configuration has no such colour space; the nearest is " +
+                     Nearest(space, config.Names()));
+  }
+}
+
+std::string ConfigFile(const ColourOptions& options, const std::string& asked) {
+  if (!options.config.empty()) {
+    return options.config;
+  }
+  const char* const named = std::getenv("OCIO");
+  if (named == nullptr || *named == '\0') {
+    throw UsageError(asked +
+                     ": there is no colour configuration; allowed is --colour-config FILE, or a "
+                     "file that OCIO names in the environment");
+  }
+  return named;
+}
+
+}  // namespace
+
+std::shared_ptr<const ColourPath> ParseColours(const ColourOptions& options) {
+  const std::string asked = !options.in.empty()       ? "--colour-in " + options.in
+                            : !options.out.empty()    ? "--colour-out " + options.out
+                            : !options.config.empty() ? "--colour-config " + options.config
+                                                      : "";
+  if (asked.empty()) {
+    return nullptr;
+  }
+  if (!kHasColourManagement) {
+    throw UsageError(asked +
+                     ": this build has no colour management; allowed are files as they are");
+  }
+  if (options.in.empty() && options.out.empty()) {
+    throw UsageError(asked + ": it is of no use without --colour-in or --colour-out");
+  }
+  const auto config = ColourConfig::Load(ConfigFile(options, asked));
+  CheckSpace(*config, "--colour-in", options.in);
+  CheckSpace(*config, "--colour-out", options.out);
+  const std::string in = options.in.empty() ? kWorking : options.in;
+  return config->Path(in, options.out.empty() ? in : options.out);
+}
+
+}  // namespace glimmerhost
