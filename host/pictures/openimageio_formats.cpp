@@ -66,6 +66,17 @@ std::vector<std::uint16_t> ManagedWords(const Picture& picture, bool withAlpha,
   return words;
 }
 
+// What the library would choose otherwise than a shot wants it.
+void SetCoding(OIIO::ImageSpec* spec) {
+  // The time of writing: the same frame would give other bytes each time. Empty, none is written.
+  constexpr const char* kDate = "DateTime";
+  if (spec->find_attribute(kDate) == nullptr) {
+    spec->attribute(kDate, "");
+  }
+  spec->attribute("tiff:zipquality", kFastDeflate);
+  spec->attribute("png:compressionLevel", kFastDeflate);
+}
+
 }  // namespace
 
 const char* const kReadableFormats = "PNG, TIFF, EXR, DPX, JPEG and what else OpenImageIO reads";
@@ -121,9 +132,9 @@ Picture ReadFormat(const fs::path& file, const ReadOptions& options, ReadReport*
   return picture;
 }
 
-void WriteFormat(const fs::path& file, const OutputFormat& format, const Picture& picture, int bits,
-                 std::vector<NotCarried>* lost) {
-  std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(file.string());
+void WriteFormat(const OutputFile& file, const OutputFormat& format, const Picture& picture,
+                 int bits, std::vector<NotCarried>* lost) {
+  std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(file.name);
   const bool withAlpha = picture.alpha != Alpha::kNone && format.holdsAlpha;
   const int channels = (picture.grey ? 1 : 3) + (withAlpha ? 1 : 0);
   const OIIO::TypeDesc type = format.name == "openexr" ? OIIO::TypeDesc::HALF
@@ -131,6 +142,7 @@ void WriteFormat(const fs::path& file, const OutputFormat& format, const Picture
                                                        : OIIO::TypeDesc::UINT16;
   OIIO::ImageSpec spec(picture.width, picture.height, channels, type);
   SetMetadata(picture, format.name, bits, &spec);
+  SetCoding(&spec);
   // Also for samples that the format would hold otherwise: the library must not convert
   // what is already as it was asked for.
   if (withAlpha && (picture.alpha == Alpha::kStraight || format.straightOnly)) {
@@ -152,7 +164,7 @@ void WriteFormat(const fs::path& file, const OutputFormat& format, const Picture
     }
   }
   if (lost != nullptr) {
-    const std::vector<NotCarried> found = MetadataLost(picture, format.name, bits, file);
+    const std::vector<NotCarried> found = MetadataLost(picture, format.name, bits, file.file);
     lost->insert(lost->end(), found.begin(), found.end());
   }
 }

@@ -103,20 +103,20 @@ void WriteByMemory(const fs::path& file, const OIIO::ImageSpec& spec, OIIO::Type
 
 }  // namespace
 
-void WriteWhole(const fs::path& file, const OIIO::ImageSpec& spec, OIIO::TypeDesc type,
+void WriteWhole(const OutputFile& file, const OIIO::ImageSpec& spec, OIIO::TypeDesc type,
                 const void* samples, Output output) {
   if (!TakesFile(*output)) {
-    WriteByMemory(file, spec, type, samples, std::move(output));
+    WriteByMemory(file.file, spec, type, samples, std::move(output));
     return;
   }
-  FileProxy proxy(file);
+  FileProxy proxy(file.file);
   if (!proxy.IsOpen()) {
     throw Failure(kNotMade);
   }
   output->set_ioproxy(&proxy);
   std::string trouble;
   try {
-    WriteTo(file.string(), spec, type, samples, std::move(output));
+    WriteTo(file.name, spec, type, samples, std::move(output));
   } catch (const Failure& fault) {
     trouble = fault.what();
   }

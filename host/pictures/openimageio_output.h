@@ -3,8 +3,9 @@
 
 #include <OpenImageIO/imageio.h>
 
-#include <filesystem>
 #include <memory>
+
+#include "host/pictures/picture_formats.h"
 
 namespace glimmerhost {
 
@@ -12,7 +13,7 @@ namespace glimmerhost {
 //   samples  as the spec's channels, of the given type
 //   output   not opened yet
 // Throws Failure with the bare reason.
-void WriteWhole(const std::filesystem::path& file, const OIIO::ImageSpec& spec, OIIO::TypeDesc type,
+void WriteWhole(const OutputFile& file, const OIIO::ImageSpec& spec, OIIO::TypeDesc type,
                 const void* samples, std::unique_ptr<OIIO::ImageOutput> output);
 
 }  // namespace glimmerhost

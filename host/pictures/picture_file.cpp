@@ -74,7 +74,7 @@ PictureOutput::PictureOutput(fs::path file, bool overwrite)
 void PictureOutput::Write(const Picture& picture, int bits, std::vector<NotCarried>* lost) {
   try {
     TemporaryFile part(file_);
-    WriteFormat(part.Path(), format_, picture, bits, lost);
+    WriteFormat({part.Path(), file_.filename().string()}, format_, picture, bits, lost);
     part.MoveIn(overwrite_);
   } catch (const Failure& fault) {
     throw Failure(file_.string() + ": it cannot be written: " + fault.what());

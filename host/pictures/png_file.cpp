@@ -9,6 +9,7 @@
 
 #include "host/pictures/channels.h"
 #include "host/pictures/file_bytes.h"
+#include "host/pictures/picture_formats.h"
 #include "host/pictures/png_library.h"
 #include "host/pictures/png_metadata.h"
 #include "host/support/failure.h"
@@ -132,6 +133,7 @@ void WritePng(const fs::path& file, const Picture& picture, int bits) {
   const png_infop info = library.Info();
   bool written = library.Run([&] {
     png_set_benign_errors(png, 1);
+    png_set_compression_level(png, kFastDeflate);
     png_set_IHDR(png, info, width, height, bits, kColourTypes[channels - 1], PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
   });

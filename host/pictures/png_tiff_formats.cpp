@@ -73,13 +73,13 @@ Picture ReadFormat(const fs::path& file, const ReadOptions& options, ReadReport*
   return ReadTiff(file, options, report);
 }
 
-void WriteFormat(const fs::path& file, const OutputFormat& format, const Picture& picture, int bits,
-                 std::vector<NotCarried>* lost) {
+void WriteFormat(const OutputFile& file, const OutputFormat& format, const Picture& picture,
+                 int bits, std::vector<NotCarried>* lost) {
   const bool png = format.name == "png";
   if (png) {
-    WritePng(file, picture, bits);
+    WritePng(file.file, picture, bits);
   } else {
-    WriteTiff(file, picture, bits);
+    WriteTiff(file.file, picture, bits);
   }
   if (lost != nullptr && picture.metadata) {
     const std::vector<NotCarried> found =

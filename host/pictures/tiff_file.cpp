@@ -10,6 +10,7 @@
 #include "host/pictures/channels.h"
 #include "host/pictures/file_metadata.h"
 #include "host/pictures/float_samples.h"
+#include "host/pictures/picture_formats.h"
 #include "host/pictures/tiff_library.h"
 #include "host/pictures/tiff_metadata.h"
 #include "host/pictures/tiff_samples.h"
@@ -382,6 +383,9 @@ void WriteTiff(const fs::path& file, const Picture& picture, int bits) {
   SetLayout(tiff, picture, bits, channels);
   const Compression& compression = CompressionFor(picture, bits);
   TIFFSetField(tiff, TIFFTAG_COMPRESSION, compression.tag);
+  if (compression.tag == COMPRESSION_ADOBE_DEFLATE || compression.tag == COMPRESSION_DEFLATE) {
+    TIFFSetField(tiff, TIFFTAG_ZIPQUALITY, kFastDeflate);
+  }
   if (compression.predicts) {
     TIFFSetField(tiff, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
   }

@@ -2,9 +2,14 @@
 #include <OpenImageIO/imageio.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "host/pictures/picture_file.h"
@@ -31,6 +36,35 @@ TEST(OpenImageIoFormats, ComeBackAsTheyWereAsDpx) {
   EXPECT_EQ(7, back.height);
   EXPECT_EQ(16, back.bits);
   EXPECT_EQ(Alpha::kNone, back.alpha);
+}
+
+std::string Bytes(const std::filesystem::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+// Neither the time nor the name under which it is written first is in a file: shots that are cut
+// otherwise, or rendered elsewhere, are compared by their bytes.
+TEST(OpenImageIoFormats, GiveTheSameBytesEachTime) {
+  const ScratchFolder folder;
+  std::filesystem::create_directory(folder / "other");
+  const std::string endings[] = {"png", "tif", "exr", "dpx", "jpg", "tga", "bmp"};
+  for (const std::string& ending : endings) {
+    Write(folder / ("a." + ending), Sample(9, 5), 16);
+  }
+  // Times in files are in seconds.
+  std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+  for (const std::string& ending : endings) {
+    Write(folder / ("other/a." + ending), Sample(9, 5), 16);
+    EXPECT_EQ(Bytes(folder / ("a." + ending)), Bytes(folder / ("other/a." + ending))) << ending;
+  }
+}
+
+TEST(OpenImageIoFormats, CallsADpxByItsOwnName) {
+  const ScratchFolder folder;
+  Write(folder / "shot.0001.dpx", Sample(9, 5), 16);
+  // The header's name begins at byte 36.
+  EXPECT_STREQ("shot.0001.dpx", Bytes(folder / "shot.0001.dpx").c_str() + 36);
 }
 
 TEST(OpenImageIoFormats, WritesHalfFloatsAsExr) {
