@@ -41,14 +41,43 @@ bool IsJob(const std::string& line) {
   return digits > 0 && (digits == line.size() || line[digits] == ';');
 }
 
-// A name of a log, in which Slurm replaces what stands behind a percent sign.
-std::string LogPattern(const std::string& before, const std::string& behind) {
-  std::string pattern;
-  for (const char c : before) {
-    pattern += c == '%' ? "%%" : std::string(1, c);
+// Where jobs write what they say.
+class Logs {
+ public:
+  //   before  how their names begin
+  explicit Logs(const std::string& before)
+      : before_((std::filesystem::current_path() / before).string()) {}
+
+  // For --output. In names Slurm replaces what stands behind a percent sign, unless there is a
+  // backslash anywhere: then it takes that for a quoting one and nothing else for special, and all
+  // jobs share a log.
+  std::string Pattern(const std::string& behind) const {
+    return IsShared() ? Doubled('\\', before_ + kShared) : Doubled('%', before_) + behind;
   }
-  return pattern + behind;
-}
+
+  std::string Where(const std::string& chunks, const std::string& check) const {
+    if (IsShared()) {
+      return "What goes wrong, and which frames are missing in the end, is in " + before_ + kShared;
+    }
+    return "What goes wrong in chunk K is in " + before_ + chunks +
+           "_K.log, and which frames are missing in the end in " + before_ + check + ".log";
+  }
+
+ private:
+  static constexpr const char* kShared = "all.log";
+
+  bool IsShared() const { return before_.find('\\') != std::string::npos; }
+
+  static std::string Doubled(char which, const std::string& text) {
+    std::string doubled;
+    for (const char c : text) {
+      doubled += std::string(c == which ? 2 : 1, c);
+    }
+    return doubled;
+  }
+
+  std::string before_;
+};
 
 // The array's script. What tells its jobs from each other is their number.
 std::string ChunkScript(const FarmJob& job) {
@@ -107,13 +136,8 @@ std::string Cancel(const std::string& job) {
 
 class SlurmEngine : public FarmEngine {
  public:
-  explicit SlurmEngine(const SlurmSettings& settings) : settings_(settings) {
-    // A backslash anywhere in a log's name would take the percent signs their meaning. The folder
-    // of the submission does, then.
-    if (settings_.logBefore.find('\\') != std::string::npos) {
-      settings_.logBefore = "glimmerhost.slurm-";
-    }
-  }
+  explicit SlurmEngine(const SlurmSettings& settings)
+      : settings_(settings), logs_(settings.logBefore) {}
 
   void Show(const FarmJob& job, std::ostream& out) const override {
     const auto show = [&](const Words& options, const std::string& script) {
@@ -139,9 +163,7 @@ class SlurmEngine : public FarmEngine {
     out << "job " << check << ": the check, when all of them have ended\n"
         << "squeue --jobs=" << chunks << "," << check << " shows how they get on; scancel "
         << chunks << " " << check << " ends them\n"
-        << "What goes wrong in chunk K is in " << settings_.logBefore << chunks
-        << "_K.log, and which frames are missing in the end in " << settings_.logBefore << check
-        << ".log\n";
+        << logs_.Where(chunks, check) << '\n';
     return kExitDone;
   }
 
@@ -154,7 +176,7 @@ class SlurmEngine : public FarmEngine {
                   "--ntasks=1",
                   "--requeue",
                   "--open-mode=append",
-                  "--output=" + LogPattern(settings_.logBefore, log),
+                  "--output=" + logs_.Pattern(log),
                   "--export=ALL"};
     if (memory != 0) {
       options.push_back("--mem=" + Mebibytes(memory));
@@ -220,6 +242,7 @@ class SlurmEngine : public FarmEngine {
   }
 
   SlurmSettings settings_;
+  Logs logs_;
 };
 
 }  // namespace

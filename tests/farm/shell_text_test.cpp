@@ -1,0 +1,44 @@
+#include "host/farm/shell_text.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using glimmerhost::ShellLine;
+using glimmerhost::ShellWord;
+
+TEST(ShellText, LeavesPlainWordsAsTheyAre) {
+  EXPECT_EQ("--frames=1-10,20", ShellWord("--frames=1-10,20"));
+  EXPECT_EQ("/shots/a_b.%04d.exr", ShellWord("/shots/a_b.%04d.exr"));
+}
+
+TEST(ShellText, QuotesWhatTheShellWouldTakeApart) {
+  struct {
+    const char* text;
+    const char* word;
+  } const cases[] = {
+      {"", "''"},
+      {"a b", "'a b'"},
+      {"it's", "'it'\\''s'"},
+      {"$x `y` \"z\" \\", "'$x `y` \"z\" \\'"},
+      {"in.####.exr", "'in.####.exr'"},
+      {"~", "'~'"},
+      {"0=2px; -1=12px", "'0=2px; -1=12px'"},
+      {"caf\xc3\xa9", "'caf\xc3\xa9'"},
+  };
+  for (const auto& [text, word] : cases) {
+    EXPECT_EQ(word, ShellWord(text));
+  }
+}
+
+// So that nothing becomes a line of a script, or what its reader takes for one.
+TEST(ShellText, NamesControlCharacters) {
+  EXPECT_EQ("$'a\\012#SBATCH --x'", ShellWord("a\n#SBATCH --x"));
+  EXPECT_EQ("$'it\\'s\\015\\012\\\\\\011\\0337'", ShellWord("it's\r\n\\\t\0337"));
+}
+
+TEST(ShellText, PutsABlankBetweenWords) { EXPECT_EQ("a 'b c' d", ShellLine({"a", "b c", "d"})); }
+
+}  // namespace
