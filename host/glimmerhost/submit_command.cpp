@@ -237,7 +237,9 @@ int RunSubmit(const SubmitOptions& options, const std::vector<TypedArgument>& ty
   if (!options.saveParams.empty()) {
     SaveParameters(options.saveParams, UsedLook(page, settings.layers), options.overwrite);
   }
-  return engine->Run(job, out);
+  // Numbers of jobs are no progress.
+  std::ostream nowhere(nullptr);
+  return engine->Run(job, options.quiet && IsLocal(options) ? nowhere : out);
 }
 
 }  // namespace glimmerhost

@@ -117,6 +117,11 @@ TEST_F(SubmitProgram, ReportsToMachinesAsARenderDoes) {
   EXPECT_NE(std::string::npos, text.find(R"({"done":3,"skipped":0,)")) << text;
 }
 
+TEST_F(SubmitProgram, SaysNothingIfToldSo) {
+  WriteShot(1, 2);
+  EXPECT_EQ("", RunProgram(Submit("out.@.png", "--radius 2px --chunk 1 --quiet")).text);
+}
+
 // Values that look like options, and what a shell would take apart.
 TEST_F(SubmitProgram, GivesTheChunksWhatItWasGiven) {
   WriteShot(1, 2);
