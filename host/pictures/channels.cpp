@@ -64,8 +64,15 @@ std::vector<std::uint8_t> ToBytes(const std::vector<std::uint16_t>& samples) {
 }
 
 void ReadFailure(const std::filesystem::path& file, const std::string& why) {
+  // Libraries say it again for each row.
+  constexpr std::size_t kLongest = 300;
   std::string line = why.empty() ? "it is not a picture that can be read" : why;
-  std::replace(line.begin(), line.end(), '\n', ' ');
+  if (line.size() > kLongest) {
+    line.resize(kLongest);
+    line += "...";
+  }
+  std::replace_if(
+      line.begin(), line.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, ' ');
   throw Failure(file.string() + ": " + line);
 }
 

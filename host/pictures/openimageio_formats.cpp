@@ -17,6 +17,7 @@
 #include "host/pictures/picture_formats.h"
 #include "host/pictures/pixel_aspect.h"
 #include "host/pictures/quiet_stderr.h"
+#include "host/pictures/reader_guard.h"
 #include "host/support/failure.h"
 
 namespace glimmerhost {
@@ -28,6 +29,7 @@ namespace fs = std::filesystem;
 constexpr const char* kStraightAttribute = "oiio:UnassociatedAlpha";
 
 std::unique_ptr<OIIO::ImageInput> OpenInput(const fs::path& file) {
+  CheckDpxHeader(file);
   OIIO::ImageSpec config;
   config.attribute(kStraightAttribute, 1);
   std::unique_ptr<OIIO::ImageInput> input = OIIO::ImageInput::open(file.string(), &config);
@@ -39,6 +41,10 @@ std::unique_ptr<OIIO::ImageInput> OpenInput(const fs::path& file) {
   if (spec.depth > 1 || spec.nchannels < 1) {
     ReadFailure(file, "it holds no flat picture");
   }
+  // The file's samples, and beside them the picture's.
+  const std::uint64_t sample = spec.format.is_floating_point() ? 4 : 2;
+  CheckMemoryFor(file, spec.width, spec.height,
+                 sample * static_cast<std::uint64_t>(spec.nchannels) + 8);
   return input;
 }
 
@@ -90,6 +96,10 @@ std::optional<OutputFormat> FormatOf(const fs::path& file) {
     return std::nullopt;
   }
   const std::string name = output->format_name();
+  // One writes nothing, the other onto the terminal.
+  if (name == "null" || name == "term") {
+    return std::nullopt;
+  }
   return OutputFormat{name, output->supports("alpha") != 0, name == "png", name == "openexr",
                       name == "openexr" || name == "hdr"};
 }
