@@ -3,6 +3,7 @@
 #include <iostream>
 #include <map>
 
+#include "host/glimmerhost/text.h"
 #include "host/shots/frame_list.h"
 #include "host/shots/manifest.h"
 #include "host/support/failure.h"
@@ -44,7 +45,7 @@ int RunCheck(const CheckOptions& options, std::ostream& out) {
     faults.push_back(fault);
   }
   for (const std::string& fault : faults) {
-    std::cerr << "glimmerhost: " << fault << '\n';
+    std::cerr << "glimmerhost: " << AsLine(fault) << '\n';
   }
   if (faults.empty()) {
     out << entries.size() << (entries.size() == 1 ? " frame is" : " frames are")

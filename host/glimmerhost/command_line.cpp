@@ -1,7 +1,6 @@
 #include "host/glimmerhost/command_line.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <new>
@@ -18,6 +17,7 @@
 #include "host/glimmerhost/render_command.h"
 #include "host/glimmerhost/session_command.h"
 #include "host/glimmerhost/submit_command.h"
+#include "host/glimmerhost/text.h"
 #include "host/glimmerhost/typed_arguments.h"
 #include "host/glimmerhost/wisdom_command.h"
 #include "host/support/failure.h"
@@ -37,9 +37,7 @@ constexpr const char* kDescription =
 constexpr const char* kVersion = "glimmerhost, reference host of GlimmerBlur " GLIMMERHOST_VERSION;
 
 int Complain(const std::string& what, int code) {
-  std::string line = what;
-  std::replace(line.begin(), line.end(), '\n', ' ');
-  std::cerr << "glimmerhost: " << line << '\n';
+  std::cerr << "glimmerhost: " << AsLine(what) << '\n';
   return code;
 }
 

@@ -3,6 +3,7 @@
 #include <iomanip>
 #include <iostream>
 
+#include "host/glimmerhost/text.h"
 #include "host/support/system.h"
 
 namespace glimmerhost {
@@ -31,7 +32,7 @@ void Progress::Show(const std::string& what) {
 }
 
 void Progress::Warn(const std::string& what) {
-  std::cerr << (open_ ? kClearLine : "") << "glimmerhost: " << what << std::endl;
+  std::cerr << (open_ ? kClearLine : "") << "glimmerhost: " << AsLine(what) << std::endl;
   open_ = false;
 }
 

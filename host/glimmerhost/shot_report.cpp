@@ -6,6 +6,7 @@
 #include <iterator>
 #include <nlohmann/json.hpp>
 
+#include "host/glimmerhost/text.h"
 #include "host/shots/frame_list.h"
 #include "host/support/failure.h"
 #include "host/support/system.h"
@@ -94,7 +95,7 @@ void ShotReport::Line(const std::string& line) {
     barShown_ = false;
   }
   // One write, so that lines of several processes on one terminal stay whole.
-  std::cerr << line + "\n" << std::flush;
+  std::cerr << AsLine(line) + "\n" << std::flush;
 }
 
 void ShotReport::Remark(const std::string& line) { Line("glimmerhost: " + line); }

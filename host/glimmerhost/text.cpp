@@ -69,4 +69,6 @@ std::string OneLine(std::string_view text, std::size_t longest) {
   return size < text.size() ? line + "..." : line;
 }
 
+std::string AsLine(std::string_view text) { return OneLine(text, text.size()); }
+
 }  // namespace glimmerhost

@@ -20,4 +20,7 @@ std::string Shortest(double value);
 // bytes of UTF-8 ends in three dots.
 std::string OneLine(std::string_view text, std::size_t longest = 200);
 
+// A message as a whole, with what it names: files have names with control characters, too.
+std::string AsLine(std::string_view text);
+
 }  // namespace glimmerhost

@@ -247,6 +247,18 @@ TEST_F(ShotProgram, NamesTheFramesOfAManifestThatIsMissing) {
       outcome.text);
 }
 
+#ifndef _WIN32
+// Lines that begin otherwise would be lost on those who look for the program's name.
+TEST_F(ShotProgram, SaysOfAFileWithAStrangeNameWhatItIsInOneLine) {
+  const std::string name = (folder / "in\nout\x1b.@.png").string();
+  const Outcome outcome = RunProgram("render '" + name + "' -o '" + (folder / "o.@.png").string() +
+                                     "' --frames 1 --quiet");
+  EXPECT_EQ(3, outcome.code);
+  EXPECT_NE(std::string::npos, outcome.text.find("in out .1.png: there is no such file\n"))
+      << outcome.text;
+}
+#endif
+
 TEST_F(ShotProgram, RefusesWhatDoesNotGoTogether) {
   WriteShot(1, 2);
   ExpectRefusal(Shot("out.png", ""), 2, "allowed for 2 frames is a name with a place");
