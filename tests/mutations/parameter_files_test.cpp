@@ -2,15 +2,20 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstddef>
-#include <random>
+#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "host/glimmerhost/parameter_file.h"
 #include "host/support/failure.h"
+#include "tests/mutations/mutator.h"
+#include "tests/mutations/program_run.h"
+#include "tests/mutations/run_checks.h"
+#include "tests/mutations/seed_files.h"
 
 namespace {
+
+using mutations::Mutator;
 
 const char* const kToml =
     "# A film\nversion = 1\nshape = \"polygon\"\nsides = 5\nradius = '40px'\nmatch = true\n"
@@ -33,43 +38,6 @@ const std::vector<std::string> kPieces = {
     "1e999", "-nan",   "inf", "0x7f",    "1e308", "99999999999", "null",   "false",
     "1979",  "\\ud83", "\\n", "{}",      "sides", "\"a\":",      "\"a\"=", "\xef\xbb\xbf"};
 
-class Mutator {
- public:
-  explicit Mutator(unsigned seed) : random_(seed) {}
-
-  std::string Mutate(std::string text) {
-    for (std::size_t count = 1 + Below(4); count > 0; --count) {
-      const std::size_t at = Below(text.size() + 1);
-      const std::size_t length = std::min(Below(12), text.size() - at);
-      switch (Below(6)) {
-        case 0:
-          text.insert(at, kPieces[Below(kPieces.size())]);
-          break;
-        case 1:
-          text.replace(at, length, kPieces[Below(kPieces.size())]);
-          break;
-        case 2:
-          text.erase(at, length);
-          break;
-        case 3:
-          text.insert(Below(text.size() + 1), text.substr(at, length * 4));
-          break;
-        case 4:
-          text.insert(at, std::string(Below(300), "[{\".'\n \xff"[Below(8)]));
-          break;
-        default:
-          text.replace(at, std::min<std::size_t>(1, length), 1, static_cast<char>(Below(256)));
-      }
-    }
-    return text;
-  }
-
- private:
-  std::size_t Below(std::size_t limit) { return random_() % limit; }
-
-  std::mt19937 random_;
-};
-
 struct Tally {
   int read = 0;
   int refused = 0;
@@ -80,7 +48,7 @@ Tally ReadMutations(const std::string& file, const std::string& text) {
   for (unsigned seed = 0; seed < 4000; ++seed) {
     std::string says;
     try {
-      glimmerhost::ParseParameters(file, Mutator(seed).Mutate(text));
+      glimmerhost::ParseParameters(file, Mutator(seed).Text(text, kPieces));
       ++tally.read;
       continue;
     } catch (const glimmerhost::Failure& fault) {
@@ -106,6 +74,33 @@ TEST(MutatedParameterFile, IsReadOrRefusedInOneLine) {
   const Tally json = ReadMutations("film.json", kJson);
   EXPECT_GT(json.read, 100);
   EXPECT_GT(json.refused, 2000);
+}
+
+TEST(MutatedParameterFile, RendersOrRefusesWithNothingElseSaid) {
+  mutations::RunFolder folder;
+  mutations::WriteSmall("in.png", 24, 16, 8);
+  mutations::WriteSmall("h\u00f6.png", 12, 12, 8);
+  folder.Keep();
+  mutations::ForSeeds(800, [&](unsigned seed) {
+    const bool json = seed % 2 == 1;
+    const std::string name = json ? "film.json" : "film.toml";
+    folder.Put(name, Mutator(seed).Text(json ? kJson : kToml, kPieces));
+    const std::vector<std::string> line{"render",
+                                        "in.png",
+                                        "-o",
+                                        "out.png",
+                                        "--params",
+                                        name,
+                                        "--save-params",
+                                        json ? "out.json" : "out.toml"};
+    const mutations::RunResult run = folder.Do(line);
+    const std::string what = name + ", seed " + std::to_string(seed);
+    mutations::ExpectCleanEnd(folder, line, run, what);
+    // The look is saved before a picture that is missing is found to be.
+    EXPECT_TRUE(run.code == 0 ? run.made.size() == 2 : !std::filesystem::exists("out.png"))
+        << what;
+    folder.Restore();
+  });
 }
 
 }  // namespace
