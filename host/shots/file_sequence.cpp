@@ -131,8 +131,15 @@ std::vector<int> FileSequence::Scan() const {
     const char* last = name.data() + name.size() - after_.size();
     int frame = 0;
     const auto [stop, fault] = std::from_chars(first, last, frame);
+    if (stop != last) {
+      continue;
+    }
+    if (fault != std::errc() || frame < -kLargestFrame || frame > kLargestFrame) {
+      throw Failure(entry->path().string() + ": its number is none of a frame: allowed is " +
+                    std::to_string(-kLargestFrame) + " to " + std::to_string(kLargestFrame));
+    }
     // Other widths are other sequences.
-    if (fault == std::errc() && stop == last && Padded(frame, width_) == std::string(first, last)) {
+    if (Padded(frame, width_) == std::string(first, last)) {
       frames.push_back(frame);
     }
   }

@@ -12,13 +12,12 @@
 namespace glimmerhost {
 namespace {
 
-constexpr int kLargestFrame = 99999999;
 constexpr std::size_t kMostFrames = 1000000;
 
 // Takes a whole number from the front of the text. False if there is none.
 bool TakeNumber(std::string_view* text, int* number) {
   const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), *number);
-  if (error != std::errc() || std::abs(*number) > kLargestFrame) {
+  if (error != std::errc() || *number < -kLargestFrame || *number > kLargestFrame) {
     return false;
   }
   text->remove_prefix(static_cast<std::size_t>(end - text->data()));

@@ -38,8 +38,11 @@ bool ParseOne(std::string_view text, KeyframeText* key) {
          key->value.find('=') == std::string::npos;
 }
 
+// Not as whole numbers: between the largest and one before the start they have no room.
+double Length(int from, int to) { return static_cast<double>(to) - static_cast<double>(from); }
+
 double Slope(const Keyframe& from, const Keyframe& to) {
-  return (to.value - from.value) / static_cast<double>(to.time - from.time);
+  return (to.value - from.value) / Length(from.time, to.time);
 }
 
 // The cubic between two keyframes whose slope at each is that of the line between its
@@ -47,7 +50,7 @@ double Slope(const Keyframe& from, const Keyframe& to) {
 double Smooth(const std::vector<Keyframe>& keys, std::size_t segment, double part) {
   const Keyframe& from = keys[segment];
   const Keyframe& to = keys[segment + 1];
-  const double length = static_cast<double>(to.time - from.time);
+  const double length = Length(from.time, to.time);
   const double first = Slope(segment > 0 ? keys[segment - 1] : from, to) * length;
   const double second = Slope(from, segment + 2 < keys.size() ? keys[segment + 2] : to) * length;
   const double square = part * part;
@@ -86,8 +89,7 @@ double ValueAt(const std::vector<Keyframe>& keys, int time) {
     return after == keys.begin() ? keys.front().value : keys.back().value;
   }
   const Keyframe& from = *(after - 1);
-  const double part =
-      static_cast<double>(time - from.time) / static_cast<double>(after->time - from.time);
+  const double part = Length(from.time, time) / Length(from.time, after->time);
   switch (from.course) {
     case Course::kHeld:
       return from.value;

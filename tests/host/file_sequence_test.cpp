@@ -84,6 +84,23 @@ TEST(FileSequence, FindsItsFilesInOrder) {
   EXPECT_EQ((Frames{12345}), FileSequence("INPUT", (folder / "a.%d.png").string()).Scan());
 }
 
+// Left out, such a frame would be missed by nobody; taken, times of keyframes would not fit.
+TEST(FileSequence, RefusesANumberThatNoFrameHas) {
+  for (const char* name :
+       {"a.2147483647.png", "a.-2147483648.png", "a.100000000.png", "a.20260101120000.png"}) {
+    const lx_test::ScratchFolder folder;
+    std::ofstream(folder / "a.1.png") << "x";
+    std::ofstream(folder / name) << "x";
+    try {
+      (void)FileSequence("INPUT", (folder / "a.@.png").string()).Scan();
+      ADD_FAILURE() << name;
+    } catch (const glimmerhost::Failure& fault) {
+      EXPECT_NE(std::string::npos, std::string(fault.what()).find("its number is none of a frame"))
+          << fault.what();
+    }
+  }
+}
+
 TEST(FileSequence, SaysThatThereAreNone) {
   const lx_test::ScratchFolder folder;
   EXPECT_THROW((void)FileSequence("INPUT", (folder / "a.#.png").string()).Scan(),

@@ -38,8 +38,9 @@ TEST(FrameList, GoesBelowZero) {
 TEST(FrameList, TakesAFrameOnce) { EXPECT_EQ((Frames{2, 3, 1, 4}), Parse("2-3,1-4,3")); }
 
 TEST(FrameList, RefusesWhatIsNone) {
-  for (const char* text : {"", ",", "1,", ",1", "1-", "1--", "a", "1-5x0", "1-5x-1", "1-5x", "1 2",
-                           "1;2", "0x10", "1-5y2", "999999999", "1.5", "+1", "1-10 "}) {
+  for (const char* text :
+       {"", ",", "1,", ",1", "1-", "1--", "a", "1-5x0", "1-5x-1", "1-5x", "1 2", "1;2", "0x10",
+        "1-5y2", "999999999", "-2147483648", "1.5", "+1", "1-10 "}) {
     try {
       Parse(text);
       ADD_FAILURE() << text;

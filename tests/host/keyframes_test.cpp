@@ -101,4 +101,14 @@ TEST(Keyframes, RunSmoothlyWhereTimesDiffer) {
   EXPECT_DOUBLE_EQ(5.0 + 8.0 / 8.0, ValueAt(keys, 2));
 }
 
+TEST(Keyframes, MayBeAsFarApartAsTheirTimesCanSay) {
+  const std::vector<Keyframe> keys = {{-100, Course::kLinear, 4.0},
+                                      {2147483647, Course::kSmooth, 9.0}};
+  EXPECT_NEAR(4.0, ValueAt(keys, 0), 1e-6);
+  EXPECT_NEAR(6.5, ValueAt(keys, 1073741773), 1e-6);
+  const std::vector<Keyframe> smooth = {{-2147483647, Course::kSmooth, 4.0},
+                                        {2147483647, Course::kSmooth, 9.0}};
+  EXPECT_NEAR(6.5, ValueAt(smooth, 0), 1e-6);
+}
+
 }  // namespace
