@@ -76,8 +76,19 @@ int RunRender(const RenderOptions& options, std::ostream& out) {
   ShotSettings settings = ParseSettings(options);
   const ShotReport::Form form = ShotReport::ParseForm(options.progress, options.quiet);
   CheckPipes(options);
-  const ShotPlan plan =
-      PlanShot({options.input, options.output, options.spread, options.frames, options.chunk});
+  const ShotPlan plan = PlanShot({options.input,
+                                  options.output,
+                                  options.spread,
+                                  options.frames,
+                                  options.chunk,
+                                  {{"--manifest", options.manifest, true},
+                                   {"--save-params", options.saveParams, true},
+                                   {"--params", options.values.file, false},
+                                   {"--module", options.module, false}}});
+  if (plan.isInPlace && options.skipExisting) {
+    throw UsageError("--skip-existing: allowed where -o is not INPUT; of " + options.output +
+                     " every frame is there");
+  }
   if (options.dryRun) {
     ListFiles(plan, out);
     return kExitDone;

@@ -64,6 +64,7 @@ ShotPlan PlanShot(const ShotNames& names) {
                       names.spread.empty() ? std::filesystem::path() : spread.File(frame)};
   };
   if (fromPipe && names.frames.empty() && (toPipe || output.HasFrames())) {
+    FileConflicts().CheckBeside(names.beside);
     ShotPlan plan;
     plan.isShot = true;
     plan.filesOf = filesOf;
@@ -79,6 +80,13 @@ ShotPlan PlanShot(const ShotNames& names) {
   const auto [lowest, highest] = std::minmax_element(frames.begin(), frames.end());
   plan.lowest = *lowest;
   plan.highest = *highest;
+  FileConflicts conflicts;
+  for (const int frame : frames) {
+    conflicts.Add(filesOf(frame));
+  }
+  conflicts.CheckFrames();
+  conflicts.CheckBeside(names.beside);
+  plan.isInPlace = conflicts.IsInPlace();
   ChunkPlaces places{0, frames.size()};
   if (!names.chunk.empty()) {
     places = ParseChunk(names.chunk, frames.size());

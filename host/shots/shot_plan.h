@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "host/shots/file_conflicts.h"
+
 namespace glimmerhost {
 
 // The name that stands for the standard streams.
@@ -26,21 +28,23 @@ struct ShotNames {
   std::string spread;
   std::string frames;  // a list; without one the input's name or its folder says
   std::string chunk;   // "2/5": the second of five parts of the list
+  std::vector<NamedFile> beside{};
 };
 
 struct ShotPlan {
   std::vector<FrameFiles> files;  // in the order to render
   int lowest = 1;                 // of all frames of the shot, whatever chunk this is
   int highest = 1;
-  bool isShot = false;  // false for one picture whose frame nobody named
+  bool isShot = false;     // false for one picture whose frame nobody named
+  bool isInPlace = false;  // whether a frame's output is its own input
 
   // Null unless the input is a pipe without a list of frames: those go on from 1 until it ends,
   // nobody knows when. There are no files then.
   std::function<FrameFiles(int frame)> filesOf;
 };
 
-// Input and output may be kPipe. Throws UsageError for names and lists that do not go together,
-// Failure where the input's folder has no frames.
+// Input and output may be kPipe. Throws UsageError for names and lists that do not go together, and
+// for files that would be lost to one another; Failure where the input's folder has no frames.
 ShotPlan PlanShot(const ShotNames& names);
 
 // The places of a list that the chunk "K/N" takes: N parts as even as can be, the first ones
