@@ -25,6 +25,13 @@ constexpr std::size_t kWaiting = 1;
 // What a PAM picture holds.
 const OutputFormat kPamFormat{"pam", true, true, false, false};
 
+// Whether a picture is there. A folder of that name, or an empty file that somebody made to have
+// the name, is none; nothing else is looked at.
+bool IsThere(const fs::path& output) {
+  std::error_code error;
+  return fs::is_regular_file(output, error) && fs::file_size(output, error) > 0 && !error;
+}
+
 // However a thread's loop ends, those beside it must not wait for it.
 template <class Channel>
 class ClosedAtEnd {
@@ -61,19 +68,25 @@ void ShotRender::Run(ShotReport* report) {
   Works loaded(kWaiting);
   Works rendered(kWaiting);
   auto loading = std::async(std::launch::async, [&] { LoadAll(&loaded); });
+  // Also where no second thread can be had: the first one would wait for ever.
+  const ClosedAtEnd<Works> end(&loaded, &rendered);
   auto writing = std::async(std::launch::async, [&] { WriteAll(&rendered, report); });
   RenderAll(&loaded, &rendered);
   loading.get();
   writing.get();
+  // Not before all is written: whoever fills the pipe may keep it open, and wait for that.
+  if (taken_ > 0 && taken_ == plan_.files.size() && !pipe_.IsAtEnd()) {
+    report->Remark(pipe_.Name() + " holds more pictures than were asked for");
+  }
 }
 
 // Does the work of a frame. What goes wrong becomes the frame's.
 template <class FrameWork>
 void ShotRender::Try(Work* work, const FrameWork& frameWork) {
-  if (work->report.state != FrameState::kDone || work->usage) {
+  FrameReport& report = work->report;
+  if (report.state == FrameState::kFailed || report.state == FrameState::kMissing || work->usage) {
     return;
   }
-  FrameReport& report = work->report;
   try {
     frameWork();
   } catch (const UsageError&) {
@@ -118,7 +131,11 @@ void ShotRender::LoadAll(Works* loaded) {
 void ShotRender::RenderAll(Works* loaded, Works* rendered) {
   const ClosedAtEnd<Works> end(loaded, rendered);
   while (std::optional<std::unique_ptr<Work>> work = loaded->Take()) {
-    Try(work->get(), [&] { Render(work->get()); });
+    Try(work->get(), [&] {
+      if ((*work)->report.state == FrameState::kDone) {
+        Render(work->get());
+      }
+    });
     const bool isOver = IsOver(**work);
     if (!rendered->Put(std::move(*work)) || isOver) {
       return;
@@ -130,7 +147,14 @@ void ShotRender::WriteAll(Works* rendered, ShotReport* report) {
   const ClosedAtEnd<Works> end(rendered, nullptr);
   while (const std::optional<std::unique_ptr<Work>> taken = rendered->Take()) {
     Work& work = **taken;
-    Try(&work, [&] { Write(&work); });
+    Try(&work, [&] {
+      if (work.report.state == FrameState::kDone) {
+        Write(&work);
+      }
+      if (work.report.state == FrameState::kSkipped) {
+        NoteFound(work);
+      }
+    });
     if (work.usage) {
       std::rethrow_exception(work.usage);
     }
@@ -164,9 +188,6 @@ void ShotRender::TakeFromPipe(Work* work) {
   ++taken_;
   work->isLast = false;
   work->picture = std::move(*picture);
-  if (taken_ == plan_.files.size() && !pipe_.IsAtEnd()) {
-    work->report.remarks.push_back(pipe_.Name() + " holds more pictures than were asked for");
-  }
 }
 
 void ShotRender::TakePicture(Work* work) {
@@ -188,10 +209,8 @@ void ShotRender::Load(Work* work) {
       return;
     }
   }
-  std::error_code error;
-  if (settings_.skipExisting && fs::exists(work->files.output, error)) {
+  if (settings_.skipExisting && IsThere(work->files.output)) {
     work->report.state = FrameState::kSkipped;
-    NoteFound(*work);
     return;
   }
   if (work->files.output != kPipe) {
@@ -241,13 +260,28 @@ void ShotRender::Write(Work* work) const {
   }
   if (toPipe) {
     WritePam(picture, stdout, "standard output");
-  } else {
-    work->output->Write(picture, settings_.bits == 0 ? picture.bits : settings_.bits,
-                        &work->report.notCarried);
+  } else if (!WriteFile(work)) {
+    work->report.state = FrameState::kSkipped;
+    return;
   }
   if (manifest_ != nullptr) {
     Note(*work);
   }
+}
+
+// False if another program has made the file since it was looked for, and that was asked for.
+bool ShotRender::WriteFile(Work* work) const {
+  const Picture& picture = work->picture;
+  try {
+    work->output->Write(picture, settings_.bits == 0 ? picture.bits : settings_.bits,
+                        &work->report.notCarried);
+  } catch (const Failure&) {
+    if (!settings_.skipExisting || settings_.overwrite || !IsThere(work->files.output)) {
+      throw;
+    }
+    return false;
+  }
+  return true;
 }
 
 void ShotRender::Note(const Work& work) const {

@@ -86,6 +86,7 @@ class ShotRender {
   void TakePicture(Work* work);
   void Render(Work* work);
   void Write(Work* work) const;
+  bool WriteFile(Work* work) const;
   void Note(const Work& work) const;
   void NoteFound(const Work& work) const;
   std::map<std::string, Value> ValuesOf(int frame, const Picture& picture);

@@ -259,6 +259,32 @@ TEST_F(ShotProgram, SaysOfAFileWithAStrangeNameWhatItIsInOneLine) {
 }
 #endif
 
+TEST_F(ShotProgram, DoesNotTakeAFolderOrAnEmptyFileForAFrame) {
+  WriteShot(1, 2);
+  fs::create_directory(folder / "a.1.png");
+  std::ofstream(folder / "b.1.png").close();
+  for (const char* output : {"a.@.png", "b.@.png"}) {
+    const Outcome outcome =
+        RunProgram(Shot(output, "--radius 3px --skip-existing --keep-going --quiet"));
+    EXPECT_EQ(1, outcome.code);
+    EXPECT_NE(std::string::npos, outcome.text.find("1 of 2 frames failed (1), 1 are there"))
+        << outcome.text;
+  }
+  EXPECT_EQ(0, RunProgram(Shot("b.@.png", "--radius 3px --skip-existing --overwrite")).code);
+  EXPECT_LT(0U, fs::file_size(folder / "b.1.png"));
+}
+
+TEST_F(ShotProgram, RefusesToLoseAFileToAnother) {
+  WriteShot(1, 2);
+  const std::string in = (folder / "in.1.png").string();
+  ExpectRefusal(Shot("in.@.png", "--skip-existing"), 2, "--skip-existing: allowed where -o is not");
+  ExpectRefusal(Shot("out.@.png", "--overwrite --manifest '" + in + "'"), 2,
+                "a picture that frame 1 reads");
+  ExpectRefusal(
+      "render '" + in + "' -o '" + (folder / "in.@.png").string() + "' --frames 1-3 --overwrite", 2,
+      "this one is of frame 1, and frame 2 reads it");
+}
+
 TEST_F(ShotProgram, RefusesWhatDoesNotGoTogether) {
   WriteShot(1, 2);
   ExpectRefusal(Shot("out.png", ""), 2, "allowed for 2 frames is a name with a place");
