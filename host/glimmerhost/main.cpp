@@ -3,6 +3,7 @@
 #include "host/support/system.h"
 
 int main(int argc, char** argv) {
+  glimmerhost::HoldStandardStreams();
   glimmerhost::EndOnSignals();
   return glimmerhost::RunCommandLine(glimmerhost::Arguments(argc, argv));
 }

@@ -40,6 +40,11 @@ extern const char* const kHomeAdvice;
 // Lets bytes pass stdin and stdout as they are, where the system would change the ends of lines.
 void UseBinaryStreams();
 
+// Keeps the places of standard streams that the program was started without: the next file that is
+// opened would have one, and receive what is said. What is read from such a stream or written to it
+// fails. In main, before anything is opened.
+void HoldStandardStreams();
+
 // Whether a person watches stderr, on a screen that lines can be cleared on.
 bool IsTerminal();
 

@@ -1,4 +1,5 @@
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <sched.h>
 #include <signal.h>
 #include <unistd.h>
@@ -61,6 +62,16 @@ bool IsWritable(const std::filesystem::path& folder) { return access(folder.c_st
 void SetVariable(const char* name, const char* value) { setenv(name, value, 1); }
 
 void UseBinaryStreams() {}
+
+// Open the wrong way round.
+void HoldStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) == -1) {
+      // The lowest number that is free, which is this one.
+      open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+  }
+}
 
 bool IsTerminal() { return isatty(STDERR_FILENO) != 0; }
 

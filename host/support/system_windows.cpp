@@ -98,6 +98,9 @@ bool IsWritable(const std::filesystem::path& folder) {
 // By the system alone: modules do not ask the C runtime's copy.
 void SetVariable(const char* name, const char* value) { SetEnvironmentVariableA(name, value); }
 
+// The runtime gives their numbers to nobody else.
+void HoldStandardStreams() {}
+
 void UseBinaryStreams() {
   _setmode(_fileno(stdin), _O_BINARY);
   _setmode(_fileno(stdout), _O_BINARY);

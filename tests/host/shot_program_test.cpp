@@ -248,6 +248,17 @@ TEST_F(ShotProgram, NamesTheFramesOfAManifestThatIsMissing) {
 }
 
 #ifndef _WIN32
+// The number of a closed stream goes to the next file that is opened.
+TEST_F(ShotProgram, SaysNothingIntoItsFilesWhereItHasNoErrorStream) {
+  WriteShot(1, 2);
+  const std::string manifest = "'" + (folder / "m.jsonl").string() + "'";
+  const Outcome outcome = lx_test::RunChild(
+      "/bin/sh",
+      {"-c", "exec " PROGRAM " " + Shot("out.@.png", "--manifest " + manifest) + " <&- >&- 2>&-"});
+  EXPECT_EQ(0, outcome.code);
+  EXPECT_EQ("2 frames are as they were written\n", RunProgram("check " + manifest).text);
+}
+
 // Lines that begin otherwise would be lost on those who look for the program's name.
 TEST_F(ShotProgram, SaysOfAFileWithAStrangeNameWhatItIsInOneLine) {
   const std::string name = (folder / "in\nout\x1b.@.png").string();
