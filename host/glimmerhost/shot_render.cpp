@@ -12,6 +12,7 @@
 #include "host/glimmerhost/frame_render.h"
 #include "host/glimmerhost/text.h"
 #include "host/shots/file_hash.h"
+#include "host/shots/steady_file.h"
 #include "host/support/failure.h"
 
 namespace glimmerhost {
@@ -192,14 +193,17 @@ void ShotRender::TakeFromPipe(Work* work) {
 
 void ShotRender::TakePicture(Work* work) {
   const fs::path& file = work->files.input;
-  if (file != kPipe) {
+  const bool hashed = manifest_ != nullptr;
+  if (file == kPipe) {
+    work->inputHash = hashed ? SamplesHash(work->picture.samples) : "";
+    return;
+  }
+  ReadSteadily(file, [&] {
     work->picture = ReadPicture(file, settings_.reading, &work->found);
-    work->report.remarks = work->found.lines;
-    work->report.notCarried = work->found.notCarried;
-  }
-  if (manifest_ != nullptr) {
-    work->inputHash = file == kPipe ? SamplesHash(work->picture.samples) : FileHash(file);
-  }
+    work->inputHash = hashed ? FileHash(file) : "";
+  });
+  work->report.remarks = work->found.lines;
+  work->report.notCarried = work->found.notCarried;
 }
 
 void ShotRender::Load(Work* work) {
