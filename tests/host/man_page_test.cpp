@@ -4,10 +4,11 @@
 #include <algorithm>
 #include <fstream>
 #include <map>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "tests/host/program.h"
 
@@ -15,45 +16,87 @@ namespace {
 
 using Options = std::map<std::string, std::set<std::string>>;  // by command
 
-std::set<std::string> Found(const std::string& text, const std::string& pattern) {
-  const std::regex expression(pattern, std::regex::multiline);
-  std::set<std::string> found;
-  for (std::sregex_iterator match(text.begin(), text.end(), expression), end; match != end;
-       ++match) {
-    found.insert((*match)[1]);
+constexpr const char* kLetters = "abcdefghijklmnopqrstuvwxyz0123456789-";
+
+// The name that a line has behind a beginning; empty if it begins otherwise.
+std::string NameBehind(std::string_view line, std::string_view beginning) {
+  if (!line.starts_with(beginning)) {
+    return "";
   }
-  return found;
+  line.remove_prefix(beginning.size());
+  return std::string(line.substr(0, line.find_first_not_of(kLetters)));
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) {
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+void Insert(const std::string& name, std::set<std::string>* names) {
+  if (!name.empty()) {
+    names->insert(name);
+  }
+}
+
+// Of lines such as "  -o,--output TEXT" and "  --radius TEXT".
+std::set<std::string> OptionsOfHelp(const std::string& command) {
+  std::set<std::string> options;
+  for (const std::string& line : Lines(host_test::RunProgram(command + " --help").text)) {
+    Insert(NameBehind(line, "  --"), &options);
+    if (line.starts_with("  -") && line.find(",--") == 4) {
+      Insert(NameBehind(line.substr(4), ",--"), &options);
+    }
+  }
+  options.erase("help");
+  return options;
 }
 
 // "--version", which only the program itself has, stands under no command.
 Options FromHelp() {
   const std::string help = host_test::RunProgram("--help").text;
   Options options;
-  for (const std::string& command : Found(help.substr(help.find("Subcommands:")), "^  ([a-z]+)")) {
-    options[command] =
-        Found(host_test::RunProgram(command + " --help").text, "^  (?:-[a-z],)?--([a-z0-9-]+)");
-    options[command].erase("help");
+  for (const std::string& line : Lines(help.substr(help.find("Subcommands:")))) {
+    if (const std::string command = NameBehind(line, "  "); !command.empty()) {
+      options[command] = OptionsOfHelp(command);
+    }
   }
   return options;
 }
 
-// A heading of options ends in the commands that have them: "Highlights (render, session)".
+// The words between the parentheses of a heading: "Highlights (render, session)".
+std::set<std::string> CommandsOfHeading(const std::string& line) {
+  std::set<std::string> commands;
+  std::size_t at = line.find('(');
+  while (at != std::string::npos && (at = line.find_first_of(kLetters, at)) != std::string::npos) {
+    const std::size_t end = std::min(line.find_first_not_of(kLetters, at), line.size());
+    commands.insert(line.substr(at, end - at));
+    at = end;
+  }
+  return commands;
+}
+
+// A heading of options ends in the commands that have them.
 Options FromManPage(const std::string& page) {
   Options options;
-  for (const std::string& command : Found(page, "^\\.It Cm ([a-z]+)")) {
-    options[command];
-  }
-  std::istringstream lines(page);
-  std::string line;
   std::set<std::string> commands;
-  while (std::getline(lines, line)) {
-    if (line.starts_with(".S")) {
-      commands = Found(line.substr(std::min(line.find('('), line.size())), "([a-z]+)[,)]");
+  for (const std::string& line : Lines(page)) {
+    if (const std::string command = NameBehind(line, ".It Cm "); !command.empty()) {
+      options[command];
     }
-    for (const std::string& option : Found(line, "^\\.It (?:Fl [a-z] , )?Fl -([a-z0-9-]+)")) {
-      for (const std::string& command : commands) {
-        options[command].insert(option);
-      }
+    if (line.starts_with(".S")) {
+      commands = CommandsOfHeading(line);
+    }
+    std::set<std::string> found;
+    Insert(NameBehind(line, ".It Fl -"), &found);
+    if (line.starts_with(".It Fl ") && line.find(" , Fl -") == 8) {
+      Insert(NameBehind(line.substr(8), " , Fl -"), &found);
+    }
+    for (const std::string& command : commands) {
+      options[command].insert(found.begin(), found.end());
     }
   }
   return options;

@@ -97,8 +97,7 @@ TEST(MutatedParameterFile, RendersOrRefusesWithNothingElseSaid) {
     const std::string what = name + ", seed " + std::to_string(seed);
     mutations::ExpectCleanEnd(folder, line, run, what);
     // The look is saved before a picture that is missing is found to be.
-    EXPECT_TRUE(run.code == 0 ? run.made.size() == 2 : !std::filesystem::exists("out.png"))
-        << what;
+    EXPECT_TRUE(run.code == 0 ? run.made.size() == 2 : !std::filesystem::exists("out.png")) << what;
     folder.Restore();
   });
 }
