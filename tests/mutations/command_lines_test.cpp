@@ -247,7 +247,7 @@ bool GoesBeyond(const Line& line) {
 
 Line Mutated(mutations::Mutator* mutator) {
   Line line = mutator->AnyOf(kLines);
-  for (std::size_t count = 1 + mutator->Below(3); count > 0; --count) {
+  for (std::size_t count = mutator->OneIn(3) ? 2 : 1; count > 0; --count) {
     const std::size_t at = mutator->Below(line.size() + 1);
     if (at == line.size() || line.empty()) {
       line.push_back(mutator->AnyOf(kWords));
