@@ -110,6 +110,7 @@ TEST(ManPage, HasTheOptionsOfEveryCommandAndNoOther) {
 
   EXPECT_EQ(9U, help.size());
   EXPECT_TRUE(help.at("render").contains("emphasis"));
+  EXPECT_TRUE(help.at("render").contains("output"));
   EXPECT_EQ(help, FromManPage(page.str()));
 }
 
