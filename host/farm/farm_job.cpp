@@ -4,6 +4,7 @@
 
 #include "host/shots/frame_list.h"
 #include "host/shots/shot_plan.h"
+#include "host/support/utf8_path.h"
 
 namespace glimmerhost {
 namespace {
@@ -35,7 +36,7 @@ std::string FarmJob::Place(std::size_t chunk) const {
 }
 
 std::filesystem::path FarmJob::Manifest(std::size_t chunk) const {
-  return manifestBefore + Place(chunk) + manifestBehind;
+  return Utf8Path(manifestBefore + Place(chunk) + manifestBehind);
 }
 
 std::vector<std::string> FarmJob::Arguments(std::size_t chunk) const {

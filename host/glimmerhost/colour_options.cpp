@@ -6,6 +6,7 @@
 #include "host/glimmerhost/nearest.h"
 #include "host/pictures/colour_config.h"
 #include "host/support/failure.h"
+#include "host/support/utf8_path.h"
 
 namespace glimmerhost {
 namespace {
@@ -50,7 +51,7 @@ std::shared_ptr<const ColourPath> ParseColours(const ColourOptions& options) {
   if (options.in.empty() && options.out.empty()) {
     throw UsageError(asked + ": it is of no use without --colour-in or --colour-out");
   }
-  const auto config = ColourConfig::Load(ConfigFile(options, asked));
+  const auto config = ColourConfig::Load(Utf8Path(ConfigFile(options, asked)));
   CheckSpace(*config, "--colour-in", options.in);
   CheckSpace(*config, "--colour-out", options.out);
   const std::string in = options.in.empty() ? kWorking : options.in;

@@ -24,6 +24,7 @@
 #include "host/shots/shot_plan.h"
 #include "host/support/failure.h"
 #include "host/support/system.h"
+#include "host/support/utf8_path.h"
 
 namespace glimmerhost {
 namespace {
@@ -107,8 +108,8 @@ FarmJob MakeJob(const SubmitOptions& options, const std::vector<TypedArgument>& 
   // Locally no more than lets every process have one.
   job.Cut(ParseCount("--chunk", options.chunk,
                      std::min(kUsual, (job.frames.size() + processes - 1) / processes)));
-  const fs::path manifest = options.manifest.empty() ? fs::path(stem.string() + ".manifest.jsonl")
-                                                     : fs::path(options.manifest);
+  const fs::path manifest = options.manifest.empty() ? Utf8Path(stem.string() + ".manifest.jsonl")
+                                                     : Utf8Path(options.manifest);
   job.manifestBefore = (manifest.parent_path() / manifest.stem()).string() + ".";
   job.manifestBehind = manifest.extension().string();
   // Files may come and go until the last chunk has begun; the list is what it is now.
@@ -235,7 +236,8 @@ int RunSubmit(const SubmitOptions& options, const std::vector<TypedArgument>& ty
     return kExitDone;
   }
   if (!options.saveParams.empty()) {
-    SaveParameters(options.saveParams, UsedLook(page, settings.layers), options.overwrite);
+    SaveParameters(Utf8Path(options.saveParams), UsedLook(page, settings.layers),
+                   options.overwrite);
   }
   // Numbers of jobs are no progress.
   std::ostream nowhere(nullptr);

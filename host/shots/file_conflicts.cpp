@@ -7,6 +7,7 @@
 
 #include "host/shots/shot_plan.h"
 #include "host/support/failure.h"
+#include "host/support/utf8_path.h"
 
 namespace glimmerhost {
 namespace {
@@ -26,7 +27,7 @@ std::string FileConflicts::Place(const fs::path& file) const {
     const fs::path real = fs::weakly_canonical(folder, error);
     found = folders_.emplace(folder.string(), (error ? folder : real).string()).first;
   }
-  return (fs::path(found->second) / file.filename()).string();
+  return (Utf8Path(found->second) / file.filename()).string();
 }
 
 // What a link leads to, or the file itself.
@@ -93,8 +94,8 @@ void FileConflicts::CheckBeside(const std::vector<NamedFile>& beside) const {
     if (!file.isWritten || file.name.empty()) {
       continue;
     }
-    const std::string place = Place(file.name);
-    const std::string target = Target(file.name);
+    const std::string place = Place(Utf8Path(file.name));
+    const std::string target = Target(Utf8Path(file.name));
     for (const std::string& one : {place, target}) {
       if (const auto written = written_.find(one); written != written_.end()) {
         refuse(file, "the output of frame " + std::to_string(written->second.frame));
@@ -106,7 +107,7 @@ void FileConflicts::CheckBeside(const std::vector<NamedFile>& beside) const {
     for (std::size_t k = 0; k < beside.size(); ++k) {
       const NamedFile& other = beside[k];
       const bool isUpdate = file.option == "--save-params" && other.option == "--params";
-      if (k != i && !isUpdate && !other.name.empty() && Target(other.name) == target) {
+      if (k != i && !isUpdate && !other.name.empty() && Target(Utf8Path(other.name)) == target) {
         refuse(file, other.option + "'s");
       }
     }

@@ -111,9 +111,9 @@ fs::path FileSequence::File(int frame) const {
 }
 
 fs::path FileSequence::Stem() const {
-  std::string stem = HasFrames() ? before_ : fs::path(before_).stem().string();
+  std::string stem = HasFrames() ? before_ : Utf8Path(before_).stem().string();
   stem.erase(stem.find_last_not_of("._- ") + 1);
-  return folder_ / (stem.empty() ? "frames" : stem);
+  return folder_ / Utf8Path(stem.empty() ? "frames" : stem);
 }
 
 std::vector<int> FileSequence::Scan() const {

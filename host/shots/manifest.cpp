@@ -122,7 +122,9 @@ std::map<int, ManifestEntry> ReadManifest(const std::filesystem::path& file) {
   return ReadLines(file, &in);
 }
 
-bool IsAsWritten(const ManifestEntry& entry) { return FileHash(Utf8Path(entry.output)) == entry.outputHash; }
+bool IsAsWritten(const ManifestEntry& entry) {
+  return FileHash(Utf8Path(entry.output)) == entry.outputHash;
+}
 
 std::vector<std::string> CheckManifest(const std::map<int, ManifestEntry>& entries,
                                        const std::vector<int>& frames) {
