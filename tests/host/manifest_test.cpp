@@ -82,7 +82,7 @@ TEST_F(Manifests, GoOnBehindTheLastWholeLineOfARunThatWasKilled) {
 
 TEST_F(Manifests, LeaveAFileAloneThatIsNone) {
   for (const std::string text : {"another", "another\n", "{\"frame\":2}\n{\"fr"}) {
-    std::ofstream(file) << text;
+    std::ofstream(file, std::ios::binary) << text;
     EXPECT_THROW(Manifest(file, true, false), glimmerhost::Failure);
     EXPECT_EQ(text.size(), std::filesystem::file_size(file)) << text;
   }
