@@ -28,6 +28,9 @@ namespace {
 constexpr const char* kDescription =
     "Renders pictures through GlimmerBlur, a lens defocus.\n\n"
     "  glimmerhost render night.png -o out.png --shape polygon --sides 6 --radius 40px\n"
+    "  glimmerhost render shot.####.exr -o out.####.exr --frames 1-100 --radius '0=4px; -1=60px'\n"
+    "  glimmerhost submit shot.####.exr -o out.####.exr --frames 1-100 --radius 20px --engine "
+    "slurm\n"
     "  glimmerhost psf -o aperture.png --shape polygon --sides 5 --radius 60px\n"
     "  glimmerhost page night.png -o page.png --shape image\n"
     "  glimmerhost session handles.session\n"

@@ -83,9 +83,10 @@ void AddHighlights(CLI::App* app, RunOptions* options) {
 }
 
 void AddPictureOutput(CLI::App* app, RunOptions* options) {
-  app->add_option(
-         "-o,--output", options->output,
-         std::string("Where the result goes. Its ending says the format: ") + kWritableEndings)
+  app->add_option("-o,--output", options->output,
+                  std::string("Where the result goes. Its ending says the format: ") +
+                      kWritableEndings +
+                      "; with render also - for PAM pictures on the standard output")
       ->required()
       ->group(kFiles);
 }
@@ -152,8 +153,11 @@ void AddColours(CLI::App* app, ColourOptions* options) {
 
 void AddRenderOptions(CLI::App* render, RenderOptions* options, const std::string& chunk) {
   render
-      ->add_option("INPUT", options->input,
-                   std::string("The picture, or a sequence (shot.####.exr): ") + kReadableFormats)
+      ->add_option(
+          "INPUT", options->input,
+          std::string("The picture, a sequence (shot.####.exr), or with render - for PAM pictures "
+                      "on the standard input: ") +
+              kReadableFormats)
       ->required();
   AddPictureOutput(render, options);
   AddAperture(render, options);

@@ -87,7 +87,7 @@ Options FromManPage(const std::string& page) {
     if (const std::string command = NameBehind(line, ".It Cm "); !command.empty()) {
       options[command];
     }
-    if (line.starts_with(".S")) {
+    if (line.starts_with(".Sh ") || line.starts_with(".Ss ")) {
       commands = CommandsOfHeading(line);
     }
     std::set<std::string> found;
