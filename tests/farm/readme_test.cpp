@@ -4,16 +4,17 @@
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 
 #include "tests/farm/slurm_cluster.h"
+#include "tests/host/shot_program.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using farm_test::SlurmCluster;
+using host_test::Bytes;
 
 // The commands of a section, which are its indented lines.
 std::string CommandsOf(const std::string& section) {
@@ -28,11 +29,6 @@ std::string CommandsOf(const std::string& section) {
     }
   }
   return commands;
-}
-
-std::string Bytes(const fs::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
 }
 
 std::size_t Count(const std::string& text, const std::string& part) {

@@ -6,20 +6,20 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "host/pictures/picture_file.h"
 #include "tests/host/picture_samples.h"
+#include "tests/host/shot_program.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
 
 using glimmerhost::Alpha;
 using glimmerhost::Picture;
+using host_test::Bytes;
 using lx_test::ExpectCutsRefused;
 using lx_test::Read;
 using lx_test::Sample;
@@ -36,11 +36,6 @@ TEST(OpenImageIoFormats, ComeBackAsTheyWereAsDpx) {
   EXPECT_EQ(7, back.height);
   EXPECT_EQ(16, back.bits);
   EXPECT_EQ(Alpha::kNone, back.alpha);
-}
-
-std::string Bytes(const std::filesystem::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
 }
 
 // Neither the time nor the name under which it is written first is in a file: shots that are cut
