@@ -24,9 +24,12 @@
 #include "fftlib/fftlib.h"
 #include "fftlib/fftlib/fft_calls.h"
 #include "imagelib/imagelib.h"
+#include "tests/support/engine_inside.h"
 #include "tests/support/pooled_passes.h"
 
 namespace {
+
+using lx_test::Inside;
 
 using Clock = std::chrono::steady_clock;
 
@@ -117,8 +120,8 @@ void Compare(benchmark::State* state, const lx::DefocusEngine& engine, bool pool
   }
   const auto count = static_cast<double>(state->iterations());
   state->counters["ways"] = pooled ? lx::mp_num_ways() : 1;
-  state->counters["grid"] = engine.paddedWidth;
-  state->counters["grid_height"] = engine.paddedHeight;
+  state->counters["grid"] = Inside(engine).paddedWidth();
+  state->counters["grid_height"] = Inside(engine).paddedHeight();
   state->counters["reference_ms"] = referenceTime / count * 1e3;
   state->counters["ratio"] = workTime / referenceTime;
 }
@@ -135,8 +138,8 @@ void BM_Frame(benchmark::State& state) {
       &state, loaded.engine, pooled, [&] { loaded.Convolve(); },
       [&] {
         for (int plane = 0; plane < 4; ++plane) {
-          lx::GetFftCalls().execute(loaded.engine.forwardPlan);
-          lx::GetFftCalls().execute(loaded.engine.inversePlan);
+          lx::GetFftCalls().execute(Inside(loaded.engine).forwardPlan());
+          lx::GetFftCalls().execute(Inside(loaded.engine).inversePlan());
         }
       });
   state.SetItemsProcessed(state.iterations() * state.range(0) * state.range(1));
@@ -162,7 +165,7 @@ void BM_PsfBuild(benchmark::State& state) {
   }
   Compare(
       &state, loaded.engine, true, [&] { loaded.BuildPsf(); },
-      [&] { lx::GetFftCalls().execute(loaded.engine.forwardPlan); });
+      [&] { lx::GetFftCalls().execute(Inside(loaded.engine).forwardPlan()); });
 }
 
 BENCHMARK(BM_PsfBuild)

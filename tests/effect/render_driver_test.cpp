@@ -13,12 +13,14 @@
 
 #include "effect/glimmer_blur.h"
 #include "tests/effect/recording_engine.h"
+#include "tests/support/engine_inside.h"
 #include "tests/support/heap_faults.h"
 
 namespace {
 
 using lx::GlimmerBlur;
 using lx::LXImage;
+using lx_test::Inside;
 using lx_test::Record;
 using Log = std::vector<std::string>;
 
@@ -297,11 +299,11 @@ TEST_F(RenderDriver, RunsPassesWithTheWordThatItWasGiven) {
   };
   auto* far = reinterpret_cast<lx::DefocusEngine*>(std::uintptr_t{0x7123456789A0});
 
-  effect.engine->parallelFor(effect.engine->callbackContext, pass, 4, far);
+  Inside(*effect.engine).parallelFor()(Inside(*effect.engine).callbackContext(), pass, 4, far);
 
   EXPECT_EQ((std::multiset<std::int32_t>{0, 1, 2, 3}), seen);
   EXPECT_EQ(far, seenEngine);
-  EXPECT_EQ(0, effect.engine->cancelQuery(effect.engine->callbackContext));
+  EXPECT_EQ(0, Inside(*effect.engine).cancelQuery()(Inside(*effect.engine).callbackContext()));
 }
 
 TEST(Effect, OwnsOneEngineInTheModeOfTheBuild) {
@@ -309,7 +311,7 @@ TEST(Effect, OwnsOneEngineInTheModeOfTheBuild) {
   {
     const GlimmerBlur effect;
     EXPECT_EQ(1, Record().alive);
-    EXPECT_EQ(LX_ENGINE_MODE, effect.engine->engineMode);
+    EXPECT_EQ(LX_ENGINE_MODE, Inside(*effect.engine).engineMode());
   }
   EXPECT_EQ(0, Record().alive);
 }

@@ -10,12 +10,14 @@
 
 #include "effect/glimmer_blur.h"
 #include "tests/support/convolution_model.h"
+#include "tests/support/engine_inside.h"
 #include "tests/support/fft_recorder.h"
 
 namespace {
 
 using lx::GlimmerBlur;
 using lx::LXImage;
+using lx_test::Inside;
 
 constexpr int kWidth = 30;
 constexpr int kHeight = 22;
@@ -91,13 +93,13 @@ TEST_F(RenderFrame, BuildsOncePerSequenceOfEqualParameters) {
     effect.radiusX.value = 0.2;
     Render(&effect);
     // A build would clear the mask.
-    auto* mask = static_cast<std::uint8_t*>(effect.engine->psfMask->data);
+    auto* mask = static_cast<std::uint8_t*>(Inside(*effect.engine).psfMask()->data);
     mask[0] = 1;
     for (int frame = 1; frame < 10; ++frame) {
       Render(&effect);
     }
     EXPECT_EQ(1, mask[0]);
-    const bool usesFftw = effect.engine->engineMode == lx::kModeFftw;
+    const bool usesFftw = Inside(*effect.engine).engineMode() == lx::kModeFftw;
     EXPECT_EQ(usesFftw ? 3 : 0, fft.Count("forward") + fft.Count("inverse"));
     EXPECT_EQ(usesFftw ? 1 + 10 * 8 : 0, fft.Count("execute"));
   }
@@ -144,7 +146,7 @@ TEST_F(RenderFrame, DrawsTheSameMaskForOtherSidesOfACircle) {
   GlimmerBlur effect;
   effect.radiusX.value = 0.2;
   Render(&effect);
-  const auto* pixels = static_cast<const std::uint8_t*>(effect.engine->psfMask->data);
+  const auto* pixels = static_cast<const std::uint8_t*>(Inside(*effect.engine).psfMask()->data);
   const std::vector<std::uint8_t> before(pixels, pixels + kWidth * kHeight);
   effect.sides.value = 9;
 

@@ -8,12 +8,14 @@
 
 #include "fftlib/fftlib.h"
 #include "tests/support/convolution_model.h"
+#include "tests/support/engine_inside.h"
 #include "tests/support/images.h"
 
 namespace {
 
 using lx::DefocusEngine;
 using lx_test::Image;
+using lx_test::Inside;
 using lx_test::MakeImage;
 using lx_test::Samples;
 
@@ -166,8 +168,9 @@ TEST(ConvolveChannels, LeavesAResidueInMarginsOfZero) {
   // second one to nothing here, but the grid's margin is no longer clear.
   const auto* samples = Samples<std::uint16_t>(dest);
   EXPECT_LE(samples[(kSide - 1) * 2], 1);
-  const double* margin = engine.workSpatial + engine.offsetY * engine.paddedWidth;
-  EXPECT_GT(*std::max_element(margin, margin + engine.offsetX), 1.0);
+  const double* margin =
+      Inside(engine).workSpatial() + Inside(engine).offsetY() * Inside(engine).paddedWidth();
+  EXPECT_GT(*std::max_element(margin, margin + Inside(engine).offsetX()), 1.0);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 
 #include "fftlib/fftlib.h"
 #include "tests/support/convolution_model.h"
+#include "tests/support/engine_inside.h"
 #include "tests/support/images.h"
 
 namespace {
@@ -17,6 +18,7 @@ namespace {
 using lx::DefocusEngine;
 using lx_test::Grid;
 using lx_test::Image;
+using lx_test::Inside;
 using lx_test::MakeImage;
 using lx_test::Samples;
 
@@ -228,8 +230,10 @@ TEST(Convolve, LeavesTheAlphaPlaneInTheWorkGrid) {
 
   Blur(&engine, source);
 
-  const int n = engine.paddedWidth;
-  const double alpha = engine.workSpatial[engine.offsetY * n + engine.offsetX] / (n * n);
+  const int n = Inside(engine).paddedWidth();
+  const double alpha =
+      Inside(engine).workSpatial()[Inside(engine).offsetY() * n + Inside(engine).offsetX()] /
+      (n * n);
   EXPECT_NEAR(Samples<std::uint16_t>(source)[3] / 65535.0, alpha, 1e-12);
 }
 
@@ -419,12 +423,14 @@ TEST(Convolve, MakesItsPlanesWithTheTransformsConstants) {
   const double r = 60000 / 65535.0;
   const double g = 30000 / 65535.0;
   const double b = 10000 / 65535.0;
-  const int n = engine.paddedWidth;
-  const std::size_t at = static_cast<std::size_t>(engine.offsetY) * n + engine.offsetX;
-  EXPECT_NEAR(0.299 * r + 0.587 * g + 0.114 * b, engine.lumaResult[at] / (n * n), 1e-7);
-  EXPECT_NEAR(0.5 * r - 0.418688 * g - 0.081312 * b + 0.5, engine.crResult[at] / (n * n), 1e-7);
-  EXPECT_NEAR(-0.213267 * r - 0.418688 * g + 0.617689 * b + 0.5, engine.cbResult[at] / (n * n),
+  const int n = Inside(engine).paddedWidth();
+  const std::size_t at =
+      static_cast<std::size_t>(Inside(engine).offsetY()) * n + Inside(engine).offsetX();
+  EXPECT_NEAR(0.299 * r + 0.587 * g + 0.114 * b, Inside(engine).lumaResult()[at] / (n * n), 1e-7);
+  EXPECT_NEAR(0.5 * r - 0.418688 * g - 0.081312 * b + 0.5, Inside(engine).crResult()[at] / (n * n),
               1e-7);
+  EXPECT_NEAR(-0.213267 * r - 0.418688 * g + 0.617689 * b + 0.5,
+              Inside(engine).cbResult()[at] / (n * n), 1e-7);
 }
 
 TEST(Convolve, RoundsBytesToTheNearest) {
@@ -452,13 +458,14 @@ TEST(Convolve, Takes32BitLumaFromThreeBytesAndStores16BitsOfAlpha) {
 
   const Image dest = Blur(&engine, source);
 
-  const int n = engine.paddedWidth;
-  const std::size_t at = static_cast<std::size_t>(engine.offsetY) * n + engine.offsetX;
+  const int n = Inside(engine).paddedWidth();
+  const std::size_t at =
+      static_cast<std::size_t>(Inside(engine).offsetY()) * n + Inside(engine).offsetX();
   const double bytes = 0.299 * 0x20 + 0.587 * 0x40 + 0.114 * 0xFF;
-  EXPECT_NEAR(bytes / 4294967295.0, engine.lumaResult[at] / (n * n), 1e-12);
+  EXPECT_NEAR(bytes / 4294967295.0, Inside(engine).lumaResult()[at] / (n * n), 1e-12);
   const double cr =
       (0.5 * 0x80FF4020U - 0.418688 * 0x90000000U - 0.081312 * 0xA0000000U) / 4294967295.0 + 0.5;
-  EXPECT_NEAR(cr, engine.crResult[at] / (n * n), 1e-6);
+  EXPECT_NEAR(cr, Inside(engine).crResult()[at] / (n * n), 1e-6);
   EXPECT_LT(Samples<std::uint32_t>(dest)[3], 65536U);
 }
 

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "fftlib/fftlib.h"
+#include "tests/support/engine_inside.h"
 #include "tests/support/fft_recorder.h"
 #include "tests/support/heap_faults.h"
 #include "tests/support/images.h"
@@ -15,6 +16,7 @@ namespace {
 
 using lx::DefocusEngine;
 using lx_test::Image;
+using lx_test::Inside;
 using lx_test::MakeImage;
 
 Image Frame(int width, int height) {
@@ -42,44 +44,43 @@ TEST(NextPowerOfTwo, IsTheSmallestNotBelow) {
 TEST(DefocusEngine, StartsEmpty) {
   const DefocusEngine engine;
 
-  EXPECT_EQ(nullptr, engine.psfImage);
-  EXPECT_EQ(nullptr, engine.sourceImage);
-  EXPECT_EQ(nullptr, engine.psfMask);
-  EXPECT_EQ(nullptr, engine.psfSpatial);
-  EXPECT_EQ(nullptr, engine.workSpatial);
-  EXPECT_EQ(nullptr, engine.psfPlan);
-  EXPECT_EQ(nullptr, engine.forwardPlan);
-  EXPECT_EQ(nullptr, engine.inversePlan);
-  EXPECT_EQ(nullptr, engine.lumaResult);
-  EXPECT_EQ(-1, engine.frameWidth);
-  EXPECT_EQ(-1, engine.frameHeight);
-  EXPECT_EQ(-1, engine.paddedWidth);
-  EXPECT_EQ(-1, engine.paddedHeight);
-  EXPECT_EQ(-1, engine.offsetX);
-  EXPECT_EQ(-1, engine.offsetY);
-  EXPECT_EQ(-1, engine.margin);
-  EXPECT_EQ(0.0F, engine.emphasis);
-  EXPECT_FALSE(engine.emphasisAlpha);
-  EXPECT_EQ(1.0F, engine.gamma);
-  EXPECT_FALSE(engine.gammaActive);
-  EXPECT_EQ(1.0F, engine.outputGain);
-  EXPECT_EQ(0.0F, engine.outputOffset);
-  EXPECT_EQ(0.0F, engine.psfSoftness);
-  EXPECT_EQ(2, engine.edgeMode);
-  EXPECT_EQ(1.0F, engine.aspectX);
-  EXPECT_EQ(1.0F, engine.aspectY);
+  EXPECT_EQ(nullptr, Inside(engine).psfImage());
+  EXPECT_EQ(nullptr, Inside(engine).sourceImage());
+  EXPECT_EQ(nullptr, Inside(engine).psfMask());
+  EXPECT_EQ(nullptr, Inside(engine).psfSpatial());
+  EXPECT_EQ(nullptr, Inside(engine).workSpatial());
+  EXPECT_EQ(nullptr, Inside(engine).psfPlan());
+  EXPECT_EQ(nullptr, Inside(engine).forwardPlan());
+  EXPECT_EQ(nullptr, Inside(engine).inversePlan());
+  EXPECT_EQ(nullptr, Inside(engine).lumaResult());
+  EXPECT_EQ(-1, Inside(engine).frameWidth());
+  EXPECT_EQ(-1, Inside(engine).frameHeight());
+  EXPECT_EQ(-1, Inside(engine).paddedWidth());
+  EXPECT_EQ(-1, Inside(engine).paddedHeight());
+  EXPECT_EQ(-1, Inside(engine).offsetX());
+  EXPECT_EQ(-1, Inside(engine).offsetY());
+  EXPECT_EQ(-1, Inside(engine).margin());
+  EXPECT_EQ(0.0F, Inside(engine).emphasis());
+  EXPECT_FALSE(Inside(engine).emphasisAlpha());
+  EXPECT_EQ(1.0F, Inside(engine).gamma());
+  EXPECT_FALSE(Inside(engine).gammaActive());
+  EXPECT_EQ(1.0F, Inside(engine).outputGain());
+  EXPECT_EQ(0.0F, Inside(engine).outputOffset());
+  EXPECT_EQ(0.0F, Inside(engine).psfSoftness());
+  EXPECT_EQ(2, Inside(engine).edgeMode());
+  EXPECT_EQ(1.0F, Inside(engine).aspectX());
+  EXPECT_EQ(1.0F, Inside(engine).aspectY());
   EXPECT_EQ(0, engine.GetStatus());
-  EXPECT_EQ(0, engine.wisdomLoaded);
-  EXPECT_FALSE(engine.followSourceSize);
-  EXPECT_EQ(4, engine.engineMode);
-  EXPECT_EQ(nullptr, engine.parallelFor);
-  EXPECT_EQ(nullptr, engine.callbackContext);
+  EXPECT_EQ(0, Inside(engine).wisdomLoaded());
+  EXPECT_EQ(4, Inside(engine).engineMode());
+  EXPECT_EQ(nullptr, Inside(engine).parallelFor());
+  EXPECT_EQ(nullptr, Inside(engine).callbackContext());
 }
 
 TEST(DefocusEngine, TurnsMode5Into4AndKeepsTheOthers) {
-  EXPECT_EQ(4, DefocusEngine(5).engineMode);
+  EXPECT_EQ(4, Inside(DefocusEngine(5)).engineMode());
   for (const int mode : {1, 2, 3, 4, 0, 6, -1}) {
-    EXPECT_EQ(mode, DefocusEngine(mode).engineMode);
+    EXPECT_EQ(mode, Inside(DefocusEngine(mode)).engineMode());
   }
 }
 
@@ -98,16 +99,16 @@ TEST(DefocusEngine, AnswersFalseInMode3AndLeavesItsStatus) {
 TEST(DefocusEngine, CountsTheProcessorsForItsTransforms) {
   lx_test::HeapFaults platform;
   platform.SetProcessorCount(7);
-  EXPECT_EQ(7U, DefocusEngine().threadCount);
+  EXPECT_EQ(7U, Inside(DefocusEngine()).threadCount());
   platform.SetProcessorCount(0);
-  EXPECT_EQ(1U, DefocusEngine().threadCount);
+  EXPECT_EQ(1U, Inside(DefocusEngine()).threadCount());
 }
 
 TEST(DefocusEngine, MeasuresItsPlansIfTheVariableExists) {
   lx_test::HeapFaults platform;
-  EXPECT_EQ(0, DefocusEngine().useWisdom);
+  EXPECT_EQ(0, Inside(DefocusEngine()).useWisdom());
   platform.SetEnvironment(true);
-  EXPECT_EQ(1, DefocusEngine().useWisdom);
+  EXPECT_EQ(1, Inside(DefocusEngine()).useWisdom());
 }
 
 TEST(DefocusEngine, TakesAnEmptyEnvironmentVariableAsSet) {
@@ -117,18 +118,18 @@ TEST(DefocusEngine, TakesAnEmptyEnvironmentVariableAsSet) {
   table.openFile = [](const char*, const char*) -> std::FILE* { return nullptr; };
   const lx::ScopedPlatform scope(&table);
   lx_test::SetVariable("LX_USE_FFTW_WISDOM", "");
-  const std::int32_t set = DefocusEngine().useWisdom;
+  const std::int32_t set = Inside(DefocusEngine()).useWisdom();
   lx_test::RemoveVariable("LX_USE_FFTW_WISDOM");
 
   EXPECT_EQ(1, set);
-  EXPECT_EQ(0, DefocusEngine().useWisdom);
+  EXPECT_EQ(0, Inside(DefocusEngine()).useWisdom());
 }
 
 TEST(DefocusEngine, SaysSoWhereTransformThreadsDoNotStart) {
   lx_test::FftRecorder fft;
   fft.AnswerInit(0);
   DefocusEngine engine;
-  EXPECT_EQ(0U, engine.threadsReady);
+  EXPECT_EQ(0U, Inside(engine).threadsReady());
   EXPECT_EQ(lx::kStatusNoThreads, engine.GetStatus());
 
   Build(&engine, 16, 16, 2);
@@ -140,21 +141,21 @@ TEST(DefocusEngine, SaysSoWhereTransformThreadsDoNotStart) {
 TEST(EngineSettings, ClampTheEmphasisTo0To500) {
   DefocusEngine engine;
   engine.SetEmphasis(501);
-  EXPECT_EQ(500.0F, engine.emphasis);
+  EXPECT_EQ(500.0F, Inside(engine).emphasis());
   engine.SetEmphasis(-1);
-  EXPECT_EQ(0.0F, engine.emphasis);
+  EXPECT_EQ(0.0F, Inside(engine).emphasis());
   engine.SetEmphasis(std::numeric_limits<float>::quiet_NaN());
-  EXPECT_TRUE(std::isnan(engine.emphasis));
+  EXPECT_TRUE(std::isnan(Inside(engine).emphasis()));
 }
 
 TEST(EngineSettings, KnowEdgeModes1And2) {
   DefocusEngine engine;
   EXPECT_TRUE(engine.SetEdgeMode(1));
-  EXPECT_EQ(1, engine.edgeMode);
+  EXPECT_EQ(1, Inside(engine).edgeMode());
   for (const int mode : {0, 3}) {
     EXPECT_FALSE(engine.SetEdgeMode(mode));
     EXPECT_EQ(lx::kStatusEdgeMode, engine.GetStatus());
-    EXPECT_EQ(1, engine.edgeMode);
+    EXPECT_EQ(1, Inside(engine).edgeMode());
   }
   EXPECT_TRUE(engine.SetEdgeMode(2));
 }
@@ -162,22 +163,22 @@ TEST(EngineSettings, KnowEdgeModes1And2) {
 TEST(EngineSettings, ClampGammaGainAndOffset) {
   DefocusEngine engine;
   EXPECT_TRUE(engine.SetGamma(9));
-  EXPECT_EQ(5.0F, engine.gamma);
-  EXPECT_TRUE(engine.gammaActive);
+  EXPECT_EQ(5.0F, Inside(engine).gamma());
+  EXPECT_TRUE(Inside(engine).gammaActive());
   engine.SetGamma(0.1F);
-  EXPECT_EQ(0.2F, engine.gamma);
+  EXPECT_EQ(0.2F, Inside(engine).gamma());
   engine.SetGamma(1);
-  EXPECT_FALSE(engine.gammaActive);
+  EXPECT_FALSE(Inside(engine).gammaActive());
   engine.SetOutputGain(6);
-  EXPECT_EQ(5.0F, engine.outputGain);
+  EXPECT_EQ(5.0F, Inside(engine).outputGain());
   engine.SetOutputGain(0);
-  EXPECT_EQ(0.2F, engine.outputGain);
+  EXPECT_EQ(0.2F, Inside(engine).outputGain());
   engine.SetOutputOffset(6);
-  EXPECT_EQ(5.0F, engine.outputOffset);
+  EXPECT_EQ(5.0F, Inside(engine).outputOffset());
   engine.SetOutputOffset(-6);
-  EXPECT_EQ(-5.0F, engine.outputOffset);
+  EXPECT_EQ(-5.0F, Inside(engine).outputOffset());
   engine.SetPsfSoftness(-2);
-  EXPECT_EQ(0.0F, engine.psfSoftness);
+  EXPECT_EQ(0.0F, Inside(engine).psfSoftness());
 }
 
 TEST(EngineSettings, GiveTheAlphaFlagBack) {
@@ -202,17 +203,17 @@ TEST(EngineSizes, RefuseAFrameOfAnotherSizeUntilThePsfFollows) {
 TEST(EngineSizes, RefuseAGridAbove8192AndKeepTheBuffers) {
   DefocusEngine engine;
   Build(&engine, 64, 64, 5);
-  const double* grid = engine.psfSpatial;
+  const double* grid = Inside(engine).psfSpatial();
 
   Build(&engine, 9000, 64, 5);
 
   EXPECT_EQ(lx::kStatusSizeRange, engine.GetStatus());
-  EXPECT_EQ(nullptr, engine.psfImage);
-  EXPECT_EQ(9000, engine.frameWidth);
-  EXPECT_EQ(64, engine.frameHeight);
-  EXPECT_EQ(128, engine.paddedWidth);
-  EXPECT_EQ(32, engine.offsetX);
-  EXPECT_EQ(grid, engine.psfSpatial);
+  EXPECT_EQ(nullptr, Inside(engine).psfImage());
+  EXPECT_EQ(9000, Inside(engine).frameWidth());
+  EXPECT_EQ(64, Inside(engine).frameHeight());
+  EXPECT_EQ(128, Inside(engine).paddedWidth());
+  EXPECT_EQ(32, Inside(engine).offsetX());
+  EXPECT_EQ(grid, Inside(engine).psfSpatial());
 }
 
 TEST(EngineSizes, DoNotWriteAnOversizedFrameIntoTheSmallerGrid) {
@@ -253,11 +254,11 @@ TEST(EngineSizes, TakeAnyMargin) {
 
   EXPECT_FALSE(engine.LoadPsf(mask.get(), 1 << 30));
   EXPECT_EQ(lx::kStatusSizeRange, engine.GetStatus());
-  EXPECT_EQ(1 << 30, engine.margin);
+  EXPECT_EQ(1 << 30, Inside(engine).margin());
   EXPECT_FALSE(engine.LoadPsf(mask.get(), INT32_MAX));
   EXPECT_TRUE(engine.LoadPsf(mask.get(), -(1 << 30)));
-  EXPECT_EQ(-(1 << 30), engine.margin);
-  EXPECT_EQ(32, engine.paddedWidth);
+  EXPECT_EQ(-(1 << 30), Inside(engine).margin());
+  EXPECT_EQ(32, Inside(engine).paddedWidth());
 }
 
 TEST(EngineSizes, RefuseAGridOfOne) {
@@ -273,20 +274,20 @@ TEST(EngineSizes, FollowFromTheLongerPaddedSide) {
   DefocusEngine engine;
   engine.BuildShapePsf(1920, 1080, 1, 100, 100, 0, 6);
 
-  EXPECT_EQ(101, engine.margin);
-  EXPECT_EQ(4096, engine.paddedWidth);
-  EXPECT_EQ(4096, engine.paddedHeight);
-  EXPECT_EQ(1088, engine.offsetX);
-  EXPECT_EQ(1508, engine.offsetY);
+  EXPECT_EQ(101, Inside(engine).margin());
+  EXPECT_EQ(4096, Inside(engine).paddedWidth());
+  EXPECT_EQ(4096, Inside(engine).paddedHeight());
+  EXPECT_EQ(1088, Inside(engine).offsetX());
+  EXPECT_EQ(1508, Inside(engine).offsetY());
 }
 
 TEST(EngineSizes, HalveOddDifferencesTowardZero) {
   DefocusEngine engine;
   Build(&engine, 23, 20, 2);
 
-  EXPECT_EQ(32, engine.paddedWidth);
-  EXPECT_EQ(4, engine.offsetX);
-  EXPECT_EQ(6, engine.offsetY);
+  EXPECT_EQ(32, Inside(engine).paddedWidth());
+  EXPECT_EQ(4, Inside(engine).offsetX());
+  EXPECT_EQ(6, Inside(engine).offsetY());
 }
 
 TEST(EngineArguments, RefuseNull) {
@@ -296,13 +297,13 @@ TEST(EngineArguments, RefuseNull) {
 
   EXPECT_FALSE(engine.SetSourceImage(nullptr));
   EXPECT_EQ(lx::kStatusSourceSize, engine.GetStatus());
-  EXPECT_EQ(nullptr, engine.sourceImage);
+  EXPECT_EQ(nullptr, Inside(engine).sourceImage());
   engine.SetSourceImage(frame.get());
   EXPECT_FALSE(engine.Convolve(nullptr, 15));
   EXPECT_EQ(lx::kStatusDestination, engine.GetStatus());
   EXPECT_FALSE(engine.LoadPsf(nullptr, 2));
   EXPECT_EQ(lx::kStatusNotLoaded, engine.GetStatus());
-  EXPECT_EQ(16, engine.frameWidth);
+  EXPECT_EQ(16, Inside(engine).frameWidth());
 }
 
 TEST(EngineArguments, RefuseRecordsWhoseSizeWrapped) {

@@ -10,6 +10,7 @@
 
 #include "fftlib/fftlib.h"
 #include "fftlib/fftlib/power.h"
+#include "tests/support/engine_inside.h"
 
 namespace {
 
@@ -17,6 +18,7 @@ using lx::ApplyEmphasis;
 using lx::ApplyEmphasisD;
 using lx::UndoEmphasis;
 using lx::UndoEmphasisD;
+using lx_test::Inside;
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
@@ -110,10 +112,10 @@ TEST(Emphasis, GoesOnAsAPowerAbove50WithoutAStep) {
 TEST(Emphasis, OfTheEngineEndsAt500) {
   lx::DefocusEngine engine;
   engine.SetEmphasis(1000);
-  const double g = engine.emphasis;
+  const double g = Inside(engine).emphasis();
   engine.SetEmphasis(500);
   for (const double x : {0.1, 0.9, 0.99}) {
-    EXPECT_EQ(ApplyEmphasisD(x, engine.emphasis), ApplyEmphasisD(x, g));
+    EXPECT_EQ(ApplyEmphasisD(x, Inside(engine).emphasis()), ApplyEmphasisD(x, g));
   }
 }
 

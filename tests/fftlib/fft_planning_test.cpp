@@ -7,6 +7,7 @@
 
 #include "baselib/platform/platform.h"
 #include "fftlib/fftlib.h"
+#include "tests/support/engine_inside.h"
 #include "tests/support/fft_recorder.h"
 #include "tests/support/heap_faults.h"
 #include "tests/support/images.h"
@@ -16,6 +17,7 @@ namespace {
 using lx::DefocusEngine;
 using lx_test::FftRecorder;
 using lx_test::Image;
+using lx_test::Inside;
 using lx_test::MakeImage;
 using Log = std::vector<std::string>;
 
@@ -80,14 +82,14 @@ TEST_F(Planning, KeepsPlansAndGridsAtTheSamePaddedSize) {
   DefocusEngine engine;
   Build(&engine, 24, 2);
   RunFrame(&engine, 24);
-  const double* grid = engine.psfSpatial;
+  const double* grid = Inside(engine).psfSpatial();
   fft.Clear();
 
   Build(&engine, 24, 3);  // another PSF
   Build(&engine, 20, 2);  // another frame
 
   EXPECT_EQ(Log(2, "execute"), fft.Log());
-  EXPECT_EQ(grid, engine.psfSpatial);
+  EXPECT_EQ(grid, Inside(engine).psfSpatial());
 }
 
 TEST_F(Planning, FreesEverythingBeforeAnotherSizeIsAllocated) {
@@ -152,7 +154,7 @@ TEST_F(Planning, SharesThreadsAmongEngines) {
   auto first = std::make_unique<DefocusEngine>();
   auto second = std::make_unique<DefocusEngine>();
   EXPECT_EQ(1, fft.Count("init"));
-  EXPECT_EQ(first->threadsReady, second->threadsReady);
+  EXPECT_EQ(Inside(*first).threadsReady(), Inside(*second).threadsReady());
 
   first.reset();
   EXPECT_EQ(0, fft.Count("cleanup"));
@@ -172,7 +174,7 @@ TEST_F(Planning, MeasuresWithoutTouchingThePsf) {
 
   EXPECT_EQ(1, fft.Count("forward 32 flags 0"));
   for (int i = 0; i < 32 * 32; ++i) {
-    ASSERT_EQ(estimated.psfSpatial[i], measured.psfSpatial[i]) << i;
+    ASSERT_EQ(Inside(estimated).psfSpatial()[i], Inside(measured).psfSpatial()[i]) << i;
   }
 }
 
@@ -198,8 +200,8 @@ TEST_F(Planning, LeavesTheNewSizeAndNoGridWhereMemoryRunsOut) {
     Build(&engine, 24, 6);
 
     EXPECT_EQ(lx::kStatusNoMemory, engine.GetStatus());
-    EXPECT_EQ(64, engine.paddedWidth);
-    EXPECT_EQ(engine.psfMask, engine.psfImage);
+    EXPECT_EQ(64, Inside(engine).paddedWidth());
+    EXPECT_EQ(Inside(engine).psfMask(), Inside(engine).psfImage());
     EXPECT_FALSE(RunFrame(&engine, 24));
     EXPECT_EQ(lx::kStatusNotLoaded, engine.GetStatus());
   }

@@ -9,6 +9,7 @@
 
 #include "fftlib/fftlib.h"
 #include "tests/support/convolution_model.h"
+#include "tests/support/engine_inside.h"
 #include "tests/support/fft_recorder.h"
 #include "tests/support/heap_faults.h"
 #include "tests/support/images.h"
@@ -17,6 +18,7 @@ namespace {
 
 using lx::DefocusEngine;
 using lx_test::Image;
+using lx_test::Inside;
 using lx_test::MakeImage;
 using lx_test::Samples;
 
@@ -35,12 +37,13 @@ Image Noise(int width, int height) {
 }
 
 int MaskAt(const DefocusEngine& engine, int x, int y) {
-  return static_cast<const std::uint8_t*>(engine.psfMask->data)[y * engine.psfMask->width + x];
+  return static_cast<const std::uint8_t*>(
+      Inside(engine).psfMask()->data)[y * Inside(engine).psfMask()->width + x];
 }
 
 std::vector<std::uint8_t> Mask(const DefocusEngine& engine) {
-  const auto* pixels = static_cast<const std::uint8_t*>(engine.psfMask->data);
-  return {pixels, pixels + engine.psfMask->width * engine.psfMask->height};
+  const auto* pixels = static_cast<const std::uint8_t*>(Inside(engine).psfMask()->data);
+  return {pixels, pixels + Inside(engine).psfMask()->width * Inside(engine).psfMask()->height};
 }
 
 std::vector<std::uint8_t> ImpulseMask(int width, int height) {
@@ -78,7 +81,7 @@ TEST(ImagePsf, CutsADiscWithARampAndMovesItToTheMiddle) {
 
   engine.BuildImagePsf(White(32, 24).get(), 10, 8, 2, 4);
 
-  EXPECT_EQ(7, engine.margin);
+  EXPECT_EQ(7, Inside(engine).margin());
   EXPECT_EQ(255, MaskAt(engine, 16, 12));
   EXPECT_EQ(255, MaskAt(engine, 18, 12));
   EXPECT_EQ(191, MaskAt(engine, 19, 12));  // a quarter down the ramp, truncated
@@ -108,7 +111,7 @@ TEST(ImagePsf, HasARampOfAtLeastOnePixel) {
   for (const float falloff : {0.F, 0.5F, -3.F, 1.F}) {
     DefocusEngine engine;
     engine.BuildImagePsf(White(32, 24).get(), 16, 12, 3, falloff);
-    EXPECT_EQ(5, engine.margin) << falloff;  // ceil(3 + 1) + 1
+    EXPECT_EQ(5, Inside(engine).margin()) << falloff;  // ceil(3 + 1) + 1
     EXPECT_EQ(255, MaskAt(engine, 19, 12));
     // sqrt(10) lies 0.1623 into the ramp: 255 * 0.8377.
     EXPECT_EQ(213, MaskAt(engine, 19, 13));
@@ -119,9 +122,9 @@ TEST(ImagePsf, HasARampOfAtLeastOnePixel) {
 TEST(ImagePsf, HasAMarginOfTheRoundedUpRadiusAndOne) {
   DefocusEngine engine;
   engine.BuildImagePsf(White(64, 64).get(), 32, 32, 4.25F, 2.5F);
-  EXPECT_EQ(8, engine.margin);
+  EXPECT_EQ(8, Inside(engine).margin());
   engine.BuildImagePsf(White(64, 64).get(), 32, 32, 4, 2);
-  EXPECT_EQ(7, engine.margin);
+  EXPECT_EQ(7, Inside(engine).margin());
 }
 
 TEST(ImagePsf, OfNoInnerRadiusAndARampOfOneIsASinglePixel) {
@@ -231,7 +234,7 @@ TEST(ImagePsf, OfAnImpulsePassesTheFrameThroughAndThenSharesWithWhatEarlierLoads
     ASSERT_TRUE(engine.Convolve(dest.get(), 15));
 
     // The engine's scale of a byte is 1 / 255 in single precision.
-    EXPECT_NEAR(ownWeight[frame], engine.psfSpatial[0], 1e-7) << frame;
+    EXPECT_NEAR(ownWeight[frame], Inside(engine).psfSpatial()[0], 1e-7) << frame;
     model.Load(ImpulseMask(kWidth, kHeight));
     for (int c = 0; c < 4; ++c) {
       const std::vector<double> expected = lx_test::ConvolveChannel(source, c, model.Shifted());
@@ -271,7 +274,7 @@ TEST(ImagePsf, LeavesTheStatusAloneForNoImage) {
   DefocusEngine engine;
   engine.BuildImagePsf(nullptr, 1, 1, 1, 1);
   EXPECT_EQ(0, engine.GetStatus());
-  EXPECT_EQ(nullptr, engine.psfMask);
+  EXPECT_EQ(nullptr, Inside(engine).psfMask());
 }
 
 TEST(ImagePsf, KeepsTheEarlierPsfWhereItsMaskCannotBeMade) {
@@ -279,17 +282,17 @@ TEST(ImagePsf, KeepsTheEarlierPsfWhereItsMaskCannotBeMade) {
   const Image second = White(32, 16);
   DefocusEngine engine;
   engine.BuildImagePsf(first.get(), 8, 8, 3, 2);
-  const double* const spatial = engine.psfSpatial;
-  const DefocusEngine::Complex* const spectrum = engine.psfSpectrum;
+  const double* const spatial = Inside(engine).psfSpatial();
+  const DefocusEngine::Complex* const spectrum = Inside(engine).psfSpectrum();
   lx_test::HeapFaults heap;
   heap.RefuseAll();
 
   engine.BuildImagePsf(second.get(), 8, 8, 3, 2);
 
   EXPECT_EQ(2, engine.GetStatus());
-  EXPECT_EQ(spatial, engine.psfSpatial);
-  EXPECT_EQ(spectrum, engine.psfSpectrum);
-  EXPECT_EQ(16, engine.frameWidth);
+  EXPECT_EQ(spatial, Inside(engine).psfSpatial());
+  EXPECT_EQ(spectrum, Inside(engine).psfSpectrum());
+  EXPECT_EQ(16, Inside(engine).frameWidth());
 }
 
 TEST(ImagePsf, IsDefinedForAnyNumbers) {

@@ -8,6 +8,7 @@
 
 #include "fftlib/fftlib.h"
 #include "tests/support/divided_passes.h"
+#include "tests/support/engine_inside.h"
 #include "tests/support/heap_faults.h"
 #include "tests/support/images.h"
 #include "tests/support/kernel_frames.h"
@@ -18,6 +19,7 @@ namespace {
 using lx::DefocusEngine;
 using lx_test::ComplexGrid;
 using lx_test::Image;
+using lx_test::Inside;
 using lx_test::LoadMask;
 using lx_test::MakeImage;
 using lx_test::NoiseFrame;
@@ -125,14 +127,14 @@ TEST(KernelBlock, IsRefusedOfAnySizeButTheKernels) {
 
     EXPECT_FALSE(engine.ForwardKernel2D(side, numbers, spectrum)) << side;
     EXPECT_EQ(lx::kStatusSizeRange, engine.GetStatus()) << side;
-    engine.status = 0;
+    Inside(engine).SetStatus(0);
     EXPECT_FALSE(engine.InverseKernel2D(side, spectrum, numbers)) << side;
     EXPECT_EQ(lx::kStatusSizeRange, engine.GetStatus()) << side;
 
     EXPECT_EQ(1.0F, numbers[0]);
     EXPECT_EQ(5.0F, spectrum[0][0]);
-    EXPECT_EQ(-1, engine.paddedWidth) << side;
-    EXPECT_EQ(nullptr, engine.frequencyTable) << side;
+    EXPECT_EQ(-1, Inside(engine).paddedWidth()) << side;
+    EXPECT_EQ(nullptr, Inside(engine).frequencyTable()) << side;
   }
 }
 
@@ -191,14 +193,14 @@ TEST(KernelBlock, SetsThePaddedSizeAndThePassesTarget) {
   Block block(8);
 
   ASSERT_TRUE(block.Forward(&engine));
-  EXPECT_EQ(8, engine.paddedWidth);
-  EXPECT_EQ(8, engine.paddedHeight);
+  EXPECT_EQ(8, Inside(engine).paddedWidth());
+  EXPECT_EQ(8, Inside(engine).paddedHeight());
   EXPECT_EQ(block.spectrum.data(), engine.passTarget);
 
   Block other(4);
   ASSERT_TRUE(other.Inverse(&engine));
-  EXPECT_EQ(4, engine.paddedWidth);
-  EXPECT_EQ(4, engine.paddedHeight);
+  EXPECT_EQ(4, Inside(engine).paddedWidth());
+  EXPECT_EQ(4, Inside(engine).paddedHeight());
 }
 
 TEST(KernelBlock, RunsRowsThenColumnsInTheOwnersPasses) {
@@ -241,9 +243,9 @@ TEST(FrequencyTable, HoldsSignedFrequencies) {
     DefocusEngine engine;
     Block block(one.side);
     ASSERT_TRUE(block.Forward(&engine));
-    ASSERT_EQ(one.side, engine.frequencyTableSize);
-    EXPECT_EQ(one.expected,
-              std::vector<std::int32_t>(engine.frequencyTable, engine.frequencyTable + one.side));
+    ASSERT_EQ(one.side, Inside(engine).frequencyTableSize());
+    EXPECT_EQ(one.expected, std::vector<std::int32_t>(Inside(engine).frequencyTable(),
+                                                      Inside(engine).frequencyTable() + one.side));
   }
 }
 
@@ -252,17 +254,17 @@ TEST(FrequencyTable, IsMadeAnewForAnotherSizeOnly) {
   Block eight(8);
   Block four(4);
   eight.Forward(&engine);
-  engine.frequencyTable[1] = 99;
+  Inside(engine).frequencyTable()[1] = 99;
 
   ASSERT_TRUE(eight.Forward(&engine));
-  EXPECT_EQ(99, engine.frequencyTable[1]);
+  EXPECT_EQ(99, Inside(engine).frequencyTable()[1]);
 
   ASSERT_TRUE(four.Inverse(&engine));
-  EXPECT_EQ(99, engine.frequencyTable[1]);
+  EXPECT_EQ(99, Inside(engine).frequencyTable()[1]);
 
   ASSERT_TRUE(four.Forward(&engine));
-  ASSERT_EQ(4, engine.frequencyTableSize);
-  EXPECT_EQ(-2, engine.frequencyTable[1]);
+  ASSERT_EQ(4, Inside(engine).frequencyTableSize());
+  EXPECT_EQ(-2, Inside(engine).frequencyTable()[1]);
 }
 
 TEST(FrequencyLookUp, TellsRowAndColumnOfAPlace) {
@@ -373,8 +375,8 @@ TEST_P(RunAfterABlock, FindsNewGridsAfterALoadOfTheBlocksSize) {
   ASSERT_TRUE(block.Forward(&engine));
 
   ASSERT_TRUE(LoadMask(&engine, SpotMask(1), lx_test::kFrameWidth, lx_test::kFrameHeight, 23));
-  ASSERT_EQ(64, engine.paddedWidth);
-  ASSERT_EQ(64, engine.paddedHeight);
+  ASSERT_EQ(64, Inside(engine).paddedWidth());
+  ASSERT_EQ(64, Inside(engine).paddedHeight());
 
   ASSERT_TRUE(engine.Convolve(dest.get(), 15));
   EXPECT_TRUE(lx_test::SameSamples(Fresh(23), dest));
@@ -383,8 +385,8 @@ TEST_P(RunAfterABlock, FindsNewGridsAfterALoadOfTheBlocksSize) {
 TEST_P(RunAfterABlock, GoesOnWithGridsOfTheBlocksSize) {
   // The frame pads to 64 x 64 in each mode.
   LoadMask(&engine, SpotMask(1), lx_test::kFrameWidth, lx_test::kFrameHeight, 23);
-  ASSERT_EQ(64, engine.paddedWidth);
-  ASSERT_EQ(64, engine.paddedHeight);
+  ASSERT_EQ(64, Inside(engine).paddedWidth());
+  ASSERT_EQ(64, Inside(engine).paddedHeight());
   Block block(64);
 
   ASSERT_TRUE(block.Forward(&engine));
@@ -428,8 +430,8 @@ TEST(KernelRunAfterABlock, TakesBothSidesForTheSize) {
       // With this margin the frame pads to the block's size.
       for (DefocusEngine* one : {&engine, &fresh}) {
         ASSERT_TRUE(lx_test::LoadImpulse(one, width, height, 5));
-        ASSERT_EQ(32, one->paddedWidth);
-        ASSERT_EQ(32, one->paddedHeight);
+        ASSERT_EQ(32, Inside(*one).paddedWidth());
+        ASSERT_EQ(32, Inside(*one).paddedHeight());
         one->SetSourceImage(source.get());
       }
       ASSERT_TRUE(engine.Convolve(dest.get(), 15));

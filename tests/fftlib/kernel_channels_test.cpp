@@ -6,6 +6,7 @@
 
 #include "fftlib/fftlib.h"
 #include "tests/support/divided_passes.h"
+#include "tests/support/engine_inside.h"
 #include "tests/support/heap_faults.h"
 #include "tests/support/images.h"
 #include "tests/support/kernel_frames.h"
@@ -15,6 +16,7 @@ namespace {
 
 using lx::DefocusEngine;
 using lx_test::Image;
+using lx_test::Inside;
 using lx_test::KernelModel;
 using lx_test::LoadMask;
 using lx_test::MakeImage;
@@ -33,11 +35,11 @@ class KernelChannels : public testing::TestWithParam<std::int32_t> {
 
   // All values of a run times a factor, which brings them out of their range.
   void ScaleSpectrum(double factor) {
-    lx_test::ComplexGrid spectrum = lx_test::GridOf(engine, engine.kernelPsf);
+    lx_test::ComplexGrid spectrum = lx_test::GridOf(engine, Inside(engine).kernelPsf());
     for (auto& value : spectrum.values) {
       value *= factor;
     }
-    lx_test::SetGrid(engine, engine.kernelPsf, spectrum);
+    lx_test::SetGrid(engine, Inside(engine).kernelPsf(), spectrum);
   }
 
   Image Blur(const Image& source, std::uint32_t mask) {
@@ -54,7 +56,7 @@ class KernelChannels : public testing::TestWithParam<std::int32_t> {
     for (std::size_t i = 0; i < lx_test::kPixels; ++i) {
       plane.push_back(lx_test::SampleAt(source, i * source->channels + channel));
     }
-    return model.Run(plane, engine.edgeMode);
+    return model.Run(plane, Inside(engine).edgeMode());
   }
 
   DefocusEngine engine;
@@ -219,9 +221,9 @@ TEST_P(KernelChannels, NeedsNoResultGrids) {
 
   Blur(lx_test::NoiseFrame(lx::kSampleU16, 3), 15);
 
-  EXPECT_EQ(nullptr, engine.kernelLuma);
-  EXPECT_EQ(nullptr, engine.kernelCr);
-  EXPECT_EQ(nullptr, engine.kernelCb);
+  EXPECT_EQ(nullptr, Inside(engine).kernelLuma());
+  EXPECT_EQ(nullptr, Inside(engine).kernelCr());
+  EXPECT_EQ(nullptr, Inside(engine).kernelCb());
 }
 
 TEST_P(KernelChannels, RunsSevenPassesForEachChannel) {

@@ -8,6 +8,7 @@
 
 #include "fftlib/fftlib.h"
 #include "tests/support/divided_passes.h"
+#include "tests/support/engine_inside.h"
 #include "tests/support/heap_faults.h"
 #include "tests/support/images.h"
 #include "tests/support/kernel_frames.h"
@@ -18,6 +19,7 @@ namespace {
 using lx::DefocusEngine;
 using lx_test::ComplexGrid;
 using lx_test::Image;
+using lx_test::Inside;
 using lx_test::KernelModel;
 using lx_test::kFrameHeight;
 using lx_test::kFrameMargin;
@@ -128,7 +130,8 @@ struct Pair {
 
   // The planes of the last run against the model's. Alpha's stays in the work grid.
   void ExpectPlanes(const Planes& expected, double tolerance) const {
-    const void* grids[] = {engine.kernelLuma, engine.kernelCr, engine.kernelCb, engine.kernelWork};
+    const void* grids[] = {Inside(engine).kernelLuma(), Inside(engine).kernelCr(),
+                           Inside(engine).kernelCb(), Inside(engine).kernelWork()};
     for (std::size_t c = 0; c < expected.size(); ++c) {
       const ComplexGrid grid = lx_test::GridOf(engine, grids[c]);
       for (int i = 0; i < kPixels; ++i) {
@@ -143,13 +146,13 @@ struct Pair {
   // A picture against the colours of planes, to the nearest step.
   void ExpectPicture(const Planes& planes, const Image& got, double g, double alphaG = 0.0) const {
     const double largest = lx_test::LargestSample(got->sampleType);
-    const double tolerance = model.Tolerance(engine.engineMode);
+    const double tolerance = model.Tolerance(Inside(engine).engineMode());
     for (std::size_t i = 0; i < kPixels; ++i) {
       const std::vector<double> colour = ColourOf(planes, i, g, alphaG);
       for (std::size_t c = 0; c < 4; ++c) {
         const double noise =
-            c == 3 ? ColourTolerance(engine.engineMode, tolerance, planes[3][i], alphaG)
-                   : ColourTolerance(engine.engineMode, tolerance, planes[0][i], g);
+            c == 3 ? ColourTolerance(Inside(engine).engineMode(), tolerance, planes[3][i], alphaG)
+                   : ColourTolerance(Inside(engine).engineMode(), tolerance, planes[0][i], g);
         ASSERT_NEAR(colour[c] * largest, lx_test::SampleAt(got, i * 4 + c), 0.5 + largest * noise)
             << "pixel " << i % kFrameWidth << "," << i / kFrameWidth << " channel " << c;
       }
@@ -158,11 +161,11 @@ struct Pair {
 
   // All values of a run times a factor, which brings them out of their range.
   void ScaleSpectrum(double factor) {
-    ComplexGrid spectrum = lx_test::GridOf(engine, engine.kernelPsf);
+    ComplexGrid spectrum = lx_test::GridOf(engine, Inside(engine).kernelPsf());
     for (auto& value : spectrum.values) {
       value *= factor;
     }
-    lx_test::SetGrid(engine, engine.kernelPsf, spectrum);
+    lx_test::SetGrid(engine, Inside(engine).kernelPsf(), spectrum);
   }
 
   DefocusEngine engine;
@@ -250,7 +253,7 @@ TEST_P(KernelConvolve, AgreesWithTheLibraryToOneStepWithoutEmphasis) {
     DefocusEngine library(lx::kModeFftw);
     LoadMask(&kernel, SpotMask(1));
     LoadMask(&library, SpotMask(1));
-    ASSERT_NE(library.paddedHeight, kernel.paddedHeight);
+    ASSERT_NE(Inside(library).paddedHeight(), Inside(kernel).paddedHeight());
 
     const Image got = Blur(&kernel, source);
     const Image expected = Blur(&library, source);
@@ -389,7 +392,7 @@ TEST_P(KernelConvolve, PadsChromaWithAHalfAndTheOthersWithZero) {
     if (pass % 6 != 1) {
       return;
     }
-    const ComplexGrid grid = lx_test::GridOf(pair.engine, pair.engine.kernelWork);
+    const ComplexGrid grid = lx_test::GridOf(pair.engine, Inside(pair.engine).kernelWork());
     for (int y = 0; y < kGridHeight; ++y) {
       for (int x = 0; x < kGridWidth; ++x) {
         if (x < pair.model.left || x >= pair.model.left + kFrameWidth || y < pair.model.top ||
@@ -429,7 +432,7 @@ TEST_P(KernelConvolve, WritesRealSamplesAndRepeatsThemWithTheirImaginaryParts) {
     pair.engine.SetEdgeMode(edgeMode);
     ComplexGrid marked(kGridWidth, kGridHeight);
     std::fill(marked.values.begin(), marked.values.end(), std::complex<double>(7.0, 9.0));
-    lx_test::SetGrid(pair.engine, pair.engine.kernelWork, marked);
+    lx_test::SetGrid(pair.engine, Inside(pair.engine).kernelWork(), marked);
     const Image source = NoiseFrame(lx::kSampleU16, 3);
     const std::vector<double> luma = PlanesOf(source)[0];
     lx_test::DividedPasses passes;
@@ -438,7 +441,7 @@ TEST_P(KernelConvolve, WritesRealSamplesAndRepeatsThemWithTheirImaginaryParts) {
       if (pass != 1) {
         return;
       }
-      const ComplexGrid grid = lx_test::GridOf(pair.engine, pair.engine.kernelWork);
+      const ComplexGrid grid = lx_test::GridOf(pair.engine, Inside(pair.engine).kernelWork());
       for (int y = 0; y < kGridHeight; ++y) {
         for (int x = 0; x < kGridWidth; ++x) {
           const int sx = std::clamp(x - pair.model.left, 0, kFrameWidth - 1);
@@ -469,7 +472,7 @@ TEST_P(KernelConvolve, ClearsTheWorkGridAfterBothChromaPlanesOnly) {
   passes.Attach(&pair.engine);
   double leftOfLuma = 0.0;
   passes.onBegin = [&](int pass) {
-    const ComplexGrid grid = lx_test::GridOf(pair.engine, pair.engine.kernelWork);
+    const ComplexGrid grid = lx_test::GridOf(pair.engine, Inside(pair.engine).kernelWork());
     if (pass == 6) {  // Cr's input
       for (const auto& value : grid.values) {
         EXPECT_EQ(0.5, value.real());
@@ -616,8 +619,8 @@ TEST_P(KernelConvolve, MovesAnOddFrameByAPixelOnEitherSide) {
   constexpr int kHeight = 7;
   DefocusEngine engine(GetParam());
   lx_test::LoadImpulse(&engine, kWidth, kHeight);
-  ASSERT_EQ(32, engine.paddedWidth);
-  ASSERT_EQ(16, engine.paddedHeight);
+  ASSERT_EQ(32, Inside(engine).paddedWidth());
+  ASSERT_EQ(16, Inside(engine).paddedHeight());
   const Image source = lx_test::NoiseImage(kWidth, kHeight, 4, lx::kSampleU16, 3);
 
   const Image dest = Blur(&engine, source);
@@ -663,7 +666,7 @@ TEST_P(KernelConvolve, ChecksPsfThenDestinationThenFloatThenChannels) {
     EXPECT_FALSE(engine.Convolve(one.dest.get(), one.mask)) << one.mask;
     EXPECT_EQ(one.status, engine.GetStatus()) << one.mask;
   }
-  EXPECT_EQ(nullptr, engine.kernelLuma);
+  EXPECT_EQ(nullptr, Inside(engine).kernelLuma());
 }
 
 TEST_P(KernelConvolve, RunsSixPassesPerPlaneAndOneForTheOutput) {

@@ -7,6 +7,7 @@
 
 #include "fftlib/fftlib.h"
 #include "tests/support/divided_passes.h"
+#include "tests/support/engine_inside.h"
 #include "tests/support/heap_faults.h"
 #include "tests/support/images.h"
 #include "tests/support/kernel_frames.h"
@@ -16,6 +17,7 @@ namespace {
 
 using lx::DefocusEngine;
 using lx_test::Image;
+using lx_test::Inside;
 using lx_test::KernelModel;
 using lx_test::LoadMask;
 using lx_test::MakeImage;
@@ -41,12 +43,12 @@ void ExpectSpectrum(const KernelModel& model, const DefocusEngine& engine) {
   for (const auto& value : model.psf.values) {
     largest = std::max(largest, std::abs(value));
   }
-  ASSERT_EQ(model.psf.width, engine.paddedWidth);
-  ASSERT_EQ(model.psf.height, engine.paddedHeight);
+  ASSERT_EQ(model.psf.width, Inside(engine).paddedWidth());
+  ASSERT_EQ(model.psf.height, Inside(engine).paddedHeight());
   for (std::size_t i = 0; i < model.psf.values.size(); ++i) {
-    const auto got = lx_test::GridSample(engine, engine.kernelPsf, i);
+    const auto got = lx_test::GridSample(engine, Inside(engine).kernelPsf(), i);
     ASSERT_NEAR(0.0, std::abs(model.psf.values[i] - got),
-                model.Tolerance(engine.engineMode) * largest)
+                model.Tolerance(Inside(engine).engineMode()) * largest)
         << "place " << i % model.psf.width << "," << i / model.psf.width << " expected "
         << model.psf.values[i] << " got " << got;
   }
@@ -78,10 +80,10 @@ TEST_P(KernelLoad, KeepsTheGridsSidesApart) {
 
     EXPECT_FALSE(fresh.LoadPsf(mask.get(), one.margin));
 
-    EXPECT_EQ(one.paddedWidth, fresh.paddedWidth) << one.width;
-    EXPECT_EQ(one.paddedHeight, fresh.paddedHeight) << one.width;
-    EXPECT_EQ(one.offsetX, fresh.offsetX) << one.width;
-    EXPECT_EQ(one.offsetY, fresh.offsetY) << one.width;
+    EXPECT_EQ(one.paddedWidth, Inside(fresh).paddedWidth()) << one.width;
+    EXPECT_EQ(one.paddedHeight, Inside(fresh).paddedHeight()) << one.width;
+    EXPECT_EQ(one.offsetX, Inside(fresh).offsetX()) << one.width;
+    EXPECT_EQ(one.offsetY, Inside(fresh).offsetY()) << one.width;
   }
 }
 
@@ -109,29 +111,29 @@ TEST_P(KernelLoad, RefusesAGridOutOfRangeOnEitherSide) {
     EXPECT_FALSE(fresh.LoadPsf(mask.get(), one.margin));
 
     EXPECT_EQ(lx::kStatusSizeRange, fresh.GetStatus()) << one.width << "x" << one.height;
-    EXPECT_EQ(nullptr, fresh.psfImage);
-    EXPECT_EQ(nullptr, fresh.kernelPsf);
+    EXPECT_EQ(nullptr, Inside(fresh).psfImage());
+    EXPECT_EQ(nullptr, Inside(fresh).kernelPsf());
   }
 }
 
 TEST_P(KernelLoad, ForgetsThePsfAndKeepsTheGridOnARefusal) {
   LoadMask(&engine, SpotMask(1));
-  const auto before = lx_test::GridOf(engine, engine.kernelPsf).values;
-  const void* block = engine.kernelPsf;
+  const auto before = lx_test::GridOf(engine, Inside(engine).kernelPsf()).values;
+  const void* block = Inside(engine).kernelPsf();
   const Image mask = MakeImage(8193, 4, 1, 0);
 
   EXPECT_FALSE(engine.LoadPsf(mask.get(), 3));
 
-  EXPECT_EQ(nullptr, engine.psfImage);
-  EXPECT_EQ(8193, engine.frameWidth);
-  EXPECT_EQ(4, engine.frameHeight);
-  EXPECT_EQ(3, engine.margin);
-  EXPECT_EQ(lx_test::kGridWidth, engine.paddedWidth);
-  EXPECT_EQ(lx_test::kGridHeight, engine.paddedHeight);
-  EXPECT_EQ(7, engine.offsetX);
-  EXPECT_EQ(4, engine.offsetY);
-  ASSERT_EQ(block, engine.kernelPsf);
-  EXPECT_EQ(before, lx_test::GridOf(engine, engine.kernelPsf).values);
+  EXPECT_EQ(nullptr, Inside(engine).psfImage());
+  EXPECT_EQ(8193, Inside(engine).frameWidth());
+  EXPECT_EQ(4, Inside(engine).frameHeight());
+  EXPECT_EQ(3, Inside(engine).margin());
+  EXPECT_EQ(lx_test::kGridWidth, Inside(engine).paddedWidth());
+  EXPECT_EQ(lx_test::kGridHeight, Inside(engine).paddedHeight());
+  EXPECT_EQ(7, Inside(engine).offsetX());
+  EXPECT_EQ(4, Inside(engine).offsetY());
+  ASSERT_EQ(block, Inside(engine).kernelPsf());
+  EXPECT_EQ(before, lx_test::GridOf(engine, Inside(engine).kernelPsf()).values);
 }
 
 TEST_P(KernelLoad, StoresTheScaledSpectrumOfTheShiftedMask) {
@@ -149,7 +151,7 @@ TEST_P(KernelLoad, LeavesOnePerGridSampleInTheSpectrumOfAnImpulse) {
   // The scale of the sum is single in both modes, so one rounding of 6e-8 stays.
   const double expected = 1.0 / kGridSamples;
   for (std::size_t i = 0; i < kGridSamples; ++i) {
-    const auto got = lx_test::GridSample(engine, engine.kernelPsf, i);
+    const auto got = lx_test::GridSample(engine, Inside(engine).kernelPsf(), i);
     ASSERT_NEAR(expected, got.real(), 2e-7 * expected) << i;
     ASSERT_NEAR(0.0, got.imag(), 2e-7 * expected) << i;
   }
@@ -167,7 +169,7 @@ TEST(KernelLoadInDouble, ScalesTheMaskByA32BitFactor) {
   }
   const double factor = static_cast<float>(1.0 / sum);
   ASSERT_GT(std::abs(factor * sum - 1.0), 1e-9);  // this mask's factor is not exact
-  const auto first = lx_test::GridSample(engine, engine.kernelPsf, 0);
+  const auto first = lx_test::GridSample(engine, Inside(engine).kernelPsf(), 0);
   EXPECT_NEAR(factor * sum, first.real() * kGridSamples, 1e-13);
 }
 
@@ -219,31 +221,31 @@ TEST_P(KernelLoad, InheritsTheLastSpectrumOutsideTheFrame) {
 TEST_P(KernelLoad, HasNoNumbersForAnEmptyMaskOnANewGrid) {
   ASSERT_TRUE(LoadMask(&engine, std::vector<std::uint8_t>(lx_test::kPixels, 0)));
 
-  EXPECT_TRUE(std::isnan(lx_test::GridSample(engine, engine.kernelPsf, 0).real()));
+  EXPECT_TRUE(std::isnan(lx_test::GridSample(engine, Inside(engine).kernelPsf(), 0).real()));
 }
 
 TEST_P(KernelLoad, ClearsTheWorkGridWhenItIsMadeAndNotAtTheNextLoad) {
   LoadMask(&engine, SpotMask(1));
-  ASSERT_NE(nullptr, engine.kernelWork);
+  ASSERT_NE(nullptr, Inside(engine).kernelWork());
   const lx_test::ComplexGrid cleared(lx_test::kGridWidth, lx_test::kGridHeight);
-  EXPECT_EQ(cleared.values, lx_test::GridOf(engine, engine.kernelWork).values);
+  EXPECT_EQ(cleared.values, lx_test::GridOf(engine, Inside(engine).kernelWork()).values);
   lx_test::ComplexGrid marked = cleared;
   marked.At(3, 2) = {5.0, 7.0};
-  lx_test::SetGrid(engine, engine.kernelWork, marked);
+  lx_test::SetGrid(engine, Inside(engine).kernelWork(), marked);
 
   LoadMask(&engine, SpotMask(2));
 
-  EXPECT_EQ(marked.values, lx_test::GridOf(engine, engine.kernelWork).values);
+  EXPECT_EQ(marked.values, lx_test::GridOf(engine, Inside(engine).kernelWork()).values);
 }
 
 TEST_P(KernelLoad, LeavesTheResultGridsToTheFirstRun) {
   LoadMask(&engine, SpotMask(1));
 
-  EXPECT_EQ(nullptr, engine.kernelLuma);
-  EXPECT_EQ(nullptr, engine.kernelCr);
-  EXPECT_EQ(nullptr, engine.kernelCb);
-  EXPECT_EQ(nullptr, engine.psfSpatial);
-  EXPECT_EQ(nullptr, engine.psfSpectrum);
+  EXPECT_EQ(nullptr, Inside(engine).kernelLuma());
+  EXPECT_EQ(nullptr, Inside(engine).kernelCr());
+  EXPECT_EQ(nullptr, Inside(engine).kernelCb());
+  EXPECT_EQ(nullptr, Inside(engine).psfSpatial());
+  EXPECT_EQ(nullptr, Inside(engine).psfSpectrum());
 }
 
 TEST_P(KernelLoad, FreesAllFiveGridsAtAnotherPaddedSize) {
@@ -259,12 +261,12 @@ TEST_P(KernelLoad, FreesAllFiveGridsAtAnotherPaddedSize) {
   // Only one side changes.
   ASSERT_TRUE(LoadMask(&used, SpotMask(1), lx_test::kFrameWidth, lx_test::kFrameHeight, 5));
 
-  ASSERT_EQ(32, used.paddedWidth);
-  ASSERT_EQ(32, used.paddedHeight);
+  ASSERT_EQ(32, Inside(used).paddedWidth());
+  ASSERT_EQ(32, Inside(used).paddedHeight());
   EXPECT_EQ(withTwo, heap.Alive());
-  EXPECT_EQ(nullptr, used.kernelLuma);
-  EXPECT_EQ(nullptr, used.kernelCr);
-  EXPECT_EQ(nullptr, used.kernelCb);
+  EXPECT_EQ(nullptr, Inside(used).kernelLuma());
+  EXPECT_EQ(nullptr, Inside(used).kernelCr());
+  EXPECT_EQ(nullptr, Inside(used).kernelCb());
 }
 
 TEST_P(KernelLoad, ForgetsAtAnotherPaddedSize) {
@@ -275,24 +277,24 @@ TEST_P(KernelLoad, ForgetsAtAnotherPaddedSize) {
     ASSERT_TRUE(LoadMask(one, SpotMask(2, 4), lx_test::kFrameWidth, lx_test::kFrameHeight, 9));
   }
 
-  ASSERT_EQ(64, engine.paddedWidth);
-  ASSERT_EQ(32, engine.paddedHeight);
-  EXPECT_EQ(lx_test::GridOf(fresh, fresh.kernelPsf).values,
-            lx_test::GridOf(engine, engine.kernelPsf).values);
+  ASSERT_EQ(64, Inside(engine).paddedWidth());
+  ASSERT_EQ(32, Inside(engine).paddedHeight());
+  EXPECT_EQ(lx_test::GridOf(fresh, Inside(fresh).kernelPsf()).values,
+            lx_test::GridOf(engine, Inside(engine).kernelPsf()).values);
 }
 
 TEST_P(KernelLoad, KeepsTheGridsForAFrameThatPadsToTheSameSize) {
   LoadMask(&engine, SpotMask(1));
-  const void* psf = engine.kernelPsf;
-  const void* work = engine.kernelWork;
+  const void* psf = Inside(engine).kernelPsf();
+  const void* work = Inside(engine).kernelWork();
 
   ASSERT_TRUE(lx_test::LoadImpulse(&engine, 20, 10, 3));
 
-  EXPECT_EQ(psf, engine.kernelPsf);
-  EXPECT_EQ(work, engine.kernelWork);
-  EXPECT_EQ(20, engine.frameWidth);
-  EXPECT_EQ(6, engine.offsetX);
-  EXPECT_EQ(3, engine.offsetY);
+  EXPECT_EQ(psf, Inside(engine).kernelPsf());
+  EXPECT_EQ(work, Inside(engine).kernelWork());
+  EXPECT_EQ(20, Inside(engine).frameWidth());
+  EXPECT_EQ(6, Inside(engine).offsetX());
+  EXPECT_EQ(3, Inside(engine).offsetY());
 }
 
 TEST_P(KernelLoad, ForgetsThePsfForWantOfMemoryWhereverItIsWanted) {
@@ -310,7 +312,7 @@ TEST_P(KernelLoad, ForgetsThePsfForWantOfMemoryWhereverItIsWanted) {
       heap.Refuse(0);
       if (!loaded) {
         EXPECT_EQ(lx::kStatusNoMemory, one.GetStatus()) << refusals;
-        EXPECT_EQ(nullptr, one.psfImage) << refusals;
+        EXPECT_EQ(nullptr, Inside(one).psfImage()) << refusals;
         one.SetSourceImage(source.get());
         EXPECT_FALSE(one.Convolve(source.get(), 15)) << refusals;
         EXPECT_EQ(lx::kStatusNotLoaded, one.GetStatus()) << refusals;
@@ -358,8 +360,8 @@ TEST_P(KernelLoad, GivesTheSameBitsHoweverLinesAreDivided) {
       DefocusEngine divided(GetParam());
       passes.Attach(&divided);
       LoadMask(&divided, SpotMask(1));
-      EXPECT_EQ(lx_test::GridOf(engine, engine.kernelPsf).values,
-                lx_test::GridOf(divided, divided.kernelPsf).values)
+      EXPECT_EQ(lx_test::GridOf(engine, Inside(engine).kernelPsf()).values,
+                lx_test::GridOf(divided, Inside(divided).kernelPsf()).values)
           << ways << onThreads;
     }
   }
@@ -371,8 +373,8 @@ TEST(KernelModes, CountAsSingleForNumbersThatAreNone) {
   for (const std::int32_t mode : {0, -1, 6, 77}) {
     DefocusEngine engine(mode);
     ASSERT_TRUE(LoadMask(&engine, SpotMask(1))) << mode;
-    EXPECT_EQ(lx_test::GridOf(single, single.kernelPsf).values,
-              lx_test::GridOf(engine, engine.kernelPsf).values)
+    EXPECT_EQ(lx_test::GridOf(single, Inside(single).kernelPsf()).values,
+              lx_test::GridOf(engine, Inside(engine).kernelPsf()).values)
         << mode;
   }
 }

@@ -7,6 +7,7 @@
 
 #include "fftlib/fftlib.h"
 #include "tests/support/convolution_model.h"
+#include "tests/support/engine_inside.h"
 #include "tests/support/heap_faults.h"
 #include "tests/support/images.h"
 
@@ -14,6 +15,7 @@ namespace {
 
 using lx::DefocusEngine;
 using lx_test::Image;
+using lx_test::Inside;
 using lx_test::MakeImage;
 using lx_test::Samples;
 
@@ -40,7 +42,7 @@ bool Load(DefocusEngine* engine, const std::vector<std::uint8_t>& mask, int marg
 void ExpectGrid(const lx_test::Grid& expected, const DefocusEngine& engine) {
   for (std::size_t i = 0; i < expected.values.size(); ++i) {
     // The engine's scale of a byte is 1 / 255 in single precision.
-    ASSERT_NEAR(expected.values[i], engine.psfSpatial[i], 1e-9) << i;
+    ASSERT_NEAR(expected.values[i], Inside(engine).psfSpatial()[i], 1e-9) << i;
   }
 }
 
@@ -86,7 +88,7 @@ TEST(PsfLoad, PutsTheMaskAroundTheGridsMiddleAndNotTheFrames) {
   ExpectGrid(model.Shifted(), engine);
   double sum = 0;
   for (int i = 0; i < 32 * 32; ++i) {
-    sum += engine.psfSpatial[i];
+    sum += Inside(engine).psfSpatial()[i];
   }
   EXPECT_NEAR(1.0, sum, 1e-12);
 }
@@ -110,22 +112,22 @@ TEST(PsfLoad, ForgetsAtAnotherPaddedSize) {
   Load(&used, NoiseMask(2), 12);
   Load(&fresh, NoiseMask(2), 12);
 
-  ASSERT_EQ(64, used.paddedWidth);
+  ASSERT_EQ(64, Inside(used).paddedWidth());
   for (int i = 0; i < 64 * 64; ++i) {
-    ASSERT_EQ(fresh.psfSpatial[i], used.psfSpatial[i]);
+    ASSERT_EQ(Inside(fresh).psfSpatial()[i], Inside(used).psfSpatial()[i]);
   }
 }
 
 TEST(PsfLoad, BecomesNotANumberForAnEmptyMaskAndStaysSoAtThatSize) {
   DefocusEngine engine;
   Load(&engine, std::vector<std::uint8_t>(kWidth * kHeight, 0));
-  EXPECT_TRUE(std::isnan(engine.psfSpectrum[0][0]));
+  EXPECT_TRUE(std::isnan(Inside(engine).psfSpectrum()[0][0]));
 
   Load(&engine, NoiseMask(1));
-  EXPECT_TRUE(std::isnan(engine.psfSpectrum[0][0]));
+  EXPECT_TRUE(std::isnan(Inside(engine).psfSpectrum()[0][0]));
 
   Load(&engine, NoiseMask(1), 12);
-  EXPECT_NEAR(1.0, engine.psfSpectrum[0][0], 1e-12);
+  EXPECT_NEAR(1.0, Inside(engine).psfSpectrum()[0][0], 1e-12);
 }
 
 TEST(PsfLoad, TakesTheResidueAsThePsfForAnEmptyMaskOnAUsedGrid) {
@@ -139,13 +141,13 @@ TEST(PsfLoad, TakesTheResidueAsThePsfForAnEmptyMaskOnAUsedGrid) {
   model.Load(empty);
 
   ExpectGrid(model.Shifted(), engine);
-  EXPECT_NEAR(1.0, engine.psfSpectrum[0][0], 1e-12);
+  EXPECT_NEAR(1.0, Inside(engine).psfSpectrum()[0][0], 1e-12);
 }
 
 TEST(PsfLoad, KeepsTheSpectrumWithoutAWorkLineAndZerosAtANewSize) {
   DefocusEngine engine;
   Load(&engine, NoiseMask(1));
-  const double real = engine.psfSpectrum[5][0];
+  const double real = Inside(engine).psfSpectrum()[5][0];
   lx_test::HeapFaults heap;
   const Image mask = MakeImage(kWidth, kHeight, 1, 0);
   lx_test::Fill<std::uint8_t>(mask, 9);
@@ -153,12 +155,12 @@ TEST(PsfLoad, KeepsTheSpectrumWithoutAWorkLineAndZerosAtANewSize) {
   heap.Refuse(1);
   EXPECT_FALSE(engine.LoadPsf(mask.get(), 2));
   EXPECT_EQ(lx::kStatusNoMemory, engine.GetStatus());
-  EXPECT_EQ(real, engine.psfSpectrum[5][0]);
+  EXPECT_EQ(real, Inside(engine).psfSpectrum()[5][0]);
 
   heap.Refuse(1);
   EXPECT_FALSE(engine.LoadPsf(mask.get(), 12));
   EXPECT_EQ(lx::kStatusNoMemory, engine.GetStatus());
-  EXPECT_EQ(0.0, engine.psfSpectrum[5][0]);
+  EXPECT_EQ(0.0, Inside(engine).psfSpectrum()[5][0]);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "fftlib/fftlib.h"
+#include "tests/support/engine_inside.h"
 #include "tests/support/heap_faults.h"
 #include "tests/support/images.h"
 
@@ -16,21 +17,22 @@ namespace {
 using lx::DefocusEngine;
 using lx::OutlineFrame;
 using lx::PsfPolygon;
+using lx_test::Inside;
 
 double Degrees(double d) { return d * std::acos(-1.0) / 180.0; }
 
 long MaskSum(const DefocusEngine& engine) {
-  const auto* pixels = static_cast<const std::uint8_t*>(engine.psfMask->data);
+  const auto* pixels = static_cast<const std::uint8_t*>(Inside(engine).psfMask()->data);
   long sum = 0;
-  for (int i = 0; i < engine.psfMask->width * engine.psfMask->height; ++i) {
+  for (int i = 0; i < Inside(engine).psfMask()->width * Inside(engine).psfMask()->height; ++i) {
     sum += pixels[i];
   }
   return sum;
 }
 
 std::vector<std::uint8_t> MaskOf(const DefocusEngine& engine) {
-  const auto* pixels = static_cast<const std::uint8_t*>(engine.psfMask->data);
-  return {pixels, pixels + engine.psfMask->width * engine.psfMask->height};
+  const auto* pixels = static_cast<const std::uint8_t*>(Inside(engine).psfMask()->data);
+  return {pixels, pixels + Inside(engine).psfMask()->width * Inside(engine).psfMask()->height};
 }
 
 void Build(DefocusEngine* engine, int shape, float rx, float ry, float rotation = 0,
@@ -138,7 +140,7 @@ TEST(ShapePsf, TakesItsMarginFromTheLargerRadiusAsItArrives) {
                         Case{7.01F, 7, 9}, Case{0.5F, 0.5F, 2}}) {
     DefocusEngine engine;
     Build(&engine, 1, c.x, c.y);
-    EXPECT_EQ(c.margin, engine.margin) << c.x << " " << c.y;
+    EXPECT_EQ(c.margin, Inside(engine).margin()) << c.x << " " << c.y;
   }
 }
 
@@ -147,7 +149,7 @@ TEST(ShapePsf, TakesTheYRadiusWhereXIsNotANumber) {
 
   Build(&engine, 1, std::numeric_limits<float>::quiet_NaN(), 5);
 
-  EXPECT_EQ(6, engine.margin);
+  EXPECT_EQ(6, Inside(engine).margin());
 }
 
 TEST(ShapePsf, KeepsTheEarlierPsfForRadiiThatNoGridCanHold) {
@@ -159,9 +161,9 @@ TEST(ShapePsf, KeepsTheEarlierPsfForRadiiThatNoGridCanHold) {
     Build(&engine, 1, radius, radius);
 
     EXPECT_EQ(lx::kStatusSizeRange, engine.GetStatus()) << radius;
-    EXPECT_EQ(nullptr, engine.psfImage);
-    EXPECT_EQ(128, engine.paddedWidth);
-    EXPECT_NE(nullptr, engine.psfSpectrum);
+    EXPECT_EQ(nullptr, Inside(engine).psfImage());
+    EXPECT_EQ(128, Inside(engine).paddedWidth());
+    EXPECT_NE(nullptr, Inside(engine).psfSpectrum());
   }
 }
 
@@ -193,8 +195,8 @@ TEST(ShapePsf, LoadsAnEmptyMaskForAnUnknownShape) {
   Build(&engine, 5, 12, 5);
 
   EXPECT_EQ(0, MaskSum(engine));
-  EXPECT_EQ(engine.psfMask, engine.psfImage);
-  EXPECT_EQ(13, engine.margin);
+  EXPECT_EQ(Inside(engine).psfMask(), Inside(engine).psfImage());
+  EXPECT_EQ(13, Inside(engine).margin());
 }
 
 TEST(ShapePsf, HalvesTheExtentAlongAnAxisOfAspect2AndKeepsTheMargin) {
@@ -203,11 +205,11 @@ TEST(ShapePsf, HalvesTheExtentAlongAnAxisOfAspect2AndKeepsTheMargin) {
 
   Build(&engine, 1, 12, 12);
 
-  const auto* pixels = static_cast<const std::uint8_t*>(engine.psfMask->data);
+  const auto* pixels = static_cast<const std::uint8_t*>(Inside(engine).psfMask()->data);
   EXPECT_GT(pixels[24 * 64 + 32 + 5], 0);
   EXPECT_EQ(0, pixels[24 * 64 + 32 + 6]);
   EXPECT_GT(pixels[(24 + 11) * 64 + 32], 0);
-  EXPECT_EQ(13, engine.margin);
+  EXPECT_EQ(13, Inside(engine).margin());
 }
 
 TEST(ShapePsf, CentresOnTheMasksMiddleForEvenAndOddSizes) {
@@ -238,14 +240,14 @@ TEST(ShapePsf, DrawsMoreThan50SidesAs50) {
 TEST(ShapePsf, ClearsAndKeepsItsMaskAtAnEqualSizeAndReplacesItAtAnother) {
   DefocusEngine engine;
   Build(&engine, 1, 15, 15);
-  const lx::ImageRec* first = engine.psfMask;
+  const lx::ImageRec* first = Inside(engine).psfMask();
 
   Build(&engine, 1, 3, 3);
-  EXPECT_EQ(first, engine.psfMask);
+  EXPECT_EQ(first, Inside(engine).psfMask());
   EXPECT_LT(MaskSum(engine), 255 * 30);
 
   engine.BuildShapePsf(65, 48, 1, 3, 3, 0, 6);
-  EXPECT_EQ(65, engine.psfMask->width);
+  EXPECT_EQ(65, Inside(engine).psfMask()->width);
 }
 
 TEST(ShapePsf, StopsBeforeTheLoadWithoutAMask) {
@@ -256,7 +258,7 @@ TEST(ShapePsf, StopsBeforeTheLoadWithoutAMask) {
   Build(&engine, 1, 5, 5);
 
   EXPECT_EQ(lx::kStatusNoMemory, engine.GetStatus());
-  EXPECT_EQ(-1, engine.margin);
+  EXPECT_EQ(-1, Inside(engine).margin());
   engine.BuildShapePsf(65536, 4, 1, 5, 5, 0, 6);
   EXPECT_EQ(lx::kStatusNoMemory, engine.GetStatus());
 }
@@ -273,9 +275,9 @@ TEST(LoadPsf, SoftensTheMaskAboveATenthOfAPixelAndWidensTheMargin) {
   Build(&soft, 1, 5, 5);
 
   EXPECT_EQ(MaskOf(sharp), MaskOf(tenth));
-  EXPECT_EQ(6, tenth.margin);
-  EXPECT_EQ(6 + 3 + 1, soft.margin);
-  const auto* pixels = static_cast<const std::uint8_t*>(soft.psfMask->data);
+  EXPECT_EQ(6, Inside(tenth).margin());
+  EXPECT_EQ(6 + 3 + 1, Inside(soft).margin());
+  const auto* pixels = static_cast<const std::uint8_t*>(Inside(soft).psfMask()->data);
   EXPECT_GT(pixels[24 * 64 + 32 + 7], 0);    // beyond the radius along x
   EXPECT_GT(pixels[(24 + 7) * 64 + 32], 0);  // and along y
 }

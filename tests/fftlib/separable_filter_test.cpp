@@ -9,6 +9,7 @@
 
 #include "fftlib/fftlib.h"
 #include "tests/support/divided_passes.h"
+#include "tests/support/engine_inside.h"
 #include "tests/support/heap_faults.h"
 #include "tests/support/images.h"
 #include "tests/support/kernel_frames.h"
@@ -17,6 +18,7 @@ namespace {
 
 using lx::DefocusEngine;
 using lx_test::Image;
+using lx_test::Inside;
 using lx_test::MakeImage;
 using lx_test::NoiseImage;
 using lx_test::Samples;
@@ -32,7 +34,8 @@ bool SetKernel(DefocusEngine* engine, const std::vector<float>& kernel) {
 }
 
 std::vector<float> KernelOf(const DefocusEngine& engine) {
-  return {engine.separableKernel, engine.separableKernel + engine.separableKernelLength};
+  return {Inside(engine).separableKernel(),
+          Inside(engine).separableKernel() + Inside(engine).separableKernelLength()};
 }
 
 // One line through the filter by a plain cyclic sum.
@@ -168,7 +171,7 @@ TEST(SeparableKernel, IsNoneWithoutMemory) {
   EXPECT_FALSE(SetKernel(&engine, {2.0F, 1.0F}));
 
   EXPECT_EQ(lx::kStatusNoMemory, engine.GetStatus());
-  EXPECT_EQ(nullptr, engine.separableKernel);
+  EXPECT_EQ(nullptr, Inside(engine).separableKernel());
   EXPECT_EQ(alive, heap.Alive());
 }
 
@@ -193,7 +196,7 @@ TEST(FilterKernel, RefusesTypesThatAreNone) {
   for (const std::int32_t type : {-1, 0, 7, 8, 10, 100}) {
     DefocusEngine engine;
     EXPECT_FALSE(engine.MakeFilterKernel(type, 2.0F, 0.0F, 0.0F)) << type;
-    EXPECT_EQ(nullptr, engine.separableKernel) << type;
+    EXPECT_EQ(nullptr, Inside(engine).separableKernel()) << type;
     EXPECT_EQ(lx::kStatusOk, engine.GetStatus()) << type;
   }
 }
@@ -242,7 +245,7 @@ TEST(FilterKernel, HasALengthByTypeAndRadius) {
   for (const auto& one : cases) {
     DefocusEngine engine;
     ASSERT_TRUE(engine.MakeFilterKernel(one.type, one.radius, 0.0F, 0.0F)) << one.type;
-    EXPECT_EQ(one.length, engine.separableKernelLength) << one.type << " " << one.radius;
+    EXPECT_EQ(one.length, Inside(engine).separableKernelLength()) << one.type << " " << one.radius;
   }
 }
 
@@ -263,15 +266,15 @@ TEST(FilterKernel, IsZeroFromTwoRadiiOnButForAGaussian) {
   for (const std::int32_t type : {4, 5, 6, 9}) {
     DefocusEngine engine;
     ASSERT_TRUE(engine.MakeFilterKernel(type, 1.5F, 0.0F, 0.0F));
-    ASSERT_EQ(5, engine.separableKernelLength);
-    EXPECT_NE(0.0F, engine.separableKernel[2]) << type;
-    EXPECT_EQ(0.0F, engine.separableKernel[3]) << type;
-    EXPECT_EQ(0.0F, engine.separableKernel[4]) << type;
+    ASSERT_EQ(5, Inside(engine).separableKernelLength());
+    EXPECT_NE(0.0F, Inside(engine).separableKernel()[2]) << type;
+    EXPECT_EQ(0.0F, Inside(engine).separableKernel()[3]) << type;
+    EXPECT_EQ(0.0F, Inside(engine).separableKernel()[4]) << type;
   }
   DefocusEngine engine;
   engine.MakeFilterKernel(3, 1.5F, 0.0F, 0.0F);
   // exp(-16 / (2 * 0.25)) = exp(-32)
-  EXPECT_NEAR(1.266417e-14, engine.separableKernel[4], 1e-19);
+  EXPECT_NEAR(1.266417e-14, Inside(engine).separableKernel()[4], 1e-19);
 }
 
 TEST(FilterKernel, RaisesSmallRadii) {
@@ -286,7 +289,7 @@ TEST(FilterKernel, RaisesSmallRadii) {
   }
   DefocusEngine engine;
   EXPECT_TRUE(engine.MakeFilterKernel(1, 0.5F, 0.0F, 0.0F));
-  EXPECT_EQ(2, engine.separableKernelLength);
+  EXPECT_EQ(2, Inside(engine).separableKernelLength());
 }
 
 TEST(FilterKernel, RefusesARadiusThatNoLineHolds) {
@@ -317,11 +320,11 @@ TEST(PrepareSeparable, PadsEachSideByTheKernelTwice) {
 
   ASSERT_TRUE(engine.PrepareSeparable(image.get()));
 
-  EXPECT_EQ(image.get(), engine.separableSource);
-  EXPECT_EQ(kWidth, engine.separableWidth);
-  EXPECT_EQ(kHeight, engine.separableHeight);
-  EXPECT_EQ(32, engine.separablePaddedWidth);
-  EXPECT_EQ(16, engine.separablePaddedHeight);
+  EXPECT_EQ(image.get(), Inside(engine).separableSource());
+  EXPECT_EQ(kWidth, Inside(engine).separableWidth());
+  EXPECT_EQ(kHeight, Inside(engine).separableHeight());
+  EXPECT_EQ(32, Inside(engine).separablePaddedWidth());
+  EXPECT_EQ(16, Inside(engine).separablePaddedHeight());
 }
 
 TEST(PrepareSeparable, RefusesPaddedSidesOutOfRange) {
@@ -338,7 +341,7 @@ TEST(PrepareSeparable, RefusesPaddedSidesOutOfRange) {
     EXPECT_FALSE(engine.PrepareSeparable(image.get()));
 
     EXPECT_EQ(lx::kStatusSizeRange, engine.GetStatus());
-    EXPECT_EQ(nullptr, engine.separableSource);
+    EXPECT_EQ(nullptr, Inside(engine).separableSource());
   }
 }
 
@@ -350,8 +353,8 @@ TEST(PrepareSeparable, TakesTheLargestPaddedSide) {
 
   EXPECT_TRUE(engine.PrepareSeparable(image.get()));
 
-  EXPECT_EQ(8192, engine.separablePaddedWidth);
-  EXPECT_EQ(4, engine.separablePaddedHeight);
+  EXPECT_EQ(8192, Inside(engine).separablePaddedWidth());
+  EXPECT_EQ(4, Inside(engine).separablePaddedHeight());
 }
 
 TEST(PrepareSeparable, HasNoSourceWithoutMemoryForItsClone) {
@@ -364,7 +367,7 @@ TEST(PrepareSeparable, HasNoSourceWithoutMemoryForItsClone) {
   EXPECT_FALSE(engine.PrepareSeparable(image.get()));
 
   EXPECT_EQ(lx::kStatusNoMemory, engine.GetStatus());
-  EXPECT_EQ(nullptr, engine.separableSource);
+  EXPECT_EQ(nullptr, Inside(engine).separableSource());
 }
 
 // The old clone is lost, and not freed: this test takes it over.
@@ -376,12 +379,12 @@ TEST(PrepareSeparable, ClonesOnEachCallAndLetsTheOldCloneGo) {
     const Image image = NoiseImage(kWidth, kHeight, 2, lx::kSampleU16, 3);
     ASSERT_TRUE(engine.PrepareSeparable(image.get()));
     const int alive = heap.Alive();
-    const Image old(engine.separableWork);
+    const Image old(Inside(engine).separableWork());
     ASSERT_TRUE(lx_test::SameSamples(image, old));
 
     ASSERT_TRUE(engine.PrepareSeparable(image.get()));
 
-    EXPECT_NE(old.get(), engine.separableWork);
+    EXPECT_NE(old.get(), Inside(engine).separableWork());
     EXPECT_GT(heap.Alive(), alive);
     EXPECT_TRUE(lx_test::SameSamples(image, old));
   }
@@ -455,7 +458,7 @@ TEST_F(SeparableFilter, GoesByItsWorkImageFromRowsToColumns) {
 
   const Image dest = Filter(source, 1, kAlongRows | kAlongColumns);
 
-  const Image between(lx::ImageClone(engine.separableWork));
+  const Image between(lx::ImageClone(Inside(engine).separableWork()));
   ExpectFiltered(source, between, kAlongRows, 0, Kernel(), 32, lx::kEdgeReplicate);
   ExpectFiltered(between, dest, kAlongColumns, 0, Kernel(), 16, lx::kEdgeReplicate);
 }
@@ -467,7 +470,7 @@ TEST_F(SeparableFilter, LeavesTheWorkImageInOneDirection) {
   Filter(source, 1, kAlongRows);
   Filter(source, 1, kAlongColumns);
 
-  const Image work(lx::ImageClone(engine.separableWork));
+  const Image work(lx::ImageClone(Inside(engine).separableWork()));
   EXPECT_TRUE(lx_test::SameSamples(source, work));
 }
 
@@ -602,7 +605,7 @@ TEST_F(SeparableFilter, ChecksKernelAndSourceThenDestination) {
 TEST_F(SeparableFilter, TakesWhatTheLineHoldsOfAKernelThatBecameLonger) {
   const Image source = NoiseImage(6, 6, 1, lx::kSampleFloat, 3);
   Prepare(source, {1.0F});
-  ASSERT_EQ(8, engine.separablePaddedWidth);
+  ASSERT_EQ(8, Inside(engine).separablePaddedWidth());
   for (const std::size_t count : {5U, 8U, 9U, 100U, 9000U}) {
     std::vector<float> kernel;
     for (std::size_t i = 0; i < count; ++i) {

@@ -14,6 +14,7 @@
 
 #include "baselib/platform/platform.h"
 #include "fftlib/fftlib.h"
+#include "tests/support/engine_inside.h"
 #include "tests/support/fft_recorder.h"
 #include "tests/support/fresh_services.h"
 #include "tests/support/scratch_folder.h"
@@ -22,6 +23,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using lx::DefocusEngine;
+using lx_test::Inside;
 using Calls = std::vector<std::string>;
 
 // Engines that measure, with a home directory of the test's own. Measuring itself is
@@ -140,7 +142,7 @@ TEST_F(Wisdom, IsReadOnceItWasRead) {
   files.clear();
   DefocusEngine engine;
   Plan(&engine);
-  EXPECT_EQ(1, engine.wisdomLoaded);
+  EXPECT_EQ(1, Inside(engine).wisdomLoaded());
   EXPECT_EQ("import", Learning().front());
   files.clear();
 
@@ -152,7 +154,7 @@ TEST_F(Wisdom, IsReadOnceItWasRead) {
 TEST_F(Wisdom, IsTriedAgainWhileItCannotBeRead) {
   DefocusEngine engine;
   Plan(&engine);
-  EXPECT_EQ(0, engine.wisdomLoaded);
+  EXPECT_EQ(0, Inside(engine).wisdomLoaded());
   fs::remove(File());
   files.clear();
 
@@ -176,7 +178,7 @@ TEST_F(Wisdom, ReplacesAFileThatIsNoneOfTheLibrarys) {
   DefocusEngine engine;
   Plan(&engine);
 
-  EXPECT_EQ(0, engine.wisdomLoaded);
+  EXPECT_EQ(0, Inside(engine).wisdomLoaded());
   EXPECT_EQ(0, engine.GetStatus());
   EXPECT_EQ(0U, Content().find("(fftw-")) << Content();
   EXPECT_EQ((Calls{"r fftw3_wisdom_lx.dat", "close", "w+ " + Part(), "close"}), files);
@@ -309,7 +311,7 @@ TEST_F(MeasuredWisdom, IsTakenOverByTheNextEngine) {
   DefocusEngine engine;
   Plan(&engine);
 
-  EXPECT_EQ(1, engine.wisdomLoaded);
+  EXPECT_EQ(1, Inside(engine).wisdomLoaded());
 }
 
 }  // namespace

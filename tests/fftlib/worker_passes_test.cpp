@@ -9,12 +9,14 @@
 
 #include "fftlib/fftlib.h"
 #include "fftlib/fftlib/passes.h"
+#include "tests/support/engine_inside.h"
 #include "tests/support/images.h"
 
 namespace {
 
 using lx::DefocusEngine;
 using lx_test::Image;
+using lx_test::Inside;
 using lx_test::MakeImage;
 using lx_test::Samples;
 
@@ -143,7 +145,7 @@ TEST(WorkerPasses, ClearTheStatusEvenOverAnEmptyRange) {
   for (const lx::PassFunction pass :
        {lx::PsfInputPass, lx::PlaneInputPass, lx::MultiplyPass, lx::PictureOutputPass,
         lx::ChannelInputPass, lx::ChannelOutputPass}) {
-    engine.status = lx::kStatusNoMemory;
+    Inside(engine).SetStatus(lx::kStatusNoMemory);
     pass(&engine, 3, 2);
     EXPECT_EQ(0, engine.GetStatus());
   }
@@ -211,12 +213,12 @@ TEST(CancelQuery, GivesAPlaneOfZerosForAPassWithoutRows) {
 
     Render(&engine, Source());
 
-    const int n = engine.paddedWidth;
+    const int n = Inside(engine).paddedWidth();
     for (int y = 0; y < kHeight; ++y) {
       for (int x = 0; x < kWidth; ++x) {
-        const std::size_t at =
-            static_cast<std::size_t>(engine.offsetY + y) * n + engine.offsetX + x;
-        ASSERT_NEAR(0.0, engine.crResult[at] / (n * n), 1e-12);
+        const std::size_t at = static_cast<std::size_t>(Inside(engine).offsetY() + y) * n +
+                               Inside(engine).offsetX() + x;
+        ASSERT_NEAR(0.0, Inside(engine).crResult()[at] / (n * n), 1e-12);
       }
     }
   }
@@ -239,9 +241,10 @@ TEST(CancelQuery, KeepsThePlaneBeforeWhole) {
     for (int y = 0; y < kHeight; ++y) {
       for (int x = 0; x < kWidth; ++x) {
         const std::size_t at =
-            static_cast<std::size_t>(engine.offsetY + y) * engine.paddedWidth + engine.offsetX + x;
-        ASSERT_EQ(whole.lumaResult[at], engine.lumaResult[at]) << x << "," << y;
-        ASSERT_EQ(whole.cbResult[at], engine.cbResult[at]) << x << "," << y;
+            static_cast<std::size_t>(Inside(engine).offsetY() + y) * Inside(engine).paddedWidth() +
+            Inside(engine).offsetX() + x;
+        ASSERT_EQ(Inside(whole).lumaResult()[at], Inside(engine).lumaResult()[at]) << x << "," << y;
+        ASSERT_EQ(Inside(whole).cbResult()[at], Inside(engine).cbResult()[at]) << x << "," << y;
       }
     }
   }

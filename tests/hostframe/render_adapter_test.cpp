@@ -13,6 +13,7 @@
 
 #include "hostframe/class_ctor.h"
 #include "hostframe/ui_adapter.h"
+#include "tests/support/engine_inside.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/fft_recorder.h"
 #include "tests/support/heap_faults.h"
@@ -22,6 +23,7 @@ namespace {
 using allplugins::cGlimmerBlurRender;
 using lx_test::cPtr;
 using lx_test::FakeImage;
+using lx_test::Inside;
 using Log = std::vector<std::string>;
 
 constexpr int kWidth = 20;
@@ -347,14 +349,14 @@ TEST_F(RenderAdapter, BuildsOnePsfForEqualParameters) {
     render->renderFrame(1, 0, 0);
     // A build would clear the mask.
     const lx::DefocusEngine& engine = *render->effect.engine;
-    auto* mask = static_cast<std::uint8_t*>(engine.psfMask->data);
+    auto* mask = static_cast<std::uint8_t*>(Inside(engine).psfMask()->data);
     mask[0] = 1;
     fft.Clear();
 
     render->renderFrame(2, 0, 0);
 
     EXPECT_EQ(1, mask[0]);
-    const std::size_t executions = engine.engineMode == lx::kModeFftw ? 8 : 0;
+    const std::size_t executions = Inside(engine).engineMode() == lx::kModeFftw ? 8 : 0;
     EXPECT_EQ(std::vector<std::string>(executions, "execute"), fft.Log());
   }
 }

@@ -11,6 +11,7 @@
 
 #include "fftlib/fftlib.h"
 #include "fftlib/fftlib/complex_sample.h"
+#include "tests/support/engine_inside.h"
 #include "tests/support/images.h"
 
 namespace lx_test {
@@ -212,7 +213,7 @@ class KernelModel {
 // Sample i of a grid of the engine.
 inline std::complex<double> GridSample(const lx::DefocusEngine& engine, const void* grid,
                                        std::size_t i) {
-  if (engine.engineMode == lx::kModeKernelF64) {
+  if (Inside(engine).engineMode() == lx::kModeKernelF64) {
     const auto& sample = static_cast<const lx::ComplexSample<double>*>(grid)[i];
     return {sample.re, sample.im};
   }
@@ -221,7 +222,7 @@ inline std::complex<double> GridSample(const lx::DefocusEngine& engine, const vo
 }
 
 inline ComplexGrid GridOf(const lx::DefocusEngine& engine, const void* grid) {
-  ComplexGrid copy(engine.paddedWidth, engine.paddedHeight);
+  ComplexGrid copy(Inside(engine).paddedWidth(), Inside(engine).paddedHeight());
   for (std::size_t i = 0; i < copy.values.size(); ++i) {
     copy.values[i] = GridSample(engine, grid, i);
   }
@@ -231,7 +232,7 @@ inline ComplexGrid GridOf(const lx::DefocusEngine& engine, const void* grid) {
 inline void SetGrid(const lx::DefocusEngine& engine, void* grid, const ComplexGrid& values) {
   for (std::size_t i = 0; i < values.values.size(); ++i) {
     const std::complex<double> value = values.values[i];
-    if (engine.engineMode == lx::kModeKernelF64) {
+    if (Inside(engine).engineMode() == lx::kModeKernelF64) {
       static_cast<lx::ComplexSample<double>*>(grid)[i] = {value.real(), value.imag()};
     } else {
       static_cast<lx::ComplexSample<float>*>(grid)[i] = {static_cast<float>(value.real()),
