@@ -21,8 +21,8 @@
 #include <random>
 
 #include "baselib/threads/parallel_rows.h"
+#include "fftlib/backends/fftw/fft_calls.h"
 #include "fftlib/fftlib.h"
-#include "fftlib/fftlib/fft_calls.h"
 #include "imagelib/imagelib.h"
 #include "tests/support/engine_inside.h"
 #include "tests/support/pooled_passes.h"

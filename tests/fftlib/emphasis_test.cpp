@@ -1,4 +1,4 @@
-#include "fftlib/fftlib/emphasis.h"
+#include "fftlib/planes/emphasis.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "fftlib/fftlib.h"
-#include "fftlib/fftlib/power.h"
+#include "fftlib/planes/power.h"
 #include "tests/support/engine_inside.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // Which lengths of lines there are transforms for.
-#include "fftlib/fftlib/line_transforms.h"
+#include "fftlib/lines/line_transforms.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "fftlib/fftlib/polygon_fill.h"
+#include "fftlib/psf/polygon_fill.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "fftlib/fftlib/psf_outlines.h"
+#include "fftlib/psf/psf_outlines.h"
 #include "tests/support/images.h"
 
 namespace {

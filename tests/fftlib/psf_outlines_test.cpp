@@ -1,4 +1,4 @@
-#include "fftlib/fftlib/psf_outlines.h"
+#include "fftlib/psf/psf_outlines.h"
 
 #include <gtest/gtest.h>
 

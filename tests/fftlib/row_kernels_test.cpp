@@ -1,4 +1,4 @@
-#include "fftlib/fftlib/row_kernels.h"
+#include "fftlib/planes/row_kernels.h"
 
 #include <gtest/gtest.h>
 

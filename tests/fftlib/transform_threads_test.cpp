@@ -1,4 +1,4 @@
-#include "fftlib/fftlib/transform_threads.h"
+#include "fftlib/backends/fftw/transform_threads.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "baselib/platform/platform.h"
-#include "fftlib/fftlib/fft_calls.h"
+#include "fftlib/backends/fftw/fft_calls.h"
 #include "tests/support/platform_recorder.h"
 
 namespace {

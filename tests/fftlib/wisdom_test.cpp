@@ -1,5 +1,5 @@
 // What the engine learns by measuring, and the file that keeps it.
-#include "fftlib/fftlib/wisdom.h"
+#include "fftlib/backends/fftw/wisdom.h"
 
 #include <gtest/gtest.h>
 

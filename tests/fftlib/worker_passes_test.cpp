@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "fftlib/backends/fftw/passes.h"
 #include "fftlib/fftlib.h"
-#include "fftlib/fftlib/passes.h"
 #include "tests/support/engine_inside.h"
 #include "tests/support/images.h"
 

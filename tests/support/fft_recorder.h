@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "fftlib/fftlib/fft_calls.h"
+#include "fftlib/backends/fftw/fft_calls.h"
 
 namespace lx_test {
 

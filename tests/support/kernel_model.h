@@ -9,8 +9,8 @@
 #include <numbers>
 #include <vector>
 
+#include "fftlib/core/complex_sample.h"
 #include "fftlib/fftlib.h"
-#include "fftlib/fftlib/complex_sample.h"
 #include "tests/support/engine_inside.h"
 #include "tests/support/images.h"
 

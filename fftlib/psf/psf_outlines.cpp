@@ -1,0 +1,102 @@
+#include "fftlib/psf/psf_outlines.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+#include "baselib/utils/convert.h"
+
+namespace lx {
+namespace {
+
+// Single-precision constants, widened: 1 degree, and a turn divided by 50 and by 1.
+constexpr double kDegree = 0.017453292F;
+constexpr double kEllipseStep = 0.12566371F;
+constexpr float kFullTurn = 6.2831855F;
+
+constexpr double kSmallestRadius = 1.0;
+
+// Written so that a radius that is not a number stays what it is.
+double RaiseRadius(float radius) { return radius < kSmallestRadius ? kSmallestRadius : radius; }
+
+// Vertices at equal parameter steps on the rotated ellipse.
+PsfPolygon MakeEllipticOutline(const OutlineFrame& frame, std::int32_t count, double step) {
+  const double a = RaiseRadius(frame.radiusX);
+  const double b = RaiseRadius(frame.radiusY);
+  const double theta = frame.rotation * kDegree;
+  const double cosine = std::cos(theta);
+  const double sine = std::sin(theta);
+  const double ix = 1.0 / frame.aspectX;
+  const double iy = 1.0 / frame.aspectY;
+  PsfPolygon polygon;
+  polygon.count = count;
+  for (std::int32_t k = 0; k < count; ++k) {
+    const double t = k * step;
+    const double onA = a * std::cos(t);
+    const double onB = b * std::sin(t);
+    polygon.vertices[k] = {NarrowToFloat((cosine * onA - sine * onB) * ix + frame.centreX),
+                           NarrowToFloat((sine * onA + cosine * onB) * iy + frame.centreY)};
+  }
+  return polygon;
+}
+
+PsfPolygon MakeRectangleOutline(const OutlineFrame& frame, bool moved) {
+  const double theta = frame.rotation * -kDegree;
+  const double s = std::sin(theta);
+  const double c = std::cos(theta);
+  const double length = RaiseRadius(frame.radiusX);
+  const double half = RaiseRadius(frame.radiusY) * 0.5;
+  double baseX = frame.centreX;
+  double baseY = frame.centreY;
+  if (moved) {
+    // Intended: half the length in x, but half of the half thickness in y, so that a
+    // rotated rectangle is not centred exactly.
+    baseX -= c * length * 0.5;
+    baseY -= s * half * 0.5;
+  }
+  const double alongX = c * length;
+  const double alongY = s * length;
+  const double acrossX = s * half;
+  const double acrossY = c * half;
+  const double ix = 1.0 / frame.aspectX;
+  const double iy = 1.0 / frame.aspectY;
+  const auto vertex = [&](double x, double y) {
+    return PolygonVertex{NarrowToFloat(baseX + x * ix), NarrowToFloat(baseY + y * iy)};
+  };
+  PsfPolygon polygon;
+  polygon.count = 4;
+  polygon.vertices[0] = vertex(acrossX, -acrossY);
+  polygon.vertices[1] = vertex(alongX + acrossX, alongY - acrossY);
+  polygon.vertices[2] = vertex(alongX - acrossX, alongY + acrossY);
+  polygon.vertices[3] = vertex(-acrossX, acrossY);
+  return polygon;
+}
+
+}  // namespace
+
+PsfPolygon MakeEllipse(const OutlineFrame& frame) {
+  return MakeEllipticOutline(frame, kPolygonVertices, kEllipseStep);
+}
+
+PsfPolygon MakeRegularPolygon(const OutlineFrame& frame, std::int32_t sides) {
+  const std::int32_t count = std::clamp(sides, 3, kPolygonVertices);
+  const float step = kFullTurn / static_cast<float>(count);
+  return MakeEllipticOutline(frame, count, step);
+}
+
+PsfPolygon MakeRectangle(const OutlineFrame& frame) { return MakeRectangleOutline(frame, false); }
+
+PsfPolygon MakeCentredRectangle(const OutlineFrame& frame) {
+  return MakeRectangleOutline(frame, true);
+}
+
+std::int32_t OutlineMargin(double larger) {
+  const double rounded = std::ceil(larger);
+  if (!(rounded <= 8192.0)) {
+    return std::numeric_limits<std::int32_t>::max() / 4;
+  }
+  return TruncateToInt32(rounded) + 1;
+}
+
+}  // namespace lx
