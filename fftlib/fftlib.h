@@ -5,29 +5,33 @@
 // image, as often as asked; whatever a run needs is allocated and planned by the first
 // one and kept.
 //
-//   N x N grid, row stride N      The padded size N is a power of two, the same for
-//   +--------------------------+  both sides: the next one above the longer of
-//   |      margin repeats      |  width + 2 margin and height + 2 margin. The frame's
-//   |    +---------------+     |  pixel (x, y) stands in row offsetY + y, column
-//   |    | frame, at     |     |  offsetX + x. A spectrum has N rows of N/2 + 1
-//   |    | offsetX, Y    |     |  complex numbers.
+// How it transforms is its back-end's affair. The frame stands in the middle of a grid that is
+// padded on all sides, so that what wraps around does not reach it:
+//
+//   +--------------------------+  The frame's pixel (x, y) stands in row offsetY + y, column
+//   |      margin repeats      |  offsetX + x. Sides are those that the back-end transforms;
+//   |    +---------------+     |  exact takes a square.
+//   |    | frame, at     |     |
+//   |    | offsetX, Y    |     |
 //   |    +---------------+     |
 //   +--------------------------+
-//
-// That is the mode of FFTW. In the kernel modes the two sides are padded apart, and grids hold
-// complex samples, which become their own spectrum in place.
 //
 // Every failure is a false result and a code in status; nothing is logged, nothing is
 // thrown. One thread at a time per engine; different engines may work on different
 // threads. Images that are handed over are borrowed and must outlive the run.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
+#include <memory>
 
+#include "fftlib/backends/backend.h"
+#include "fftlib/core/grid.h"
+#include "fftlib/core/rows.h"
+#include "fftlib/core/run.h"     // channel bits, edge modes
+#include "fftlib/core/status.h"  // the codes of GetStatus
+#include "fftlib/lines/block_transforms.h"
+#include "fftlib/lines/separable_filter.h"
 #include "imagelib/imagelib.h"
-
-struct fftw_plan_s;  // a plan of the transform library
 
 namespace lx {
 
@@ -46,52 +50,24 @@ using ParallelForFunction = void (*)(void* context, PassFunction pass, std::int3
 // the pass early, without an error.
 using CancelQueryFunction = std::int32_t (*)(void* context);
 
-// Values of engineMode. The kernel modes transform by fftkernels, in complex grids whose sides
-// differ where the frame's do. Mode 3 has no back-end: its loads and runs answer false and leave
-// status alone. Any other value counts as kModeKernelF32.
+// Integers that name back-ends: single, double, none, exact. Without one, loads and runs answer
+// false and leave status alone. Any other value counts as kModeKernelF32. A back-end that has no
+// integer is given to the constructor.
 inline constexpr std::int32_t kModeKernelF32 = 1;
 inline constexpr std::int32_t kModeKernelF64 = 2;
 inline constexpr std::int32_t kModeNone = 3;
 inline constexpr std::int32_t kModeFftw = 4;
 
-// Values of status.
-inline constexpr std::int32_t kStatusOk = 0;
-inline constexpr std::int32_t kStatusSizeRange = 1;  // a padded or block size outside 2 to
-                                                     // 8192, or an image without samples
-inline constexpr std::int32_t kStatusNoMemory = 2;
-inline constexpr std::int32_t kStatusSourceSize = 3;   // source not of the PSF's size
-inline constexpr std::int32_t kStatusNotLoaded = 4;    // run without PSF or source
-inline constexpr std::int32_t kStatusDestination = 5;  // destination unlike the source
-inline constexpr std::int32_t kStatusFloatImage = 6;   // float image not accepted here
-inline constexpr std::int32_t kStatusChannels = 7;     // too few channels or mask bits
-inline constexpr std::int32_t kStatusEdgeMode = 8;     // SetEdgeMode knows 1 and 2
-inline constexpr std::int32_t kStatusNoPlan = 9;
-inline constexpr std::int32_t kStatusNoThreads = 10;  // transform threads did not start
-
-// Bits of Convolve's channel mask.
-inline constexpr std::uint32_t kBitLuma = 1;
-inline constexpr std::uint32_t kBitCr = 2;
-inline constexpr std::uint32_t kBitCb = 4;
-inline constexpr std::uint32_t kBitAlpha = 8;
-
-inline constexpr std::int32_t kEdgeZero = 1;       // pads with zero
-inline constexpr std::int32_t kEdgeReplicate = 2;  // repeats the frame's edge
-
-inline constexpr std::int32_t kLargestPaddedSize = 8192;
-
-// 1 for n below 2, else the smallest power of two not below n.
-//   exponent  receives its exponent; may be null
-std::int64_t NextPowerOfTwo(std::int64_t n, std::int32_t* exponent = nullptr);
-
-// The side of a grid that holds a side of a frame with a margin on both ends; a margin below 0
-// counts as 0.
-std::int64_t PaddedSide(std::int32_t side, std::int32_t margin);
-
-// The fields are open for tests and measurements; whoever renders uses the operations.
 class DefocusEngine {
  public:
-  DefocusEngine();
+  // Whatever the mode, the transform library's threads are started with the first of these engines
+  // and ended with the last, and wisdom is kept where it is asked for. Where the threads do not
+  // start, status says so.
+  DefocusEngine();                            // kModeFftw
   explicit DefocusEngine(std::int32_t mode);  // 5 counts as 4
+
+  // Takes a back-end, of which null counts as kModeNone.
+  explicit DefocusEngine(std::unique_ptr<Backend> backend);
   virtual ~DefocusEngine();
   DefocusEngine(const DefocusEngine&) = delete;
   DefocusEngine& operator=(const DefocusEngine&) = delete;
@@ -158,58 +134,27 @@ class DefocusEngine {
   bool ConvolveChannels(ImageRec* dest, std::uint32_t channelMask);
 
   // Reads or writes what measuring plans has taught the transform library: one file for all
-  // engines, in the directory of settings. False where it cannot be opened, is none of the
-  // library's, or was not written whole; nothing else comes of that. Under the planner's lock.
+  // engines, in the directory of settings. False where that fails; nothing else comes of it.
+  // Under the planner's lock.
   bool ImportWisdom();
   bool ExportWisdom();
 
-  // The separable filter: a kernel is mirrored about its first value, its sum made 1, and lines
-  // of an image are multiplied with it as real transforms of fftkernels.
-  // Intended: the mirror image lies one place short of where a circle would have it; a sum of 0
-  // or below multiplies the kernel by itself; and since the real transforms take numbers in
-  // another order than lines have, the result is no plain convolution.
-
-  // Takes a copy of the right half of a kernel. False, without a kernel then, for a count below 1,
-  // which leaves status alone, and where memory has run out.
+  // Lines of an image through a kernel. What the arguments mean stands with SeparableFilter. False
+  // on failure.
   bool SetSeparableKernel(const float* kernel, std::int32_t count);
-
-  // Makes a kernel and sets it. False for a type that is none, for a radius that is no number or
-  // gives more than 8192 values, none of which touches status, and where memory has run out.
-  //   type       1 box and 2 triangle, which end at the radius r, with r + 1 values; 3 Gaussian,
-  //              whose deviation is r / 3; 4 cubic, 5 cubic B-spline, 6 sinc with a cosine window
-  //              and 9 sinc with a sinc window, which end at 2 r. All but 1 and 2 have 2 r + 1
-  //              values, r being rounded up
-  //   radius     r, pixels; at least 0.01, of a box 1
-  //   parameter  of type 4, its slope at 1; 0 for -0.75
-  //   spare      is not read
   bool MakeFilterKernel(std::int32_t type, float radius, float parameter, float spare);
-
-  // Takes the image to be filtered, for the kernel that is set: a line and twice the kernel's
-  // length may come to 8192 samples. Borrowed. False, without an image then, on failure.
-  // Intended: every call makes a clone to work in, and loses that of the call before.
   bool PrepareSeparable(const ImageRec* image);
-
-  // Filters the image's channels. Whole numbers are cut, not rounded, and saturate.
-  //   dest         of the image's size and sample type; may be the image itself
-  //   channelMask  bit n selects channel n
-  //   direction    bit 0 along rows, bit 1 along columns; none of them does nothing
   bool FilterSeparable(ImageRec* dest, std::uint32_t channelMask, std::uint32_t direction);
 
-  // Transforms a square block of real numbers by fftkernels, in its order of frequencies, and
-  // back without scaling: size * size times the block. False for a size that is no power of two
-  // from 2 to 8192, and where memory has run out.
-  //   input, output  size * size numbers
-  //   spectrum       size * size complex ones; InverseKernel2D destroys them
+  // Square blocks of real numbers through the fixed-size transforms, as BlockTransforms tells.
+  // False for a size that is no power of two from 2 to 8192, and where memory has run out.
   // Intended: either changes the padded size, so that a run at another size needs a new load.
   bool ForwardKernel2D(std::int32_t size, const float* input, float (*spectrum)[2]);
   bool InverseKernel2D(std::int32_t size, float (*spectrum)[2], float* output);
-
-  // The signed frequencies of a place of the last ForwardKernel2D's spectrum. False, with nothing
-  // stored, for a place outside and before there is one.
   bool LookUpFrequency(std::int32_t row, std::int32_t column, float* rowFrequency,
                        float* columnFrequency) const;
 
-  std::int32_t GetStatus() const { return status.load(std::memory_order_relaxed); }
+  std::int32_t GetStatus() const { return rows_.Status(); }
 
   bool SetEdgeMode(std::int32_t mode);  // kEdgeZero or kEdgeReplicate, else false
   void SetPsfSoftness(float radius);    // blur of every mask in pixels; negative as 0
@@ -217,141 +162,42 @@ class DefocusEngine {
   void SetOutputGain(float value);      // kept in 0.2..5
   void SetOutputOffset(float value);    // kept in -5..5
 
-  // Scales the buffer to sum 1 and rotates it left by width / 2 and up by height / 2.
-  // 0, or kStatusNoMemory with the buffer as it was.
-  static std::int32_t NormaliseAndShiftPsf(double* buffer, std::int32_t width, std::int32_t height);
-
-  using Plan = fftw_plan_s*;
-  using Complex = double[2];
-
-  const ImageRec* psfImage = nullptr;     // mask last loaded; only ever compared with null
-  const ImageRec* sourceImage = nullptr;  // borrowed
-  void* kernelPsf = nullptr;              // the kernel modes' grids of complex samples
-  // After a run: alpha's result, or zeros; the three below have the planes in the frame's
-  // rectangle.
-  void* kernelWork = nullptr;
-  void* kernelLuma = nullptr;
-  void* kernelCr = nullptr;
-  void* kernelCb = nullptr;
-  Plan psfPlan = nullptr;      // psfSpatial to psfSpectrum
-  Plan forwardPlan = nullptr;  // workSpatial to workSpectrum
-  Plan inversePlan = nullptr;  // workSpectrum to workSpatial
-  double* psfSpatial = nullptr;
-  Complex* psfSpectrum = nullptr;
-  double* workSpatial = nullptr;  // after a run: alpha's result
-  Complex* workSpectrum = nullptr;
-  double* lumaResult = nullptr;  // N * N times the planes' values, in the frame's rectangle
-  double* crResult = nullptr;
-  double* cbResult = nullptr;
-  std::uint32_t threadsReady = 0;  // 0: the transform library has no threads
-  std::uint32_t threadCount = 1;   // given to the planner
-  std::int32_t useWisdom = 0;      // plans are measured
-  std::int32_t wisdomLoaded = 0;
-  bool followSourceSize = false;
-  std::int32_t frameWidth = -1;  // size of the mask last loaded
-  std::int32_t frameHeight = -1;
-  std::int32_t paddedWidth = -1;
-  std::int32_t paddedHeight = -1;
-  std::int32_t offsetX = -1;
-  std::int32_t offsetY = -1;
-  std::int32_t margin = -1;
-  void* passTarget = nullptr;  // parameters of the pass in work
-  bool passIsPsf = false;
-  const ImageRec* passSource = nullptr;
-  std::int32_t passEdgeMode = 0;
-  float emphasis = 0.0F;
-  bool emphasisAlpha = false;
-  float gamma = 1.0F;
-  bool gammaActive = false;
-  float outputGain = 1.0F;
-  float outputOffset = 0.0F;
-  float psfSoftness = 0.0F;
-  const ImageRec* separableSource = nullptr;  // the separable filter's
-  ImageRec* separableWork = nullptr;
-  std::int32_t separableWidth = -1;
-  std::int32_t separableHeight = -1;
-  std::int32_t separablePaddedWidth = 0;
-  std::int32_t separablePaddedHeight = 0;
-  float* separableKernel = nullptr;
-  std::int32_t separableKernelLength = -1;
-  std::int32_t separableSpare = -1;
-  const ImageRec* separableRowSource = nullptr;
-  const ImageRec* separableColumnSource = nullptr;
-  ImageRec* passDest = nullptr;
-  std::uint32_t passChannelBit = 0;
-  std::int32_t passChannel = 0;  // the stored channel in work of ConvolveChannels
-  void* passKept = nullptr;      // grid that keeps the plane before the one in work
-  std::int32_t edgeMode = kEdgeReplicate;
-  ImageRec* psfMask = nullptr;          // owned; the mask that the builders draw
-  std::atomic<std::int32_t> status{0};  // last error, until a pass clears it
-  void* callbackContext = nullptr;
-  ParallelForFunction parallelFor = nullptr;
-  CancelQueryFunction cancelQuery = nullptr;
-  float aspectX = 1.0F;
-  float aspectY = 1.0F;
-  std::int32_t* frequencyTable = nullptr;
-  std::int32_t frequencyTableSize = 0;
-  std::int32_t engineMode = kModeFftw;
-
-  // Runs a pass over the indices 0 to count - 1.
-  void RunRows(PassFunction pass, std::int32_t count);
-
-  // For passes: whether the owner wants no more rows.
-  bool CancelRequested() const;
-
  private:
-  bool LoadPsfFftw(const ImageRec* mask, std::int32_t newMargin);
-  bool ConvolveFftw(ImageRec* dest, std::uint32_t channelMask);
-  bool ConvolveChannelsFftw(ImageRec* dest, std::uint32_t channelMask);
-  bool Fail(std::int32_t code);  // stores the code; false
+  friend class EngineInside;  // through which tests look
+
+  static void DivideRows(void* owner, std::int32_t count);
+  static void RunRange(DefocusEngine* engine, std::int32_t first, std::int32_t last);
+
+  bool Fail(std::int32_t code);       // stores the code; false
+  bool Finish(std::int32_t code);     // true for kStatusOk; stores any other but kRefused
+  ImageRec* PrepareMask(Size frame);  // cleared; null on failure
   bool CheckRun(const ImageRec* dest);
-
-  ImageRec* PrepareMask(std::int32_t width, std::int32_t height);  // cleared; null on failure
-
-  // Grids and plans, made where they are missing. False with a code in status.
-  bool PreparePsfGrids();
-  bool PrepareWorkGrids(bool clearNew);
-  bool PrepareResult(double** result);
-  template <class Create>
-  bool MakePlan(Plan* plan, Create create);
-  void FreeGrids();
-  void FreeKernelGrids();
-
-  // The beginning of every load: mask and margin as they are given.
-  bool TakeMask(const ImageRec* mask, std::int32_t newMargin);
-
-  // Takes a padded size, with which grids and plans of another size go.
-  void SetGrid(std::int32_t width, std::int32_t height);
-
-  // The modes of the fixed-size kernels. T is what their grids are made of: float, double.
-  template <class T>
-  bool LoadPsfKernel(const ImageRec* mask, std::int32_t newMargin);
-  template <class T>
-  bool ConvolveKernel(ImageRec* dest, std::uint32_t channelMask);
-  template <class T>
-  bool ConvolveChannelsKernel(ImageRec* dest, std::uint32_t channelMask);
-  template <class T>
-  bool PrepareKernelGrid(void** grid, bool clear);
-  template <class T>
-  bool TransformKernelPlane(PassFunction inputPass);
-  template <class T>
-  void FinishKernelPlane(void* result, bool isLast);
-  bool CheckKernelRun(const ImageRec* dest);
-  bool CheckDestination(const ImageRec* dest);
-  bool FitsGrid() const;
+  bool HasPsf() const;
   bool CheckBlockSize(std::int32_t size);
-  bool PrepareFrequencyTable(std::int32_t size);
+  TransformLibrary* Library() const;
 
-  // The pass fields of one plane of the source on its way to dest.
-  void SetPlaneParameters(ImageRec* dest, std::uint32_t channelBit);
+  // From the last to go to the first.
+  std::unique_ptr<TransformLibrary> library_;  // where the back-end has none
+  BlockTransforms blocks_;
+  std::unique_ptr<ImageRec, ImageDeleter> psfMask_;  // what the builders draw
+  SeparableFilter separable_;
+  std::unique_ptr<Backend> backend_;
 
-  // One plane from input pass to inverse transform, which leaves it in workSpatial.
-  void TransformPlane(PassFunction inputPass);
+  std::int32_t mode_;
+  Rows rows_;
+  ParallelForFunction parallelFor_ = nullptr;
 
-  // The sides for which the grids and plans were made. Runs need them to equal the padded
-  // size, which other operations may have moved on.
-  std::int32_t gridWidth_ = -1;
-  std::int32_t gridHeight_ = -1;
+  const ImageRec* psfImage_ = nullptr;     // mask last loaded; only ever compared with null
+  const ImageRec* sourceImage_ = nullptr;  // borrowed
+  GridPlace place_;                        // of the mask last loaded
+  Size loadedGrid_;  // that the back-end's buffers are for; blocks move place_.grid on
+  std::int32_t margin_ = -1;
+
+  Look look_;
+  Gamma gamma_;
+  float psfSoftness_ = 0.0F;
+  float aspectX_ = 1.0F;
+  float aspectY_ = 1.0F;
 };
 
 }  // namespace lx

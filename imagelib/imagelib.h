@@ -58,6 +58,11 @@ ImageRec* ImageCreateLike(const ImageRec* model);
 // 0, or -1 for null.
 std::int32_t ImageFree(ImageRec* image);
 
+// For a std::unique_ptr that owns an image.
+struct ImageDeleter {
+  void operator()(ImageRec* image) const { ImageFree(image); }
+};
+
 // A copy of an image: samples, and the region where it is valid. Null for null, for an
 // image without samples, and on failure.
 ImageRec* ImageClone(const ImageRec* image);

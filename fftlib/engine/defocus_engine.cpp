@@ -1,25 +1,19 @@
+// Limits, the order of calls, statuses, and whose mask it is. The work is the back-end's.
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <mutex>
+#include <utility>
 
-#include "baselib/platform/platform.h"
-#include "baselib/threads/system_info.h"
 #include "baselib/utils/convert.h"
-#include "baselib/utils/heap.h"
-#include "fftlib/backends/fftw/fft_calls.h"
-#include "fftlib/backends/fftw/wisdom.h"
 #include "fftlib/fftlib.h"
+#include "fftlib/psf/image_mask.h"
 #include "fftlib/psf/polygon_fill.h"
 #include "fftlib/psf/psf_outlines.h"
 
 namespace lx {
 namespace {
-
-// Any value asks for measured plans, an empty one included.
-constexpr const char* kWisdomVariable = "LX_USE_FFTW_WISDOM";
 
 // A softer mask than this is worth a blur.
 constexpr float kLeastSoftness = 0.1F;
@@ -35,84 +29,44 @@ float Limit(float value, float lowest, float highest) {
   return value;
 }
 
+std::int32_t NarrowMargin(std::int64_t margin) {
+  return static_cast<std::int32_t>(std::clamp<std::int64_t>(margin, INT32_MIN, INT32_MAX));
+}
+
+Size SizeOf(const ImageRec& image) { return {image.width, image.height}; }
+
 }  // namespace
 
-std::int64_t PaddedSide(std::int32_t side, std::int32_t margin) {
-  return NextPowerOfTwo(side + 2 * std::int64_t{std::max(margin, 0)});
-}
-
-std::int64_t NextPowerOfTwo(std::int64_t n, std::int32_t* exponent) {
-  std::int64_t power = 1;
-  std::int32_t bits = 0;
-  // The bound is far above every size in use; it keeps the shift defined for any n.
-  while (power < n && bits < 62) {
-    power *= 2;
-    ++bits;
-  }
-  if (exponent != nullptr) {
-    *exponent = bits;
-  }
-  return power;
-}
-
-DefocusEngine::DefocusEngine() : DefocusEngine(kModeFftw) {}
-
-DefocusEngine::DefocusEngine(std::int32_t mode) : engineMode(mode == 5 ? kModeFftw : mode) {
-  threadsReady = AcquireFftThreads();
-  if (threadsReady == 0) {
-    status = kStatusNoThreads;
-  }
-  threadCount = get_processor_count();
-  useWisdom = GetPlatform().hasEnvironmentVariable(kWisdomVariable) ? 1 : 0;
-  if (useWisdom != 0) {
-    const std::scoped_lock hold(FftPlannerLock());
-    MakeWisdomFolder();
+DefocusEngine::DefocusEngine(std::unique_ptr<Backend> backend)
+    : backend_(std::move(backend)), mode_(kModeNone), rows_(this, DivideRows) {
+  if (Library() != nullptr && !Library()->HasThreads()) {
+    Fail(kStatusNoThreads);
   }
 }
 
-DefocusEngine::~DefocusEngine() {
-  FreeKernelGrids();
-  if (separableKernel != nullptr) {
-    lx_free(separableKernel);
-  }
-  ImageFree(separableWork);
-  ImageFree(psfMask);
-  if (frequencyTable != nullptr) {
-    lx_free(frequencyTable);
-  }
-  if (useWisdom != 0) {
-    const std::scoped_lock hold(FftPlannerLock());
-    // An engine that has planned nothing would write a file of nothing over a good one.
-    if (wisdomLoaded == 0) {
-      ImportWisdom();
-    }
-    ExportWisdom();
-  }
-  FreeGrids();
-  ReleaseFftThreads();
-}
+DefocusEngine::~DefocusEngine() = default;
 
 bool DefocusEngine::SetParallelFor(void* context, ParallelForFunction function) {
-  callbackContext = context;
-  parallelFor = function;
+  rows_.SetContext(context);
+  parallelFor_ = function;
   return true;
 }
 
 bool DefocusEngine::SetCancelQuery(void* /*context*/, CancelQueryFunction function) {
-  cancelQuery = function;
+  rows_.SetCancelQuery(function);
   return true;
 }
 
 bool DefocusEngine::SetPixelAspect(float x, float y) {
-  aspectX = x;
-  aspectY = y;
+  aspectX_ = x;
+  aspectY_ = y;
   return true;
 }
 
-void DefocusEngine::SetEmphasis(float value) { emphasis = Limit(value, 0.0F, 500.0F); }
+void DefocusEngine::SetEmphasis(float value) { look_.emphasis = Limit(value, 0.0F, 500.0F); }
 
 bool DefocusEngine::SetEmphasisAlpha(bool enabled) {
-  emphasisAlpha = enabled;
+  look_.emphasisAlpha = enabled;
   return enabled;
 }
 
@@ -120,48 +74,43 @@ bool DefocusEngine::SetEdgeMode(std::int32_t mode) {
   if (mode != kEdgeZero && mode != kEdgeReplicate) {
     return Fail(kStatusEdgeMode);
   }
-  edgeMode = mode;
+  look_.edgeMode = mode;
   return true;
 }
 
-void DefocusEngine::SetPsfSoftness(float radius) { psfSoftness = radius < 0.0F ? 0.0F : radius; }
+void DefocusEngine::SetPsfSoftness(float radius) { psfSoftness_ = radius < 0.0F ? 0.0F : radius; }
 
 bool DefocusEngine::SetGamma(float value) {
-  gamma = Limit(value, 0.2F, 5.0F);
-  gammaActive = gamma != 1.0F;
+  gamma_.gamma = Limit(value, 0.2F, 5.0F);
+  gamma_.active = gamma_.gamma != 1.0F;
   return true;
 }
 
-void DefocusEngine::SetOutputGain(float value) { outputGain = Limit(value, 0.2F, 5.0F); }
+void DefocusEngine::SetOutputGain(float value) { gamma_.gain = Limit(value, 0.2F, 5.0F); }
 
-void DefocusEngine::SetOutputOffset(float value) { outputOffset = Limit(value, -5.0F, 5.0F); }
+void DefocusEngine::SetOutputOffset(float value) { gamma_.offset = Limit(value, -5.0F, 5.0F); }
 
-bool DefocusEngine::Fail(std::int32_t code) {
-  status.store(code, std::memory_order_relaxed);
-  return false;
-}
-
-ImageRec* DefocusEngine::PrepareMask(std::int32_t width, std::int32_t height) {
-  if (psfMask != nullptr && (psfMask->width != width || psfMask->height != height)) {
-    ImageFree(psfMask);
-    psfMask = nullptr;
+ImageRec* DefocusEngine::PrepareMask(Size frame) {
+  if (psfMask_ != nullptr && SizeOf(*psfMask_) != frame) {
+    psfMask_.reset();
   }
-  if (psfMask == nullptr) {
-    psfMask = ImageCreate(width, height, 1, kSampleU8, 1);
+  if (psfMask_ == nullptr) {
+    psfMask_.reset(ImageCreate(frame.width, frame.height, 1, kSampleU8, 1));
   }
-  if (psfMask == nullptr) {
+  if (psfMask_ == nullptr) {
     Fail(kStatusNoMemory);
     return nullptr;
   }
-  std::memset(psfMask->data, 0, static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-  return psfMask;
+  std::memset(psfMask_->data, 0,
+              static_cast<std::size_t>(frame.width) * static_cast<std::size_t>(frame.height));
+  return psfMask_.get();
 }
 
 void DefocusEngine::BuildShapePsf(std::int32_t width, std::int32_t height, std::int32_t shape,
                                   float radiusX, float radiusY, float rotation,
                                   std::int32_t sides) {
-  const std::int32_t newMargin = OutlineMargin(radiusX > radiusY ? radiusX : radiusY);
-  ImageRec* mask = PrepareMask(width, height);
+  const std::int32_t margin = OutlineMargin(radiusX > radiusY ? radiusX : radiusY);
+  ImageRec* mask = PrepareMask({width, height});
   if (mask == nullptr) {
     return;
   }
@@ -170,8 +119,8 @@ void DefocusEngine::BuildShapePsf(std::int32_t width, std::int32_t height, std::
                            radiusX,
                            radiusY,
                            rotation,
-                           aspectX,
-                           aspectY};
+                           aspectX_,
+                           aspectY_};
   switch (shape) {
     case 1:
       FillConvexPolygon(mask, MakeEllipse(frame));
@@ -188,130 +137,155 @@ void DefocusEngine::BuildShapePsf(std::int32_t width, std::int32_t height, std::
     default:
       break;  // an empty mask, which is loaded like any other
   }
-  LoadPsf(mask, newMargin);
+  LoadPsf(mask, margin);
 }
 
-bool DefocusEngine::LoadPsf(ImageRec* mask, std::int32_t newMargin) {
+void DefocusEngine::BuildImagePsf(const ImageRec* image, std::int32_t centreX, std::int32_t centreY,
+                                  float innerRadius, float falloff) {
+  if (image == nullptr) {
+    return;
+  }
+  if (falloff < 1.0F) {
+    falloff = 1.0F;
+  }
+  const std::int32_t margin = OutlineMargin(static_cast<double>(innerRadius) + falloff);
+  if (image->sampleType == kSampleFloat) {
+    Fail(kStatusFloatImage);
+    return;
+  }
+  if (!ImageHasSamples(image)) {
+    Fail(kStatusSizeRange);
+    return;
+  }
+  ImageRec* mask = PrepareMask(SizeOf(*image));
+  if (mask == nullptr) {
+    return;
+  }
+  CutImageMask(*image, {centreX, centreY, innerRadius, falloff}, mask);
+  LoadPsf(mask, margin);
+}
+
+bool DefocusEngine::LoadPsf(ImageRec* mask, std::int32_t margin) {
   if (mask == nullptr) {
     return Fail(kStatusNotLoaded);
   }
-  std::int64_t wholeMargin = newMargin;
-  if (psfSoftness > kLeastSoftness) {
+  std::int64_t wholeMargin = margin;
+  if (psfSoftness_ > kLeastSoftness) {
     constexpr std::int32_t kAllChannels = -1;
-    ImageBlur(mask, psfSoftness, psfSoftness, kAllChannels);
-    wholeMargin += std::int64_t{TruncateToInt32(std::ceil(psfSoftness))} + 1;
+    ImageBlur(mask, psfSoftness_, psfSoftness_, kAllChannels);
+    wholeMargin += std::int64_t{TruncateToInt32(std::ceil(psfSoftness_))} + 1;
   }
-  const auto rounded =
-      static_cast<std::int32_t>(std::clamp<std::int64_t>(wholeMargin, INT32_MIN, INT32_MAX));
-  switch (engineMode) {
-    case kModeKernelF64:
-      return LoadPsfKernel<double>(mask, rounded);
-    case kModeNone:
-      return false;
-    case kModeFftw:
-      return LoadPsfFftw(mask, rounded);
-    default:
-      return LoadPsfKernel<float>(mask, rounded);
+  if (backend_ == nullptr) {
+    return false;
   }
+  if (!ImageHasSamples(mask)) {
+    return Fail(kStatusSizeRange);
+  }
+  psfImage_ = mask;
+  margin_ = NarrowMargin(wholeMargin);
+  place_.frame = SizeOf(*mask);
+  const GridSides sides = backend_->GridFor(place_.frame, margin_);
+  if (!IsAllowedGrid(sides)) {
+    psfImage_ = nullptr;
+    return Fail(kStatusSizeRange);
+  }
+  const Size grid{static_cast<std::int32_t>(sides.width), static_cast<std::int32_t>(sides.height)};
+  if (grid != place_.grid || grid != loadedGrid_) {
+    backend_->FreeGrids();
+    loadedGrid_ = grid;
+  }
+  place_ = PlaceFrame(place_.frame, grid);
+  const std::int32_t loaded = backend_->Load(*mask, place_, &rows_);
+  if (loaded != kStatusOk && !backend_->GetRules().keepsMask) {
+    psfImage_ = nullptr;
+  }
+  return Finish(loaded);
 }
 
 bool DefocusEngine::SetSourceImage(const ImageRec* image) {
-  sourceImage = nullptr;
-  if (image == nullptr || image->width != frameWidth || image->height != frameHeight) {
+  sourceImage_ = nullptr;
+  if (image == nullptr || SizeOf(*image) != place_.frame) {
     return Fail(kStatusSourceSize);
   }
   if (!ImageHasSamples(image)) {
     return Fail(kStatusSizeRange);
   }
-  sourceImage = image;
+  sourceImage_ = image;
   return true;
-}
-
-bool DefocusEngine::Convolve(ImageRec* dest, std::uint32_t channelMask) {
-  switch (engineMode) {
-    case kModeKernelF64:
-      return ConvolveKernel<double>(dest, channelMask);
-    case kModeNone:
-      return false;
-    case kModeFftw:
-      return ConvolveFftw(dest, channelMask);
-    default:
-      return ConvolveKernel<float>(dest, channelMask);
-  }
-}
-
-bool DefocusEngine::ConvolveChannels(ImageRec* dest, std::uint32_t channelMask) {
-  switch (engineMode) {
-    case kModeKernelF64:
-      return ConvolveChannelsKernel<double>(dest, channelMask);
-    case kModeNone:
-      return false;
-    case kModeFftw:
-      return ConvolveChannelsFftw(dest, channelMask);
-    default:
-      return ConvolveChannelsKernel<float>(dest, channelMask);
-  }
-}
-
-bool DefocusEngine::TakeMask(const ImageRec* mask, std::int32_t newMargin) {
-  if (!ImageHasSamples(mask)) {
-    return Fail(kStatusSizeRange);
-  }
-  psfImage = mask;
-  margin = newMargin;
-  frameWidth = mask->width;
-  frameHeight = mask->height;
-  return true;
-}
-
-void DefocusEngine::SetGrid(std::int32_t width, std::int32_t height) {
-  if (width != paddedWidth || height != paddedHeight || width != gridWidth_ ||
-      height != gridHeight_) {
-    FreeGrids();
-    FreeKernelGrids();
-    paddedWidth = width;
-    paddedHeight = height;
-    gridWidth_ = width;
-    gridHeight_ = height;
-  }
 }
 
 // A load that failed may have moved the frame's size on, away from the grids: a frame
 // that no longer fits into them has no PSF.
-bool DefocusEngine::FitsGrid() const {
-  return gridWidth_ == paddedWidth && gridHeight_ == paddedHeight && offsetX >= 0 && offsetY >= 0 &&
-         offsetX + frameWidth <= paddedWidth && offsetY + frameHeight <= paddedHeight;
+bool DefocusEngine::HasPsf() const {
+  return backend_->IsLoaded() && (psfImage_ != nullptr || backend_->GetRules().keepsMask) &&
+         loadedGrid_ == place_.grid && place_.Fits();
 }
 
 bool DefocusEngine::CheckRun(const ImageRec* dest) {
-  if (psfSpatial == nullptr || psfSpectrum == nullptr || psfPlan == nullptr ||
-      sourceImage == nullptr || !FitsGrid()) {
+  if (sourceImage_ == nullptr || !HasPsf()) {
     return Fail(kStatusNotLoaded);
   }
-  return CheckDestination(dest);
-}
-
-bool DefocusEngine::CheckDestination(const ImageRec* dest) {
-  if (dest == nullptr || dest->width != sourceImage->width || dest->height != sourceImage->height ||
-      dest->sampleType != sourceImage->sampleType) {
+  if (dest == nullptr || SizeOf(*dest) != SizeOf(*sourceImage_) ||
+      dest->sampleType != sourceImage_->sampleType) {
     return Fail(kStatusDestination);
   }
-  if (!ImageHasSamples(dest)) {
-    return Fail(kStatusSizeRange);
-  }
-  return true;
+  return ImageHasSamples(dest) || Fail(kStatusSizeRange);
 }
 
-void DefocusEngine::RunRows(PassFunction pass, std::int32_t count) {
-  if (parallelFor != nullptr && callbackContext != nullptr) {
-    parallelFor(callbackContext, pass, count, this);
+bool DefocusEngine::Convolve(ImageRec* dest, std::uint32_t channelMask) {
+  if (backend_ == nullptr || !CheckRun(dest)) {
+    return false;
+  }
+  if (sourceImage_->sampleType == kSampleFloat && !backend_->GetRules().takesFloat) {
+    return Fail(kStatusFloatImage);
+  }
+  if (std::min(sourceImage_->channels, dest->channels) < 3 ||
+      (channelMask & kColourBits) != kColourBits) {
+    return Fail(kStatusChannels);
+  }
+  return Finish(backend_->Convolve({sourceImage_, dest, place_, channelMask}, look_, &rows_));
+}
+
+bool DefocusEngine::ConvolveChannels(ImageRec* dest, std::uint32_t channelMask) {
+  if (backend_ == nullptr || !CheckRun(dest)) {
+    return false;
+  }
+  return Finish(
+      backend_->ConvolveChannels({sourceImage_, dest, place_, channelMask}, look_, gamma_, &rows_));
+}
+
+TransformLibrary* DefocusEngine::Library() const {
+  TransformLibrary* own = backend_ != nullptr ? backend_->Library() : nullptr;
+  return own != nullptr ? own : library_.get();
+}
+
+bool DefocusEngine::ImportWisdom() { return Library() != nullptr && Library()->ImportWisdom(); }
+
+bool DefocusEngine::ExportWisdom() { return Library() != nullptr && Library()->ExportWisdom(); }
+
+bool DefocusEngine::Fail(std::int32_t code) {
+  rows_.SetStatus(code);
+  return false;
+}
+
+bool DefocusEngine::Finish(std::int32_t code) {
+  if (code != kStatusOk && code != kRefused) {
+    Fail(code);
+  }
+  return code == kStatusOk;
+}
+
+void DefocusEngine::DivideRows(void* owner, std::int32_t count) {
+  auto* engine = static_cast<DefocusEngine*>(owner);
+  if (engine->parallelFor_ != nullptr && engine->rows_.Context() != nullptr) {
+    engine->parallelFor_(engine->rows_.Context(), RunRange, count, engine);
   } else {
-    pass(this, 0, count - 1);
+    RunRange(engine, 0, count - 1);
   }
 }
 
-bool DefocusEngine::CancelRequested() const {
-  return cancelQuery != nullptr && cancelQuery(callbackContext) != 0;
+void DefocusEngine::RunRange(DefocusEngine* engine, std::int32_t first, std::int32_t last) {
+  engine->rows_.RunRange(first, last);
 }
 
 }  // namespace lx

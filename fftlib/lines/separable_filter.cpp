@@ -1,12 +1,14 @@
-// The separable filter: lines of an image through a kernel, by real transforms.
+#include "fftlib/lines/separable_filter.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <numeric>
+#include <type_traits>
 
 #include "baselib/utils/convert.h"
 #include "baselib/utils/heap.h"
-#include "fftlib/fftlib.h"
+#include "fftlib/core/run.h"
 #include "fftlib/lines/line_transforms.h"
 #include "fftlib/planes/sample_types.h"
 
@@ -44,11 +46,12 @@ class FilterLines {
 // The kernel and its mirror image in a line of zeros, with sum 1.
 // Intended: the mirror image lies one place short of where a circle would have it, and the last
 // place stays 0. A sum of 0 or below is multiplied by itself.
-void FillKernelLine(const DefocusEngine& engine, std::int32_t length, float* line) {
-  const std::int32_t count = std::min(engine.separableKernelLength, length);
-  std::copy_n(engine.separableKernel, count, line);
+void FillKernelLine(const float* kernel, std::int32_t kernelLength, std::int32_t length,
+                    float* line) {
+  const std::int32_t count = std::min(kernelLength, length);
+  std::copy_n(kernel, count, line);
   for (std::int32_t i = 1; i < count && i < length; ++i) {
-    line[length - 1 - i] = engine.separableKernel[i];
+    line[length - 1 - i] = kernel[i];
   }
   const double sum = std::accumulate(line, line + length, 0.0);
   const double factor = sum > 0.0 ? 1.0 / sum : sum;
@@ -96,135 +99,158 @@ void StoreLine(const float* line, std::int32_t length, const Samples<Sample>& to
   }
 }
 
-// What distinguishes the two passes.
-struct Direction {
-  bool alongRows;
+// Filters the lines of one direction.
+struct FilterPass {
   const ImageRec* source;
+  ImageRec* dest;
+  const float* kernel;
+  std::int32_t kernelLength;
+  std::uint32_t channelMask;
+  std::int32_t edgeMode;
+  bool alongRows;
   std::int32_t padded;  // length of a line with its margins
+
+  void operator()(Rows& rows, std::int32_t first, std::int32_t last) const;
+
+  // One channel of line index of an image of the source's size.
+  template <class Sample>
+  Samples<Sample> LineOf(Sample* data, std::int32_t channels, std::int32_t channel,
+                         std::int32_t index) const {
+    const std::ptrdiff_t pixel = channels;
+    const std::ptrdiff_t row = pixel * source->width;
+    return {data + index * (alongRows ? row : pixel) + channel, alongRows ? pixel : row,
+            alongRows ? source->width : source->height};
+  }
+
+  template <class Sample>
+  void FilterLine(std::int32_t channel, std::int32_t index, const FilterLines& lines) const {
+    const LineTransforms<float>* transforms = FindRealLineTransforms(padded);
+    if (transforms == nullptr) {
+      return;
+    }
+    LoadLine(LineOf(static_cast<const Sample*>(source->data), source->channels, channel, index),
+             edgeMode, padded, lines.Line());
+    transforms->forward(lines.Line());
+    transforms->multiply(lines.Line(), lines.Kernel());
+    transforms->inverse(lines.Line());
+    StoreLine(lines.Line(), padded,
+              LineOf(static_cast<Sample*>(dest->data), dest->channels, channel, index));
+  }
 };
 
-template <class Sample>
-void FilterLine(const DefocusEngine& engine, const Direction& direction, std::int32_t channel,
-                std::int32_t index, const FilterLines& lines) {
-  const auto samples = [&](auto* data, std::int32_t channels) {
-    const ImageRec& image = *direction.source;
-    const std::ptrdiff_t pixel = channels;
-    const std::ptrdiff_t row = pixel * image.width;
-    return Samples<std::remove_pointer_t<decltype(data)>>{
-        data + index * (direction.alongRows ? row : pixel) + channel,
-        direction.alongRows ? pixel : row, direction.alongRows ? image.width : image.height};
-  };
-  ImageRec* dest = engine.passDest;
-  const LineTransforms<float>* transforms = FindRealLineTransforms(direction.padded);
-  if (transforms == nullptr) {
-    return;
-  }
-  LoadLine(samples(static_cast<const Sample*>(direction.source->data), direction.source->channels),
-           engine.edgeMode, direction.padded, lines.Line());
-  transforms->forward(lines.Line());
-  transforms->multiply(lines.Line(), lines.Kernel());
-  transforms->inverse(lines.Line());
-  StoreLine(lines.Line(), direction.padded,
-            samples(static_cast<Sample*>(dest->data), dest->channels));
-}
-
-void FilterRange(DefocusEngine* engine, const Direction& direction, std::int32_t first,
-                 std::int32_t last) {
-  engine->status.store(kStatusOk, std::memory_order_relaxed);
-  const FilterLines lines(direction.padded);
+void FilterPass::operator()(Rows& rows, std::int32_t first, std::int32_t last) const {
+  const FilterLines lines(padded);
   if (!lines.AreThere()) {
-    engine->status.store(kStatusNoMemory, std::memory_order_relaxed);
+    rows.SetStatus(kStatusNoMemory);
     return;
   }
-  FillKernelLine(*engine, direction.padded, lines.Kernel());
-  if (const LineTransforms<float>* transforms = FindRealLineTransforms(direction.padded)) {
+  FillKernelLine(kernel, kernelLength, padded, lines.Kernel());
+  if (const LineTransforms<float>* transforms = FindRealLineTransforms(padded)) {
     transforms->forward(lines.Kernel());
     transforms->scale(lines.Kernel());
   }
-  using Filter = void (*)(const DefocusEngine&, const Direction&, std::int32_t, std::int32_t,
-                          const FilterLines&);
-  constexpr Filter kFilters[] = {FilterLine<std::uint8_t>, FilterLine<std::uint16_t>,
-                                 FilterLine<std::uint32_t>, FilterLine<float>};
-  const std::int32_t channels =
-      std::min<std::int32_t>(direction.source->channels, engine->passDest->channels);
+  using Filter = void (FilterPass::*)(std::int32_t, std::int32_t, const FilterLines&) const;
+  constexpr Filter kFilters[] = {
+      &FilterPass::FilterLine<std::uint8_t>, &FilterPass::FilterLine<std::uint16_t>,
+      &FilterPass::FilterLine<std::uint32_t>, &FilterPass::FilterLine<float>};
+  const Filter filter = kFilters[source->sampleType];
+  const std::int32_t channels = std::min<std::int32_t>(source->channels, dest->channels);
   for (std::int32_t c = 0; c < channels; ++c) {
-    if ((engine->passChannelBit & (1U << (static_cast<std::uint32_t>(c) & 31U))) == 0) {
-      continue;
-    }
-    for (std::int32_t i = first; i <= last && !engine->CancelRequested(); ++i) {
-      kFilters[direction.source->sampleType](*engine, direction, c, i, lines);
+    if (HasChannel(channelMask, c)) {
+      ForEachRow(rows, first, last, [&](std::int32_t i) { (this->*filter)(c, i, lines); });
     }
   }
-}
-
-void FilterRowsPass(DefocusEngine* engine, std::int32_t first, std::int32_t last) {
-  FilterRange(engine, {true, engine->separableRowSource, engine->separablePaddedWidth}, first,
-              last);
-}
-
-void FilterColumnsPass(DefocusEngine* engine, std::int32_t first, std::int32_t last) {
-  FilterRange(engine, {false, engine->separableColumnSource, engine->separablePaddedHeight}, first,
-              last);
 }
 
 }  // namespace
 
-bool DefocusEngine::PrepareSeparable(const ImageRec* image) {
-  separableSource = nullptr;
-  if (!ImageHasSamples(image)) {
-    return Fail(kStatusSizeRange);
-  }
-  separableWidth = image->width;
-  separableHeight = image->height;
-  const std::int64_t margins = 2 * std::int64_t{separableKernelLength};
-  const std::int64_t width = NextPowerOfTwo(separableWidth + margins);
-  const std::int64_t height = NextPowerOfTwo(separableHeight + margins);
-  if (width < 2 || width > kLargestPaddedSize || height < 2 || height > kLargestPaddedSize) {
-    return Fail(kStatusSizeRange);
-  }
-  separablePaddedWidth = static_cast<std::int32_t>(width);
-  separablePaddedHeight = static_cast<std::int32_t>(height);
-  // Intended: the clone of an earlier call is not freed.
-  separableWork = ImageClone(image);
-  if (separableWork == nullptr) {
-    return Fail(kStatusNoMemory);
-  }
-  separableSource = image;
-  return true;
+SeparableFilter::~SeparableFilter() {
+  kernel_.reset();
+  ImageFree(work_);
 }
 
-bool DefocusEngine::FilterSeparable(ImageRec* dest, std::uint32_t channelMask,
-                                    std::uint32_t direction) {
-  if (separableKernel == nullptr || separableSource == nullptr) {
-    return Fail(kStatusNotLoaded);
+std::int32_t SeparableFilter::SetKernel(const float* kernel, std::int32_t count) {
+  kernel_.reset();
+  kernelLength_ = 0;
+  if (kernel == nullptr || count < 1) {
+    return kRefused;
   }
-  if (dest == nullptr || dest->width != separableWidth || dest->height != separableHeight ||
-      dest->sampleType != separableSource->sampleType) {
-    return Fail(kStatusDestination);
+  kernel_ = AllocateFloats(count);
+  if (kernel_ == nullptr) {
+    return kStatusNoMemory;
   }
-  if (!ImageHasSamples(dest) || !ImageHasSamples(separableSource)) {
-    return Fail(kStatusSizeRange);
+  std::copy_n(kernel, count, kernel_.get());
+  kernelLength_ = count;
+  return kStatusOk;
+}
+
+std::int32_t SeparableFilter::MakeKernel(std::int32_t type, float radius, float parameter) {
+  const std::int32_t length = FilterKernelLength(type, radius);
+  if (length == 0) {
+    return kRefused;
   }
-  const bool rows = (direction & kAlongRows) != 0;
-  const bool columns = (direction & kAlongColumns) != 0;
-  passChannelBit = channelMask;
-  if (rows) {
-    separableRowSource = separableSource;
-    passDest = columns ? separableWork : dest;
-    RunRows(FilterRowsPass, dest->height);
-    if (GetStatus() != kStatusOk) {
-      return false;
+  const Floats kernel = AllocateFloats(length);
+  if (kernel == nullptr) {
+    return kStatusNoMemory;
+  }
+  FillFilterKernel(type, radius, parameter, length, kernel.get());
+  return SetKernel(kernel.get(), length);
+}
+
+std::int32_t SeparableFilter::Prepare(const ImageRec* image) {
+  source_ = nullptr;
+  if (!ImageHasSamples(image)) {
+    return kStatusSizeRange;
+  }
+  size_ = {image->width, image->height};
+  // Before any kernel its length is below 0, which must not make a line shorter than the image's.
+  const std::int64_t width = PaddedSide(size_.width, kernelLength_);
+  const std::int64_t height = PaddedSide(size_.height, kernelLength_);
+  if (!IsPaddedSide(width) || !IsPaddedSide(height)) {
+    return kStatusSizeRange;
+  }
+  padded_ = {static_cast<std::int32_t>(width), static_cast<std::int32_t>(height)};
+  // Intended: the clone of an earlier call is not freed.
+  work_ = ImageClone(image);
+  if (work_ == nullptr) {
+    return kStatusNoMemory;
+  }
+  source_ = image;
+  return kStatusOk;
+}
+
+std::int32_t SeparableFilter::Filter(ImageRec* dest, std::uint32_t channelMask,
+                                     std::uint32_t direction, std::int32_t edgeMode, Rows* rows) {
+  if (kernel_ == nullptr || source_ == nullptr) {
+    return kStatusNotLoaded;
+  }
+  if (dest == nullptr || dest->width != size_.width || dest->height != size_.height ||
+      dest->sampleType != source_->sampleType) {
+    return kStatusDestination;
+  }
+  if (!ImageHasSamples(dest) || !ImageHasSamples(source_)) {
+    return kStatusSizeRange;
+  }
+  const bool alongRows = (direction & kAlongRows) != 0;
+  const bool alongColumns = (direction & kAlongColumns) != 0;
+  FilterPass pass{source_,     dest,     kernel_.get(),      kernelLength_,
+                  channelMask, edgeMode, /*alongRows=*/true, padded_.width};
+  if (alongRows) {
+    pass.dest = alongColumns ? work_ : dest;
+    rows->Run(pass, dest->height);
+    if (rows->Status() != kStatusOk) {
+      return rows->Status();
     }
+    pass.source = work_;
   }
-  if (columns) {
-    separableColumnSource = rows ? separableWork : separableSource;
-    passDest = dest;
-    RunRows(FilterColumnsPass, dest->width);
-    if (GetStatus() != kStatusOk) {
-      return false;
-    }
+  if (alongColumns) {
+    pass.dest = dest;
+    pass.alongRows = false;
+    pass.padded = padded_.height;
+    rows->Run(pass, dest->width);
+    return rows->Status();
   }
-  return true;
+  return kStatusOk;
 }
 
 }  // namespace lx

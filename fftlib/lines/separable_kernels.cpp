@@ -1,12 +1,10 @@
-// Kernels of the separable filter: their right halves, the middle first.
+#include "fftlib/lines/separable_kernels.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <memory>
 
 #include "baselib/utils/convert.h"
-#include "baselib/utils/heap.h"
-#include "fftlib/fftlib.h"
 
 namespace lx {
 namespace {
@@ -91,66 +89,39 @@ double FilterValue(std::int32_t type, std::int32_t i, double radius, double a) {
   }
 }
 
-// 0 for a kernel that would be too long.
-std::int32_t FilterLength(std::int32_t type, double radius) {
-  const bool endsAtOnce = type == kBox || type == kTriangle;
-  const std::int64_t whole = TruncateToInt32(endsAtOnce ? radius : std::ceil(radius));
-  const std::int64_t length = endsAtOnce ? whole + 1 : 2 * whole + 1;
-  return length < 1 || length > kLongestKernel ? 0 : static_cast<std::int32_t>(length);
-}
-
-struct FreeBlock {
-  void operator()(float* block) const { lx_free(block); }
-};
-using Floats = std::unique_ptr<float, FreeBlock>;
-
-Floats AllocateFloats(std::int32_t count) {
-  return Floats(static_cast<float*>(
-      lx_malloc(static_cast<std::uint32_t>(count) * static_cast<std::uint32_t>(sizeof(float)))));
+// The radius that a kernel of that type is made for.
+double RaiseRadius(std::int32_t type, float radius) {
+  const float least = type == kBox ? 1.0F : 0.01F;
+  return static_cast<double>(radius < least ? least : radius);
 }
 
 }  // namespace
 
-bool DefocusEngine::SetSeparableKernel(const float* kernel, std::int32_t count) {
-  if (separableKernel != nullptr) {
-    lx_free(separableKernel);
-    separableKernel = nullptr;
-  }
-  separableKernelLength = 0;
-  if (kernel == nullptr || count < 1) {
-    return false;
-  }
-  if (static_cast<std::uint32_t>(count) <= 0xFFFFFFFFU / sizeof(float)) {
-    separableKernel = AllocateFloats(count).release();
-  }
-  if (separableKernel == nullptr) {
-    return Fail(kStatusNoMemory);
-  }
-  std::copy_n(kernel, count, separableKernel);
-  separableKernelLength = count;
-  return true;
+Floats AllocateFloats(std::int32_t count) {
+  const std::uint64_t bytes = static_cast<std::uint64_t>(std::max(count, 0)) * sizeof(float);
+  return Floats(bytes == 0 || bytes > 0xFFFFFFFFU
+                    ? nullptr
+                    : static_cast<float*>(lx_malloc(static_cast<std::uint32_t>(bytes))));
 }
 
-bool DefocusEngine::MakeFilterKernel(std::int32_t type, float radius, float parameter,
-                                     float /*spare*/) {
+std::int32_t FilterKernelLength(std::int32_t type, float radius) {
   if (!IsFilterType(type)) {
-    return false;
+    return 0;
   }
-  const float least = type == kBox ? 1.0F : 0.01F;
-  const double r = static_cast<double>(radius < least ? least : radius);
+  const double r = RaiseRadius(type, radius);
+  const bool endsAtOnce = type == kBox || type == kTriangle;
+  const std::int64_t whole = TruncateToInt32(endsAtOnce ? r : std::ceil(r));
+  const std::int64_t length = endsAtOnce ? whole + 1 : 2 * whole + 1;
+  return length < 1 || length > kLongestKernel ? 0 : static_cast<std::int32_t>(length);
+}
+
+void FillFilterKernel(std::int32_t type, float radius, float parameter, std::int32_t length,
+                      float* kernel) {
+  const double r = RaiseRadius(type, radius);
   const double a = parameter == 0.0F ? -0.75 : static_cast<double>(parameter);
-  const std::int32_t length = FilterLength(type, r);
-  if (length == 0) {
-    return false;
-  }
-  const Floats kernel = AllocateFloats(length);
-  if (kernel == nullptr) {
-    return Fail(kStatusNoMemory);
-  }
   for (std::int32_t i = 0; i < length; ++i) {
-    kernel.get()[i] = NarrowToFloat(FilterValue(type, i, r, a));
+    kernel[i] = NarrowToFloat(FilterValue(type, i, r, a));
   }
-  return SetSeparableKernel(kernel.get(), length);
 }
 
 }  // namespace lx

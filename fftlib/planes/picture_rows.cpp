@@ -6,7 +6,6 @@
 #include <type_traits>
 
 #include "baselib/utils/convert.h"
-#include "fftlib/fftlib.h"
 #include "fftlib/planes/colour_transform.h"
 #include "fftlib/planes/sample_types.h"
 
@@ -132,9 +131,8 @@ void StoreRow(const PlaneRow& planes, const PlaneScale& scale, std::int32_t widt
 
 }  // namespace
 
-bool HasCurve(const DefocusEngine& engine) {
-  return engine.passChannelBit == kBitLuma ||
-         (engine.passChannelBit == kBitAlpha && engine.emphasisAlpha);
+bool HasCurve(std::uint32_t channelBit, const Look& look) {
+  return channelBit == kBitLuma || (channelBit == kBitAlpha && look.emphasisAlpha);
 }
 
 void FillFromPicture(const ImageRec& source, std::uint32_t channelBit, RowPiece piece,

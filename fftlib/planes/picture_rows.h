@@ -3,12 +3,11 @@
 
 #include <cstdint>
 
+#include "fftlib/core/run.h"
 #include "fftlib/planes/row_kernels.h"
 #include "imagelib/imagelib.h"
 
 namespace lx {
-
-class DefocusEngine;
 
 // The pixels from (x, y) on to the right.
 struct RowPiece {
@@ -17,8 +16,8 @@ struct RowPiece {
   std::int32_t width;
 };
 
-// Whether the emphasis curve belongs to the plane in work; chroma has none.
-bool HasCurve(const DefocusEngine& engine);
+// Whether the emphasis curve belongs to the plane of a channel bit; chroma has none.
+bool HasCurve(std::uint32_t channelBit, const Look& look);
 
 // The plane of a channel bit from 0 to 1, before any curve. Float samples are not read, and give
 // zeros.

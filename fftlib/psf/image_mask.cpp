@@ -1,4 +1,5 @@
-// A soft disc cut out of a picture becomes the PSF mask.
+#include "fftlib/psf/image_mask.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -6,8 +7,6 @@
 #include <cstring>
 
 #include "baselib/utils/convert.h"
-#include "fftlib/fftlib.h"
-#include "fftlib/psf/psf_outlines.h"
 
 namespace lx {
 namespace {
@@ -36,25 +35,25 @@ double DiscWeight(double distance, float innerRadius, float falloff) {
   return 1.0 - (f < 0.0 ? 0.0 : f > 1.0 ? 1.0 : f);
 }
 
-void CutDisc(const ImageRec& image, std::int32_t centreX, std::int32_t centreY, float innerRadius,
-             float falloff, std::uint8_t* mask) {
+void CutDisc(const ImageRec& image, const MaskDisc& disc, std::uint8_t* mask) {
   const std::int32_t width = image.width;
   const std::int32_t height = image.height;
   for (std::int32_t y = 0; y < height; ++y) {
-    const std::int64_t dy = std::int64_t{y} - centreY;
+    const std::int64_t dy = std::int64_t{y} - disc.centreY;
     const std::int64_t targetY = dy + height / 2;
     if (targetY < 0 || targetY >= height) {
       continue;
     }
     for (std::int32_t x = 0; x < width; ++x) {
-      const std::int64_t dx = std::int64_t{x} - centreX;
+      const std::int64_t dx = std::int64_t{x} - disc.centreX;
       const std::int64_t targetX = dx + width / 2;
       if (targetX < 0 || targetX >= width) {
         continue;
       }
       const double distance = std::sqrt(static_cast<double>(dx) * static_cast<double>(dx) +
                                         static_cast<double>(dy) * static_cast<double>(dy));
-      const double value = FirstSample8(image, x, y) * DiscWeight(distance, innerRadius, falloff);
+      const double value =
+          FirstSample8(image, x, y) * DiscWeight(distance, disc.innerRadius, disc.falloff);
       mask[targetY * width + targetX] = static_cast<std::uint8_t>(TruncateToUnsigned(value, 255.0));
     }
   }
@@ -62,29 +61,9 @@ void CutDisc(const ImageRec& image, std::int32_t centreX, std::int32_t centreY, 
 
 }  // namespace
 
-void DefocusEngine::BuildImagePsf(const ImageRec* image, std::int32_t centreX, std::int32_t centreY,
-                                  float innerRadius, float falloff) {
-  if (image == nullptr) {
-    return;
-  }
-  if (falloff < 1.0F) {
-    falloff = 1.0F;
-  }
-  const std::int32_t newMargin = OutlineMargin(static_cast<double>(innerRadius) + falloff);
-  if (image->sampleType == kSampleFloat) {
-    Fail(kStatusFloatImage);
-    return;
-  }
-  if (!ImageHasSamples(image)) {
-    Fail(kStatusSizeRange);
-    return;
-  }
-  ImageRec* mask = PrepareMask(image->width, image->height);
-  if (mask == nullptr) {
-    return;
-  }
+void CutImageMask(const ImageRec& image, const MaskDisc& disc, ImageRec* mask) {
   auto* pixels = static_cast<std::uint8_t*>(mask->data);
-  CutDisc(*image, centreX, centreY, innerRadius, falloff, pixels);
+  CutDisc(image, disc, pixels);
   const std::ptrdiff_t count = static_cast<std::ptrdiff_t>(mask->width) * mask->height;
   const auto [smallest, largest] = std::minmax_element(pixels, pixels + count);
   if (*smallest == *largest) {
@@ -92,7 +71,6 @@ void DefocusEngine::BuildImagePsf(const ImageRec* image, std::int32_t centreX, s
     std::fill(pixels, pixels + count, std::uint8_t{0});
     pixels[static_cast<std::ptrdiff_t>(mask->height / 2) * mask->width + mask->width / 2] = 255;
   }
-  LoadPsf(mask, newMargin);
 }
 
 }  // namespace lx

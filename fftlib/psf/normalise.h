@@ -9,7 +9,7 @@
 
 #include "baselib/utils/heap.h"
 #include "fftlib/core/complex_sample.h"
-#include "fftlib/fftlib.h"
+#include "fftlib/core/status.h"
 
 namespace lx {
 
@@ -83,6 +83,11 @@ std::int32_t NormaliseAndShift(Sample* buffer, std::int32_t width, std::int32_t 
   ScaleAndRotate(buffer, width, height, hold(1.0 / sum), line);
   lx_free(line);
   return kStatusOk;
+}
+
+// The same for a grid of plain numbers.
+inline std::int32_t NormaliseAndShiftPsf(double* buffer, std::int32_t width, std::int32_t height) {
+  return NormaliseAndShift(buffer, width, height, [](double scale) { return scale; });
 }
 
 }  // namespace lx

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 
 #include "baselib/utils/convert.h"
 
@@ -89,14 +88,6 @@ PsfPolygon MakeRectangle(const OutlineFrame& frame) { return MakeRectangleOutlin
 
 PsfPolygon MakeCentredRectangle(const OutlineFrame& frame) {
   return MakeRectangleOutline(frame, true);
-}
-
-std::int32_t OutlineMargin(double larger) {
-  const double rounded = std::ceil(larger);
-  if (!(rounded <= 8192.0)) {
-    return std::numeric_limits<std::int32_t>::max() / 4;
-  }
-  return TruncateToInt32(rounded) + 1;
 }
 
 }  // namespace lx

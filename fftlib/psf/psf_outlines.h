@@ -36,8 +36,4 @@ PsfPolygon MakeRectangle(const OutlineFrame& frame);
 // The same, moved towards the centre.
 PsfPolygon MakeCentredRectangle(const OutlineFrame& frame);
 
-// The margin that an outline of these radii needs: the larger one rounded up, plus 1.
-// A radius too large for any grid, or not finite, gives a margin that no grid can hold.
-std::int32_t OutlineMargin(double larger);
-
 }  // namespace lx

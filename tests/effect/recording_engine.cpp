@@ -37,19 +37,21 @@ namespace lx {
 using lx_test::Add;
 using lx_test::Record;
 
-DefocusEngine::DefocusEngine(std::int32_t mode) : engineMode(mode) { ++Record().alive; }
+DefocusEngine::DefocusEngine(std::int32_t mode) : mode_(mode), rows_(this, DivideRows) {
+  ++Record().alive;
+}
 
 DefocusEngine::~DefocusEngine() { --Record().alive; }
 
 bool DefocusEngine::SetParallelFor(void* context, ParallelForFunction function) {
-  callbackContext = context;
-  parallelFor = function;
+  rows_.SetContext(context);
+  parallelFor_ = function;
   Add("SetParallelFor");
   return true;
 }
 
 bool DefocusEngine::SetCancelQuery(void* /*context*/, CancelQueryFunction function) {
-  cancelQuery = function;
+  rows_.SetCancelQuery(function);
   Add("SetCancelQuery");
   return true;
 }
@@ -72,7 +74,7 @@ void DefocusEngine::BuildImagePsf(const ImageRec* image, std::int32_t centreX, s
 
 bool DefocusEngine::SetSourceImage(const ImageRec* image) {
   Add("SetSourceImage", image->channels, image->sampleType);
-  sourceImage = image;
+  sourceImage_ = image;
   return true;
 }
 
@@ -93,5 +95,8 @@ bool DefocusEngine::Convolve(ImageRec* dest, std::uint32_t channelMask) {
               std::uint16_t{2000});
   return true;
 }
+
+// No pass is ever run.
+void DefocusEngine::DivideRows(void* /*owner*/, std::int32_t /*count*/) {}
 
 }  // namespace lx

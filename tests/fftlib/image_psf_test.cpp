@@ -283,7 +283,7 @@ TEST(ImagePsf, KeepsTheEarlierPsfWhereItsMaskCannotBeMade) {
   DefocusEngine engine;
   engine.BuildImagePsf(first.get(), 8, 8, 3, 2);
   const double* const spatial = Inside(engine).psfSpatial();
-  const DefocusEngine::Complex* const spectrum = Inside(engine).psfSpectrum();
+  const lx::FftGrids::Complex* const spectrum = Inside(engine).psfSpectrum();
   lx_test::HeapFaults heap;
   heap.RefuseAll();
 

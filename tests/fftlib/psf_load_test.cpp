@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "fftlib/fftlib.h"
+#include "fftlib/psf/normalise.h"
 #include "tests/support/convolution_model.h"
 #include "tests/support/engine_inside.h"
 #include "tests/support/heap_faults.h"
@@ -49,7 +50,7 @@ void ExpectGrid(const lx_test::Grid& expected, const DefocusEngine& engine) {
 TEST(NormaliseAndShift, MovesTheMiddleToTheCornerAndScalesToOne) {
   // 4 x 2, sum 36: rows rotate left by 2, columns up by 1.
   double even[] = {1, 2, 3, 4, 5, 6, 7, 8};
-  ASSERT_EQ(0, DefocusEngine::NormaliseAndShiftPsf(even, 4, 2));
+  ASSERT_EQ(0, lx::NormaliseAndShiftPsf(even, 4, 2));
   const double expectedEven[] = {7, 8, 5, 6, 3, 4, 1, 2};
   for (int i = 0; i < 8; ++i) {
     EXPECT_NEAR(expectedEven[i] / 36, even[i], 1e-15) << i;
@@ -59,7 +60,7 @@ TEST(NormaliseAndShift, MovesTheMiddleToTheCornerAndScalesToOne) {
   for (int i = 0; i < 15; ++i) {
     odd[i] = i + 1;
   }
-  ASSERT_EQ(0, DefocusEngine::NormaliseAndShiftPsf(odd, 3, 5));
+  ASSERT_EQ(0, lx::NormaliseAndShiftPsf(odd, 3, 5));
   for (int y = 0; y < 5; ++y) {
     for (int x = 0; x < 3; ++x) {
       EXPECT_NEAR(((y + 2) % 5 * 3 + (x + 1) % 3 + 1) / 120.0, odd[y * 3 + x], 1e-15);
@@ -72,7 +73,7 @@ TEST(NormaliseAndShift, LeavesTheBufferWithoutMemory) {
   heap.Refuse(1);
   double buffer[] = {1, 2, 3, 4};
 
-  EXPECT_EQ(lx::kStatusNoMemory, DefocusEngine::NormaliseAndShiftPsf(buffer, 2, 2));
+  EXPECT_EQ(lx::kStatusNoMemory, lx::NormaliseAndShiftPsf(buffer, 2, 2));
 
   EXPECT_EQ(1, buffer[0]);
   EXPECT_EQ(4, buffer[3]);

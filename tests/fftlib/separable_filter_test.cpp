@@ -327,6 +327,24 @@ TEST(PrepareSeparable, PadsEachSideByTheKernelTwice) {
   EXPECT_EQ(16, Inside(engine).separablePaddedHeight());
 }
 
+// Two more than a power of two, so that a length of -1 would bring a line to less than the image's.
+TEST(PrepareSeparable, NeverMakesALineShorterThanTheImagesBeforeAnyKernel) {
+  constexpr int kLong = 66;
+  DefocusEngine engine;
+  const Image image = NoiseImage(kLong, kLong, 1, lx::kSampleFloat, 5);
+  const Image dest = MakeImage(kLong, kLong, 1, lx::kSampleFloat);
+
+  ASSERT_TRUE(engine.PrepareSeparable(image.get()));
+
+  EXPECT_EQ(128, Inside(engine).separablePaddedWidth());
+  EXPECT_EQ(128, Inside(engine).separablePaddedHeight());
+  SetKernel(&engine, {1.0F});
+  ASSERT_TRUE(engine.FilterSeparable(dest.get(), 1, 3));
+  for (std::size_t i = 0; i < kLong * kLong; ++i) {
+    ASSERT_NEAR(Samples<float>(image)[i], Samples<float>(dest)[i], 1e-5F) << i;
+  }
+}
+
 TEST(PrepareSeparable, RefusesPaddedSidesOutOfRange) {
   struct {
     int width, height, kernel;

@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <set>
 #include <thread>
 #include <utility>
 #include <vector>
 
-#include "fftlib/backends/fftw/passes.h"
+#include "fftlib/backends/fftw/fftw_passes.h"
 #include "fftlib/fftlib.h"
 #include "tests/support/engine_inside.h"
 #include "tests/support/images.h"
@@ -28,12 +29,12 @@ struct Owner {
   int ways = 1;
   bool reversed = false;
   bool threads = false;
-  std::vector<std::pair<lx::PassFunction, std::int32_t>> passes;
+  std::vector<std::pair<lx::Rows::Work, std::int32_t>> passes;
 
   static void ParallelFor(void* context, lx::PassFunction pass, std::int32_t count,
                           DefocusEngine* engine) {
     auto* self = static_cast<Owner*>(context);
-    self->passes.emplace_back(pass, count);
+    self->passes.emplace_back(Inside(*engine).rows().InWork(), count);
     std::vector<std::pair<std::int32_t, std::int32_t>> ranges;
     for (int way = 0; way < self->ways; ++way) {
       ranges.emplace_back(count * way / self->ways, count * (way + 1) / self->ways - 1);
@@ -106,12 +107,13 @@ TEST(WorkerPasses, RunOncePerPlaneAndOnceForTheOutput) {
 
   Render(&engine, Source());
 
-  std::vector<std::pair<lx::PassFunction, std::int32_t>> expected{{lx::PsfInputPass, kHeight}};
+  std::vector<std::pair<lx::Rows::Work, std::int32_t>> expected{
+      {lx::Rows::WorkOf<lx::MaskInput>, kHeight}};
   for (int plane = 0; plane < 4; ++plane) {
-    expected.emplace_back(lx::PlaneInputPass, kHeight);
-    expected.emplace_back(lx::MultiplyPass, 32);
+    expected.emplace_back(lx::Rows::WorkOf<lx::PlaneInput>, kHeight);
+    expected.emplace_back(lx::Rows::WorkOf<lx::MultiplySpectra>, 32);
   }
-  expected.emplace_back(lx::PictureOutputPass, kHeight);
+  expected.emplace_back(lx::Rows::WorkOf<lx::PictureOutput>, kHeight);
   EXPECT_EQ(expected, owner.passes);
 }
 
@@ -127,28 +129,43 @@ TEST(WorkerPasses, RunInLineWithoutFunctionOrContext) {
 }
 
 TEST(WorkerPasses, GetAnEmptyRangeForNoRows) {
-  static std::int32_t lastSeen;
-  lastSeen = 99;
+  std::int32_t lastSeen = 99;
+  const auto pass = [&](lx::Rows&, std::int32_t, std::int32_t last) { lastSeen = last; };
   DefocusEngine engine;
 
-  engine.RunRows([](DefocusEngine*, std::int32_t, std::int32_t last) { lastSeen = last; }, 0);
+  Inside(engine).rows().Run(pass, 0);
 
   EXPECT_EQ(-1, lastSeen);
 }
 
-TEST(WorkerPasses, ClearTheStatusEvenOverAnEmptyRange) {
-  DefocusEngine engine;
-  engine.BuildShapePsf(kWidth, kHeight, 1, 3, 2, 30, 6);
-  const Image source = Source();
-  engine.passSource = source.get();
-  engine.passDest = source.get();
-  for (const lx::PassFunction pass :
-       {lx::PsfInputPass, lx::PlaneInputPass, lx::MultiplyPass, lx::PictureOutputPass,
-        lx::ChannelInputPass, lx::ChannelOutputPass}) {
-    Inside(engine).SetStatus(lx::kStatusNoMemory);
-    pass(&engine, 3, 2);
-    EXPECT_EQ(0, engine.GetStatus());
+// Runs each pass after an empty range of it, ahead of which the status is set.
+struct EmptyRangesFirst {
+  std::set<lx::Rows::Work> seen;
+
+  static void ParallelFor(void* context, lx::PassFunction pass, std::int32_t count,
+                          DefocusEngine* engine) {
+    static_cast<EmptyRangesFirst*>(context)->seen.insert(Inside(*engine).rows().InWork());
+    Inside(*engine).SetStatus(lx::kStatusNoMemory);
+    pass(engine, 3, 2);
+    EXPECT_EQ(0, engine->GetStatus());
+    pass(engine, 0, count - 1);
   }
+};
+
+TEST(WorkerPasses, ClearTheStatusEvenOverAnEmptyRange) {
+  EmptyRangesFirst owner;
+  DefocusEngine engine;
+  engine.SetParallelFor(&owner, EmptyRangesFirst::ParallelFor);
+
+  const Image source = Source();
+  const Image dest = Render(&engine, source);
+  EXPECT_TRUE(engine.ConvolveChannels(dest.get(), 1));
+
+  const std::set<lx::Rows::Work> all{
+      lx::Rows::WorkOf<lx::MaskInput>,       lx::Rows::WorkOf<lx::PlaneInput>,
+      lx::Rows::WorkOf<lx::MultiplySpectra>, lx::Rows::WorkOf<lx::PictureOutput>,
+      lx::Rows::WorkOf<lx::ChannelInput>,    lx::Rows::WorkOf<lx::ChannelOutput>};
+  EXPECT_EQ(all, owner.seen);
 }
 
 // Cancels the passes of one kind from a row on.

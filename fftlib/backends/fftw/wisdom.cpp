@@ -6,7 +6,6 @@
 #include "baselib/utils/directories.h"
 #include "baselib/utils/paths.h"
 #include "fftlib/backends/fftw/fft_calls.h"
-#include "fftlib/fftlib.h"
 
 namespace lx {
 namespace {
@@ -40,24 +39,21 @@ void MakeWisdomFolder() {
   }
 }
 
-bool DefocusEngine::ImportWisdom() {
-  wisdomLoaded = 0;
+bool ReadWisdomFile() {
   Path path;
   BuildWisdomPath(path);
   std::FILE* file = GetPlatform().openFile(path, "r");
   if (file == nullptr) {
     return false;
   }
-  if (GetFftCalls().importWisdom(file) != 0) {
-    wisdomLoaded = 1;
-  }
+  const bool read = GetFftCalls().importWisdom(file) != 0;
   GetPlatform().closeFile(file);
-  return wisdomLoaded != 0;
+  return read;
 }
 
 // Another process may read or write the file at the same time, so a whole one is moved into
 // its place. What a full disk has cut short stays away.
-bool DefocusEngine::ExportWisdom() {
+bool WriteWisdomFile() {
   const Platform& platform = GetPlatform();
   Path path;
   BuildWisdomPath(path);

@@ -1,10 +1,11 @@
-// The engine's grids and plans: N x N doubles, their spectra, and what transforms them.
+#include "fftlib/backends/fftw/fft_grids.h"
+
 #include <cstddef>
 #include <cstring>
 #include <mutex>
 
 #include "fftlib/backends/fftw/fft_calls.h"
-#include "fftlib/fftlib.h"
+#include "fftlib/core/status.h"
 
 namespace lx {
 namespace {
@@ -15,7 +16,7 @@ std::size_t GridBytes(std::int32_t side) {
 
 std::size_t SpectrumBytes(std::int32_t side) {
   return static_cast<std::size_t>(side) * static_cast<std::size_t>(side / 2 + 1) *
-         sizeof(DefocusEngine::Complex);
+         sizeof(FftGrids::Complex);
 }
 
 // Allocates what is missing. False where memory has run out.
@@ -42,7 +43,7 @@ void FreeBlock(Block** block) {
   }
 }
 
-void DestroyPlan(DefocusEngine::Plan* plan) {
+void DestroyPlan(FftGrids::Plan* plan) {
   if (*plan != nullptr) {
     const std::scoped_lock hold(FftPlannerLock());
     GetFftCalls().destroyPlan(*plan);
@@ -50,82 +51,63 @@ void DestroyPlan(DefocusEngine::Plan* plan) {
   }
 }
 
-}  // namespace
-
-// create(flags) makes the plan. Other engines may be planning on other threads.
+// create(flags) makes the plan.
 template <class Create>
-bool DefocusEngine::MakePlan(Plan* plan, Create create) {
-  if (*plan != nullptr) {
-    return true;
-  }
-  const std::scoped_lock hold(FftPlannerLock());
-  // The library forbids the call when its threads did not start.
-  if (threadsReady != 0) {
-    GetFftCalls().planWithThreads(static_cast<int>(threadCount));
-  }
-  // A file that could not be read is tried again at the next plan.
-  if (useWisdom != 0 && wisdomLoaded == 0) {
-    ImportWisdom();
-  }
-  *plan = create(useWisdom != 0 ? kPlanMeasure : kPlanEstimate);
+std::int32_t MakePlan(FftGrids::Plan* plan, FftLibrary* library, Create create) {
   if (*plan == nullptr) {
-    return Fail(kStatusNoPlan);
+    *plan = library->MakePlan(create);
   }
-  if (useWisdom != 0) {
-    ExportWisdom();
-  }
-  return true;
+  return *plan != nullptr ? kStatusOk : kStatusNoPlan;
 }
 
-bool DefocusEngine::PreparePsfGrids() {
-  const std::int32_t side = gridWidth_;
+}  // namespace
+
+std::int32_t FftGrids::PreparePsf(std::int32_t side, FftLibrary* library) {
   if (!AllocateMissing(&psfSpatial, GridBytes(side), true) ||
       !AllocateMissing(&psfSpectrum, SpectrumBytes(side), true)) {
-    return Fail(kStatusNoMemory);
+    return kStatusNoMemory;
   }
   if (psfPlan != nullptr) {
-    return true;
+    return kStatusOk;
   }
-  const bool made = MakePlan(&psfPlan, [&](unsigned flags) {
+  const std::int32_t made = MakePlan(&psfPlan, library, [&](unsigned flags) {
     return GetFftCalls().planForward(side, side, psfSpatial, psfSpectrum, flags);
   });
-  // Measuring a plan overwrites its arrays, and the PSF relies on the zeros outside the
-  // frame's rectangle.
-  if (useWisdom != 0) {
+  // The PSF relies on the zeros outside the frame's rectangle.
+  if (library->Measures()) {
     std::memset(psfSpatial, 0, GridBytes(side));
     std::memset(psfSpectrum, 0, SpectrumBytes(side));
   }
   return made;
 }
 
-bool DefocusEngine::PrepareWorkGrids(bool clearNew) {
-  const std::int32_t side = gridWidth_;
+std::int32_t FftGrids::PrepareWork(std::int32_t side, bool clearNew, FftLibrary* library) {
   const bool isNew = workSpatial == nullptr || workSpectrum == nullptr;
   const bool planned = forwardPlan != nullptr && inversePlan != nullptr;
   if (!AllocateMissing(&workSpatial, GridBytes(side), clearNew) ||
       !AllocateMissing(&workSpectrum, SpectrumBytes(side), clearNew)) {
-    return Fail(kStatusNoMemory);
+    return kStatusNoMemory;
   }
-  const bool made =
-      MakePlan(&forwardPlan,
-               [&](unsigned flags) {
-                 return GetFftCalls().planForward(side, side, workSpatial, workSpectrum, flags);
-               }) &&
-      MakePlan(&inversePlan, [&](unsigned flags) {
-        return GetFftCalls().planInverse(side, side, workSpectrum, workSpatial, flags);
-      });
-  if (clearNew && (isNew || !planned) && useWisdom != 0) {
+  std::int32_t made = MakePlan(&forwardPlan, library, [&](unsigned flags) {
+    return GetFftCalls().planForward(side, side, workSpatial, workSpectrum, flags);
+  });
+  if (made == kStatusOk) {
+    made = MakePlan(&inversePlan, library, [&](unsigned flags) {
+      return GetFftCalls().planInverse(side, side, workSpectrum, workSpatial, flags);
+    });
+  }
+  if (clearNew && (isNew || !planned) && library->Measures()) {
     std::memset(workSpatial, 0, GridBytes(side));
     std::memset(workSpectrum, 0, SpectrumBytes(side));
   }
   return made;
 }
 
-bool DefocusEngine::PrepareResult(double** result) {
-  return AllocateMissing(result, GridBytes(gridWidth_), false) || Fail(kStatusNoMemory);
+std::int32_t FftGrids::PrepareResult(std::int32_t side, double** result) {
+  return AllocateMissing(result, GridBytes(side), false) ? kStatusOk : kStatusNoMemory;
 }
 
-void DefocusEngine::FreeGrids() {
+void FftGrids::Free() {
   for (Plan* plan : {&psfPlan, &forwardPlan, &inversePlan}) {
     DestroyPlan(plan);
   }
