@@ -38,24 +38,14 @@ TEST_F(ModuleEntry, TakesTheTextsThenRegistersPageAndRender) {
   EXPECT_EQ(2U, allplugins::registrations.size());
 }
 
+// The argument lives to the end of the whole expression, so the log is copied inside of it.
 TEST_F(ModuleEntry, LetsGoOfTheModuleBeforeItReturns) {
-  struct Watch {
-    Log atReturn;
-  } watch;
-  {
-    cPtr<qplugin::iQpluginModule> only(new FakeModule(&host.log));
-    struct Caller {
-      static void Init(cPtr<qplugin::iQpluginModule>* p) {
-        cPtr<qplugin::iQpluginModule> argument = *p;
-        p->Reset();
-        moduleInit(argument);
-      }
-    };
-    Caller::Init(&only);
-    watch.atReturn = host.log.calls;
-  }
+  const Log atReturn =
+      (moduleInit(cPtr<qplugin::iQpluginModule>(new FakeModule(&host.log))), host.log.calls);
 
-  EXPECT_EQ("~module", watch.atReturn.back());
+  EXPECT_EQ(
+      (Log{"module.moduleText", "module.moduleText2", "registerClass", "registerClass", "~module"}),
+      atReturn);
 }
 
 TEST_F(ModuleEntry, HandsOverConstructorsThatTheFactoryAndItsRegistrationHold) {

@@ -124,6 +124,30 @@ TEST_F(RenderAdapter, ReadsNothingWhileItIsBeingConnected) {
   EXPECT_EQ(1, inputs->Count());
 }
 
+// An argument that is made in the call is the parameter itself and lives to the end of the
+// whole expression, so what the call leaves is looked at inside of it.
+TEST_F(RenderAdapter, LetsGoOfItsInputsBeforeItReturns) {
+  const cPtr<cGlimmerBlurRender> render(new cGlimmerBlurRender);
+  auto* given = new lx_test::FakeInputs(&host.log);
+  given->notesItsEnd = true;
+
+  const Log atReturn = (render->setInputs(cPtr<qplugin::iQpluginInputs>(given)), host.log.calls);
+
+  EXPECT_EQ((Log{"inputs.mainInput", "inputs.namedInput(PRM_Spread)", "~inputs"}), atReturn);
+}
+
+TEST_F(RenderAdapter, HoldsTargetAndStoreOnceWhenItReturns) {
+  const cPtr<cGlimmerBlurRender> render(new cGlimmerBlurRender);
+  auto* to = new lx_test::FakeTarget(&host.log);
+  auto* store = new lx_test::FakeParams(&host.log);
+
+  const int holdsTarget = (render->setTarget(cPtr<qplugin::iQpluginTarget>(to)), to->Count());
+  const int holdsStore = (render->setParams(cPtr<qplugin::iQpluginParams>(store)), store->Count());
+
+  EXPECT_EQ(1, holdsTarget);
+  EXPECT_EQ(1, holdsStore);
+}
+
 TEST_F(RenderAdapter, KeepsItsClipsForNullInputs) {
   const auto render = Connected();
 

@@ -103,6 +103,28 @@ TEST_F(UiPage, KeepsItsClipsWhereItGetsNoInputs) {
   EXPECT_EQ(inputs->spread.Object(), adapter->spreadClip.Object());
 }
 
+// An argument that is made in the call is the parameter itself and lives to the end of the
+// whole expression, so what the call leaves is looked at inside of it.
+TEST_F(UiPage, LetsGoOfItsInputsBeforeItReturns) {
+  auto* given = new lx_test::FakeInputs(&host.log);
+  given->notesItsEnd = true;
+
+  const Log atReturn = (ui->setInputs(cPtr<qplugin::iQpluginInputs>(given)), Calls());
+
+  EXPECT_EQ((Log{"inputs.mainInput", "inputs.namedInput(PRM_Spread)", "~inputs"}), atReturn);
+}
+
+TEST_F(UiPage, HoldsStoreAndResultOnceWhenItReturns) {
+  auto* store = new lx_test::FakeParams(&host.log);
+  auto* side = new lx_test::FakeResult(&host.log);
+
+  const int holdsStore = (ui->setParams(cPtr<qplugin::iQpluginParams>(store)), store->Count());
+  const int holdsResult = (ui->setResult(cPtr<qplugin::iQpluginUIResult>(side)), side->Count());
+
+  EXPECT_EQ(1, holdsStore);
+  EXPECT_EQ(1, holdsResult);
+}
+
 // The shape held at first is 1, so "A" goes off whatever the list says.
 TEST_F(UiPage, ReadsTheWholeStoreWhenItGetsIt) {
   params->numbers["PRM_Shape"] = 2;

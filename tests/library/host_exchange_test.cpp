@@ -106,17 +106,31 @@ TEST_F(HostExchange, AsksForSizeAndBufferInwardAndForTheBufferOnlyOutward) {
   EXPECT_EQ(1, frame.RefCount()->Count());
 }
 
-TEST_F(HostExchange, LetsGoOfTheLastReferenceBeforeItReturns) {
+// An argument that is made in the call is the parameter itself and lives to the end of the
+// whole expression: only a callee that lets go is seen in a log copied inside of it.
+TEST_F(HostExchange, LetsGoOfTheFrameBeforeItReturns) {
+  using Only = cPtr<qplugin::iQpluginImage>;
   std::unique_ptr<LXImage> image;
-  {
-    cPtr<qplugin::iQpluginImage> only = Frame(&log, 3, 2);
-    image.reset(lx::ConvertFromQTL(only, nullptr));
-    only.Reset();
-    EXPECT_EQ("~frame", log.calls.back());
-  }
+
+  const Log from =
+      (image.reset(lx::ConvertFromQTL(Only(new FakeImage(&log, "frame", 3, 2)), {})), log.calls);
   log.calls.clear();
-  lx::ConvertToQTL(image.get(), Frame(&log, 3, 2));
-  EXPECT_EQ((Log{"frame.buffer", "~frame"}), log.calls);
+  const Log to =
+      (lx::ConvertToQTL(image.get(), Only(new FakeImage(&log, "frame", 3, 2))), log.calls);
+
+  EXPECT_EQ((Log{"frame.size", "frame.buffer", "~frame"}), from);
+  EXPECT_EQ((Log{"frame.buffer", "~frame"}), to);
+}
+
+TEST_F(HostExchange, LetsGoOfTheFrameThatItRefuses) {
+  LXImage target(2, 3, 0, nullptr, 0);
+
+  const Log refused =
+      (lx::ConvertFromQTL(cPtr<qplugin::iQpluginImage>(new FakeImage(&log, "frame", 3, 2)),
+                          &target),
+       log.calls);
+
+  EXPECT_EQ((Log{"frame.size", "~frame"}), refused);
 }
 
 TEST_F(HostExchange, RefusesATargetOfAnotherSize) {
@@ -130,16 +144,24 @@ TEST_F(HostExchange, GivesNullForANullFrameWithoutAWord) {
   EXPECT_TRUE(log.calls.empty());
 }
 
-TEST_F(HostExchange, TellsTheUserOfANullImageBeforeItLetsGoOfTheFrame) {
-  const auto before = Frame(&host.log, 3, 2)->samples;
-  const auto kept = Frame(&host.log, 3, 2);
+TEST_F(HostExchange, LeavesTheFrameOfANullImageAsItWas) {
+  const auto before = Frame(&log, 3, 2)->samples;
+  const auto kept = Frame(&log, 3, 2);
+
   lx::ConvertToQTL(nullptr, kept);
+
   EXPECT_EQ(before, kept->samples);
+}
 
-  host.log.calls.clear();
-  lx::ConvertToQTL(nullptr, Frame(&host.log, 3, 2));
+TEST_F(HostExchange, TellsTheUserOfANullImageBeforeItLetsGoOfTheFrame) {
+  lx::SendHostMessage("the sink is known from here on");
+  log.calls.clear();
 
-  EXPECT_EQ((Log{"message(ConvertToQTL: invalid input pointer!)", "~frame"}), host.log.calls);
+  const Log told =
+      (lx::ConvertToQTL(nullptr, cPtr<qplugin::iQpluginImage>(new FakeImage(&log, "frame", 3, 2))),
+       log.calls);
+
+  EXPECT_EQ((Log{"message(ConvertToQTL: invalid input pointer!)", "~frame"}), told);
 }
 
 TEST_F(HostExchange, TakesASizeBelowOneAsEmpty) {

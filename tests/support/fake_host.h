@@ -162,6 +162,11 @@ class FakeSource final : public qplugin::iQpluginSource, public quantel::cRefCou
 class FakeInputs final : public qplugin::iQpluginInputs, public quantel::cRefCount {
  public:
   explicit FakeInputs(CallLog* log) : log_(log) {}
+  ~FakeInputs() override {
+    if (notesItsEnd) {
+      log_->Note("~inputs");
+    }
+  }
 
   cPtr<qplugin::iQpluginSource> mainInput() override {
     log_->Add("inputs.mainInput");
@@ -174,6 +179,7 @@ class FakeInputs final : public qplugin::iQpluginInputs, public quantel::cRefCou
 
   cPtr<FakeSource> main;
   cPtr<FakeSource> spread;
+  bool notesItsEnd = false;
 
  private:
   CallLog* log_;
