@@ -183,6 +183,15 @@ TEST_F(HostExchange, ThrowsWithoutMemory) {
 
 using HostMessage = HostExchange;
 
+// The host of this test answers no other identity, as a host with services of many kinds.
+TEST_F(HostMessage, ReachesTheSinkThatIsAskedForByItsOwnIdentity) {
+  host.factory->sink->last.clear();
+
+  lx::SendHostMessage("for a person");
+
+  EXPECT_EQ(u"for a person", host.factory->sink->last);
+}
+
 TEST_F(HostMessage, AsksForTheSinkOnceAndWidensBytesWithTheirSign) {
   lx::SendHostMessage("before");
   host.log.calls.clear();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -301,7 +302,7 @@ class FakeFactory final : public quantel::iFactory, public quantel::cRefCount {
   cPtr<quantel::cRegistration> registerClass(cPtr<iConstructor> constructor) override;
   cPtr<qplugin::iQplugin> findService(const quantel::cGuid& interfaceGuid) override {
     log_->Add("findService(" + Narrow(interfaceGuid.text) + ")");
-    return sink;
+    return IsSinks(interfaceGuid) ? cPtr<qplugin::iQplugin>(sink) : nullptr;
   }
   void instanceDestroyed(iInstance* instance) override {
     log_->Add("instanceDestroyed");
@@ -317,6 +318,13 @@ class FakeFactory final : public quantel::iFactory, public quantel::cRefCount {
 
  private:
   class Registrar;
+
+  // {2838A6F4-9B0E-4477-A32E-737EAD42D167}; what it is called is not looked at.
+  static bool IsSinks(const quantel::cGuid& guid) {
+    constexpr std::array<std::uint8_t, 8> kTail{0xA3, 0x2E, 0x73, 0x7E, 0xAD, 0x42, 0xD1, 0x67};
+    return guid.group1 == 0x2838A6F4 && guid.group2 == 0x9B0E && guid.group3 == 0x4477 &&
+           guid.tail == kTail;
+  }
 
   CallLog* log_;
 };
