@@ -2,10 +2,13 @@
 // order.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <string>
 
+#include "tests/support/colour_recorder.h"
 #include "tests/support/page_stage.h"
 
 namespace {
@@ -488,6 +491,23 @@ TEST_F(UiPage, OpensTheColourBoxAndThenReadsIt) {
                  "getColour(lxColourBox_PRM,1 1 1)"}),
             Calls());
   EXPECT_EQ(numbers, params->numbers);
+}
+
+TEST_F(UiPage, AsksTheColourOfTheOpenBoxForItsRedGreenAndBlueOnce) {
+  static constexpr std::uint32_t kMark = 0x5EED;
+  Open();
+  params->colourMark = kMark;
+  lx_test::RgbAsks().clear();
+  const auto asked = [] {
+    const auto& asks = lx_test::RgbAsks();
+    return std::count(asks.begin(), asks.end(), kMark);
+  };
+
+  ui4->colourRequest(7);
+  EXPECT_EQ(0, asked());
+  ui4->colourRequest(7);
+
+  EXPECT_EQ(1, asked());
 }
 
 TEST_F(UiPage, OpensNoColourBoxWithoutStoreResultOrDialog) {

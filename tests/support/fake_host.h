@@ -238,6 +238,7 @@ class FakeParams final : public qplugin::iQpluginParams, public quantel::cRefCou
   }
   quantel::cColour getColour(const wstring& key, quantel::cColour defaultColour) override {
     log_->Add("getColour(" + Narrow(key) + "," + ColourText(defaultColour) + ")");
+    defaultColour.words[3] = colourMark;
     return defaultColour;
   }
   int getList(const wstring& key) override {
@@ -251,6 +252,7 @@ class FakeParams final : public qplugin::iQpluginParams, public quantel::cRefCou
 
   std::map<std::string, double> numbers;
   float lastFloat = 0;
+  std::uint32_t colourMark = 0;  // the fourth word of every colour that is answered
 
  private:
   CallLog* log_;
