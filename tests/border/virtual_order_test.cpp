@@ -44,34 +44,47 @@ TEST(VirtualOrder, OfTheFactory) {
   EXPECT_EQ(kDestructorSlots + 3, Slot(&iFactory::iClassInfo::classInfo));
 }
 
+// Each operation stands right behind the one before it, from the first place on.
+template <class... Operations>
+void ExpectInThisOrder(Operations... operations) {
+  int place = 0;
+  for (const int slot : {Slot(operations)...}) {
+    EXPECT_EQ(kDestructorSlots + place, slot) << "operation " << place;
+    ++place;
+  }
+}
+
+// The first slot behind a class's own: its table must not grow, either.
+template <class Class>
+struct Behind : Class {
+  virtual void First() = 0;
+  static int Place() { return Slot(&Behind::First); }
+};
+
 TEST(VirtualOrder, OfThePage) {
   using qplugin::iQpluginUI;
-  EXPECT_EQ(kDestructorSlots + 0, Slot(&iQpluginUI::classInfo));
-  EXPECT_EQ(kDestructorSlots + 1, Slot(&iQpluginUI::uiGuid));
-  EXPECT_EQ(kDestructorSlots + 2, Slot(&iQpluginUI::renderGuid));
-  EXPECT_EQ(kDestructorSlots + 3, Slot(&iQpluginUI::moduleText));
-  EXPECT_EQ(kDestructorSlots + 4, Slot(&iQpluginUI::setInputs));
-  EXPECT_EQ(kDestructorSlots + 5, Slot(&iQpluginUI::setParams));
-  EXPECT_EQ(kDestructorSlots + 6, Slot(&iQpluginUI::setResult));
-  EXPECT_EQ(kDestructorSlots + 9, Slot(&iQpluginUI::parameterChanged));
-  EXPECT_EQ(kDestructorSlots + 10, Slot(&iQpluginUI::mouseDown));
-  EXPECT_EQ(kDestructorSlots + 11, Slot(&iQpluginUI::mouseUp));
-  EXPECT_EQ(kDestructorSlots + 12, Slot(&iQpluginUI::mouseMove));
-  EXPECT_EQ(kDestructorSlots + 14, Slot(&iQpluginUI::drawOverlays));
-  EXPECT_EQ(kDestructorSlots + 15, Slot(&iQpluginUI::empty4));
-  EXPECT_EQ(kDestructorSlots + 0, Slot(&qplugin::iQpluginUI4::colourRequest));
-  EXPECT_EQ(kDestructorSlots + 5, Slot(&qplugin::iQpluginUI4::empty5));
+  using qplugin::iQpluginUI4;
+  ExpectInThisOrder(&iQpluginUI::classInfo, &iQpluginUI::uiGuid, &iQpluginUI::renderGuid,
+                    &iQpluginUI::moduleText, &iQpluginUI::setInputs, &iQpluginUI::setParams,
+                    &iQpluginUI::setResult, &iQpluginUI::empty1, &iQpluginUI::empty2,
+                    &iQpluginUI::parameterChanged, &iQpluginUI::mouseDown, &iQpluginUI::mouseUp,
+                    &iQpluginUI::mouseMove, &iQpluginUI::empty3, &iQpluginUI::drawOverlays,
+                    &iQpluginUI::empty4);
+  ExpectInThisOrder(&iQpluginUI4::colourRequest, &iQpluginUI4::empty1, &iQpluginUI4::empty2,
+                    &iQpluginUI4::empty3, &iQpluginUI4::empty4, &iQpluginUI4::empty5);
+  EXPECT_EQ(kDestructorSlots + 16, Behind<iQpluginUI>::Place());
+  EXPECT_EQ(kDestructorSlots + 6, Behind<iQpluginUI4>::Place());
 }
 
 TEST(VirtualOrder, OfTheRender) {
+  using qplugin::iQpluginPreRender;
   using qplugin::iQpluginRender;
-  EXPECT_EQ(kDestructorSlots + 0, Slot(&iQpluginRender::classInfo));
-  EXPECT_EQ(kDestructorSlots + 1, Slot(&iQpluginRender::renderGuid));
-  EXPECT_EQ(kDestructorSlots + 2, Slot(&iQpluginRender::setTarget));
-  EXPECT_EQ(kDestructorSlots + 3, Slot(&iQpluginRender::setInputs));
-  EXPECT_EQ(kDestructorSlots + 4, Slot(&iQpluginRender::setParams));
-  EXPECT_EQ(kDestructorSlots + 5, Slot(&iQpluginRender::renderFrame));
-  EXPECT_EQ(kDestructorSlots + 0, Slot(&qplugin::iQpluginPreRender::preRender));
+  ExpectInThisOrder(&iQpluginRender::classInfo, &iQpluginRender::renderGuid,
+                    &iQpluginRender::setTarget, &iQpluginRender::setInputs,
+                    &iQpluginRender::setParams, &iQpluginRender::renderFrame);
+  ExpectInThisOrder(&iQpluginPreRender::preRender);
+  EXPECT_EQ(kDestructorSlots + 6, Behind<iQpluginRender>::Place());
+  EXPECT_EQ(kDestructorSlots + 1, Behind<iQpluginPreRender>::Place());
 }
 
 TEST(VirtualOrder, OfTheStore) {
