@@ -6,9 +6,11 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <memory>
 #include <new>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "hostframe/class_ctor.h"
@@ -233,7 +235,6 @@ TEST_F(RenderAdapter, TakesTheStoresValues) {
   EXPECT_EQ(0.2, effect.center.y);
   EXPECT_EQ(0.3, effect.radiusPSF1.value);
   EXPECT_EQ(0.4, effect.radiusPSF2.value);
-  EXPECT_EQ(0.0, effect.frameTime);
   EXPECT_EQ(render.Object(), effect.renderOwner);
 }
 
@@ -253,6 +254,43 @@ TEST_F(RenderAdapter, HandsThePixelAspectOn) {
   EXPECT_EQ(15.0F, render->effect.aspectDen);
   EXPECT_EQ(static_cast<float>(16.0 / 15.0), render->effect.aspectX);
   EXPECT_EQ(1.0F, render->effect.aspectY);
+}
+
+// The output image stays in its port where there is no source frame, and can be looked at.
+// As a float the ratio would be 1.06666672...
+TEST_F(RenderAdapter, DividesThePixelAspectInDoublePrecision) {
+  inputs->main->image.Reset();
+  target->aspect = {16, 15};
+  const auto render = Connected();
+
+  render->renderFrame(1, 0, 0);
+
+  const std::unique_ptr<lx::LXImage> kept(std::exchange(render->effect.outputPort.image, nullptr));
+  ASSERT_NE(nullptr, kept);
+  EXPECT_EQ(1.0666666666666667, kept->aspectX);
+  EXPECT_EQ(1.0, kept->aspectY);
+}
+
+TEST_F(RenderAdapter, CountsTimeFromTheFrameBefore) {
+  const auto render = Connected();
+
+  render->renderFrame(8, 0, 0);
+  EXPECT_EQ(7.0, render->effect.frameTime);
+  render->renderFrame(-3, 0, 0);
+
+  EXPECT_EQ(-4.0, render->effect.frameTime);
+}
+
+TEST_F(RenderAdapter, PointsBothPortsAtTheirClipsInEveryFrame) {
+  GiveSpread();
+  const auto render = Connected();
+  render->effect.sourcePort.clip = nullptr;
+  render->effect.spreadPort.clip = nullptr;
+
+  render->renderFrame(1, 0, 0);
+
+  EXPECT_EQ(&render->sourceClip, render->effect.sourcePort.clip);
+  EXPECT_EQ(&render->spreadClip, render->effect.spreadPort.clip);
 }
 
 TEST_F(RenderAdapter, SurvivesAnAspectOverZero) {
