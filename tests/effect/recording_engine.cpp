@@ -69,10 +69,12 @@ void DefocusEngine::BuildShapePsf(std::int32_t width, std::int32_t height, std::
 
 void DefocusEngine::BuildImagePsf(const ImageRec* image, std::int32_t centreX, std::int32_t centreY,
                                   float innerRadius, float falloff) {
+  Record().psf = image;
   Add("BuildImagePsf", image->width, image->height, centreX, centreY, innerRadius, falloff);
 }
 
 bool DefocusEngine::SetSourceImage(const ImageRec* image) {
+  Record().source = image;
   Add("SetSourceImage", image->channels, image->sampleType);
   sourceImage_ = image;
   return true;
@@ -87,6 +89,7 @@ bool DefocusEngine::SetEmphasisAlpha(bool enabled) {
 
 // A picture that no other step makes: every sample 2000.
 bool DefocusEngine::Convolve(ImageRec* dest, std::uint32_t channelMask) {
+  Record().destination = dest;
   Add("Convolve", channelMask);
   if (Record().runDoesNothing) {
     return false;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <mutex>
@@ -11,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "baselib/platform/platform.h"
 #include "effect/glimmer_blur.h"
 #include "tests/effect/recording_engine.h"
 #include "tests/support/engine_inside.h"
@@ -193,6 +195,33 @@ TEST_F(RenderDriver, RebuildsAtAStepOfAHundredth) {
   }
 }
 
+// A step of the value, in the unit of the key: pixels for the radii, of which 0.01 is one, and
+// degrees for the rotation.
+TEST_F(RenderDriver, KeepsThePsfJustBelowAHundredthAndRebuildsJustAboveIt) {
+  struct Case {
+    const char* name;
+    void (*step)(RenderDriver* test, double by);
+  };
+  constexpr double kPixel = 0.01;
+  for (const Case& c :
+       {Case{"rotation", [](RenderDriver*t, double by) { t->effect.rotation.value += by; }},
+        Case{"radiusX", [](RenderDriver*t, double by) { t->effect.radiusX.value += by * kPixel; }},
+        Case{"radiusY", [](RenderDriver*t, double by) { t->effect.radiusY.value += by * kPixel; }},
+        Case{"aspectX", [](RenderDriver*t, double by) { t->output->aspectX += by; }},
+        Case{"aspectY", [](RenderDriver*t, double by) { t->output->aspectY += by; }}}) {
+    for (const double sign : {1.0, -1.0}) {
+      effect.shape.value = 2;
+      effect.psfValid = false;
+      Build();
+
+      c.step(this, sign * 0.00999);
+      EXPECT_EQ("", Build()) << c.name << sign;
+      c.step(this, sign * 0.01001);
+      EXPECT_NE("", Build()) << c.name << sign;
+    }
+  }
+}
+
 TEST_F(RenderDriver, RebuildsAConstantRotationThatSinglePrecisionCannotHold) {
   effect.rotation.value = 300000.013;
   Build();
@@ -216,6 +245,25 @@ TEST_F(RenderDriver, CutsTheImagePsfFromTheSpreadPictureEveryFrame) {
   effect.center.x = 1e30;
   effect.center.y = kNan;
   EXPECT_EQ("BuildImagePsf(200,100,-2147483648,-2147483648,30,0)", Build());
+}
+
+// Half a pixel is added, and what is behind the point is dropped towards 0: 0.253 of 200 is
+// 50.6, 0.252 is 50.4, -0.003 is -0.6 and -0.01 is -2.
+TEST_F(RenderDriver, RoundsTheCentreOfTheImagePsfByHalfAPixel) {
+  effect.spreadPort.image = source.get();
+  effect.shape.value = 4;
+  effect.radiusPSF2.value = 0.1;
+  struct Case {
+    double x;
+    double y;
+    const char* centre;
+  };
+  for (const Case& c : {Case{0.253, 0.506, "51,51"}, Case{0.252, 0.504, "50,50"},
+                        Case{-0.003, -0.006, "0,0"}, Case{-0.01, -0.02, "-1,-1"}}) {
+    effect.center.x = c.x;
+    effect.center.y = c.y;
+    EXPECT_EQ(std::string("BuildImagePsf(200,100,") + c.centre + ",0,10)", Build());
+  }
 }
 
 TEST_F(RenderDriver, BuildsNothingWithoutASpreadPictureAndRendersAllTheSame) {
@@ -282,6 +330,30 @@ TEST_F(RenderDriver, FreesItsImages) {
   lx_test::HeapFaults heap;
   Render();
   EXPECT_EQ(0, heap.Alive());
+}
+
+TEST_F(RenderDriver, FreesTheSourceThenTheDestinationThenThePsfPicture) {
+  static std::vector<const void*> freed;
+  freed.clear();
+  lx::Platform table = lx::SystemPlatform();
+  table.release = [](void* block) {
+    freed.push_back(block);
+    lx::SystemPlatform().release(block);
+  };
+  const lx::ScopedPlatform scope(&table);
+  effect.spreadPort.image = source.get();
+  effect.shape.value = 4;
+
+  Render();
+
+  const std::vector<const void*> records{Record().source, Record().destination, Record().psf};
+  std::vector<const void*> freedRecords;
+  std::copy_if(freed.begin(), freed.end(), std::back_inserter(freedRecords),
+               [&](const void* block) {
+                 return std::find(records.begin(), records.end(), block) != records.end();
+               });
+  EXPECT_EQ(records, freedRecords);
+  EXPECT_NE(nullptr, Record().psf);
 }
 
 TEST_F(RenderDriver, RunsPassesWithTheWordThatItWasGiven) {
