@@ -1,4 +1,5 @@
-// What the allocator keeps for the whole process. For its own two sources.
+// What the allocator keeps for the whole process. For its own two sources, and for tests that
+// look whether the lock is held.
 #pragma once
 
 #include <atomic>

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "tests/support/fresh_services.h"
 #include "tests/support/heap_faults.h"
 
 namespace {
@@ -33,6 +34,20 @@ TEST(AlignedBlock, TakesThePageSizeForMinusOne) {
   EXPECT_EQ(0U, reinterpret_cast<std::uintptr_t>(block) % 1024);
   EXPECT_EQ(100U + 1024U + 8U, heap.LargestRequest());
   lx::lx_aligned_free(block, true);
+}
+
+TEST(AlignedBlock, TakesThePageSizeForAnyAlignmentBelowFour) {
+  for (const std::int32_t alignment : {-4096, 0, 1, 2, 3}) {
+    const lx_test::FreshServices fresh;
+    lx_test::HeapFaults heap;
+    heap.SetPageSize(1024);
+
+    void* block = lx::lx_aligned_malloc(100, alignment, false);
+
+    EXPECT_EQ(0U, reinterpret_cast<std::uintptr_t>(block) % 1024) << alignment;
+    EXPECT_EQ(100U + 1024U + 8U, heap.LargestRequest()) << alignment;
+    lx::lx_aligned_free(block, false);
+  }
 }
 
 TEST(AlignedBlock, KeepsItsSizeAndTheWayBackInFrontOfIt) {

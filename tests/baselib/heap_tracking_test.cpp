@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <utility>
@@ -13,6 +14,7 @@
 
 #include "baselib/platform/platform.h"
 #include "baselib/utils/heap.h"
+#include "baselib/utils/heap_state.h"
 #include "baselib/utils/log_sink.h"
 #include "tests/support/heap_faults.h"
 #include "tests/support/tracked_heap.h"
@@ -203,6 +205,28 @@ TEST_F(HeapDebug, TimesBothHeapsOnTheNormalAccount) {
   EXPECT_EQ(0.0, image.timeSpent);
 }
 
+// Every line of the log looks at the counter, which stands for ten seconds of writing here.
+TEST_F(HeapDebug, DoesNotTimeTheWritingOfATrace) {
+  static std::uint32_t ticks;
+  ticks = 1000;
+  lx::Platform table = lx::SystemPlatform();
+  table.tickCount = [] { return ticks += 250; };
+  table.counter = [] {
+    ticks += 10000;
+    return lx::SystemPlatform().counter();
+  };
+  lx::hm_set_switches(1, 1, 1);
+
+  Said([&] {
+    const lx::ScopedPlatform scope(&table);
+    lx::lx_free(lx::lx_realloc(lx::lx_malloc(10, "f", 1), 20, "f", 2), "f", 3);
+    lx::lx_free(lx::lx_strdup("x", "f", 4), "f", 5);
+    lx::lx_image_free(lx::lx_image_malloc(10, "f", 6), "f", 7);
+  });
+
+  EXPECT_NEAR(7 * 0.25, normal.timeSpent, 1e-9);
+}
+
 TEST_F(HeapDebug, EntersAlignedBlocksUnderItsOwnName) {
   void* block = lx::lx_aligned_malloc(100, 64, false);
   void* picture = lx::lx_aligned_malloc(200, -1, true);
@@ -291,6 +315,45 @@ TEST(HeapTrace, IsSilentForLineNoughtOfMallocAndReallocAlone) {
             }));
 }
 
+// Whether the heap's lock was held at each line that an operation wrote: every line looks at
+// the counter, and another thread then tries the lock.
+std::vector<bool> HeldAtEachLine(void (*operation)()) {
+  static std::vector<bool> held;
+  held.clear();
+  lx::Platform table = lx::SystemPlatform();
+  table.counter = [] {
+    std::thread([] {
+      std::recursive_mutex& mutex = lx::HeapState::Mutex();
+      const bool free = mutex.try_lock();
+      if (free) {
+        mutex.unlock();
+      }
+      held.push_back(!free);
+    }).join();
+    return lx::SystemPlatform().counter();
+  };
+  Said([&] {
+    const lx::ScopedPlatform scope(&table);
+    operation();
+  });
+  return held;
+}
+
+void TraceEach() {
+  lx::lx_free(lx::lx_realloc(lx::lx_malloc(10, "f", 1), 20, "f", 2), "f", 3);
+  lx::lx_free(lx::lx_strdup("x", "f", 4), "f", 5);
+  lx::lx_image_free(lx::lx_image_malloc(30, "f", 6), "f", 7);
+}
+
+// malloc, realloc, free, strdup, free, image malloc, image free.
+const std::vector<bool> kHeldToFree = {false, false, true, false, true, false, true};
+
+TEST(HeapTrace, IsWrittenOutsideTheLockExceptWhereABlockIsFreed) {
+  const TrackedHeap heap(1, 1, 1);
+
+  EXPECT_EQ(kHeldToFree, HeldAtEachLine(TraceEach));
+}
+
 // An allocator that notes what it is asked for.
 class HeapHooked : public testing::Test {
  public:
@@ -355,6 +418,12 @@ TEST_F(HeapHooked, IsTracedInLinesWithoutAFullStop) {
                 kTrace + "lx_image_malloc(30) ret (P) at [f(6)]\n" + kTrace +
                 "lx_image_free(P) at [f(7)]\n",
             Said(UseAll));
+}
+
+TEST_F(HeapHooked, IsTracedOutsideTheLockExceptWhereABlockIsFreed) {
+  lx::hm_set_switches(1, 0, 1);
+
+  EXPECT_EQ(kHeldToFree, HeldAtEachLine(TraceEach));
 }
 
 TEST_F(HeapHooked, IsEnteredUnderDebug) {
