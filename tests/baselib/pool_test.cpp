@@ -647,6 +647,25 @@ TEST_F(PoolPriority, OfWorkersIsIdleAsLongAsTheDispatchersStays) {
   EXPECT_EQ(0, platform.Count("priority"));
 }
 
+// The last priority is that of the thread which started the workers, so its own passes do
+// not raise them from idle.
+TEST(PoolStart, StoresThePriorityOfTheThreadThatStartsIt) {
+  PlatformRecorder platform;
+  platform.SetProcessors(3);
+  lx::mp_num_ways();
+  SetOwnPriority(2);
+
+  EmptyPass();
+  const std::int32_t stored = pool_state().lastWorkerPriority;
+  const int setAtStart = platform.Count("priority");
+  SetOwnPriority(0);
+  EmptyPass();
+
+  EXPECT_EQ(2, stored);
+  EXPECT_EQ(0, setAtStart);
+  EXPECT_EQ(1, platform.Count("priority"));
+}
+
 // Intended: one last priority for all workers.
 TEST_F(PoolPriority, OfADispatcherThatChangedReachesTheFirstWorkerAlone) {
   SetOwnPriority(2);
