@@ -6,8 +6,10 @@
 #include <cstdint>
 #include <memory>
 
+#include "baselib/threads/pool.h"
 #include "baselib/utils/heap.h"
 #include "tests/support/heap_faults.h"
+#include "tests/support/platform_recorder.h"
 #include "tests/support/tracked_heap.h"
 
 namespace {
@@ -100,6 +102,24 @@ TEST(LXImage, CopiesOnlyTheFourthChannelOfAllRows) {
   image.CopyAlphaFrom(&source);
 
   for (int i = 0; i < 60; ++i) {
+    EXPECT_EQ(i % 4 == 3 ? 1000 + i : i, image.data[i]) << i;
+  }
+}
+
+TEST(LXImage, CopiesAlphaOnEveryWayOfThePool) {
+  lx_test::PlatformRecorder platform;
+  platform.SetProcessors(3);
+  lx::mp_num_ways();
+  LXImage image(5, 7, 0, nullptr, 0);
+  LXImage source(5, 7, 0, nullptr, 0);
+  Fill(&image, 0);
+  Fill(&source, 1000);
+
+  image.CopyAlphaFrom(&source);
+
+  EXPECT_EQ(1, platform.Count("set start 1"));
+  EXPECT_EQ(1, platform.Count("set start 2"));
+  for (int i = 0; i < 140; ++i) {
     EXPECT_EQ(i % 4 == 3 ? 1000 + i : i, image.data[i]) << i;
   }
 }
