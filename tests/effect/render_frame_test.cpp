@@ -155,7 +155,8 @@ TEST_F(RenderFrame, DrawsTheSameMaskForOtherSidesOfACircle) {
   EXPECT_EQ(before, std::vector<std::uint8_t>(pixels, pixels + kWidth * kHeight));
 }
 
-TEST_F(RenderFrame, SurvivesNumbersThatMakeNoSense) {
+// No sample stays what it was, and none leaves the 15 bits.
+TEST_F(RenderFrame, WritesAWholeFrameForNumbersThatMakeNoSense) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   for (const double bad : {nan, -1.0, 1e30, -1e30, std::numeric_limits<double>::infinity()}) {
     for (const int shape : {1, 2, 3, 4}) {
@@ -171,8 +172,11 @@ TEST_F(RenderFrame, SurvivesNumbersThatMakeNoSense) {
       effect.radiusPSF2.value = bad;
       effect.sides.value = INT32_MIN;
       output.aspectX = bad;
+      std::fill_n(output.data, kWidth * kHeight * 4, std::uint16_t{65535});
       Render(&effect);
       output.aspectX = 1.0;
+      EXPECT_GE(32767, *std::max_element(output.data, output.data + kWidth * kHeight * 4))
+          << "shape " << shape << ", " << bad;
     }
   }
 }

@@ -207,7 +207,14 @@ TEST_F(EndedProgram, EndsTheProcessesOfItsChunks) {
 
 // Whoever waited for its end would wait longer than a test may.
 TEST(StartedProgram, EndsWithItsObject) {
-  const glimmerhost::ChildProcess child("sleep", {"1000"});
+  std::string id;
+  {
+    glimmerhost::ChildProcess child("sh", {"-c", "echo $$; exec sleep 1000"});
+    ASSERT_TRUE(child.ReadLine(&id));
+    ASSERT_EQ(0, kill(std::stoi(id), 0));
+  }
+
+  EXPECT_EQ(-1, kill(std::stoi(id), 0));
 }
 
 // No file of this process may grow beyond so many bytes.

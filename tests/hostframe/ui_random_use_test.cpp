@@ -114,6 +114,15 @@ TEST_P(RandomUse, GivesEveryReferenceBackAfterTenThousandSteps) {
   for (int step = 0; step < 10000; ++step) {
     Step();
   }
+  Calls();
+
+  Close();
+
+  // The instance held each of them once at most, and lets go of it before it reports its end.
+  EXPECT_EQ(lx_test::Log{"instanceDestroyed"}, Calls());
+  EXPECT_EQ(1, inputs->Count());
+  EXPECT_EQ(1, params->Count());
+  EXPECT_EQ(1, result->Count());
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, RandomUse, testing::Values(1U, 2U));
