@@ -122,7 +122,10 @@ void OverlayLX::DrawEllipse(double x, double y, double width, double height, flo
   const double exact = 360.0 / (width * std::numbers::pi / step);
   const double increment = exact >= kWidestSegment ? kWidestSegment : exact;
   cPoint2 last = ellipse.At(startAngle * kDegree);
-  if (std::isfinite(increment)) {
+  // Intended: an ellipse that no step leads around is its closing line alone. A press on a
+  // picture of no size makes an infinite radius, whose increment is 0. Here it is at most
+  // 36, and one that is no number is not above 0, either.
+  if (increment > 0.0) {
     // The bound ends what a vast width would not: its angles hardly move.
     constexpr std::int32_t kMostSegments = 100000;
     for (std::int32_t segment = 0; segment < kMostSegments; ++segment) {

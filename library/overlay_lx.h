@@ -62,6 +62,7 @@ class OverlayLX {
   //   dashed         every second segment is left out
   //   step           length of a segment in pixels, about
   //   startAngle, endAngle  degrees; 0 and 360 close the figure
+  // Only the closing line, if any, where width and step give no number of degrees above 0.
   void DrawEllipse(double x, double y, double width, double height, float rotation, bool dashed,
                    double step, double startAngle, double endAngle);
 

@@ -374,10 +374,13 @@ TEST_F(PageDrawing, EndsARingOfAnySize) {
 
   page->effect.DrawEllipse(160, 360, 1e9, 10, 0, false, 4, 0, 360);
   EXPECT_EQ(100001U, Only(Taken(), "line(").size());
+}
 
+TEST_F(PageDrawing, OnlyClosesARingOfInfiniteWidth) {
+  ConnectAndDrawImage();
   page->effect.DrawEllipse(160, 360, std::numeric_limits<double>::infinity(), 10, 0, false, 4, 0,
                            360);
-  EXPECT_GE(100001U, Only(Taken(), "line(").size());
+  EXPECT_EQ(1U, Only(Taken(), "line(").size());
 }
 
 TEST_F(PageDrawing, OnlyClosesARingWithoutAWidth) {

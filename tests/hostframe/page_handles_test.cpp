@@ -250,6 +250,21 @@ TEST_F(PageHandles, WriteWhatADivisionByAnEmptyPictureYields) {
             Only(Taken(), "set"));
 }
 
+// Four arms of the crosshair, and the closing line of each ring.
+TEST_F(PageHandles, LeaveInfiniteRingsOfOneLineEach) {
+  result->formatObject->size = {0, 0};
+  ConnectAndDrawImage();
+  ui->mouseDown({0, 0});
+  ui->mouseMove({3, -4});
+  ui->mouseUp({3, -4});
+  result->formatObject->size = {720, 576};
+  Taken();
+
+  ui->drawOverlays();
+
+  EXPECT_EQ(6U, Only(Taken(), "line(").size());
+}
+
 TEST_F(PageHandles, WriteNoNumberForZeroByZero) {
   result->formatObject->size = {0, 0};
   ConnectAndDrawImage();

@@ -87,12 +87,12 @@ class RandomUse : public lx_test::PageTest, public testing::WithParamInterface<u
     }
   }
 
-  // A drag over a picture of no size leaves infinite rings, whose every drawing takes a hundred
-  // thousand lines; once is enough.
+  // Every drawing of a vast ring takes a hundred thousand lines; once is enough. An infinite
+  // one, which a drag over a picture of no size leaves, takes one line.
   void MendRadii() {
     for (const char* key : {"PRM_RadiusPSF1", "PRM_RadiusPSF2"}) {
       double& radius = params->numbers[key];
-      radius = std::abs(radius) < 10.0 ? radius : 0.1;
+      radius = std::abs(radius) < 10.0 || !std::isfinite(radius) ? radius : 0.1;
     }
   }
 

@@ -189,11 +189,32 @@ TEST_F(OverlayDrawing, DrawsNoOutlineBelowFivePixels) {
 
 TEST_F(OverlayDrawing, EndsForAnyWidth) {
   DrawCircle(1e9, false);
+
   EXPECT_EQ(100001U, stage.LineCount());
-  DrawCircle(static_cast<double>(kInfinity), false);
-  EXPECT_GE(100001U, stage.LineCount());
-  DrawCircle(static_cast<double>(kNan), false);
-  EXPECT_EQ(1U, stage.LineCount());
+}
+
+// Increments of 0, of no number, and below 0.
+TEST_F(OverlayDrawing, DrawsTheClosingLineAloneWhereNoStepLeadsAround) {
+  struct Case {
+    double width;
+    double step;
+  };
+  for (const Case& c : {Case{static_cast<double>(kInfinity), 4}, Case{static_cast<double>(kNan), 4},
+                        Case{100, 0}, Case{100, -4}, Case{100, static_cast<double>(kNan)}}) {
+    for (const bool dashed : {false, true}) {
+      overlay.DrawEllipse(50, 40, c.width, 100, 0.0F, dashed, c.step, 0, 360);
+      EXPECT_EQ(1U, stage.LineCount()) << c.width << ' ' << c.step;
+      overlay.DrawEllipse(50, 40, c.width, 100, 0.0F, dashed, c.step, 0, 90);
+      EXPECT_EQ(0U, stage.LineCount()) << c.width << ' ' << c.step;
+    }
+  }
+}
+
+// The point at angle 0 is where the line begins and ends.
+TEST_F(OverlayDrawing, ClosesAnOutlineWithoutStepsInOnePoint) {
+  overlay.DrawEllipse(50, 40, 100, 100, 0.0F, false, 0, 0, 360);
+
+  EXPECT_EQ(Calls{"line(100 60 -> 100 60, 1 0 0)"}, stage.Calls());
 }
 
 TEST_F(OverlayDrawing, StopsSilentlyWithoutASurface) {
