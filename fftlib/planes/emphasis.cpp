@@ -23,14 +23,11 @@ bool HasPower(double g) { return g > 50.0; }
 double Exponent(double g, double slope) { return (std::min(g, 500.0) - 50.0) * slope + 1.0; }
 
 EmphasisCurve MakeCurve(double g, double threshold, double slope) {
-  EmphasisCurve curve{};
-  curve.on = IsOn(g, threshold);
-  curve.hasPower = HasPower(g);
-  if (!curve.on) {
-    return curve;
+  if (!IsOn(g, threshold)) {
+    return {};
   }
-  curve.a = 1.0 / g;
-  curve.b = g - curve.a;
+  EmphasisCurve curve = MakeHyperbola(g);
+  curve.hasPower = HasPower(g);
   if (curve.hasPower) {
     const double exponent = Exponent(g, slope);
     curve.apply = MakePowerExponent(exponent);

@@ -15,6 +15,15 @@ struct EmphasisCurve {
   PowerExponent undo;
 };
 
+// The curve's hyperbola alone: the whole curve of a g above 1 and up to 50.
+inline EmphasisCurve MakeHyperbola(double g) {
+  EmphasisCurve curve{};
+  curve.on = true;
+  curve.a = 1.0 / g;
+  curve.b = g - curve.a;
+  return curve;
+}
+
 // For the double forms of the curve. A g that is not a number is on, and gives
 // not-a-number.
 EmphasisCurve MakeEmphasisCurve(double g);
