@@ -1,7 +1,8 @@
 #include "effect/glimmer_blur.h"
 
 #include <cstdint>
-#include <new>
+
+#include "effect/module_engine.h"
 
 namespace lx {
 namespace {
@@ -30,7 +31,7 @@ bool IsShape(std::int32_t value) { return value >= kCircle && value <= kImage; }
 
 }  // namespace
 
-GlimmerBlur::GlimmerBlur() : engine(new (std::nothrow) DefocusEngine(LX_ENGINE_MODE)) {}
+GlimmerBlur::GlimmerBlur() : engine(MakeModuleEngine()) {}
 
 GlimmerBlur::~GlimmerBlur() { delete engine; }
 

@@ -183,7 +183,6 @@ class DefocusEngine {
   SeparableFilter separable_;
   std::unique_ptr<Backend> backend_;
 
-  std::int32_t mode_;
   Rows rows_;
   ParallelForFunction parallelFor_ = nullptr;
 

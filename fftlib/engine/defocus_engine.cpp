@@ -38,7 +38,7 @@ Size SizeOf(const ImageRec& image) { return {image.width, image.height}; }
 }  // namespace
 
 DefocusEngine::DefocusEngine(std::unique_ptr<Backend> backend)
-    : backend_(std::move(backend)), mode_(kModeNone), rows_(this, DivideRows) {
+    : backend_(std::move(backend)), rows_(this, DivideRows) {
   if (Library() != nullptr && !Library()->HasThreads()) {
     Fail(kStatusNoThreads);
   }

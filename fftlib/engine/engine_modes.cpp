@@ -19,6 +19,7 @@ std::string_view NameOfMode(std::int32_t mode) {
     case kModeNone:
       return "none";
     case kModeFftw:
+    case 5:
       return "exact";
     default:
       return "single";
@@ -29,9 +30,7 @@ std::string_view NameOfMode(std::int32_t mode) {
 
 DefocusEngine::DefocusEngine() : DefocusEngine(kModeFftw) {}
 
-DefocusEngine::DefocusEngine(std::int32_t mode)
-    : DefocusEngine(MakeBackend(NameOfMode(mode == 5 ? kModeFftw : mode))) {
-  mode_ = mode == 5 ? kModeFftw : mode;
+DefocusEngine::DefocusEngine(std::int32_t mode) : DefocusEngine(MakeBackend(NameOfMode(mode))) {
   if (Library() == nullptr) {
     library_ = std::unique_ptr<FftLibrary>(new (std::nothrow) FftLibrary);
     Finish(library_ != nullptr && library_->HasThreads() ? kStatusOk : kStatusNoThreads);

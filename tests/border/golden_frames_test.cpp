@@ -4,10 +4,13 @@
 // first. With GOLDEN_FRAMES_WRITE in the environment the files are written in the place of being
 // compared with; look at what changed before it is committed.
 //
-// Everything but the transform library gives the same bits on every system. Its own result
-// depends on how it was built and on the processor that it chooses its code for, and two builds
-// agree to one step. A step of the effect's 16-bit samples is at most one in the upper 15 bits of
-// a host's: more do not pass the border.
+// Everything but the transforms gives the same bits on every system. The transform library's own
+// result depends on how it was built and on the processor that it chooses its code for, and two
+// builds agree to one step. A step of the effect's 16-bit samples is at most one in the upper 15
+// bits of a host's: more do not pass the border.
+//
+// The frames are the exact engine's. Other engines are held to the same files, by what they may
+// differ from it.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -23,6 +26,7 @@
 
 #include "tests/border/connections.h"
 #include "tests/border/loaded_module.h"
+#include "tests/border/module_path.h"
 #include "tests/border/one_processor.h"
 
 namespace {
@@ -140,15 +144,21 @@ Samples Read(const Golden& golden) {
   return words;
 }
 
+// How far a sample may be from the kept one, in the upper 15 bits. Single precision rounds some
+// 1e-7 of full scale away, which the inverse curve multiplies by the square of the emphasis where
+// it is dark: five of the effect's 16-bit steps were seen at 50, two at 30.
+int StepsAllowed(const Golden& golden) {
+  const auto emphasis = golden.params.find("PRM_Emphasis");
+  const bool isStrong = emphasis != golden.params.end() && emphasis->second > 30;
+  return lx_test::ModuleEngine() == "single" && isStrong ? 3 : 1;
+}
+
 class GoldenFrame : public testing::TestWithParam<Golden> {};
 
 TEST_P(GoldenFrame, IsKeptToTheBitOrToOneStep) {
-  if (LX_ENGINE_MODE != 4) {
-    GTEST_SKIP() << "the frames are those of the transform library in double precision";
-  }
   const Golden& golden = GetParam();
   const Samples got = Render(golden);
-  if (std::getenv("GOLDEN_FRAMES_WRITE") != nullptr) {
+  if (std::getenv("GOLDEN_FRAMES_WRITE") != nullptr && lx_test::ModuleEngine() == "exact") {
     Write(golden, got);
     GTEST_SKIP() << "written";
   }
@@ -162,12 +172,12 @@ TEST_P(GoldenFrame, IsKeptToTheBitOrToOneStep) {
   for (std::size_t i = 0; i < got.size(); ++i) {
     different += got[i] != expected[i] ? 1 : 0;
     const int steps = std::abs((got[i] >> 1) - (expected[i] >> 1));
-    ASSERT_LE(steps, 1) << "sample " << i % 4 << " of pixel " << i / 4 % golden.width << ","
-                        << i / 4 / golden.width << ": expected " << expected[i] << ", got "
-                        << got[i];
+    ASSERT_LE(steps, StepsAllowed(golden))
+        << "sample " << i % 4 << " of pixel " << i / 4 % golden.width << "," << i / 4 / golden.width
+        << ": expected " << expected[i] << ", got " << got[i];
   }
   const std::string agreement =
-      different == 0 ? "all bits equal" : std::to_string(different) + " samples one step away";
+      different == 0 ? "all bits equal" : std::to_string(different) + " samples a step away";
   std::cout << golden.name << ": " << agreement << '\n';
   RecordProperty("agreement", agreement);
 }

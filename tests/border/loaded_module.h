@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "hostframe/interfaces/module.h"
+#include "tests/border/module_path.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/shared_library.h"
 
@@ -11,7 +12,7 @@ namespace lx_test {
 
 class LoadedModule {
  public:
-  explicit LoadedModule(FakeHost* host) : library_(OpenLibrary(MODULE_FILE)) {
+  explicit LoadedModule(FakeHost* host) : library_(OpenLibrary(ModuleFile())) {
     EXPECT_NE(nullptr, library_) << LibraryError();
     init_ = reinterpret_cast<qplugin::ModuleInit*>(FunctionOf(library_, "moduleInit"));
     cleanUp_ = reinterpret_cast<qplugin::ModuleCleanUp*>(FunctionOf(library_, "moduleCleanUp"));
@@ -32,7 +33,7 @@ class LoadedModule {
 
   void* Library() const { return library_; }
 
-  static bool IsResident() { return IsLibraryOpen(MODULE_FILE); }
+  static bool IsResident() { return IsLibraryOpen(ModuleFile()); }
 
  private:
   void* library_;

@@ -3,12 +3,15 @@
 #include <cstdint>
 #include <exception>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
 #include "hostframe/interfaces/plugin_ui.h"
 #include "tests/border/exported_names.h"
 #include "tests/border/loaded_module.h"
+#include "tests/border/module_path.h"
 
 namespace {
 
@@ -17,16 +20,28 @@ using lx_test::LoadedModule;
 using Log = std::vector<std::string>;
 
 TEST(ModuleFile, HasItsName) {
-  EXPECT_EQ("LXTorvane_GlimmerBlur" MODULE_SUFFIX, std::filesystem::path(MODULE_FILE).filename());
+  EXPECT_EQ("LXTorvane_GlimmerBlur" MODULE_SUFFIX,
+            std::filesystem::path(lx_test::ModuleFile()).filename());
 }
 
 TEST(ModuleFile, ExportsTwoNames) {
-  EXPECT_EQ((Log{"moduleCleanUp", "moduleInit"}), lx_test::ExportedNames(MODULE_FILE));
+  EXPECT_EQ((Log{"moduleCleanUp", "moduleInit"}), lx_test::ExportedNames(lx_test::ModuleFile()));
+}
+
+// Without loading it: two names leave a module, and its engine is not for the border to tell.
+TEST(ModuleFile, HoldsTheNameOfItsEngineAlone) {
+  std::ifstream file(lx_test::ModuleFile(), std::ios::binary);
+  const std::string bytes((std::istreambuf_iterator<char>(file)), {});
+
+  for (const std::string engine : {"exact", "double", "single"}) {
+    const std::string marker = "GlimmerBlur engine: " + engine + std::string(1, '\0');
+    EXPECT_EQ(engine == lx_test::ModuleEngine(), bytes.find(marker) != std::string::npos) << engine;
+  }
 }
 
 TEST(ModuleFile, CallsNothingOnTheHostUntilItIsAsked) {
   FakeHost host;
-  void* library = lx_test::OpenLibrary(MODULE_FILE);
+  void* library = lx_test::OpenLibrary(lx_test::ModuleFile());
   ASSERT_NE(nullptr, library);
   EXPECT_TRUE(host.log.calls.empty());
   lx_test::CloseLibrary(library);

@@ -5,13 +5,14 @@
 #include <string>
 
 #include "tests/border/dll_image.h"
+#include "tests/border/module_path.h"
 
 namespace {
 
 using Names = std::set<std::string>;
 
 Names Imports() {
-  const auto names = lx_test::DllImage(MODULE_FILE).ImportedLibraries();
+  const auto names = lx_test::DllImage(lx_test::ModuleFile()).ImportedLibraries();
   return {names.begin(), names.end()};
 }
 

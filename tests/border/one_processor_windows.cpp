@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/border/dll_image.h"
+#include "tests/border/module_path.h"
 #include "tests/border/one_processor.h"
 
 #define WIN32_LEAN_AND_MEAN
@@ -26,7 +27,7 @@ void WINAPI TellOneProcessor(SYSTEM_INFO* info) {
 // The system tells the machine's processors whatever the process may run on, so that the answer
 // is changed on its way to the module.
 struct OneProcessor::Before {
-  DllImage module{MODULE_FILE};
+  DllImage module{ModuleFile()};
   void** slot = module.ImportSlot("GetSystemInfo");
   void* function = slot != nullptr ? *slot : nullptr;
 };

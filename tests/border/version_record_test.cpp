@@ -6,12 +6,14 @@
 #include <string>
 #include <vector>
 
+#include "tests/border/module_path.h"
+
 namespace {
 
 class VersionRecord : public testing::Test {
  protected:
   VersionRecord() {
-    for (const char* c = MODULE_FILE; *c != '\0'; ++c) {
+    for (const char* c = lx_test::ModuleFile(); *c != '\0'; ++c) {
       file_.push_back(static_cast<wchar_t>(*c));
     }
     DWORD ignored = 0;

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include "fftlib/fftlib.h"
 
@@ -37,7 +39,8 @@ namespace lx {
 using lx_test::Add;
 using lx_test::Record;
 
-DefocusEngine::DefocusEngine(std::int32_t mode) : mode_(mode), rows_(this, DivideRows) {
+DefocusEngine::DefocusEngine(std::unique_ptr<Backend> backend)
+    : backend_(std::move(backend)), rows_(this, DivideRows) {
   ++Record().alive;
 }
 

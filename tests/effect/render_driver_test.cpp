@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <iterator>
 #include <limits>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -14,6 +15,7 @@
 
 #include "baselib/platform/platform.h"
 #include "effect/glimmer_blur.h"
+#include "effect/module_engine.h"
 #include "tests/effect/recording_engine.h"
 #include "tests/support/engine_inside.h"
 #include "tests/support/heap_faults.h"
@@ -378,12 +380,16 @@ TEST_F(RenderDriver, RunsPassesWithTheWordThatItWasGiven) {
   EXPECT_EQ(0, Inside(*effect.engine).cancelQuery()(Inside(*effect.engine).callbackContext()));
 }
 
-TEST(Effect, OwnsOneEngineInTheModeOfTheBuild) {
+TEST(Effect, OwnsOneEngineOfTheKindThatTheModuleIsOf) {
+  const std::map<std::string, std::int32_t> modes{
+      {"exact", lx::kModeFftw}, {"double", lx::kModeKernelF64}, {"single", lx::kModeKernelF32}};
+  const std::string marker = lx::kModuleMarker.text.data();
   Record() = {};
   {
     const GlimmerBlur effect;
     EXPECT_EQ(1, Record().alive);
-    EXPECT_EQ(LX_ENGINE_MODE, Inside(*effect.engine).engineMode());
+    EXPECT_EQ(modes.at(marker.substr(lx::kEngineMarker.size())),
+              Inside(*effect.engine).engineMode());
   }
   EXPECT_EQ(0, Record().alive);
 }

@@ -77,10 +77,12 @@ TEST(DefocusEngine, StartsEmpty) {
   EXPECT_EQ(nullptr, Inside(engine).callbackContext());
 }
 
-TEST(DefocusEngine, TurnsMode5Into4AndKeepsTheOthers) {
-  EXPECT_EQ(4, Inside(DefocusEngine(5)).engineMode());
-  for (const int mode : {1, 2, 3, 4, 0, 6, -1}) {
-    EXPECT_EQ(mode, Inside(DefocusEngine(mode)).engineMode());
+TEST(DefocusEngine, CountsMode5As4AndUnknownOnesAs1) {
+  struct {
+    std::int32_t mode, countsAs;
+  } const cases[] = {{1, 1}, {2, 2}, {3, 3}, {4, 4}, {5, 4}, {0, 1}, {6, 1}, {-1, 1}};
+  for (const auto& one : cases) {
+    EXPECT_EQ(one.countsAs, Inside(DefocusEngine(one.mode)).engineMode()) << one.mode;
   }
 }
 

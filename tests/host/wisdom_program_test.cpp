@@ -69,9 +69,6 @@ TEST_F(WisdomProgram, ARenderOnRequestKeepsItsPlans) {
 }
 
 TEST_F(WisdomProgram, ANewProcessKeepsWhatAnotherHasLearnt) {
-  if (LX_ENGINE_MODE != 4) {
-    GTEST_SKIP() << "a module that has no plans to measure";
-  }
   RunHere(RenderSmall("out.png"), kMeasure);
   const std::set<std::string> first = Lines(file);
 

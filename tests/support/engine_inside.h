@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "fftlib/backends/fftw/fftw_backend.h"
 #include "fftlib/backends/kernels/kernel_backend.h"
@@ -16,8 +17,14 @@ class EngineInside {
   explicit EngineInside(const DefocusEngine& engine)
       : engine_(const_cast<DefocusEngine&>(engine)) {}
 
-  // What the engine was told.
-  std::int32_t engineMode() const { return engine_.mode_; }
+  // What the engine was told; the mode as the integer of its back-end.
+  std::int32_t engineMode() const {
+    if (engine_.backend_ == nullptr) {
+      return kModeNone;
+    }
+    const std::string_view name = engine_.backend_->Name();
+    return name == "exact" ? kModeFftw : name == "double" ? kModeKernelF64 : kModeKernelF32;
+  }
   float emphasis() const { return engine_.look_.emphasis; }
   bool emphasisAlpha() const { return engine_.look_.emphasisAlpha; }
   std::int32_t edgeMode() const { return engine_.look_.edgeMode; }

@@ -1,0 +1,121 @@
+// The engine that the module has, against what its footprint tells of it.
+#include "effect/module_engine.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "fftlib/fftlib.h"
+#include "tests/support/engine_heap.h"
+#include "tests/support/heap_faults.h"
+#include "tests/support/images.h"
+
+namespace {
+
+using lx_test::Image;
+
+const lx::Footprint& FootprintOfModule() {
+  const std::string marker = lx::kModuleMarker.text.data();
+  return *lx::FindFootprint(marker.substr(lx::kEngineMarker.size()));
+}
+
+// What a block may have beside what was asked for: a page, for its beginning, and a pointer.
+constexpr std::uint64_t kBlockExtra = 4096 + 64;
+
+Image MakeMask(int width, int height) {
+  Image mask = lx_test::MakeImage(width, height, 1, lx::kSampleU8);
+  lx_test::Fill<std::uint8_t>(mask, 0);
+  lx_test::Samples<std::uint8_t>(mask)[(height / 2) * width + width / 2] = 255;
+  return mask;
+}
+
+TEST(ModuleEngine, IsOneOfTheList) {
+  const std::string marker = lx::kModuleMarker.text.data();
+  ASSERT_EQ(0U, marker.find("GlimmerBlur engine: "));
+  EXPECT_NE(nullptr, lx::FindFootprint(marker.substr(20))) << marker;
+}
+
+// All that a run may need: a load, and a frame with alpha.
+TEST(ModuleEngine, TakesTheBytesThatItsFootprintTells) {
+  struct {
+    int width;
+    int height;
+    int margin;
+  } const cases[] = {
+      {100, 40, 9},   // 128 x 64
+      {100, 40, 20},  // 256 x 128
+      {40, 100, 9},   // 64 x 128
+      {64, 64, 0},    // 64 x 64
+      {65, 64, 0},    // 128 x 64
+  };
+  for (const auto& [width, height, margin] : cases) {
+    lx_test::EngineHeap heap;
+    const Image mask = MakeMask(width, height);
+    const Image frame = lx_test::MakeImage(width, height, 4, lx::kSampleU16);
+    lx_test::FillNoise(frame, 3);
+    const std::uint64_t before = heap.Bytes();
+    const std::unique_ptr<lx::DefocusEngine> engine(lx::MakeModuleEngine());
+
+    ASSERT_TRUE(engine->LoadPsf(mask.get(), margin));
+    ASSERT_TRUE(engine->SetSourceImage(frame.get()));
+    ASSERT_TRUE(engine->Convolve(frame.get(), 15));
+
+    const std::uint64_t taken = heap.Bytes() - before;
+    const lx::Footprint& footprint = FootprintOfModule();
+    const std::uint64_t told = footprint.bytesAt(footprint.gridFor(width, height, margin));
+    EXPECT_LE(told, taken) << footprint.name << " " << width << " " << height << " " << margin;
+    EXPECT_GE(told + 5 * kBlockExtra, taken)
+        << footprint.name << " " << width << " " << height << " " << margin;
+  }
+}
+
+// The first grid that a load asks for, which it does not get; 0 if it asks for none.
+std::uint64_t FirstGridBytes(const Image& mask, int margin, std::int32_t* status) {
+  lx_test::HeapFaults faults;
+  lx_test::FftRecorder fft;
+  const std::unique_ptr<lx::DefocusEngine> engine(lx::MakeModuleEngine());
+  fft.RefuseAllocation(1);
+  faults.RefuseAll();
+  EXPECT_FALSE(engine->LoadPsf(mask.get(), margin));
+  *status = engine->GetStatus();
+  for (const std::string& entry : fft.Log()) {
+    if (entry.starts_with("allocate ")) {
+      return std::stoull(entry.substr(9));
+    }
+  }
+  return faults.LargestRequest();
+}
+
+// Every side with every other one, so that no two sides can be exchanged unseen.
+TEST(ModuleEngine, HasTheGridThatItsFootprintTells) {
+  const lx::Footprint& footprint = FootprintOfModule();
+  constexpr int kGridsKept = 5;
+  for (const int width : {1, 2, 3, 63, 64, 65, 500, 4096, 8150}) {
+    for (const int height : {1, 5, 62, 63, 500, 4100}) {
+      const Image mask = MakeMask(width, height);
+      for (const int margin : {-1, 0, 1, 2, 21, 22, 500, 2047, 2048, 5000}) {
+        std::int32_t status = 0;
+        const std::uint64_t asked = FirstGridBytes(mask, margin, &status);
+
+        const lx::GridSides grid = footprint.gridFor(width, height, margin);
+        const auto where = testing::Message() << footprint.name << " " << width << " x " << height
+                                              << ", margin " << margin;
+        if (!lx::IsAllowedGrid(grid)) {
+          EXPECT_EQ(lx::kStatusSizeRange, status) << where;
+          continue;
+        }
+        EXPECT_EQ(lx::kStatusNoMemory, status) << where;
+        // Spectra apart, a fifth of all.
+        const std::uint64_t side = grid.width * grid.height;
+        const std::uint64_t told = footprint.name == "exact" ? side * sizeof(double)
+                                                             : footprint.bytesAt(grid) / kGridsKept;
+        EXPECT_LE(told, asked) << where;
+        EXPECT_GE(told + kBlockExtra, asked) << where;
+      }
+    }
+  }
+}
+
+}  // namespace
