@@ -7,3 +7,29 @@ else()
   find_package(GTest REQUIRED)
 endif()
 include(GoogleTest)
+
+# GoogleTest and what most tests include of the standard library, compiled once for all programs of
+# tests. A program owns them, whose code is as position-independent as theirs, and nobody builds it.
+# -fpch-preprocess: a compiler cache sees by it which precompiled headers were used.
+file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/test_headers.cpp CONTENT "int main() {}\n")
+add_executable(lx_test_headers EXCLUDE_FROM_ALL ${PROJECT_BINARY_DIR}/test_headers.cpp)
+target_link_libraries(lx_test_headers PRIVATE lx_flags GTest::gtest)
+target_compile_options(lx_test_headers PRIVATE -fpch-preprocess)
+target_precompile_headers(
+  lx_test_headers
+  PRIVATE
+  <gtest/gtest.h>
+  <algorithm>
+  <cmath>
+  <cstdint>
+  <cstring>
+  <filesystem>
+  <fstream>
+  <limits>
+  <map>
+  <memory>
+  <random>
+  <sstream>
+  <string>
+  <thread>
+  <vector>)

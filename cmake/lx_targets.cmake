@@ -33,12 +33,20 @@ function(lx_library name)
   target_compile_options(lx_${name} PRIVATE -Wconversion)
 endfunction()
 
+# Gives a program of tests the headers that are compiled once for all such programs. Its sources
+# include what they use all the same: the debug build compiles them without.
+function(lx_use_test_headers name)
+  target_compile_options(${name} PRIVATE -fpch-preprocess)
+  target_precompile_headers(${name} REUSE_FROM lx_test_headers)
+endfunction()
+
 # One test program: lx_test(name SOURCES ... LINKS ...). Each test in it becomes a
 # test of CTest.
 function(lx_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE lx_flags ${ARG_LINKS} GTest::gtest GTest::gtest_main)
+  lx_use_test_headers(${name})
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
 endfunction()
 

@@ -52,7 +52,8 @@ build_preset() (
   cd "$root"
   if command -v ccache >/dev/null; then
     export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
-    export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
+    # Without the slack nothing that uses a precompiled header would be found again.
+    export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros
   fi
   quietly "$message" cmake --preset "$preset"
   quietly "$message" cmake --build --preset "$preset" ${1:+--target "$@"}
