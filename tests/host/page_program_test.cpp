@@ -333,8 +333,8 @@ TEST_F(PageProgram, RefusesAWrongScriptBeforeAnythingIsDone) {
 TEST_F(PageProgram, SaysWhichStepFailed) {
   std::ofstream(folder / "text.png") << "no picture";
   ExpectRefusal(Session("draw\nspread text.png\n"), 1, "a.session:3: ");
-  ExpectRefusal(Session("draw\n", "--module '" BROKEN_MODULE "'"), 1,
-                "a.session:1: " BROKEN_MODULE ": the module has no class for a ui");
+  ExpectProgramRefusal(Session("draw\n", "--module '" BROKEN_MODULE "'"), 1,
+                       "a.session:1: " BROKEN_MODULE ": the module has no class for a ui");
 }
 
 TEST_F(PageProgram, PlaysTenThousandRandomSteps) {

@@ -10,6 +10,7 @@
 
 #include "host/pictures/picture_file.h"
 #include "tests/support/child_program.h"
+#include "tests/support/command_line_run.h"
 #include "tests/support/scratch_folder.h"
 
 namespace host_test {
@@ -57,17 +58,35 @@ class Program : public testing::Test {
     return "render '" + input.string() + "' -o '" + (folder / output).string() + "' " + options;
   }
 
+  // What the command line refuses; run in this process.
   void ExpectRefusal(const std::string& arguments, int code, const std::string& says) {
+    ExpectRefusalBy(arguments, code, says, [](const std::string& line) {
+      const lx_test::CommandLineRun run =
+          lx_test::RunCommandLineHere(lx_test::SplitArguments(line));
+      return Outcome{run.code, run.out + run.err, 0};
+    });
+  }
+
+  // The same of a process of its own: other modules would stay loaded in this one.
+  void ExpectProgramRefusal(const std::string& arguments, int code, const std::string& says) {
+    ExpectRefusalBy(arguments, code, says,
+                    [](const std::string& line) { return RunProgram(line); });
+  }
+
+  lx_test::ScratchFolder folder;
+
+ private:
+  template <class Run>
+  void ExpectRefusalBy(const std::string& arguments, int code, const std::string& says,
+                       const Run& run) {
     const int files = folder.FileCount();
-    const Outcome outcome = RunProgram(arguments);
+    const Outcome outcome = run(arguments);
     EXPECT_EQ(code, outcome.code) << arguments << "\n" << outcome.text;
     EXPECT_EQ(0U, outcome.text.find("glimmerhost: ")) << outcome.text;
     EXPECT_EQ(outcome.text.size() - 1, outcome.text.find('\n')) << outcome.text;
     EXPECT_NE(std::string::npos, outcome.text.find(says)) << outcome.text;
     EXPECT_EQ(files, folder.FileCount()) << arguments;
   }
-
-  lx_test::ScratchFolder folder;
 };
 
 }  // namespace host_test

@@ -198,6 +198,28 @@ TEST_F(Program, RefusesValuesWithTheOptionAndWhatIsAllowed) {
   ExpectRefusal(Render(input, "out.xyz"), 2, "allowed is a name that ends in");
 }
 
+// Refusals are looked at in the tests' own process elsewhere; here the program ends by itself.
+TEST_F(Program, EndsWithTheLineAndTheCodeOfItsCommandLine) {
+  const fs::path input = WriteInput("in.png", 20, 20);
+  const struct {
+    std::string arguments;
+    int code;
+    const char* says;
+  } cases[] = {
+      {Render(input, "in.png"), 1, "in.png: it exists already; --overwrite replaces it"},
+      {Render(input, "out.png", "--bits 12"), 2, "--bits 12: allowed is 8 or 16"},
+      {Render(folder / "missing.png", "out.png"), 3, "missing.png: "},
+  };
+  for (const auto& [arguments, code, says] : cases) {
+    ExpectProgramRefusal(arguments, code, says);
+    ExpectRefusal(arguments, code, says);
+    const lx_test::CommandLineRun here =
+        lx_test::RunCommandLineHere(lx_test::SplitArguments(arguments));
+    EXPECT_EQ(RunProgram(arguments).text, here.err);
+    EXPECT_EQ("", here.out);
+  }
+}
+
 TEST_F(Program, TakesANegativeRotation) {
   const fs::path input = WriteInput("in.png", 20, 20);
   EXPECT_EQ(0, RunProgram(Render(input, "out.png", "--shape ellipse --rotation -30")).code);
@@ -404,12 +426,13 @@ TEST_F(Program, SaysThatAnApertureIsLargerThanTheFrame) {
 
 TEST_F(Program, SaysWhatIsWrongWithAModule) {
   const fs::path input = WriteInput("in.png", 20, 20);
-  ExpectRefusal(Render(input, "out.png", "--module /no/such.so"), 1, "no such module file");
-  ExpectRefusal(Render(input, "out.png", "--module '" NIGHT "'"), 1,
-                "no module that can be loaded");
-  ExpectRefusal(Render(input, "out.png", "--module '" NO_MODULE "'"), 1, "no function moduleInit");
-  ExpectRefusal(Render(input, "out.png", "--module '" BROKEN_MODULE "'"), 1,
-                "the module failed: it is \"broken\" (broken_module, line 12)");
+  ExpectProgramRefusal(Render(input, "out.png", "--module /no/such.so"), 1, "no such module file");
+  ExpectProgramRefusal(Render(input, "out.png", "--module '" NIGHT "'"), 1,
+                       "no module that can be loaded");
+  ExpectProgramRefusal(Render(input, "out.png", "--module '" NO_MODULE "'"), 1,
+                       "no function moduleInit");
+  ExpectProgramRefusal(Render(input, "out.png", "--module '" BROKEN_MODULE "'"), 1,
+                       "the module failed: it is \"broken\" (broken_module, line 12)");
 }
 
 TEST_F(Program, TellsOfTheModuleAndItsParameters) {

@@ -7,8 +7,6 @@
 #include <iterator>
 #include <system_error>
 
-#include "host/glimmerhost/command_line.h"
-
 namespace mutations {
 
 namespace fs = std::filesystem;
@@ -53,15 +51,8 @@ void RunFolder::Put(const std::string& name, const std::string& bytes) {
 }
 
 RunResult RunFolder::Do(const std::vector<std::string>& line, const std::string& input) {
-  std::vector<std::string> arguments{"glimmerhost"};
-  arguments.insert(arguments.end(), line.begin(), line.end());
   EXPECT_NE(nullptr, std::freopen(input.empty() ? "/dev/null" : input.c_str(), "rb", stdin));
-  RunResult run;
-  testing::internal::CaptureStdout();
-  testing::internal::CaptureStderr();
-  run.code = glimmerhost::RunCommandLine(arguments);
-  run.err = testing::internal::GetCapturedStderr();
-  run.out = testing::internal::GetCapturedStdout();
+  RunResult run{lx_test::RunCommandLineHere(line), {}, {}};
   const Files after = Look();
   for (const auto& [name, bytes] : after) {
     if (!before_.contains(name)) {

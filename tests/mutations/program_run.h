@@ -1,7 +1,4 @@
 // Runs of the program in this process, in a folder of files that are there again before each.
-//
-// A process of its own would take a hundred times as long to start as most runs take. What ends
-// a process is not to be seen this way: signals, and --threads, which narrows it, stay away.
 #pragma once
 
 #include <filesystem>
@@ -9,14 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/command_line_run.h"
 #include "tests/support/scratch_folder.h"
 
 namespace mutations {
 
-struct RunResult {
-  int code = 0;
-  std::string out;
-  std::string err;
+struct RunResult : lx_test::CommandLineRun {
   // What is not as it was before, by names relative to the folder.
   std::vector<std::string> made;
   std::vector<std::string> changed;  // or gone
