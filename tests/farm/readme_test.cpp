@@ -43,7 +43,7 @@ TEST(Readme, TakesAShotToAFarm) {
   if (const std::string lacks = SlurmCluster::Lacks(); !lacks.empty()) {
     GTEST_SKIP() << lacks;
   }
-  const SlurmCluster cluster;
+  const SlurmCluster cluster(SLURM_NOTE);
   std::string why;
   ASSERT_TRUE(cluster.IsUp(&why)) << why;
   // As a clone would be, with the program built.
@@ -60,7 +60,7 @@ TEST(Readme, TakesAShotToAFarm) {
   const lx_test::Outcome outcome = cluster.Run("/bin/bash", {(clone / "commands").string()});
 
   ASSERT_EQ(0, outcome.code) << outcome.text << commands;
-  ASSERT_TRUE(cluster.Finishes(60)) << cluster.Jobs();
+  ASSERT_TRUE(cluster.Finishes(120)) << cluster.Jobs();
   // Three chunks and the check.
   EXPECT_EQ(4U, Count(cluster.Jobs(), " COMPLETED ")) << cluster.Jobs();
   for (int frame = 1001; frame <= 1012; ++frame) {

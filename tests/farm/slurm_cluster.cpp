@@ -15,6 +15,7 @@
 #include <sstream>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 namespace farm_test {
 namespace {
@@ -140,26 +141,56 @@ std::string SlurmCluster::Lacks() {
   return getpwnam("munge") == nullptr ? "there is no user munge" : "";
 }
 
-SlurmCluster::SlurmCluster() {
+void SlurmCluster::Start(const fs::path& note) {
+  End(note);
+  std::string folder = (fs::temp_directory_path() / "slurmXXXXXX").string();
+  if (mkdtemp(folder.data()) == nullptr) {
+    return;
+  }
+  std::ofstream(note) << folder;
+  SlurmCluster farm;
+  farm.folder_ = folder;
   // The user munge has a way to its folder.
-  fs::permissions(folder_.Path(),
-                  fs::perms::owner_all | fs::perms::group_exec | fs::perms::others_exec);
-  StartMunge(folder_ / "munge");
-  WriteConfiguration();
-  fs::create_directory(folder_ / "state");
-  Run("/usr/sbin/slurmctld", {});
+  fs::permissions(folder, fs::perms::owner_all | fs::perms::group_exec | fs::perms::others_exec);
+  StartMunge(farm.folder_ / "munge");
+  farm.WriteConfiguration();
+  fs::create_directory(farm.folder_ / "state");
+  farm.Run("/usr/sbin/slurmctld", {});
   for (const char* node : kNodes) {
-    fs::create_directory(folder_ / (std::string("spool-") + node));
-    Run("/usr/sbin/slurmd", {"-N", node});
+    fs::create_directory(farm.folder_ / (std::string("spool-") + node));
+    farm.StartNode(node);
   }
 }
 
-// Nodes are lost after a few seconds of silence, and what they had is taken to others when the
-// credentials of those jobs are certain to have expired.
+void SlurmCluster::End(const fs::path& note) {
+  SlurmCluster farm;
+  farm.folder_ = Text(note);
+  if (farm.folder_.empty()) {
+    return;
+  }
+  farm.EndDaemons();
+  std::error_code error;
+  fs::remove_all(farm.folder_, error);
+  fs::remove(note, error);
+}
+
+SlurmCluster::SlurmCluster(const fs::path& note) : folder_(Text(note)) {
+  for (const std::string& job : AllJobs()) {
+    lastOfOthers_ = std::max(lastOfOthers_, std::stoi(job));
+  }
+}
+
+void SlurmCluster::StartNode(const std::string& node) const {
+  // Whatever the node has left behind is nothing to go on with.
+  Run("/usr/sbin/slurmd", {"-c", "-N", node});
+}
+
+// Nodes are lost after some seconds of silence, more than a busy machine makes, and what they had
+// is taken to others when the credentials of those jobs are certain to have expired.
 void SlurmCluster::WriteConfiguration() const {
   const std::vector<int> ports = FreePorts(3);
   const std::string host = ShortHostName();
-  const std::string folder = folder_.Path().string();
+  const std::string folder = folder_.string();
   std::ofstream out(folder_ / "slurm.conf");
   out << "ClusterName=test\n"
       << "SlurmctldHost=" << host << "(127.0.0.1)\n"
@@ -174,7 +205,7 @@ void SlurmCluster::WriteConfiguration() const {
       << "SlurmdPidFile=" << folder << "/slurmd-%n.pid\n"
       << "SlurmctldLogFile=" << folder << "/slurmctld.log\n"
       << "SlurmdLogFile=" << folder << "/slurmd-%n.log\n"
-      << "SlurmdTimeout=5\n"
+      << "SlurmdTimeout=10\n"
          "ProctrackType=proctrack/linuxproc\n"
          // Both nodes are this machine: bound to a processor, they would share the first one.
          "TaskPlugin=task/none\n"
@@ -196,25 +227,35 @@ void SlurmCluster::WriteConfiguration() const {
   out << "PartitionName=all Nodes=n1,n2 Default=YES MaxTime=10 State=UP\n";
 }
 
-SlurmCluster::~SlurmCluster() {
-  Run("/usr/bin/scancel", {"--user=root"});
-  Finishes(5);
+void SlurmCluster::EndDaemons() const {
+  Clear();
   std::vector<fs::path> daemons = {folder_ / "slurmctld.pid", folder_ / "munge/pid"};
   for (const char* node : kNodes) {
     daemons.push_back(folder_ / (std::string("slurmd-") + node + ".pid"));
   }
-  End(daemons);
+  ::farm_test::End(daemons);
   for (const int task : Tasks("")) {
     kill(task, SIGKILL);
   }
 }
 
+bool SlurmCluster::Clear() const {
+  Run("/usr/bin/scancel", {"--user=root"});
+  return Finishes(30);
+}
+
 bool SlurmCluster::IsUp(std::string* why) const {
+  for (const std::string node : kNodes) {
+    if (fs::remove(folder_ / ("lost-" + node))) {
+      StartNode(node);
+      Run("/usr/bin/scontrol", {"update", "NodeName=" + node, "State=RESUME"});
+    }
+  }
   if (WaitFor(
-          20, [&] { return Ask("sinfo -h -N -o %T") == "idle\nidle\n"; }, kSlurmPause)) {
+          60, [&] { return Ask("sinfo -h -N -o %T") == "idle\nidle\n"; }, kSlurmPause)) {
     return true;
   }
-  *why = Ask("sinfo -N") + Logs(folder_.Path());
+  *why = Ask("sinfo -N") + Logs(folder_);
   return false;
 }
 
@@ -227,16 +268,25 @@ std::string SlurmCluster::Ask(const std::string& command) const {
   return Run("/bin/sh", {"-c", command}).text;
 }
 
-std::string SlurmCluster::Jobs() const {
+std::vector<std::string> SlurmCluster::AllJobs() const {
   std::istringstream in(Ask("squeue -h -t all -o '%i %T %N'"));
   std::vector<std::string> lines;
   for (std::string line; std::getline(in, line);) {
-    lines.push_back(line + "\n");
+    // Not what a daemon says that does not answer.
+    if (line.find_first_of("0123456789") == 0) {
+      lines.push_back(line + "\n");
+    }
   }
-  std::sort(lines.begin(), lines.end());
+  std::sort(lines.begin(), lines.end(), [](const std::string& one, const std::string& other) {
+    return std::pair(std::stoi(one), one) < std::pair(std::stoi(other), other);
+  });
+  return lines;
+}
+
+std::string SlurmCluster::Jobs() const {
   std::string text;
-  for (const std::string& line : lines) {
-    text += line;
+  for (const std::string& line : AllJobs()) {
+    text += std::stoi(line) > lastOfOthers_ ? line : "";
   }
   return text;
 }
@@ -284,6 +334,7 @@ std::string SlurmCluster::LoseNodeOf(int chunk) const {
       if (const int daemon = ProcessOf(pidFile); daemon > 1) {
         kill(daemon, SIGKILL);
         fs::remove(pidFile);
+        std::ofstream(folder_ / ("lost-" + lost)).close();
       }
       // What has started the task waits for it, to tell of its end.
       std::istringstream status(Text("/proc/" + std::to_string(task) + "/status"));

@@ -1,4 +1,7 @@
 // A farm of two nodes on this machine, with daemons of its own.
+//
+// One process starts it, others use it one after the other, and the last one ends it. Where it is
+// stands in a note, a file whose name they all know.
 #pragma once
 
 #include <filesystem>
@@ -7,7 +10,6 @@
 #include <vector>
 
 #include "tests/support/child_program.h"
-#include "tests/support/scratch_folder.h"
 
 namespace farm_test {
 
@@ -20,16 +22,24 @@ class SlurmCluster {
   // What it needs and this machine does not have; empty if there is all of it.
   static std::string Lacks();
 
-  // Starts the daemons.
-  SlurmCluster();
+  // Starts the daemons in a new folder, and writes the note. A farm that the note tells of already
+  // was left behind by a run that was cut off, and ends first.
+  static void Start(const std::filesystem::path& note);
 
-  // Ends them, with every process of their jobs, whatever a test has left of them.
-  ~SlurmCluster();
-  SlurmCluster(const SlurmCluster&) = delete;
-  SlurmCluster& operator=(const SlurmCluster&) = delete;
+  // Ends the daemons, with every process of their jobs, whatever tests have left of them, and
+  // removes folder and note. Nothing happens where there is no note.
+  static void End(const std::filesystem::path& note);
 
-  // False, and says why, if the nodes are not ready within a while.
+  // The one of the note; jobs of before are of no interest to it. None has ended unseen: whoever
+  // had the farm before leaves it without jobs.
+  explicit SlurmCluster(const std::filesystem::path& note);
+
+  // Starts again the nodes that were lost. False, and says why, if not all nodes are ready within a
+  // while.
   bool IsUp(std::string* why) const;
+
+  // Cancels what is left of the jobs. False if they do not end.
+  bool Clear() const;
 
   // A program in this cluster's environment.
   lx_test::Outcome Run(const std::string& program, const std::vector<std::string>& arguments) const;
@@ -37,7 +47,7 @@ class SlurmCluster {
   // One of Slurm's commands, in the words of a shell.
   std::string Ask(const std::string& command) const;
 
-  // A line a job or chunk, in the order of numbers: "1_1 COMPLETED n1".
+  // A line a job or chunk since this object was made, in the order of numbers: "1_1 COMPLETED n1".
   std::string Jobs() const;
 
   // Whether all jobs have ended within so many seconds.
@@ -48,10 +58,16 @@ class SlurmCluster {
   std::string LoseNodeOf(int chunk) const;
 
  private:
+  explicit SlurmCluster() = default;
+
   void WriteConfiguration() const;
+  void StartNode(const std::string& node) const;
+  void EndDaemons() const;
+  std::vector<std::string> AllJobs() const;
   std::vector<int> Tasks(const std::string& variable) const;
 
-  lx_test::ScratchFolder folder_;
+  std::filesystem::path folder_;
+  int lastOfOthers_ = 0;
 };
 
 }  // namespace farm_test

@@ -26,10 +26,12 @@ class Slurm : public host_test::ShotProgram {
     if (const std::string lacks = SlurmCluster::Lacks(); !lacks.empty()) {
       GTEST_SKIP() << lacks;
     }
-    cluster = std::make_unique<SlurmCluster>();
+    cluster = std::make_unique<SlurmCluster>(SLURM_NOTE);
     std::string why;
     ASSERT_TRUE(cluster->IsUp(&why)) << why;
   }
+
+  void TearDown() override { EXPECT_TRUE(cluster == nullptr || cluster->Clear()); }
 
   // Frames that take a while.
   void WriteLargeShot(int last) {
@@ -52,6 +54,13 @@ class Slurm : public host_test::ShotProgram {
     return cluster->Run(PROGRAM, lx_test::SplitArguments(
                                      "submit '" + (folder / "in.@.png").string() + "' -o '" +
                                      (folder / output).string() + "' --engine slurm " + options));
+  }
+
+  // The number of the array's job.
+  static std::string ArrayOf(const Outcome& submission) {
+    const std::string& text = submission.text;
+    const std::size_t end = text.find(": ");
+    return text.starts_with("job ") && end != std::string::npos ? text.substr(4, end - 4) : "none";
   }
 
   // The number of the check's job: jobs of the array may have taken those behind its own.
@@ -84,12 +93,14 @@ TEST_F(Slurm, GivesTheBytesOfOneRenderFromTwoNodes) {
 
   ASSERT_EQ(0, outcome.code) << outcome.text;
   const std::string check = CheckOf(outcome);
-  EXPECT_EQ(0U, outcome.text.find("job 1: 3 chunks of at most 3 frames\n")) << outcome.text;
-  ASSERT_TRUE(cluster->Finishes(60)) << cluster->Jobs();
+  const std::string array = ArrayOf(outcome);
+  EXPECT_EQ(0U, outcome.text.find("job " + array + ": 3 chunks of at most 3 frames\n"))
+      << outcome.text;
+  ASSERT_TRUE(cluster->Finishes(120)) << cluster->Jobs();
   const std::string jobs = cluster->Jobs();
-  EXPECT_NE(std::string::npos, jobs.find("1_3 COMPLETED ")) << jobs;
+  EXPECT_NE(std::string::npos, jobs.find(array + "_3 COMPLETED ")) << jobs;
   EXPECT_NE(std::string::npos, jobs.find("\n" + check + " COMPLETED ")) << jobs;
-  EXPECT_NE(std::string::npos, jobs.find("1_1 COMPLETED n1\n")) << jobs;
+  EXPECT_NE(std::string::npos, jobs.find(array + "_1 COMPLETED n1\n")) << jobs;
   EXPECT_NE(std::string::npos, jobs.find(" COMPLETED n2\n")) << jobs;
   ExpectSameBytes("whole", odd, 8);
   EXPECT_EQ("8 frames are as they were written\n",
@@ -100,15 +111,18 @@ TEST_F(Slurm, ChecksAllTheSameWhereAChunkFails) {
   WriteShot(1, 4);
   std::ofstream(folder / "in.2.png") << "no picture";
 
-  const std::string check = CheckOf(Submit("out.@.png", "--radius 2px --chunk 1"));
+  const Outcome outcome = Submit("out.@.png", "--radius 2px --chunk 1");
+  const std::string check = CheckOf(outcome);
+  const std::string array = ArrayOf(outcome);
 
-  ASSERT_TRUE(cluster->Finishes(60)) << cluster->Jobs();
+  ASSERT_TRUE(cluster->Finishes(120)) << cluster->Jobs();
   const std::string jobs = cluster->Jobs();
-  EXPECT_NE(std::string::npos, jobs.find("1_2 FAILED ")) << jobs;
-  EXPECT_NE(std::string::npos, jobs.find("1_4 COMPLETED ")) << jobs;
+  EXPECT_NE(std::string::npos, jobs.find(array + "_2 FAILED ")) << jobs;
+  EXPECT_NE(std::string::npos, jobs.find(array + "_4 COMPLETED ")) << jobs;
   EXPECT_NE(std::string::npos, jobs.find("\n" + check + " FAILED ")) << jobs;
   EXPECT_EQ("glimmerhost: no line for frames 2\n", Bytes(folder / ("out.slurm-" + check + ".log")));
-  EXPECT_NE(std::string::npos, Bytes(folder / "out.slurm-1_2.log").find("glimmerhost: frame 2: "));
+  EXPECT_NE(std::string::npos,
+            Bytes(folder / ("out.slurm-" + array + "_2.log")).find("glimmerhost: frame 2: "));
 }
 
 TEST_F(Slurm, RendersOnWhereANodeWasLost) {
@@ -116,18 +130,20 @@ TEST_F(Slurm, RendersOnWhereANodeWasLost) {
   const std::string options = "--radius '0=20px; -1=60px' --emphasis 20 ";
   ASSERT_EQ(0, host_test::RunProgram(Shot("whole.@.png", options)).code);
 
-  const std::string check = CheckOf(Submit("out.@.png", options + "--chunk 3"));
-  ASSERT_TRUE(WaitFor(60, [&] { return fs::exists(folder / "out.4.png"); })) << cluster->Jobs();
+  const Outcome outcome = Submit("out.@.png", options + "--chunk 3");
+  const std::string check = CheckOf(outcome);
+  const std::string array = ArrayOf(outcome);
+  ASSERT_TRUE(WaitFor(120, [&] { return fs::exists(folder / "out.4.png"); })) << cluster->Jobs();
   const std::string lost = cluster->LoseNodeOf(2);
   ASSERT_FALSE(lost.empty()) << cluster->Jobs();
   ASSERT_FALSE(fs::exists(folder / "out.6.png")) << "the chunk was done before its node was lost";
 
-  ASSERT_TRUE(cluster->Finishes(100)) << cluster->Jobs();
+  ASSERT_TRUE(cluster->Finishes(160)) << cluster->Jobs();
   const std::string jobs = cluster->Jobs();
   const std::string other = lost == "n1" ? "n2" : "n1";
-  EXPECT_NE(std::string::npos, jobs.find("1_2 COMPLETED " + other + "\n")) << jobs;
+  EXPECT_NE(std::string::npos, jobs.find(array + "_2 COMPLETED " + other + "\n")) << jobs;
   EXPECT_NE(std::string::npos, jobs.find("\n" + check + " COMPLETED ")) << jobs;
-  const std::string log = Bytes(folder / "out.slurm-1_2.log");
+  const std::string log = Bytes(folder / ("out.slurm-" + array + "_2.log"));
   EXPECT_NE(std::string::npos, log.find("out.4.png is there already\n")) << log;
   ExpectSameBytes("whole", "out", 6);
   EXPECT_EQ("6 frames are as they were written\n", Bytes(folder / ("out.slurm-" + check + ".log")));
