@@ -17,6 +17,14 @@ quietly() {
   rm -f "$log"
 }
 
+# stage NAME COMMAND...: runs the command, and notes for .ci/run how many seconds it took.
+stage() {
+  local name=$1 start=$SECONDS
+  shift
+  "$@"
+  printf '%-18s %5d\n' "$name" $((SECONDS - start)) >>"${GLIMMERBLUR_STAGES:-/dev/null}"
+}
+
 # install_missing PACKAGE...: installs those Debian packages that are not there yet.
 install_missing() {
   local missing=() package
@@ -57,4 +65,11 @@ build_preset() (
   fi
   quietly "$message" cmake --preset "$preset"
   quietly "$message" cmake --build --preset "$preset" ${1:+--target "$@"}
+)
+
+# run_tests PRESET: all tests of a build; what is told is kept in the build's folder, too. One more
+# at once than there are processors: those of the farm mostly wait.
+run_tests() (
+  cd "$root"
+  ctest --preset "$1" --parallel $(($(nproc) + 1)) --progress --output-log "build/$1/tests.log"
 )
