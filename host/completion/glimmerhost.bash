@@ -28,7 +28,10 @@ _glimmerhost() {
   case $before in
     --shape) choices="circle ellipse polygon image" ;;
     --alpha) choices="premultiplied as-is" ;;
-    --engine) choices="local slurm" ;;
+    --engine)
+      choices="exact double single"
+      [[ $command != submit ]] || choices="local slurm $choices"
+      ;;
     --bits) choices="8 16" ;;
     --progress) choices="auto bar lines json" ;;
     --grid) choices="512 1024 2048 4096" ;;

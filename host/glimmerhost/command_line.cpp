@@ -9,7 +9,6 @@
 
 #include "host/glimmerhost/check_command.h"
 #include "host/glimmerhost/command_options.h"
-#include "host/glimmerhost/info_command.h"
 #include "host/glimmerhost/look_layers.h"
 #include "host/glimmerhost/page_command.h"
 #include "host/glimmerhost/presets.h"
@@ -73,10 +72,8 @@ int Run(const std::vector<std::string>& arguments) {
   const CLI::App* checkCommand = AddCheck(&app, &check);
   const CLI::App* presets =
       app.add_subcommand("presets", "List the looks that come with the program");
-  std::string infoModule;
-  CLI::App* info =
-      app.add_subcommand("info", "Print the module's classes and the parameters of its page");
-  info->add_option("--module", infoModule, "Another module file");
+  InfoOptions info;
+  const CLI::App* infoCommand = AddInfo(&app, &info);
   try {
     // The library takes them from the back.
     app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend() - 1));
@@ -85,8 +82,8 @@ int Run(const std::vector<std::string>& arguments) {
   } catch (const CLI::ParseError& fault) {
     return Complain(std::string(fault.what()) + " (--help explains)", kExitUsage);
   }
-  if (info->parsed()) {
-    RunInfo(infoModule, std::cout);
+  if (infoCommand->parsed()) {
+    RunInfo(info, std::cout);
   } else if (presets->parsed()) {
     RunPresets(std::cout);
   } else if (renderCommand->parsed()) {

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "host/glimmerhost/module_choice.h"
 #include "host/glimmerhost/session_script.h"
 #include "host/pictures/picture_formats.h"
 
@@ -13,6 +14,13 @@ constexpr const char* kFiles = "Files";
 constexpr const char* kParameters = "Parameters from files and by key";
 constexpr const char* kPixels = "Pixels";
 constexpr const char* kRunning = "Running";
+
+constexpr const char* kModuleText = "Another module file, which brings its own engine";
+
+std::string EngineText() {
+  return "What the effect transforms by: " + EngineNames() + " (default " + kDefaultEngine +
+         "); info says what they are";
+}
 
 // A flag; with a value behind an equals sign, that value.
 CLI::Option* AddSwitch(CLI::App* app, const std::string& name, std::string* value,
@@ -107,7 +115,11 @@ void AddThreads(CLI::App* app, RunOptions* options) {
 void AddRunning(CLI::App* app, RunOptions* options) {
   app->add_flag("--overwrite", options->overwrite, "Replace an existing output")->group(kFiles);
   app->add_flag("--quiet", options->quiet, "No progress line")->group(kRunning);
-  app->add_option("--module", options->module, "Another module file")->group(kRunning);
+  app->add_option("--module", options->module, kModuleText)->group(kRunning);
+}
+
+void AddEngine(CLI::App* app, RunOptions* options) {
+  app->add_option("--engine", options->engine, EngineText())->group(kRunning);
 }
 
 // What of a shot is rendered, and what becomes of frames that fail.
@@ -202,6 +214,7 @@ void AddRenderOptions(CLI::App* render, RenderOptions* options, const std::strin
 CLI::App* AddRender(CLI::App* app, RenderOptions* options) {
   CLI::App* render = app->add_subcommand("render", "Render a picture, or a shot of them");
   AddRenderOptions(render, options, "K/N: only the K-th of N parts of the frames");
+  AddEngine(render, options);
   return render;
 }
 
@@ -218,9 +231,14 @@ CLI::App* AddSubmit(CLI::App* app, SubmitOptions* options) {
                    "as can be (default 20, locally also no more than gives every process a chunk)");
   const std::string farm = "Farm";
   submit
-      ->add_option("--engine", options->engine,
+      ->add_option("--engine", options->engines,
                    "local (default): processes on this machine; slurm: an array of Slurm jobs and "
-                   "one for the check, which is what this program then leaves them to")
+                   "one for the check, which is what this program then leaves them to. Or, and "
+                   "this beside the other: " +
+                       EngineNames() + ", what the effect transforms by (default " +
+                       kDefaultEngine + "), which the chunks are told")
+      ->take_all()
+      ->allow_extra_args(false)
       ->group(farm);
   submit
       ->add_option("--jobs", options->jobs,
@@ -251,6 +269,7 @@ CLI::App* AddPsf(CLI::App* app, PsfOptions* options) {
   AddPixelAspect(psf, options, "1:1");
   AddThreads(psf, options);
   AddRunning(psf, options);
+  AddEngine(psf, options);
   return psf;
 }
 
@@ -263,6 +282,7 @@ CLI::App* AddPage(CLI::App* app, PageOptions* options) {
   AddParameters(page, options);
   AddPixelAspect(page, options, "the file's");
   AddRunning(page, options);
+  AddEngine(page, options);
   return page;
 }
 
@@ -282,6 +302,7 @@ CLI::App* AddSession(CLI::App* app, SessionOptions* options) {
   AddPixelAspect(session, options, "the file's");
   AddThreads(session, options);
   AddRunning(session, options);
+  AddEngine(session, options);
   return session;
 }
 
@@ -315,6 +336,14 @@ CLI::App* AddCheck(CLI::App* app, CheckOptions* options) {
   check->add_option("--frames", options->frames,
                     "Frames that must be in them (default: those that are)");
   return check;
+}
+
+CLI::App* AddInfo(CLI::App* app, InfoOptions* options) {
+  CLI::App* info = app->add_subcommand(
+      "info", "Print the engines, the module's classes and the parameters of its page");
+  info->add_option("--engine", options->engine, EngineText());
+  info->add_option("--module", options->module, kModuleText);
+  return info;
 }
 
 }  // namespace glimmerhost

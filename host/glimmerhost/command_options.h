@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include "host/glimmerhost/check_command.h"
+#include "host/glimmerhost/info_command.h"
 #include "host/glimmerhost/page_command.h"
 #include "host/glimmerhost/psf_command.h"
 #include "host/glimmerhost/render_command.h"
@@ -21,5 +22,6 @@ CLI::App* AddPage(CLI::App* app, PageOptions* options);
 CLI::App* AddSession(CLI::App* app, SessionOptions* options);
 CLI::App* AddWisdom(CLI::App* app, WisdomOptions* options);
 CLI::App* AddCheck(CLI::App* app, CheckOptions* options);
+CLI::App* AddInfo(CLI::App* app, InfoOptions* options);
 
 }  // namespace glimmerhost

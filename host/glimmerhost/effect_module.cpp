@@ -4,11 +4,10 @@
 #include <array>
 #include <cstdio>
 #include <exception>
+#include <utility>
 
 #include "host/glimmerhost/text.h"
 #include "host/support/failure.h"
-#include "host/support/system.h"
-#include "host/support/utf8_path.h"
 #include "hostframe/interfaces/class_info.h"
 #include "hostframe/interfaces/recoverable.h"
 
@@ -48,15 +47,8 @@ void RethrowModuleFault() {
   }
 }
 
-std::filesystem::path ModuleFileOf(const std::string& name) {
-  if (!name.empty()) {
-    return Utf8Path(name);
-  }
-  return (ProgramFolder() / GLIMMERHOST_MODULE_FOLDER / GLIMMERHOST_MODULE).lexically_normal();
-}
-
-EffectModule::EffectModule(const std::filesystem::path& file, Trace* trace)
-    : path_(file), trace_(trace), factory_(new Factory), file_(file) {
+EffectModule::EffectModule(ModuleChoice choice, Trace* trace)
+    : choice_(std::move(choice)), trace_(trace), factory_(new Factory), file_(choice_.file) {
   quantel::gFactory = Traced(quantel::cPtr<quantel::iFactory>(factory_), trace);
   try {
     TraceToModule(trace, "moduleInit()");
@@ -111,7 +103,7 @@ quantel::cPtr<Interface> EffectModule::Make(const char* kind) const {
       }
     }
   }
-  throw Failure(path_.string() + ": the module has no class for a " + kind);
+  throw Failure(choice_.file.string() + ": the module has no class for a " + kind);
 }
 
 quantel::cPtr<qplugin::iQpluginRender> EffectModule::MakeRender() const {

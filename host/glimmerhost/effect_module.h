@@ -1,11 +1,11 @@
 // EffectModule: a loaded module with its classes, as this host uses them.
 #pragma once
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "host/glimmerhost/factory.h"
+#include "host/glimmerhost/module_choice.h"
 #include "host/glimmerhost/module_file.h"
 #include "host/glimmerhost/trace.h"
 #include "hostframe/interfaces/plugin_render.h"
@@ -14,17 +14,13 @@
 
 namespace glimmerhost {
 
-// The module's file: the one that is named, or for no name the one beside the program, where
-// the build and the installation put it.
-std::filesystem::path ModuleFileOf(const std::string& name);
-
 // One at a time in the process: the host's factory is one for all modules.
 class EffectModule {
  public:
   // Loads the module, sets the host's factory and has the module register its classes.
   // Throws Failure; exceptions of the module become one too.
   //   trace  says the calls between host and module; null for none
-  explicit EffectModule(const std::filesystem::path& file, Trace* trace = nullptr);
+  explicit EffectModule(ModuleChoice choice, Trace* trace = nullptr);
 
   // Cleans up and unloads. Every instance must be gone.
   ~EffectModule();
@@ -43,6 +39,9 @@ class EffectModule {
   quantel::cPtr<qplugin::iQpluginRender> MakeRender() const;
   quantel::cPtr<qplugin::iQpluginUI> MakeUi() const;
 
+  // The engine that its instances work with.
+  const lx::Footprint& Engine() const { return *choice_.engine; }
+
   Trace* GetTrace() const { return trace_; }
 
  private:
@@ -51,7 +50,7 @@ class EffectModule {
   template <class Interface>
   quantel::cPtr<Interface> Make(const char* kind) const;
 
-  std::filesystem::path path_;
+  ModuleChoice choice_;
   Trace* trace_;
   quantel::cPtr<Factory> factory_;
   ModuleFile file_;

@@ -29,7 +29,9 @@ std::string Mebibytes(std::uint64_t bytes) {
   return std::to_string((bytes + kMebibyte - 1) / kMebibyte) + " MiB";
 }
 
-std::string Side(int side) { return std::to_string(side) + " x " + std::to_string(side); }
+std::string Sides(const lx::GridSides& grid) {
+  return std::to_string(grid.width) + " x " + std::to_string(grid.height);
+}
 
 std::string Existence(const fs::path& file) {
   std::error_code error;
@@ -66,24 +68,25 @@ void ListFiles(const ShotPlan& plan, std::ostream& out) {
   }
 }
 
-void Explain(const Page& page, const ShotSettings& settings, const ShotPlan& plan,
-             std::ostream& out) {
+void Explain(const lx::Footprint& engine, const Page& page, const ShotSettings& settings,
+             const ShotPlan& plan, std::ostream& out) {
   const Picture picture = FirstPicture(plan);
   const ShotValues values(page, settings.layers, picture.width, picture.height, SpanOf(plan));
-  const ShotForesight foresight = ForeseeShot(values, plan, picture);
+  const ShotForesight foresight = ForeseeShot(engine, values, plan, picture);
   std::vector<int> frames;
   for (const FrameFiles& files : plan.files) {
     frames.push_back(files.frame);
   }
   out << "Frames              " << ShowFrames(frames) << ", " << frames.size() << " of "
-      << picture.width << " x " << picture.height << '\n';
+      << picture.width << " x " << picture.height << '\n'
+      << "Engine              " << engine.name << ": " << engine.description << '\n';
   for (const auto& [grid, of] : foresight.byGrid) {
-    if (grid == 0) {
-      out << "Too large           frames " << ShowFrames(of)
-          << ": the grid ends at 8192, and they will fail\n";
+    if (grid == kTooLarge) {
+      out << "Too large           frames " << ShowFrames(of) << ": the grid ends at "
+          << lx::kLargestPaddedSize << ", and they will fail\n";
       continue;
     }
-    out << "Grid                " << Side(grid);
+    out << "Grid                " << Sides(grid);
     if (foresight.byGrid.size() > 1) {
       out << " for frames " << ShowFrames(of);
     }
@@ -101,10 +104,13 @@ void Explain(const Page& page, const ShotSettings& settings, const ShotPlan& pla
       << Shortest(static_cast<double>(std::int64_t(foresight.radius * 10.0 + 0.5)) / 10.0)
       << " pixels\n";
   for (const auto& [grid, of] : foresight.byGrid) {
-    if (grid != 0 && grid < 8192) {
-      out << "Next step           above a radius of "
-          << LargestRadius(grid, picture.width, picture.height) << " pixels a grid of "
-          << Side(2 * grid) << '\n';
+    if (grid == kTooLarge) {
+      continue;
+    }
+    const GridStep step = NextGrid(engine, grid, picture.width, picture.height);
+    if (step.next != kTooLarge) {
+      out << "Next step           above a radius of " << step.radius << " pixels a grid of "
+          << Sides(step.next) << '\n';
     }
   }
 }

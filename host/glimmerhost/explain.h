@@ -3,6 +3,7 @@
 
 #include <iosfwd>
 
+#include "fftlib/backends/footprint.h"
 #include "host/glimmerhost/page.h"
 #include "host/glimmerhost/shot_render.h"
 #include "host/shots/shot_plan.h"
@@ -14,7 +15,8 @@ void ListFiles(const ShotPlan& plan, std::ostream& out);
 
 // Grids, memory, how often the aperture is built, and where the grid doubles. Frames are taken to
 // be as large as the first one that is there. Throws as reading and the values do.
-void Explain(const Page& page, const ShotSettings& settings, const ShotPlan& plan,
-             std::ostream& out);
+//   engine  of the module that would render
+void Explain(const lx::Footprint& engine, const Page& page, const ShotSettings& settings,
+             const ShotPlan& plan, std::ostream& out);
 
 }  // namespace glimmerhost

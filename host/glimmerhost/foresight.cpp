@@ -1,21 +1,11 @@
 #include "host/glimmerhost/foresight.h"
 
 #include <algorithm>
-#include <bit>
-#include <cmath>
+
+#include "baselib/utils/convert.h"
 
 namespace glimmerhost {
 namespace {
-
-// The longest side of the effect's padded grid, in pixels.
-constexpr int kLargestGrid = 8192;
-
-// Five planes of doubles and two spectra of half a grid and one column.
-std::uint64_t EffectBytes(int grid) {
-  const auto side = static_cast<std::uint64_t>(grid);
-  constexpr std::uint64_t kDouble = 8;
-  return 5 * side * side * kDouble + 2 * side * (side / 2 + 1) * 2 * kDouble;
-}
 
 // Five frames may be on their way, at one of them the effect: each is a picture and its source, and
 // from the effect on a result. The spread, and what is decoded and encoded, are about two more. A
@@ -28,40 +18,47 @@ std::uint64_t PictureBytes(int width, int height) {
 
 }  // namespace
 
+// The effect keeps radii as floats, so one a trace above a whole number counts as that.
 double ApertureRadius(const std::map<std::string, Value>& values, int width) {
   constexpr int kCircle = 0;
   constexpr int kPolygon = 2;
   constexpr int kImage = 3;
   const int shape = std::get<int>(values.at("PRM_Shape"));
   const auto pixels = [&](const char* key) {
-    return std::get<double>(values.at(key)) * width * 0.5;
+    return lx::NarrowToFloat(std::get<double>(values.at(key)) * width * 0.5);
   };
   if (shape == kImage) {
-    const double first = pixels("PRM_RadiusPSF1");
-    const double second = pixels("PRM_RadiusPSF2");
+    const auto [inner, outer] = std::minmax({pixels("PRM_RadiusPSF1"), pixels("PRM_RadiusPSF2")});
     // The soft edge is at least a pixel wide.
-    return std::max(std::max(first, second), std::min(first, second) + 1.0);
+    return double{inner} + std::max(lx::NarrowToFloat(double{outer} - inner), 1.0F);
   }
   const bool xOnly =
       shape == kCircle || (shape == kPolygon && std::get<bool>(values.at("PRM_Match")));
-  const double x = pixels("PRM_RadiusX");
-  return std::max({x, xOnly ? x : pixels("PRM_RadiusY"), 0.5});
+  const float x = pixels("PRM_RadiusX");
+  return std::max({x, xOnly ? x : pixels("PRM_RadiusY"), 0.5F});
 }
 
-Foresight Foresee(const std::map<std::string, Value>& values, int width, int height) {
+Foresight Foresee(const lx::Footprint& engine, const std::map<std::string, Value>& values,
+                  int width, int height) {
   Foresight foresight;
   foresight.radius = ApertureRadius(values, width);
   foresight.pictureBytes = PictureBytes(width, height);
-  const double side = std::max(width, height) + 2.0 * (std::ceil(foresight.radius) + 1.0);
-  if (side <= kLargestGrid) {
-    foresight.grid = static_cast<int>(std::bit_ceil(static_cast<unsigned>(side)));
-    foresight.effectBytes = EffectBytes(foresight.grid);
+  const lx::GridSides grid = engine.gridFor(width, height, lx::OutlineMargin(foresight.radius));
+  if (lx::IsAllowedGrid(grid)) {
+    foresight.grid = grid;
+    foresight.effectBytes = engine.bytesAt(grid);
   }
   return foresight;
 }
 
-int LargestRadius(int grid, int width, int height) {
-  return (grid - std::max(width, height)) / 2 - 1;
+GridStep NextGrid(const lx::Footprint& engine, const lx::GridSides& grid, int width, int height) {
+  std::int32_t margin = 0;
+  while (engine.gridFor(width, height, margin + 1) <= grid) {
+    ++margin;
+  }
+  const lx::GridSides next = engine.gridFor(width, height, margin + 1);
+  // A margin is a radius and one pixel.
+  return {margin - 1, lx::IsAllowedGrid(next) ? next : lx::GridSides{}};
 }
 
 }  // namespace glimmerhost

@@ -94,14 +94,15 @@ bool IsLitDisc(const std::map<std::string, Value>& values, const Samples& pictur
 
 }  // namespace
 
-void CheckGrid(const std::map<std::string, Value>& values, int width, int height,
-               std::uint64_t held) {
-  const Foresight foresight = Foresee(values, width, height);
-  if (foresight.grid == 0) {
+void CheckGrid(const lx::Footprint& engine, const std::map<std::string, Value>& values, int width,
+               int height, std::uint64_t held) {
+  const Foresight foresight = Foresee(engine, values, width, height);
+  if (foresight.grid == lx::GridSides{}) {
     throw Failure("a picture of " + std::to_string(width) + " x " + std::to_string(height) +
                   " with a radius of " + Shortest(std::round(foresight.radius * 10.0) / 10.0) +
                   " pixels is too large: the longer side and twice the radius, rounded up and "
-                  "one more, may come to 8192 pixels at most");
+                  "one more, may come to " +
+                  std::to_string(lx::kLargestPaddedSize) + " pixels at most");
   }
   const std::uint64_t available = AvailableMemory();
   if (available != 0 && foresight.effectBytes > available + held) {

@@ -6,6 +6,7 @@
 #include <map>
 #include <string>
 
+#include "fftlib/backends/footprint.h"
 #include "host/glimmerhost/frame_renderer.h"
 #include "host/glimmerhost/page.h"
 
@@ -13,9 +14,10 @@ namespace glimmerhost {
 
 // Throws Failure if the effect cannot take a picture of that size with these values: its grid
 // would be too large, or there is not the memory for it.
-//   held  bytes that the effect holds already from the frame before
-void CheckGrid(const std::map<std::string, Value>& values, int width, int height,
-               std::uint64_t held = 0);
+//   engine  of the module that will render
+//   held    bytes that the effect holds already from the frame before
+void CheckGrid(const lx::Footprint& engine, const std::map<std::string, Value>& values, int width,
+               int height, std::uint64_t held = 0);
 
 // Throws Failure if the result is the source as it passes the border in 15 bits, though the
 // aperture is larger than a pixel and the source has neighbours that differ. Alpha does not

@@ -37,7 +37,10 @@ bool FrameRenderer::MayKeep(const Aperture& now) const {
 }
 
 std::uint64_t FrameRenderer::HeldBytes() const {
-  return render_ ? Foresee(before_.values, before_.size.first, before_.size.second).effectBytes : 0;
+  return render_
+             ? Foresee(module_.Engine(), before_.values, before_.size.first, before_.size.second)
+                   .effectBytes
+             : 0;
 }
 
 quantel::cPtr<FrameImage> FrameRenderer::Render(const FrameInput& input) {

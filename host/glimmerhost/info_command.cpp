@@ -3,17 +3,35 @@
 #include <filesystem>
 #include <iomanip>
 #include <ostream>
+#include <system_error>
 
 #include "host/glimmerhost/effect_module.h"
+#include "host/glimmerhost/module_choice.h"
 #include "host/glimmerhost/page_file.h"
 
 namespace glimmerhost {
 
-void RunInfo(const std::string& module, std::ostream& out) {
-  const std::filesystem::path file = ModuleFileOf(module);
+namespace {
+
+void ListEngines(const lx::Footprint& used, std::ostream& out) {
+  out << "\nEngines\n";
+  for (const lx::Footprint& engine : lx::kFootprints) {
+    std::error_code error;
+    out << "  " << std::left << std::setw(16) << engine.name << engine.description
+        << (&engine == &used ? "; the one in use" : "")
+        << (std::filesystem::exists(ModuleFileOf(engine), error) ? "" : "; not installed") << '\n';
+  }
+}
+
+}  // namespace
+
+void RunInfo(const InfoOptions& options, std::ostream& out) {
+  const ModuleChoice choice = ChooseModule(options.engine, options.module);
   const Page page = LoadPage();
-  const EffectModule effect(file);
-  out << "Module " << file.filename().string() << "\n\nClasses\n";
+  const EffectModule effect(choice);
+  out << "Module " << choice.file.filename().string() << ", engine " << choice.engine->name << '\n';
+  ListEngines(*choice.engine, out);
+  out << "\nClasses\n";
   for (const EffectModule::ClassText& text : effect.Classes()) {
     out << "  " << text.guid << "\n    " << text.base << "\n    " << text.text << '\n';
   }

@@ -1,4 +1,5 @@
-// glimmerhost info: what the module registered, and the parameters of its page.
+// glimmerhost info: which engines there are, what the module registered, and the parameters of its
+// page.
 #pragma once
 
 #include <iosfwd>
@@ -6,8 +7,13 @@
 
 namespace glimmerhost {
 
-//   module  a module file, or empty for the one beside the program
-// Throws Failure.
-void RunInfo(const std::string& module, std::ostream& out);
+// As RunOptions has them.
+struct InfoOptions {
+  std::string engine;
+  std::string module;
+};
+
+// Throws Failure or UsageError.
+void RunInfo(const InfoOptions& options, std::ostream& out);
 
 }  // namespace glimmerhost

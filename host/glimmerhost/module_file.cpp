@@ -1,19 +1,9 @@
 #include "host/glimmerhost/module_file.h"
 
-#include <system_error>
-
 #include "host/support/failure.h"
 
 namespace glimmerhost {
 namespace {
-
-const std::filesystem::path& Existing(const std::filesystem::path& file) {
-  std::error_code error;
-  if (!std::filesystem::exists(file, error)) {
-    throw Failure(file.string() + ": there is no such module file");
-  }
-  return file;
-}
 
 template <class Function>
 Function* FindFunction(const SharedLibrary& library, const char* name,
@@ -28,7 +18,7 @@ Function* FindFunction(const SharedLibrary& library, const char* name,
 }  // namespace
 
 ModuleFile::ModuleFile(const std::filesystem::path& file)
-    : library_(Existing(file)),
+    : library_(file),
       init_(FindFunction<qplugin::ModuleInit>(library_, "moduleInit", file)),
       cleanUp_(FindFunction<qplugin::ModuleCleanUp>(library_, "moduleCleanUp", file)) {}
 

@@ -12,11 +12,12 @@
 namespace glimmerhost {
 
 void RunPage(const PageOptions& options) {
+  const ModuleChoice choice = ChooseModule(options.engine, options.module);
   const Page page = LoadPage();
   { const PictureOutput check(Utf8Path(options.output), options.overwrite); }
   Progress progress(!options.quiet);
   {
-    const EffectModule module(ModuleFileOf(options.module));
+    const EffectModule module(choice);
     SessionPlayer player(module, page, options, std::cout, &progress);
     player.Load(Utf8Path(options.input));
     player.Draw();

@@ -112,7 +112,7 @@ void PageSession::RequestColour() {
 }
 
 Picture PageSession::Render() const {
-  CheckGrid(store_->Values(), picture_.width, picture_.height);
+  CheckGrid(module_.Engine(), store_->Values(), picture_.width, picture_.height);
   Picture picture = picture_;
   RenderPicture(module_, store_->Values(), spread_, pixelAspect_, &picture);
   return picture;

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <vector>
 
+#include "fftlib/planes/emphasis_curve.h"
 #include "host/glimmerhost/effect_module.h"
 #include "host/glimmerhost/frame_checks.h"
 #include "host/glimmerhost/frame_render.h"
@@ -28,10 +29,7 @@ namespace {
 constexpr double kEmphasis = 50.0;
 
 double ShareOfLight(std::uint16_t sample) {
-  constexpr double a = 1.0 / kEmphasis;
-  constexpr double b = kEmphasis - a;
-  const double x = sample / 65535.0;
-  return (1.0 / ((1.0 - x) * b + a) - a) / b;
+  return lx::ApplyCurve(sample / 65535.0, lx::MakeHyperbola(kEmphasis));
 }
 
 struct Point {
@@ -129,6 +127,7 @@ Picture Enlarge(const Picture& frame, Point light, int reach, const std::string&
 
 void RunPsf(const PsfOptions& options) {
   NarrowProcessors(options.threads);
+  const ModuleChoice choice = ChooseModule(options.engine, options.module);
   const Page page = LoadPage();
   const auto [width, height] = ParseSize("--size", options.size);
   const quantel::cSize2 pixelAspect = options.pixelAspect.empty()
@@ -139,7 +138,7 @@ void RunPsf(const PsfOptions& options) {
   if (std::get<int>(values.at("PRM_Shape")) == kImage && options.spread.empty()) {
     throw UsageError("--shape image: psf needs --spread, a picture to cut the aperture from");
   }
-  CheckGrid(values, width, height);
+  CheckGrid(*choice.engine, values, width, height);
   values["PRM_Emphasis"] = kEmphasis;
   ParseZoom(options.zoom, 1);
   PictureOutput output(Utf8Path(options.output), options.overwrite);
@@ -155,7 +154,7 @@ void RunPsf(const PsfOptions& options) {
       std::uint16_t{65535});
   progress.Show("Rendering " + options.size);
   {
-    const EffectModule module(ModuleFileOf(options.module));
+    const EffectModule module(choice);
     RenderPicture(module, values, spread, pixelAspect, &frame);
   }
   if (TouchesEdge(frame)) {

@@ -1,6 +1,5 @@
 #include "host/glimmerhost/render_command.h"
 
-#include <filesystem>
 #include <optional>
 
 #include "host/glimmerhost/alpha.h"
@@ -8,6 +7,7 @@
 #include "host/glimmerhost/explain.h"
 #include "host/glimmerhost/look_layers.h"
 #include "host/glimmerhost/measures.h"
+#include "host/glimmerhost/module_choice.h"
 #include "host/glimmerhost/page_file.h"
 #include "host/glimmerhost/parameter_file.h"
 #include "host/glimmerhost/processors.h"
@@ -56,6 +56,7 @@ void CheckPipes(const RenderOptions& options) {
 }  // namespace
 
 ShotSettings ParseSettings(const RenderOptions& options) {
+  CheckModuleOptions(options.engine, options.module);
   ShotSettings settings;
   settings.layers = ReadLayers(options);
   settings.premultiplied = ParsePremultiplied("--alpha", options.alpha);
@@ -95,8 +96,9 @@ int RunRender(const RenderOptions& options, std::ostream& out) {
   }
   NarrowProcessors(options.threads);
   const Page page = LoadPage();
+  const ModuleChoice choice = ChooseModule(options.engine, options.module);
   if (options.explain) {
-    Explain(page, settings, plan, out);
+    Explain(*choice.engine, page, settings, plan, out);
     return kExitDone;
   }
   if (!options.saveParams.empty()) {
@@ -106,11 +108,10 @@ int RunRender(const RenderOptions& options, std::ostream& out) {
   UseBinaryStreams();
   ShotReport report(form, plan.files.size(), plan.isShot);
   {
-    const std::filesystem::path file = ModuleFileOf(options.module);
-    const EffectModule module(file);
+    const EffectModule module(choice);
     std::optional<Manifest> manifest;
     if (!options.manifest.empty()) {
-      settings.versions = {{"glimmerhost", GLIMMERHOST_VERSION}, {"module", FileHash(file)}};
+      settings.versions = {{"glimmerhost", GLIMMERHOST_VERSION}, {"module", FileHash(choice.file)}};
       manifest.emplace(Utf8Path(options.manifest), options.skipExisting, options.overwrite);
     }
     ShotRender(page, settings, plan, module, manifest ? &*manifest : nullptr).Run(&report);

@@ -13,7 +13,8 @@ struct RunOptions : Look {
   std::string threads;  // a count; empty for every processor
   bool overwrite = false;
   bool quiet = false;
-  std::string module;  // a module file; empty for the one beside the program
+  std::string engine;  // its name; empty for the default
+  std::string module;  // a module file, in the place of an engine; empty for none
 };
 
 }  // namespace glimmerhost

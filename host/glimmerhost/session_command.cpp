@@ -17,6 +17,7 @@ namespace glimmerhost {
 
 void RunSession(const SessionOptions& options, std::ostream& out) {
   NarrowProcessors(options.threads);
+  const ModuleChoice choice = ChooseModule(options.engine, options.module);
   const Page page = LoadPage();
   const SessionScript script =
       ReadSessionScript(Utf8Path(options.script), page, Utf8Path(options.output));
@@ -27,7 +28,7 @@ void RunSession(const SessionOptions& options, std::ostream& out) {
   Trace trace(out);
   Trace* const wanted = options.trace ? &trace : nullptr;
   {
-    const EffectModule module(ModuleFileOf(options.module), wanted);
+    const EffectModule module(choice, wanted);
     SessionPlayer player(module, page, options, out, &progress);
     for (const SessionStep& step : script.steps) {
       if (wanted != nullptr) {

@@ -19,10 +19,11 @@ Picture FirstPicture(const ShotPlan& plan) {
   return ReadPicture(there == plan.files.end() ? plan.files.front().input : there->input, &warning);
 }
 
-ShotForesight ForeseeShot(const ShotValues& values, const ShotPlan& plan, const Picture& picture) {
+ShotForesight ForeseeShot(const lx::Footprint& engine, const ShotValues& values,
+                          const ShotPlan& plan, const Picture& picture) {
   ShotForesight shot;
   for (const FrameFiles& files : plan.files) {
-    const Foresight frame = Foresee(values.At(files.frame), picture.width, picture.height);
+    const Foresight frame = Foresee(engine, values.At(files.frame), picture.width, picture.height);
     shot.byGrid[frame.grid].push_back(files.frame);
     shot.radius = std::max(shot.radius, frame.radius);
     shot.effectBytes = std::max(shot.effectBytes, frame.effectBytes);

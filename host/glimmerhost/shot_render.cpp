@@ -61,6 +61,7 @@ ShotRender::ShotRender(const Page& page, const ShotSettings& settings, const Sho
     : page_(page),
       settings_(settings),
       plan_(plan),
+      engine_(module.Engine()),
       renderer_(module, settings.carryPsf),
       manifest_(manifest),
       pipe_(stdin, "standard input") {}
@@ -247,7 +248,8 @@ void ShotRender::Load(Work* work) {
 
 void ShotRender::Render(Work* work) {
   // Not earlier: the frame before has given back by now what it took.
-  CheckGrid(work->input.values, work->picture.width, work->picture.height, renderer_.HeldBytes());
+  CheckGrid(engine_, work->input.values, work->picture.width, work->picture.height,
+            renderer_.HeldBytes());
   using Clock = std::chrono::steady_clock;
   const Clock::time_point start = Clock::now();
   work->result = renderer_.Render(work->input);

@@ -95,6 +95,7 @@ class ShotRender {
   const Page& page_;
   const ShotSettings& settings_;
   const ShotPlan& plan_;
+  const lx::Footprint& engine_;
   FrameRenderer renderer_;
   Manifest* manifest_;
 

@@ -7,6 +7,7 @@
 #include <iostream>
 #include <optional>
 #include <set>
+#include <string_view>
 #include <system_error>
 
 #include "host/farm/farm_engine.h"
@@ -14,6 +15,7 @@
 #include "host/glimmerhost/chunk_report.h"
 #include "host/glimmerhost/explain.h"
 #include "host/glimmerhost/look_layers.h"
+#include "host/glimmerhost/module_choice.h"
 #include "host/glimmerhost/page_file.h"
 #include "host/glimmerhost/parameter_file.h"
 #include "host/glimmerhost/shot_foresight.h"
@@ -33,18 +35,36 @@ namespace fs = std::filesystem;
 
 // What the chunks are given otherwise, or is no business of theirs.
 const std::set<std::string>& KeptOptions() {
-  static const std::set<std::string> kept = {
-      "--engine",   "--jobs",          "--sbatch",  "--chunk",   "--frames",
-      "--manifest", "--skip-existing", "--explain", "--dry-run", "--save-params"};
+  static const std::set<std::string> kept = {"--jobs",    "--sbatch",   "--chunk",
+                                             "--frames",  "--manifest", "--skip-existing",
+                                             "--explain", "--dry-run",  "--save-params"};
   return kept;
 }
 
-bool IsLocal(const SubmitOptions& options) {
-  if (options.engine != "local" && options.engine != "slurm") {
-    throw UsageError("--engine " + options.engine + ": allowed is local or slurm");
+bool IsFarm(std::string_view engine) { return engine == "local" || engine == "slurm"; }
+
+// What an option says that goes by two kinds of words.
+struct Engines {
+  std::string farm;
+  std::string module;
+};
+
+Engines PartEngines(const std::vector<std::string>& words) {
+  Engines engines;
+  for (const std::string& word : words) {
+    if (!IsFarm(word) && lx::FindFootprint(word) == nullptr) {
+      throw UsageError("--engine " + word + ": allowed is local or slurm, and " + EngineNames());
+    }
+    std::string& kind = IsFarm(word) ? engines.farm : engines.module;
+    if (!kind.empty()) {
+      throw UsageError("--engine " + word + ": given is --engine " + kind + " already");
+    }
+    kind = word;
   }
-  return options.engine == "local";
+  return engines;
 }
+
+bool IsLocal(const SubmitOptions& options) { return PartEngines(options.engines).farm != "slurm"; }
 
 std::size_t ParseCount(const std::string& option, const std::string& text, std::size_t otherwise) {
   constexpr std::size_t kMost = 1000000;
@@ -116,7 +136,10 @@ FarmJob MakeJob(const SubmitOptions& options, const std::vector<TypedArgument>& 
   job.options.push_back(FramesOption(job.frames));
   for (const TypedArgument& argument : typed) {
     const bool told = argument.option == "--progress" || argument.option == "--quiet";
-    if (!KeptOptions().contains(argument.option) && !(told && IsLocal(options))) {
+    // The chunks are told of the effect's engine, and not of where they are.
+    const bool kept = KeptOptions().contains(argument.option) ||
+                      argument.text == "--engine=local" || argument.text == "--engine=slurm";
+    if (!kept && !(told && IsLocal(options))) {
       job.options.push_back(argument.text);
     }
   }
@@ -165,13 +188,13 @@ std::uint64_t WithHeadroom(const ShotForesight& shot) {
 }
 
 // Nothing where no picture is there yet. Throws what the values of the shot throw.
-std::optional<ShotForesight> Foreseen(const Page& page, const ShotSettings& settings,
-                                      const ShotPlan& plan) {
+std::optional<ShotForesight> Foreseen(const lx::Footprint& engine, const Page& page,
+                                      const ShotSettings& settings, const ShotPlan& plan) {
   try {
     const Picture picture = FirstPicture(plan);
     const ShotValues values(page, settings.layers, picture.width, picture.height,
                             {plan.lowest, plan.highest});
-    return ForeseeShot(values, plan, picture);
+    return ForeseeShot(engine, values, plan, picture);
   } catch (const MissingInput&) {
     return std::nullopt;
   }
@@ -205,24 +228,28 @@ void ShowChunks(const FarmJob& job, std::ostream& out) {
 
 }  // namespace
 
-int RunSubmit(const SubmitOptions& options, const std::vector<TypedArgument>& typed,
+int RunSubmit(const SubmitOptions& given, const std::vector<TypedArgument>& typed,
               std::ostream& out) {
-  RefuseStrangers(options);
+  RefuseStrangers(given);
+  SubmitOptions options = given;
+  options.engine = PartEngines(options.engines).module;
   const ShotSettings settings = ParseSettings(options);
   const ShotReport::Form form = ShotReport::ParseForm(options.progress, options.quiet);
   const ShotPlan plan =
       PlanShot({options.input, options.output, options.spread, options.frames, ""});
   const Page page = LoadPage();
+  const ModuleChoice choice = ChooseModule(options.engine, options.module);
   if (options.explain) {
-    Explain(page, settings, plan, out);
+    Explain(*choice.engine, page, settings, plan, out);
     return kExitDone;
   }
   const FarmJob job = MakeJob(options, typed, plan);
   CheckOutputs(options, plan, job);
-  const std::optional<ShotForesight> foreseen = Foreseen(page, settings, plan);
-  if (foreseen && foreseen->byGrid.contains(0)) {
-    std::cerr << "glimmerhost: frames " + ShowFrames(foreseen->byGrid.at(0)) +
-                     " are too large: the grid ends at 8192, and they will fail\n";
+  const std::optional<ShotForesight> foreseen = Foreseen(*choice.engine, page, settings, plan);
+  if (foreseen && foreseen->byGrid.contains(kTooLarge)) {
+    std::cerr << "glimmerhost: frames " + ShowFrames(foreseen->byGrid.at(kTooLarge)) +
+                     " are too large: the grid ends at " + std::to_string(lx::kLargestPaddedSize) +
+                     ", and they will fail\n";
   }
   ShotReport report(options.dryRun || !IsLocal(options) ? ShotReport::Form::kQuiet : form,
                     plan.files.size(), plan.isShot);

@@ -12,7 +12,8 @@ namespace glimmerhost {
 
 // chunk is the most frames that a chunk may have here; empty for the default.
 struct SubmitOptions : RenderOptions {
-  std::string engine = "local";
+  // Where chunks are rendered, and by which engine of the effect: up to one word for each.
+  std::vector<std::string> engines;
   std::string jobs;                 // processes at once; empty for one
   std::vector<std::string> sbatch;  // options of sbatch
 };

@@ -102,7 +102,8 @@ void Measure(const WisdomOptions& options, const std::vector<int>& grids, std::o
   const Page page = LoadPage();
   SetVariable("LX_USE_FFTW_WISDOM", "1");
   Progress progress(!options.quiet);
-  const EffectModule module(ModuleFileOf(options.module));
+  // The others have no plans, whatever the default is.
+  const EffectModule module(ChooseModule(options.module.empty() ? "exact" : "", options.module));
   for (const int grid : grids) {
     const std::string size = std::to_string(grid) + " x " + std::to_string(grid);
     progress.Show("Measuring plans for a grid of " + size + ", up to " +

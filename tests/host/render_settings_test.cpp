@@ -66,9 +66,10 @@ TEST(GridCheck, KnowsWhatTheEffectsGridTakes) {
   TypedValues typed;
   typed.radius = "20px";  // margin 21
   const auto fits = MakeStoreValues(page, typed, 8150, 10);
-  EXPECT_NO_THROW(glimmerhost::CheckGrid(fits, 8150, 10));
+  EXPECT_NO_THROW(glimmerhost::CheckGrid(lx::kFootprints.front(), fits, 8150, 10));
   const auto tooWide = MakeStoreValues(page, typed, 8151, 10);
-  EXPECT_THROW(glimmerhost::CheckGrid(tooWide, 8151, 10), glimmerhost::Failure);
+  EXPECT_THROW(glimmerhost::CheckGrid(lx::kFootprints.front(), tooWide, 8151, 10),
+               glimmerhost::Failure);
 }
 
 TEST(GridCheck, LeavesTheYRadiusOfACircleOut) {
@@ -77,9 +78,11 @@ TEST(GridCheck, LeavesTheYRadiusOfACircleOut) {
   typed.radiusX = "1px";
   typed.radiusY = "2000px";
   typed.shape = "circle";
-  EXPECT_NO_THROW(glimmerhost::CheckGrid(MakeStoreValues(page, typed, 6000, 10), 6000, 10));
+  EXPECT_NO_THROW(glimmerhost::CheckGrid(lx::kFootprints.front(),
+                                         MakeStoreValues(page, typed, 6000, 10), 6000, 10));
   typed.shape = "ellipse";
-  EXPECT_THROW(glimmerhost::CheckGrid(MakeStoreValues(page, typed, 6000, 10), 6000, 10),
+  EXPECT_THROW(glimmerhost::CheckGrid(lx::kFootprints.front(),
+                                      MakeStoreValues(page, typed, 6000, 10), 6000, 10),
                glimmerhost::Failure);
 }
 

@@ -1,0 +1,40 @@
+// Which module a command runs, and by which engine that one works.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "fftlib/backends/footprint.h"
+
+namespace glimmerhost {
+
+// The engine of the module that runs where none is chosen.
+inline constexpr const char* kDefaultEngine = "exact";
+
+struct ModuleChoice {
+  std::filesystem::path file;
+  const lx::Footprint* engine;  // never null
+};
+
+// Throws UsageError for an engine that is none, and for an engine and a module file at once. Either
+// may be empty.
+void CheckModuleOptions(const std::string& engine, const std::string& module);
+
+// The module of an engine, where build and installation put it from the program's folder, or the
+// file that is named. By which engine a file works is what the file itself says.
+//   engine  its name; empty for the default
+//   module  a module file; empty for none
+// Throws as CheckModuleOptions does, and Failure where there is no such file.
+ModuleChoice ChooseModule(const std::string& engine, const std::string& module);
+
+// The file of an engine's module, whether or not it is there.
+std::filesystem::path ModuleFileOf(const lx::Footprint& engine);
+
+// The engine that a module's file says it has: exact for one that says nothing, for one that cannot
+// be read, and for one that this program does not know. None needs more.
+const lx::Footprint& EngineOfFile(const std::filesystem::path& file);
+
+// "exact, double or single".
+std::string EngineNames();
+
+}  // namespace glimmerhost
