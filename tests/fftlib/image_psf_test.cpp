@@ -297,12 +297,19 @@ TEST(ImagePsf, KeepsTheEarlierPsfWhereItsMaskCannotBeMade) {
 
 TEST(ImagePsf, IsDefinedForAnyNumbers) {
   const Image white = White(16, 16);
+  DefocusEngine fresh;
+  fresh.BuildImagePsf(white.get(), 3, 8, 3, 2);
   for (const float radius : {kNan, -99.F, 1e30F, std::numeric_limits<float>::infinity()}) {
     DefocusEngine engine;
     engine.BuildImagePsf(white.get(), INT32_MIN, INT32_MAX, radius, 4);
     engine.BuildImagePsf(white.get(), INT32_MAX, INT32_MIN, 4, radius);
     engine.BuildImagePsf(white.get(), 8, 8, 4, radius);
     engine.BuildImagePsf(white.get(), 8, 8, radius, radius);
+
+    // And none of it stays.
+    engine.BuildImagePsf(white.get(), 3, 8, 3, 2);
+    EXPECT_EQ(lx::kStatusOk, engine.GetStatus()) << radius;
+    EXPECT_EQ(Mask(fresh), Mask(engine)) << radius;
   }
 }
 

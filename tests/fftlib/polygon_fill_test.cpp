@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <numeric>
 #include <random>
 #include <utility>
 #include <vector>
@@ -244,11 +245,18 @@ TEST(PolygonFill, RefusesPolygonsThatAreNone) {
 
 TEST(PolygonFill, EndsForVerticesOnOneLineAndFarAway) {
   const Image mask = Mask(8, 8);
+  const auto sum = [&] {
+    const auto* bytes = static_cast<const std::uint8_t*>(mask->data);
+    return std::accumulate(bytes, bytes + 64, 0);
+  };
 
   lx::FillConvexPolygon(mask.get(), Polygon({{1, 3}, {4, 3}, {6, 3}}));
-  lx::FillConvexPolygon(mask.get(), Polygon({{-1e12F, -1e12F}, {1e12F, -1e12F}, {0, 1e12F}}));
   lx::FillConvexPolygon(mask.get(), Polygon({{0, 3e7F}, {5, 3e7F}, {0, 3.1e7F}}));
   lx::FillConvexPolygon(mask.get(), Polygon({{0, -3.1e7F}, {5, -3.1e7F}, {0, -3e7F}}));
+  EXPECT_EQ(0, sum());
+  lx::FillConvexPolygon(mask.get(), Polygon({{-1e12F, -1e12F}, {1e12F, -1e12F}, {0, 1e12F}}));
+
+  EXPECT_EQ(64 * 255, sum());
 }
 
 TEST(PolygonFill, AsksForCoverageInProportionToTheRadius) {
