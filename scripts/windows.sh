@@ -3,6 +3,7 @@
 windows_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev cmake ninja-build pkg-config make
   dpkg-dev libcli11-dev libtomlplusplus-dev nlohmann-json3-dev libxxhash-dev wine wine64)
 
+# A link to where the user's clones share them.
 windows_libraries=$root/build/windows-libraries
 
 # What our programs link is static and runs on any processor of the family. GCC keeps the stack at
@@ -71,15 +72,15 @@ fetch_sources() {
   done
 }
 
-# build_fftw SOURCE BUILD OPTION...: not by its CMake files, which let the compiler use every wanted
-# instruction set throughout, so that no processor could do without. Nor as a whole: its tests and
-# tools take a third of the time.
+# build_fftw SOURCE BUILD PREFIX OPTION...: not by its CMake files, which let the compiler use every
+# wanted instruction set throughout, so that no processor could do without. Nor as a whole: its tests
+# and tools take a third of the time.
 build_fftw() {
-  local source=$1 build=$2 part
-  shift 2
+  local source=$1 build=$2 prefix=$3 part
+  shift 3
   mkdir -p "$build"
   cd "$build"
-  "$source/configure" --host=x86_64-w64-mingw32 --prefix="$windows_libraries" --disable-shared \
+  "$source/configure" --host=x86_64-w64-mingw32 --prefix="$prefix" --disable-shared \
     --enable-static --enable-threads --with-our-malloc --disable-fortran --disable-doc \
     --disable-dependency-tracking CC=x86_64-w64-mingw32-gcc-posix CFLAGS="$windows_flags" "$@"
   for part in support kernel simd-support dft rdft reodft api; do
@@ -90,52 +91,73 @@ build_fftw() {
   make -C api install-includeHEADERS
 }
 
-# build_by_cmake SOURCE BUILD OPTION...
+# build_by_cmake SOURCE BUILD PREFIX OPTION...
 build_by_cmake() {
-  local source=$1 build=$2
-  shift 2
+  local source=$1 build=$2 prefix=$3
+  shift 3
   cmake -G Ninja -S "$source" -B "$build" --toolchain "$root/cmake/windows.cmake" \
-    -DLX_TARGET_PREFIX="$windows_libraries" -DCMAKE_INSTALL_PREFIX="$windows_libraries" \
+    -DLX_TARGET_PREFIX="$prefix" -DCMAKE_INSTALL_PREFIX="$prefix" \
     -DCMAKE_BUILD_TYPE=Release -DCMAKE_C_FLAGS_RELEASE="$windows_flags" "$@"
   cmake --build "$build" --target install
 }
 
-# The double-precision FFTW has the instruction sets of Debian's own for this machine, so that both
-# plan alike and give the same bits. The other one is there for tests to compare errors with.
+# make_windows_libraries SOURCE PREFIX: the double-precision FFTW has the instruction sets of
+# Debian's own for this machine, so that both plan alike and give the same bits. The other one is
+# there for tests to compare errors with.
 make_windows_libraries() {
-  local source=$windows_libraries/source package
-  mkdir -p "$source"
-  (fetch_sources "$source" fftw3 libpng1.6 tiff)
-  (build_fftw "$source/fftw3" "$source/fftw3-double" --enable-sse2 --enable-avx)
-  (build_fftw "$source/fftw3" "$source/fftw3-single" --enable-float)
-  build_by_cmake "$source/libpng1.6" "$source/libpng1.6-build" -DPNG_SHARED=OFF -DPNG_TESTS=OFF \
-    -DPNG_EXECUTABLES=OFF
-  build_by_cmake "$source/tiff" "$source/tiff-build" -DBUILD_SHARED_LIBS=OFF -Djpeg=OFF \
+  local source=$1 prefix=$2 package
+  (build_fftw "$source/fftw3" "$source/fftw3-double" "$prefix" --enable-sse2 --enable-avx)
+  (build_fftw "$source/fftw3" "$source/fftw3-single" "$prefix" --enable-float)
+  build_by_cmake "$source/libpng1.6" "$source/libpng1.6-build" "$prefix" -DPNG_SHARED=OFF \
+    -DPNG_TESTS=OFF -DPNG_EXECUTABLES=OFF
+  build_by_cmake "$source/tiff" "$source/tiff-build" "$prefix" -DBUILD_SHARED_LIBS=OFF -Djpeg=OFF \
     -Dlzma=OFF -Dzstd=OFF -Dwebp=OFF -Dlerc=OFF -Djbig=OFF -Dlibdeflate=OFF -Dcxx=OFF \
     -Dtiff-tools=OFF -Dtiff-tests=OFF -Dtiff-contrib=OFF -Dtiff-docs=OFF
-  rm -rf "$windows_libraries"/{bin,share}
+  rm -rf "$prefix"/{bin,share,lib/*.la}
+  # They are used elsewhere than they were installed.
+  sed -i "s|$prefix|\${pcfiledir}/../..|g" "$prefix"/lib/pkgconfig/*.pc
   for package in fftw3 libpng1.6 tiff; do
-    install -D -m 644 "$source/$package/debian/copyright" \
-      "$windows_libraries/share/licences/$package.txt"
+    install -D -m 644 "$source/$package/debian/copyright" "$prefix/share/licences/$package.txt"
   done
-  cp "$source/versions" "$windows_libraries/share/licences/sources.txt"
-  rm -rf "$source"
+  cp "$source/versions" "$prefix/share/licences/sources.txt"
+}
+
+# keep_windows_libraries RECIPE: finds or makes the libraries of this recipe and of the sources'
+# newest versions among those that the user's clones share, and lets this clone's name lead there.
+# They are built beside their place and moved in, so what stands there is whole. Clones that want
+# the same at once build it once: the later one waits.
+keep_windows_libraries() {
+  local recipe=$1 cache=${XDG_CACHE_HOME:-$HOME/.cache}/glimmerblur kept
+  mkdir -p "$cache"
+  beside=$(mktemp -d "$cache/being-built-XXXXXX")
+  trap 'rm -rf "$beside"' EXIT
+  (fetch_sources "$beside/source" fftw3 libpng1.6 tiff)
+  kept=$({ echo "$recipe"; cat "$beside/source/versions"; } | sha256sum | cut -c 1-16)
+  kept=$cache/windows-libraries-$kept
+  exec 9>"$kept.lock"
+  flock 9
+  if [ ! -e "$kept" ]; then
+    echo "Building libraries for Windows" >&3
+    make_windows_libraries "$beside/source" "$beside/made"
+    echo "$recipe" >"$beside/made/recipe"
+    mv -T "$beside/made" "$kept"
+  fi
+  ln -sfn "$kept" "$windows_libraries"
 }
 
 # build_windows_libraries: FFTW, libpng and libtiff for Windows, from Debian's source packages, once
-# for a compiler, a zlib and this recipe. The stamp is written last: what has none is half built.
+# for a compiler, a zlib, this recipe and the versions of the sources. A clone that has them asks
+# for no newer ones.
 build_windows_libraries() {
-  local stamp
-  stamp=$(dpkg-query -W g++-mingw-w64-x86-64-posix mingw-w64-x86-64-dev libz-mingw-w64-dev &&
+  local recipe
+  recipe=$(dpkg-query -W g++-mingw-w64-x86-64-posix mingw-w64-x86-64-dev libz-mingw-w64-dev &&
     { declare -f make_windows_libraries build_fftw build_by_cmake; echo "$windows_flags"; } | sha256sum)
-  [ "$stamp" != "$(cat "$windows_libraries/stamp" 2>/dev/null)" ] || return 0
-  echo "Building libraries for Windows" >&2
+  [ "$recipe" != "$(cat "$windows_libraries/recipe" 2>/dev/null)" ] || return 0
   rm -rf "$windows_libraries"
-  mkdir -p "$windows_libraries"
+  mkdir -p "$root/build"
   # By a shell of its own: in a function whose failure is asked about, none of its commands' stops it.
   quietly "The libraries for Windows could not be built." bash -euo pipefail -c \
-    'source "$0/common.sh"; source "$0/windows.sh"; make_windows_libraries' "$root/scripts"
-  echo "$stamp" >"$windows_libraries/stamp"
+    'source "$0/common.sh"; source "$0/windows.sh"; keep_windows_libraries "$1"' "$root/scripts" "$recipe"
 }
 
 # start_wine: keeps Wine's server running until the script ends; each program starts the faster.
