@@ -13,6 +13,15 @@
 
 namespace glimmerhost {
 
+namespace {
+
+std::string NoEndFor(const std::string& name, const std::string& text, int time) {
+  return name + " " + text + ": allowed is a time from the end (" + std::to_string(time) +
+         ") where --frames says how many pictures the pipe holds";
+}
+
+}  // namespace
+
 // Puts typed values into tracks. An error calls an option by where it came from and its name:
 // "--radius", or "film.toml: radius".
 class ShotValues::Setter {
@@ -78,9 +87,7 @@ class ShotValues::Setter {
     } else {
       for (const KeyframeText& key : ParseKeyframes(name, text)) {
         if (key.time < 0 && span_.isOpen) {
-          throw UsageError(name + " " + text + ": allowed is a time from the end (" +
-                           std::to_string(key.time) +
-                           ") where --frames says how many pictures the pipe holds");
+          throw UsageError(NoEndFor(name, text, key.time));
         }
         track.values.push_back({FromStart(key.time), key.course, parse(key.value)});
       }

@@ -44,7 +44,8 @@ class Config final : public ColourConfig {
 
   std::vector<std::string> Names() const override {
     std::vector<std::string> names;
-    names.reserve(static_cast<std::size_t>(config_->getNumColorSpaces() + config_->getNumRoles()));
+    names.reserve(static_cast<std::size_t>(config_->getNumColorSpaces()) +
+                  static_cast<std::size_t>(config_->getNumRoles()));
     for (int i = 0; i < config_->getNumColorSpaces(); ++i) {
       names.emplace_back(config_->getColorSpaceNameByIndex(i));
     }
