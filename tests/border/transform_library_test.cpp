@@ -3,21 +3,25 @@
 
 #include "tests/border/connections.h"
 #include "tests/border/loaded_module.h"
+#include "tests/border/module_path.h"
 #include "tests/support/shared_library.h"
 
 namespace {
 
+constexpr const char* kLibrary = "libfftw3_threads.so.3";
+
 // The library's threads may still be on their last instructions when the module goes: unmapped
 // under them, the process would die now and then.
-TEST(TransformLibrary, StaysWhereItsThreadsAre) {
+TEST(TransformLibrary, StaysWhereItsThreadsAreAndComesWithNoOtherEngine) {
   lx_test::FakeHost host;
   lx_test::LoadedModule module(&host);
   { const auto render = lx_test::MakeRender(host); }
+  EXPECT_EQ(lx_test::ModuleEngine() == "exact", lx_test::IsLibraryOpen(kLibrary));
 
   module.Unload();
 
   ASSERT_FALSE(lx_test::LoadedModule::IsResident());
-  EXPECT_TRUE(lx_test::IsLibraryOpen("libfftw3_threads.so.3"));
+  EXPECT_EQ(lx_test::ModuleEngine() == "exact", lx_test::IsLibraryOpen(kLibrary));
 }
 
 }  // namespace
