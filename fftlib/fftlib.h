@@ -5,16 +5,8 @@
 // image, as often as asked; whatever a run needs is allocated and planned by the first
 // one and kept.
 //
-// How it transforms is its back-end's affair. The frame stands in the middle of a grid that is
-// padded on all sides, so that what wraps around does not reach it:
-//
-//   +--------------------------+  The frame's pixel (x, y) stands in row offsetY + y, column
-//   |      margin repeats      |  offsetX + x. Sides are those that the back-end transforms;
-//   |    +---------------+     |  exact takes a square.
-//   |    | frame, at     |     |
-//   |    | offsetX, Y    |     |
-//   |    +---------------+     |
-//   +--------------------------+
+// How it transforms is its back-end's affair. The frame stands in the middle of a padded grid, so
+// that what wraps around does not reach it: GridPlace draws it.
 //
 // Every failure is a false result and a code in status; nothing is logged, nothing is
 // thrown. One thread at a time per engine; different engines may work on different
@@ -37,8 +29,8 @@ namespace lx {
 
 class DefocusEngine;
 
-// Handles the rows (or columns) first to last, both inclusive, of a pass over an image.
-// A range with first above last is empty.
+// Handles the rows (or columns) first to last, both inclusive. A range with first above last is
+// empty.
 using PassFunction = void (*)(DefocusEngine* engine, std::int32_t first, std::int32_t last);
 
 // Runs a pass over ranges that cover 0 to count - 1 exactly once, and returns when all

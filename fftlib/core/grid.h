@@ -70,6 +70,14 @@ constexpr bool IsAllowedGrid(const GridSides& grid) {
 }
 
 // Where a frame lies in a grid: its pixel (x, y) in row offsetY + y, column offsetX + x.
+//
+//   +--------------------------+  Rows stand one after another, without padding. The margin
+//   |      margin repeats      |  repeats the frame's edge, or holds zeros.
+//   |    +---------------+     |
+//   |    | frame, at     |     |
+//   |    | offsetX, Y    |     |
+//   |    +---------------+     |
+//   +--------------------------+
 struct GridPlace {
   Size frame;
   Size grid;

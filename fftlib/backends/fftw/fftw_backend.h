@@ -1,14 +1,9 @@
 // The effect as it is written: transforms by FFTW in double precision, in a square grid whose side
 // is a power of two.
 //
-//   N x N grid, row stride N      A spectrum has N rows of N/2 + 1 complex numbers. PSF and planes
-//   +--------------------------+  have a pair of grid and spectrum each, and luma, Cr and Cb a grid
-//   |      margin repeats      |  for their results.
-//   |    +---------------+     |
-//   |    | frame, at     |     |  With measured plans the file of wisdom is read before and written
-//   |    | offsetX, Y    |     |  after each plan, and once more at the end.
-//   |    +---------------+     |
-//   +--------------------------+
+// PSF and planes have a pair of grid and spectrum each, and luma, Cr and Cb a grid for their
+// results. A spectrum of an N x N grid has N rows of N/2 + 1 complex numbers. With measured plans
+// the file of wisdom is read before and written after each plan, and once more at the end.
 #pragma once
 
 #include <cstdint>
