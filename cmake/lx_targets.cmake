@@ -36,7 +36,7 @@ endfunction()
 # Gives a program of tests the headers that are compiled once for all such programs. Its sources
 # include what they use all the same: the debug build compiles them without.
 function(lx_use_test_headers name)
-  target_compile_options(${name} PRIVATE -fpch-preprocess)
+  target_compile_options(${name} PRIVATE ${LX_TEST_OPTIONS})
   target_precompile_headers(${name} REUSE_FROM lx_test_headers)
 endfunction()
 
@@ -47,13 +47,13 @@ function(lx_test name)
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE lx_flags ${ARG_LINKS} GTest::gtest GTest::gtest_main)
   lx_use_test_headers(${name})
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+  lx_discover_tests(${name})
 endfunction()
 
 # For tests that read broken pictures: the picture library loses strings then. The address sanitizer
 # forgives that by the library's place in the stack, which only its slow way through the stack sees.
 # With that all tests would take two to three times as long.
-#   lx_find_picture_leaks(program pattern)   pattern: of the tests' names
+#   lx_find_picture_leaks(program pattern)   pattern: of the suites' names
 function(lx_find_picture_leaks name pattern)
   if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize=address")
     return()
