@@ -1,4 +1,5 @@
-// Square blocks of real numbers through the fixed-size transforms, and where their frequencies are.
+// Square blocks of real numbers through the fixed-size transforms, in whose order frequencies stay,
+// and back without scaling: size * size times the block. And where the frequencies are.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,10 @@
-// The separable filter: lines of an image through a kernel, by real transforms.
+// The separable filter: lines of an image through a kernel, by real transforms of fftkernels.
 //
 // A kernel is mirrored about its first value, its sum made 1, and lines are multiplied with it.
+// Intended: the mirror image lies one place short of where a circle would have it; a sum of 0 or
+// below multiplies the kernel by itself; and since the real transforms take numbers in another
+// order than lines have, the result is no plain convolution.
+//
 // Statuses are those of the engine; kRefused stands for a refusal that touches none.
 #pragma once
 
@@ -20,16 +24,21 @@ class SeparableFilter {
   SeparableFilter(const SeparableFilter&) = delete;
   SeparableFilter& operator=(const SeparableFilter&) = delete;
 
-  // Takes a copy of the right half of a kernel; without one on failure.
+  // Takes a copy of the right half of a kernel; without one on failure. Refuses a count below 1.
   std::int32_t SetKernel(const float* kernel, std::int32_t count);
+
+  // Makes a kernel, as FilterKernelLength tells, and sets it. Refuses what that knows no length of.
   std::int32_t MakeKernel(std::int32_t type, float radius, float parameter);
 
-  // Takes the image, borrowed; none on failure.
+  // Takes the image to be filtered, for the kernel that is set: a line and twice the kernel's
+  // length may come to 8192 samples. Borrowed; none on failure.
+  // Intended: every call makes a clone to work in, and loses that of the call before.
   std::int32_t Prepare(const ImageRec* image);
 
-  // Filters the image that was taken.
+  // Filters the channels of that image. Whole numbers are cut, not rounded, and saturate.
+  //   dest         of the image's size and sample type; may be the image itself
   //   channelMask  bit n selects channel n
-  //   direction    bit 0 along rows, bit 1 along columns
+  //   direction    bit 0 along rows, bit 1 along columns; none of them does nothing
   std::int32_t Filter(ImageRec* dest, std::uint32_t channelMask, std::uint32_t direction,
                       std::int32_t edgeMode, Rows* rows);
 
