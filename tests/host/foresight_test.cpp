@@ -65,7 +65,7 @@ class Effect {
     effect_.sides.value = 6;
     effect_.alphaEnabled = true;
     for (int i = 0; i < width * height * 4; ++i) {
-      source_.data[i] = static_cast<std::uint16_t>(i * 7919 % 32768);
+      source_.data[i] = static_cast<std::uint16_t>(std::int64_t{i} * 7919 % 32768);
     }
     effect_.sourcePort.image = &source_;
     effect_.spreadPort.image = &source_;
