@@ -1,0 +1,19 @@
+// Roots of unity, with the same bits on every system.
+#pragma once
+
+#include <cstdint>
+
+namespace lx {
+
+struct Root {
+  double cosine;
+  double sine;
+};
+
+// exp(2 pi i k / n), each part the nearest double. The C library's functions differ between systems
+// in the last bit.
+//   k  0 to n - 1
+//   n  1 to 2^24
+Root RootOfUnity(std::int64_t k, std::int64_t n);
+
+}  // namespace lx
