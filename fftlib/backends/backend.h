@@ -33,8 +33,14 @@ class Backend {
   // 0. A side may come out above what a grid can have, which the engine refuses.
   virtual GridSides GridFor(Size frame, std::int32_t margin) const = 0;
 
-  // What all buffers of a grid come to, once PSF and frames have been through it.
-  virtual std::uint64_t BytesAt(const GridSides& grid) const = 0;
+  // The grid for a mask: that of its size, unless the mask reaches beyond the margin and the
+  // back-end would rather make room.
+  virtual GridSides GridOf(const ImageRec& mask, std::int32_t margin) const {
+    return GridFor({mask.width, mask.height}, margin);
+  }
+
+  // What all buffers of a grid come to, once PSF and frames of that size have been through it.
+  virtual std::uint64_t BytesAt(Size frame, const GridSides& grid) const = 0;
 
   // Makes the PSF of a mask, in a grid of place.grid. The grid has the size of the load before,
   // whose buffers it may keep, unless FreeGrids came between.
@@ -48,11 +54,13 @@ class Backend {
   virtual bool IsLoaded() const = 0;
 
   // What the engine decides by.
-  //   keepsMask   a load that failed leaves the engine with the mask as its PSF
-  //   takesFloat  Convolve accepts float images
+  //   keepsMask    a load that failed leaves the engine with the mask as its PSF
+  //   takesFloat   Convolve accepts float images
+  //   largestSide  of a grid
   struct Rules {
     bool keepsMask;
     bool takesFloat;
+    std::int32_t largestSide;
   };
   virtual Rules GetRules() const = 0;
 

@@ -3,8 +3,8 @@
 //
 // A back-end pads the frame by a margin on each side, and brings the sides to those of a grid:
 //
-//   exact            one side for both, as the transform library is given squares
-//   double, single   each side apart
+//   exact            one side for both, a power of two
+//   double, single   each side to a power of two
 //
 //   1920 x 1080, margin 101:  exact 4096 x 4096;  double and single 4096 x 2048
 //
@@ -37,12 +37,14 @@ struct Footprint {
   std::string_view name;
   std::string_view description;  // one line
   GridSides (*gridFor)(std::int32_t width, std::int32_t height, std::int32_t margin);
-  std::uint64_t (*bytesAt)(const GridSides& grid);
+  std::uint64_t (*bytesAt)(Size frame, const GridSides& grid);
+  std::int32_t largestSide;  // of a grid
 };
 
 template <class... Each>
 constexpr std::array<Footprint, sizeof...(Each)> FootprintsOf(FootprintList<Each...> /*list*/) {
-  return {Footprint{Each::kName, Each::kDescription, &Each::GridFor, &Each::BytesAt}...};
+  return {Footprint{Each::kName, Each::kDescription, &Each::GridFor, &Each::BytesAt,
+                    Each::kLargestSide}...};
 }
 
 inline constexpr auto kFootprints = FootprintsOf(Footprints{});

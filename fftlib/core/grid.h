@@ -10,8 +10,9 @@
 
 namespace lx {
 
-// The longest side of a grid.
+// The longest side of a grid that is padded to a power of two, and of any grid.
 inline constexpr std::int32_t kLargestPaddedSize = 8192;
+inline constexpr std::int32_t kLargestGridSide = 32768;
 
 // Of a frame or a grid, in samples; -1 where there is none yet.
 struct Size {
@@ -43,15 +44,17 @@ constexpr std::int64_t PaddedSide(std::int32_t side, std::int32_t margin) {
   return NextPowerOfTwo(side + 2 * std::int64_t{std::max(margin, 0)});
 }
 
-// Whether a grid may have that side.
-constexpr bool IsPaddedSide(std::int64_t side) { return side >= 2 && side <= kLargestPaddedSize; }
+// Whether a grid may have that side, the longest of its kind being given.
+constexpr bool IsGridSide(std::int64_t side, std::int32_t largest) {
+  return side >= 2 && side <= largest;
+}
 
 // The margin that an aperture needs: its larger radius in pixels rounded up, plus 1.
 // A radius too large for any grid, or not finite, gives a margin that no grid can hold.
 inline std::int32_t OutlineMargin(double larger) {
   using Limits = std::numeric_limits<std::int32_t>;
   const double rounded = std::ceil(larger);
-  if (!(rounded <= kLargestPaddedSize)) {
+  if (!(rounded <= kLargestGridSide)) {
     return Limits::max() / 4;
   }
   return (rounded > Limits::min() ? static_cast<std::int32_t>(rounded) : Limits::min()) + 1;
@@ -65,8 +68,8 @@ struct GridSides {
   auto operator<=>(const GridSides&) const = default;
 };
 
-constexpr bool IsAllowedGrid(const GridSides& grid) {
-  return IsPaddedSide(grid.width) && IsPaddedSide(grid.height);
+constexpr bool IsAllowedGrid(const GridSides& grid, std::int32_t largest) {
+  return IsGridSide(grid.width, largest) && IsGridSide(grid.height, largest);
 }
 
 // Where a frame lies in a grid: its pixel (x, y) in row offsetY + y, column offsetX + x.
@@ -88,6 +91,11 @@ struct GridPlace {
     return offsetX >= 0 && offsetY >= 0 && offsetX + frame.width <= grid.width &&
            offsetY + frame.height <= grid.height;
   }
+
+  // How far it moves a mask that its middle comes to sample (0, 0): the mask's pixel x goes to
+  // column x - MiddleX(), whatever the grid.
+  std::int32_t MiddleX() const { return (frame.width + 1) / 2; }
+  std::int32_t MiddleY() const { return (frame.height + 1) / 2; }
 
   // The first sample of the grid's row y, counted from its first.
   std::ptrdiff_t RowStart(std::int32_t y) const { return std::ptrdiff_t{y} * grid.width; }

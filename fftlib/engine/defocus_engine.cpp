@@ -184,8 +184,8 @@ bool DefocusEngine::LoadPsf(ImageRec* mask, std::int32_t margin) {
   psfImage_ = mask;
   margin_ = NarrowMargin(wholeMargin);
   place_.frame = SizeOf(*mask);
-  const GridSides sides = backend_->GridFor(place_.frame, margin_);
-  if (!IsAllowedGrid(sides)) {
+  const GridSides sides = backend_->GridOf(*mask, margin_);
+  if (!IsAllowedGrid(sides, backend_->GetRules().largestSide)) {
     psfImage_ = nullptr;
     return Fail(kStatusSizeRange);
   }

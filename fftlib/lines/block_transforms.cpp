@@ -19,7 +19,8 @@ ComplexGrid<float> BlockGrid(std::int32_t size, float (*spectrum)[2]) {
 }  // namespace
 
 bool IsBlockSize(std::int32_t size) {
-  return IsPaddedSide(size) && std::has_single_bit(static_cast<std::uint32_t>(size));
+  return IsGridSide(size, kLargestPaddedSize) &&
+         std::has_single_bit(static_cast<std::uint32_t>(size));
 }
 
 BlockTransforms::~BlockTransforms() { FreeTable(); }

@@ -206,7 +206,7 @@ std::int32_t SeparableFilter::Prepare(const ImageRec* image) {
   // Before any kernel its length is below 0, which must not make a line shorter than the image's.
   const std::int64_t width = PaddedSide(size_.width, kernelLength_);
   const std::int64_t height = PaddedSide(size_.height, kernelLength_);
-  if (!IsPaddedSide(width) || !IsPaddedSide(height)) {
+  if (!IsGridSide(width, kLargestPaddedSize) || !IsGridSide(height, kLargestPaddedSize)) {
     return kStatusSizeRange;
   }
   padded_ = {static_cast<std::int32_t>(width), static_cast<std::int32_t>(height)};

@@ -83,7 +83,7 @@ void Explain(const lx::Footprint& engine, const Page& page, const ShotSettings& 
   for (const auto& [grid, of] : foresight.byGrid) {
     if (grid == kTooLarge) {
       out << "Too large           frames " << ShowFrames(of) << ": the grid ends at "
-          << lx::kLargestPaddedSize << ", and they will fail\n";
+          << engine.largestSide << ", and they will fail\n";
       continue;
     }
     out << "Grid                " << Sides(grid);

@@ -44,9 +44,9 @@ Foresight Foresee(const lx::Footprint& engine, const std::map<std::string, Value
   foresight.radius = ApertureRadius(values, width);
   foresight.pictureBytes = PictureBytes(width, height);
   const lx::GridSides grid = engine.gridFor(width, height, lx::OutlineMargin(foresight.radius));
-  if (lx::IsAllowedGrid(grid)) {
+  if (lx::IsAllowedGrid(grid, engine.largestSide)) {
     foresight.grid = grid;
-    foresight.effectBytes = engine.bytesAt(grid);
+    foresight.effectBytes = engine.bytesAt({width, height}, grid);
   }
   return foresight;
 }
@@ -58,7 +58,7 @@ GridStep NextGrid(const lx::Footprint& engine, const lx::GridSides& grid, int wi
   }
   const lx::GridSides next = engine.gridFor(width, height, margin + 1);
   // A margin is a radius and one pixel.
-  return {margin - 1, lx::IsAllowedGrid(next) ? next : lx::GridSides{}};
+  return {margin - 1, lx::IsAllowedGrid(next, engine.largestSide) ? next : lx::GridSides{}};
 }
 
 }  // namespace glimmerhost

@@ -102,7 +102,7 @@ void CheckGrid(const lx::Footprint& engine, const std::map<std::string, Value>& 
                   " with a radius of " + Shortest(std::round(foresight.radius * 10.0) / 10.0) +
                   " pixels is too large: the longer side and twice the radius, rounded up and "
                   "one more, may come to " +
-                  std::to_string(lx::kLargestPaddedSize) + " pixels at most");
+                  std::to_string(engine.largestSide) + " pixels at most");
   }
   const std::uint64_t available = AvailableMemory();
   if (available != 0 && foresight.effectBytes > available + held) {

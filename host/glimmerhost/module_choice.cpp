@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const lx::Footprint& Exact() { return lx::kFootprints.front(); }
+const lx::Footprint& Exact() { return *lx::FindFootprint("exact"); }
 
 }  // namespace
 

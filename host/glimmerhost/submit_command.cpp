@@ -248,8 +248,8 @@ int RunSubmit(const SubmitOptions& given, const std::vector<TypedArgument>& type
   const std::optional<ShotForesight> foreseen = Foreseen(*choice.engine, page, settings, plan);
   if (foreseen && foreseen->byGrid.contains(kTooLarge)) {
     std::cerr << "glimmerhost: frames " + ShowFrames(foreseen->byGrid.at(kTooLarge)) +
-                     " are too large: the grid ends at " + std::to_string(lx::kLargestPaddedSize) +
-                     ", and they will fail\n";
+                     " are too large: the grid ends at " +
+                     std::to_string(choice.engine->largestSide) + ", and they will fail\n";
   }
   ShotReport report(options.dryRun || !IsLocal(options) ? ShotReport::Form::kQuiet : form,
                     plan.files.size(), plan.isShot);

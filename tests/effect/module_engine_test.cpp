@@ -64,7 +64,8 @@ TEST(ModuleEngine, TakesTheBytesThatItsFootprintTells) {
 
     const std::uint64_t taken = heap.Bytes() - before;
     const lx::Footprint& footprint = FootprintOfModule();
-    const std::uint64_t told = footprint.bytesAt(footprint.gridFor(width, height, margin));
+    const std::uint64_t told =
+        footprint.bytesAt({width, height}, footprint.gridFor(width, height, margin));
     EXPECT_LE(told, taken) << footprint.name << " " << width << " " << height << " " << margin;
     EXPECT_GE(told + 5 * kBlockExtra, taken)
         << footprint.name << " " << width << " " << height << " " << margin;
@@ -102,7 +103,7 @@ TEST(ModuleEngine, HasTheGridThatItsFootprintTells) {
         const lx::GridSides grid = footprint.gridFor(width, height, margin);
         const auto where = testing::Message() << footprint.name << " " << width << " x " << height
                                               << ", margin " << margin;
-        if (!lx::IsAllowedGrid(grid)) {
+        if (!lx::IsAllowedGrid(grid, footprint.largestSide)) {
           EXPECT_EQ(lx::kStatusSizeRange, status) << where;
           continue;
         }

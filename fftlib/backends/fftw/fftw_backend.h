@@ -25,13 +25,15 @@ class FftwBackend final : public Backend {
   GridSides GridFor(Size frame, std::int32_t margin) const override {
     return FftwFootprint::GridFor(frame.width, frame.height, margin);
   }
-  std::uint64_t BytesAt(const GridSides& grid) const override {
-    return FftwFootprint::BytesAt(grid);
+  std::uint64_t BytesAt(Size frame, const GridSides& grid) const override {
+    return FftwFootprint::BytesAt(frame, grid);
   }
   std::int32_t Load(const ImageRec& mask, const GridPlace& place, Rows* rows) override;
   void FreeGrids() override { grids_.Free(); }
   bool IsLoaded() const override;
-  Rules GetRules() const override { return {.keepsMask = true, .takesFloat = true}; }
+  Rules GetRules() const override {
+    return {.keepsMask = true, .takesFloat = true, .largestSide = FftwFootprint::kLargestSide};
+  }
   std::int32_t Convolve(const RunImages& run, const Look& look, Rows* rows) override;
   std::int32_t ConvolveChannels(const RunImages& run, const Look& look, const Gamma& gamma,
                                 Rows* rows) override;

@@ -33,13 +33,16 @@ class KernelBackend final : public Backend {
   GridSides GridFor(Size frame, std::int32_t margin) const override {
     return KernelFootprint<T>::GridFor(frame.width, frame.height, margin);
   }
-  std::uint64_t BytesAt(const GridSides& grid) const override {
-    return KernelFootprint<T>::BytesAt(grid);
+  std::uint64_t BytesAt(Size frame, const GridSides& grid) const override {
+    return KernelFootprint<T>::BytesAt(frame, grid);
   }
   std::int32_t Load(const ImageRec& mask, const GridPlace& place, Rows* rows) override;
   void FreeGrids() override;
   bool IsLoaded() const override { return grids_.psf != nullptr && grids_.work != nullptr; }
-  Rules GetRules() const override { return {.keepsMask = false, .takesFloat = false}; }
+  Rules GetRules() const override {
+    return {
+        .keepsMask = false, .takesFloat = false, .largestSide = KernelFootprint<T>::kLargestSide};
+  }
   std::int32_t Convolve(const RunImages& run, const Look& look, Rows* rows) override;
 
   // Intended: without gamma, gain and offset.

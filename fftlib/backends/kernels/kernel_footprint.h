@@ -22,12 +22,14 @@ struct KernelFootprint {
           ? "the same kernels in single precision: for previews, and where there is no emphasis"
           : "kernels of fixed sizes, in double precision, on a grid whose sides are apart";
 
+  static constexpr std::int32_t kLargestSide = kLargestPaddedSize;
+
   static constexpr GridSides GridFor(std::int32_t width, std::int32_t height, std::int32_t margin) {
     return {PaddedSide(width, margin), PaddedSide(height, margin)};
   }
 
   // Five planes of complex numbers, which become their own spectra.
-  static constexpr std::uint64_t BytesAt(const GridSides& grid) {
+  static constexpr std::uint64_t BytesAt(Size /*frame*/, const GridSides& grid) {
     return 5 * static_cast<std::uint64_t>(grid.width) * static_cast<std::uint64_t>(grid.height) *
            2 * sizeof(T);
   }

@@ -130,15 +130,17 @@ TYPED_TEST(EveryBackend, HoldsTheFrameAndItsMarginInItsGrid) {
     EXPECT_LE(90 + 2 * std::max(margin, 0), grid.width) << margin;
     EXPECT_LE(33 + 2 * std::max(margin, 0), grid.height) << margin;
     // A mask and three planes are the least that a run holds.
-    EXPECT_LE(4 * static_cast<std::uint64_t>(grid.width * grid.height), backend->BytesAt(grid));
+    EXPECT_LE(4 * static_cast<std::uint64_t>(grid.width * grid.height),
+              backend->BytesAt({90, 33}, grid));
   }
 }
 
 TYPED_TEST(EveryBackend, RefusesAFrameThatNoGridHolds) {
   const auto engine = this->MakeEngine();
-  std::vector<std::uint8_t> mask(8191 * 2, 0);
+  constexpr int kWidth = TypeParam::kLargestSide - 1;
+  std::vector<std::uint8_t> mask(kWidth * 2, 0);
 
-  EXPECT_FALSE(lx_test::LoadMask(engine.get(), mask, 8191, 2, 1));
+  EXPECT_FALSE(lx_test::LoadMask(engine.get(), mask, kWidth, 2, 1));
 
   EXPECT_EQ(lx::kStatusSizeRange, engine->GetStatus());
 }

@@ -71,11 +71,13 @@ class DummyBackend final : public lx::Backend {
   lx::GridSides GridFor(lx::Size frame, std::int32_t margin) const override {
     return DummyFootprint::GridFor(frame.width, frame.height, margin);
   }
-  std::uint64_t BytesAt(const lx::GridSides& grid) const override {
-    return DummyFootprint::BytesAt(grid);
+  std::uint64_t BytesAt(lx::Size frame, const lx::GridSides& grid) const override {
+    return DummyFootprint::BytesAt(frame, grid);
   }
   bool IsLoaded() const override { return isLoaded_; }
-  Rules GetRules() const override { return {.keepsMask = false, .takesFloat = false}; }
+  Rules GetRules() const override {
+    return {.keepsMask = false, .takesFloat = false, .largestSide = DummyFootprint::kLargestSide};
+  }
 
   void FreeGrids() override {
     isLoaded_ = false;

@@ -15,6 +15,8 @@ struct DummyFootprint {
   static constexpr std::string_view kName = "dummy";
   static constexpr std::string_view kDescription = "plain sums over every pixel of the mask";
 
+  static constexpr std::int32_t kLargestSide = lx::kLargestPaddedSize;
+
   // Sides apart, and no powers of two.
   static constexpr lx::GridSides GridFor(std::int32_t width, std::int32_t height,
                                          std::int32_t margin) {
@@ -23,7 +25,7 @@ struct DummyFootprint {
   }
 
   // The mask as numbers, and four planes.
-  static constexpr std::uint64_t BytesAt(const lx::GridSides& grid) {
+  static constexpr std::uint64_t BytesAt(lx::Size /*frame*/, const lx::GridSides& grid) {
     return 5 * static_cast<std::uint64_t>(grid.width) * static_cast<std::uint64_t>(grid.height) *
            sizeof(double);
   }
