@@ -3,10 +3,11 @@
 //
 // A back-end pads the frame by a margin on each side, and brings the sides to those of a grid:
 //
+//   fast             each side to the quickest length that is near
 //   exact            one side for both, a power of two
 //   double, single   each side to a power of two
 //
-//   1920 x 1080, margin 101:  exact 4096 x 4096;  double and single 4096 x 2048
+//   1920 x 1080, margin 101:  fast 2160 x 1296;  exact 4096 x 4096;  double and single 4096 x 2048
 //
 // Bytes are those of all that a back-end keeps for runs on a grid. What it holds for the length of
 // a load alone does not count, nor does what a planner takes.
@@ -18,6 +19,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "fftlib/backends/fast/fast_footprint.h"
 #include "fftlib/backends/fftw/fftw_footprint.h"
 #include "fftlib/backends/kernels/kernel_footprint.h"
 #include "fftlib/core/grid.h"
@@ -30,7 +32,8 @@ template <class... Each>
 struct FootprintList {};
 
 // A back-end is a folder and its name here.
-using Footprints = FootprintList<FftwFootprint, KernelFootprint<double>, KernelFootprint<float>>;
+using Footprints =
+    FootprintList<FastFootprint, FftwFootprint, KernelFootprint<double>, KernelFootprint<float>>;
 
 // Any of them, for who chooses while it runs.
 struct Footprint {

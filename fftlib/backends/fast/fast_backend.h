@@ -1,0 +1,65 @@
+// Our own transforms of mixed radix, in double precision, on a grid whose sides just hold frame and
+// aperture.
+//
+// A frame goes three times through memory: its rows, eight at a time, from pixels to spectra; its
+// columns, eight at a time, forward, times the PSF's spectrum, and backward; its rows back to
+// pixels. Only rows of the frame are ever stored; what is repeated around it is read once more.
+//
+// Frames depend on the mask that was loaded last and on nothing before it. Bits are the same for
+// any number of ways, and on every processor and system.
+//
+// Float images go through it as they are, above 1 and below 0, but for what an emphasis clamps:
+// see ApplyOpenCurve.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+#include "fftlib/backends/backend.h"
+#include "fftlib/backends/fast/fast_footprint.h"
+#include "fftlib/backends/fast/fast_grids.h"
+#include "fftlib/backends/fast/fast_rows.h"
+#include "fftlib/backends/fast/mask_extent.h"
+
+namespace lx {
+
+class FastBackend final : public Backend {
+ public:
+  // Works by the fastest kernels that the processor has, or by those given, which must outlive it.
+  FastBackend() : FastBackend(GetLineKernels()) {}
+  explicit FastBackend(const LineKernels& kernels) : kernels_(kernels) {}
+
+  std::string_view Name() const override { return FastFootprint::kName; }
+  GridSides GridFor(Size frame, std::int32_t margin) const override {
+    return FastFootprint::GridFor(frame.width, frame.height, margin);
+  }
+  GridSides GridOf(const ImageRec& mask, std::int32_t margin) const override;
+  std::uint64_t BytesAt(Size frame, const GridSides& grid) const override {
+    return FastFootprint::BytesAt(frame, grid);
+  }
+  std::int32_t Load(const ImageRec& mask, const GridPlace& place, Rows* rows) override;
+  void FreeGrids() override;
+  bool IsLoaded() const override { return isLoaded_; }
+  Rules GetRules() const override {
+    return {.keepsMask = false, .takesFloat = true, .largestSide = FastFootprint::kLargestSide};
+  }
+  std::int32_t Convolve(const RunImages& run, const Look& look, Rows* rows) override;
+  std::int32_t ConvolveChannels(const RunImages& run, const Look& look, const Gamma& gamma,
+                                Rows* rows) override;
+
+ private:
+  FastFrame MakeFrame(const Look& look);
+  std::int32_t PreparePlanes(std::size_t count);
+  void ConvolveColumns(const std::array<double*, FastLayout::kPlanes>& planes, std::size_t count,
+                       Rows* rows);
+
+  const LineKernels& kernels_;
+  FastGrids grids_;
+  MaskReach across_{};
+  MaskReach down_{};
+  bool isLoaded_ = false;
+  bool isEmpty_ = false;  // the mask: its frames are not-a-number all over
+};
+
+}  // namespace lx

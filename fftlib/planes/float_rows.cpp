@@ -1,0 +1,107 @@
+#include "fftlib/planes/float_rows.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+#include "baselib/utils/convert.h"
+#include "fftlib/core/run.h"
+#include "fftlib/planes/colour_transform.h"
+#include "fftlib/planes/sample_types.h"
+
+namespace lx {
+namespace {
+
+// A piece at a time, so that what lies above 1 stays at hand.
+constexpr std::int32_t kPiece = 128;
+
+double Finite(float sample) { return std::isfinite(sample) ? static_cast<double>(sample) : 0.0; }
+
+struct Weights {
+  double r;
+  double g;
+  double b;
+  double offset;
+};
+
+Weights WeightsOf(std::uint32_t channelBit) {
+  switch (channelBit) {
+    case kBitLuma:
+      return {kLumaR, kLumaG, kLumaB, 0.0};
+    case kBitCr:
+      return {kCrR, kCrG, kCrB, 0.5};
+    default:
+      return {kCbR, kCbG, kCbB, 0.5};
+  }
+}
+
+// The curve's slope at 1: of its hyperbola 1 / a^2, and of the power on top of that its exponent.
+double SlopeAtOne(const EmphasisCurve& curve) {
+  const double exponent = curve.hasPower ? curve.apply.high + curve.apply.low : 1.0;
+  return exponent / (curve.a * curve.a);
+}
+
+// Puts what a value is above 1, times a factor, on top of what a function makes of the rest.
+template <class Function>
+void OnTop(double factor, std::int32_t count, double* values, Function function) {
+  for (std::int32_t start = 0; start < count; start += kPiece) {
+    const std::int32_t width = std::min(kPiece, count - start);
+    double* piece = values + start;
+    double above[kPiece];
+    for (std::int32_t x = 0; x < width; ++x) {
+      above[x] = piece[x] > 1.0 ? (piece[x] - 1.0) * factor : 0.0;
+    }
+    function(width, piece);
+    for (std::int32_t x = 0; x < width; ++x) {
+      piece[x] += above[x];
+    }
+  }
+}
+
+}  // namespace
+
+void FillFromFloatPicture(const ImageRec& source, std::uint32_t channelBit, RowPiece piece,
+                          double* row) {
+  const float* pixels =
+      SampleRow<float>(source, piece.y) + std::ptrdiff_t{piece.x} * source.channels;
+  if (channelBit == kBitAlpha) {
+    for (std::int32_t x = 0; x < piece.width; ++x, pixels += source.channels) {
+      row[x] = Finite(pixels[3]);
+    }
+    return;
+  }
+  const Weights weights = WeightsOf(channelBit);
+  for (std::int32_t x = 0; x < piece.width; ++x, pixels += source.channels) {
+    row[x] = weights.r * Finite(pixels[0]) + weights.g * Finite(pixels[1]) +
+             weights.b * Finite(pixels[2]) + weights.offset;
+  }
+}
+
+void StoreToFloatPicture(const PlaneRow& planes, RowPiece piece, ImageRec* dest) {
+  float* pixels = SampleRow<float>(dest, piece.y) + std::ptrdiff_t{piece.x} * dest->channels;
+  for (std::int32_t x = 0; x < piece.width; ++x, pixels += dest->channels) {
+    const double y = planes.luma[x];
+    const double cr = planes.cr[x] - 0.5;
+    const double cb = planes.cb[x] - 0.5;
+    pixels[0] = NarrowToFloat(y + kRCr * cr);
+    pixels[1] = NarrowToFloat(kGY * y - kGCr * cr - kGCb * cb);
+    pixels[2] = NarrowToFloat(kBY * y + kBCb * cb);
+    if (planes.alpha != nullptr) {
+      pixels[3] = NarrowToFloat(planes.alpha[x]);
+    }
+  }
+}
+
+void ApplyOpenCurve(const EmphasisCurve& curve, std::int32_t count, double* values) {
+  OnTop(SlopeAtOne(curve), count, values, [&](std::int32_t width, double* piece) {
+    GetRowKernels().applyCurve(curve, width, piece);
+  });
+}
+
+void UndoOpenCurve(const EmphasisCurve& curve, std::int32_t count, double* values) {
+  OnTop(1.0 / SlopeAtOne(curve), count, values, [&](std::int32_t width, double* piece) {
+    GetRowKernels().undoCurve(curve, piece, 1.0, width, piece);
+  });
+}
+
+}  // namespace lx
