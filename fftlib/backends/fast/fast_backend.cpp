@@ -1,12 +1,16 @@
 #include "fftlib/backends/fast/fast_backend.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <new>
 
+#include "fftlib/backends/fast/bands.h"
+#include "fftlib/backends/fast/even_alpha.h"
 #include "fftlib/backends/fast/fast_columns.h"
 #include "fftlib/backends/fast/fast_load.h"
+#include "fftlib/planes/float_rows.h"
 
 namespace lx {
 namespace {
@@ -15,20 +19,33 @@ std::int32_t ChannelsOf(const RunImages& run) {
   return std::min<std::int32_t>(run.source->channels, run.dest->channels);
 }
 
+Aperture MakeAperture(const ImageRec& mask, const BitWord* bits) {
+  return {FindExtent(mask), MaskMiddle(mask.width), MaskMiddle(mask.height), bits};
+}
+
+MaskReach Across(const Aperture& aperture) {
+  return ReachOf(aperture.extent.left, aperture.extent.right, aperture.middleX);
+}
+
+MaskReach Down(const Aperture& aperture) {
+  return ReachOf(aperture.extent.top, aperture.extent.bottom, aperture.middleY);
+}
+
+// A hyperbola alone spans no more than a transform can bear.
+bool NeedsBands(const EmphasisCurve& curve) { return curve.on && curve.hasPower; }
+
 }  // namespace
 
 std::unique_ptr<Backend> FastFootprint::Make() {
   return std::unique_ptr<Backend>(new (std::nothrow) FastBackend);
 }
 
+// What wraps around must not reach the frame.
 GridSides FastBackend::GridOf(const ImageRec& mask, std::int32_t margin) const {
-  const MaskExtent extent = FindExtent(mask);
-  const MaskReach across = ReachOf(extent.left, extent.right, mask.width);
-  const MaskReach down = ReachOf(extent.top, extent.bottom, mask.height);
-  // What wraps around must not reach the frame.
-  const std::int32_t needed =
-      (std::max(across.before + across.after, down.before + down.after) + 1) / 2;
-  return GridFor({mask.width, mask.height}, std::max(margin, needed));
+  const Aperture aperture = MakeAperture(mask, nullptr);
+  const auto needed = [](MaskReach reach) { return (reach.before + reach.after + 1) / 2; };
+  return GridFor({mask.width, mask.height},
+                 std::max({margin, needed(Across(aperture)), needed(Down(aperture))}));
 }
 
 void FastBackend::FreeGrids() {
@@ -43,18 +60,17 @@ std::int32_t FastBackend::Load(const ImageRec& mask, const GridPlace& place, Row
   if (prepared != kStatusOk) {
     return prepared;
   }
-  const MaskExtent extent = FindExtent(mask);
-  across_ = ReachOf(extent.left, extent.right, mask.width);
-  down_ = ReachOf(extent.top, extent.bottom, mask.height);
-  LoadSpectrum(mask, extent, &grids_, kernels_, rows);
+  aperture_ = MakeAperture(mask, grids_.MaskBits());
+  MarkMask(mask, aperture_.extent, grids_.MaskBits());
+  leastWeight_ = LoadSpectrum(mask, aperture_.extent, &grids_, kernels_, rows);
   isLoaded_ = true;
   return kStatusOk;
 }
 
 FastFrame FastBackend::MakeFrame(const Look& look) {
-  PlaceFrameRows(grids_.Layout(), down_.before, look.edgeMode == kEdgeReplicate,
+  PlaceFrameRows(grids_.Layout(), Down(aperture_).before, look.edgeMode == kEdgeReplicate,
                  grids_.FrameSource());
-  return {&grids_, &kernels_, look.edgeMode, across_.before};
+  return {&grids_, &kernels_, look.edgeMode, Across(aperture_).before};
 }
 
 std::int32_t FastBackend::PreparePlanes(std::size_t count) {
@@ -72,6 +88,47 @@ void FastBackend::ConvolveColumns(const std::array<double*, FastLayout::kPlanes>
   rows->Run(ConvolvePass{&grids_, &kernels_, planes, count}, grids_.Layout().Blocks());
 }
 
+bool FastBackend::ConvolveBands(const FastFrame& frame, const PicturePlane& from,
+                                const BandPlanes& planes, Rows* rows) {
+  const std::int32_t width = grids_.Layout().frame.width;
+  const std::int32_t height = grids_.Layout().frame.height;
+  const BandRule rule = MakeBandRule(from.curve, leastWeight_);
+  std::atomic<std::uint64_t> bands{0};
+  rows->Run(ValuesPass{frame, from, rule, planes.values, &bands}, height);
+  const Reach reach(aperture_, width, height, frame.edgeMode == kEdgeReplicate);
+  // The plane that a band works in is still free while it is marked.
+  auto* marked = reinterpret_cast<BitWord*>(planes.work);
+  bool isFirst = true;
+  for (std::int32_t number = 0; number < BandRule::kCount; ++number) {
+    if (((bands.load() >> static_cast<unsigned>(number)) & 1U) == 0) {
+      continue;
+    }
+    const Band band = MakeBand(rule, number);
+    rows->Run(MarkPass{&reach, band, planes.values, width, marked}, height);
+    rows->Run(ReachPass{&reach, marked, width, grids_.ReachedBits()}, height);
+    rows->Run(BandPass{frame, band, planes.values, planes.work}, height);
+    ConvolveColumns({planes.work}, 1, rows);
+    rows->Run(SumPass{frame, band, planes.work, grids_.ReachedBits(), isFirst, planes.sum}, height);
+    isFirst = false;
+  }
+  return !isFirst;
+}
+
+// Alpha that is even stays so where the frame's edge goes on for ever. What an open curve makes of
+// floats below 0 is something else.
+bool FastBackend::HasEvenAlpha(const PicturePlane& plane, const Look& look, double* value,
+                               Rows* rows) const {
+  const bool isFloat = plane.source->sampleType == kSampleFloat;
+  if (plane.channelBit != kBitAlpha || look.edgeMode != kEdgeReplicate ||
+      aperture_.extent.isEmpty || (plane.curve.on && isFloat)) {
+    return false;
+  }
+  std::atomic<bool> isEven{true};
+  rows->Run(EvenAlphaPass{plane.source, &isEven}, plane.source->height);
+  (isFloat ? FillFromFloatPicture : FillFromPicture)(*plane.source, kBitAlpha, {0, 0, 1}, value);
+  return isEven;
+}
+
 std::int32_t FastBackend::Convolve(const RunImages& run, const Look& look, Rows* rows) {
   const bool withAlpha = ChannelsOf(run) >= 4 && (run.channelMask & kBitAlpha) != 0;
   const std::size_t count = withAlpha ? 4 : 3;
@@ -80,20 +137,39 @@ std::int32_t FastBackend::Convolve(const RunImages& run, const Look& look, Rows*
     return prepared;
   }
   const FastFrame frame = MakeFrame(look);
-  ForwardPass<PicturePlane> forward{frame, {}, count};
+  const EmphasisCurve curve = MakeEmphasisCurve(static_cast<double>(look.emphasis));
+  ForwardPass<PicturePlane> forward{frame, {}, 0};
   PicturePass picture{frame, {}, withAlpha, run.dest};
-  std::array<double*, FastLayout::kPlanes> planes{};
-  for (std::size_t p = 0; p < count; ++p) {
-    const std::uint32_t bit = 1U << p;
-    const EmphasisCurve curve = HasCurve(bit, look)
-                                    ? MakeEmphasisCurve(static_cast<double>(look.emphasis))
-                                    : EmphasisCurve{};
-    planes[p] = grids_.Plane(p);
-    forward.planes[p] = {{run.source, bit, curve}, planes[p]};
-    picture.planes[p] = {planes[p], nullptr, 0.0, curve};
+  std::array<double*, FastLayout::kPlanes> spectra{};
+  std::size_t spectraCount = 0;
+  // The grid's planes are handed out from the last one on. Those with bands come first, while there
+  // are two more to work in.
+  std::size_t free = count;
+  for (const bool inBands : {true, false}) {
+    for (std::size_t p = 0; p < count; ++p) {
+      const std::uint32_t bit = 1U << p;
+      const PicturePlane plane{run.source, bit, HasCurve(bit, look) ? curve : EmphasisCurve{}};
+      if (NeedsBands(plane.curve) != inBands) {
+        continue;
+      }
+      FinishedPlane& finished = picture.planes[p];
+      if (HasEvenAlpha(plane, look, &finished.even, rows)) {
+        forward.planes[forward.count++] = {plane, nullptr};
+        continue;
+      }
+      double* own = grids_.Plane(--free);
+      finished.curve = plane.curve;
+      if (!inBands) {
+        forward.planes[forward.count++] = {plane, own};
+        spectra[spectraCount++] = own;
+        finished.spectra = own;
+      } else if (ConvolveBands(frame, plane, {grids_.Plane(0), grids_.Plane(1), own}, rows)) {
+        finished.rows = own;
+      }
+    }
   }
   rows->Run(forward, run.source->height);
-  ConvolveColumns(planes, count, rows);
+  ConvolveColumns(spectra, spectraCount, rows);
   rows->Run(picture, run.dest->height);
   return kStatusOk;
 }

@@ -51,15 +51,24 @@ class FastBackend final : public Backend {
  private:
   FastFrame MakeFrame(const Look& look);
   std::int32_t PreparePlanes(std::size_t count);
+  // Convolves a plane in bands of magnitude. Its numbers and its bands go through planes that the
+  // caller names; the finished rows are in the sum. False where all are 0, with no sum made.
+  struct BandPlanes {
+    double* values;
+    double* work;
+    double* sum;
+  };
+  bool ConvolveBands(const FastFrame& frame, const PicturePlane& from, const BandPlanes& planes,
+                     Rows* rows);
+  bool HasEvenAlpha(const PicturePlane& plane, const Look& look, double* value, Rows* rows) const;
   void ConvolveColumns(const std::array<double*, FastLayout::kPlanes>& planes, std::size_t count,
                        Rows* rows);
 
   const LineKernels& kernels_;
   FastGrids grids_;
-  MaskReach across_{};
-  MaskReach down_{};
+  Aperture aperture_{};
+  double leastWeight_ = 0.0;  // of its weights but 0, of a sum of 1
   bool isLoaded_ = false;
-  bool isEmpty_ = false;  // the mask: its frames are not-a-number all over
 };
 
 }  // namespace lx

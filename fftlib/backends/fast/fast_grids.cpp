@@ -65,10 +65,6 @@ void FastGrids::Free() {
   }
 }
 
-std::uint64_t* FastGrids::Bits(ReachBits which) const {
-  return reach_ + which * layout_.ReachWords() * layout_.frame.height;
-}
-
 // Couples first, and numbers of half their size last, so that all are aligned.
 void FastGrids::MakePlans() {
   auto* couples = static_cast<RowPlan::Couple*>(tables_);

@@ -35,9 +35,9 @@ class FastGrids {
   std::int32_t* MaskSource() const { return frameSource_ + layout_.height; }  // and of a mask
   ScratchSlots& Slots() { return slots_; }
 
-  // Of a bit a pixel, rows of Layout().ReachWords().
-  enum ReachBits : std::uint8_t { kMaskBits, kBandBits, kReachedBits };
-  std::uint64_t* Bits(ReachBits which) const;
+  // Of a bit a pixel, rows of Layout().ReachWords(): the mask's, and what it reaches.
+  BitWord* MaskBits() const { return reach_; }
+  BitWord* ReachedBits() const { return reach_ + layout_.ReachWords() * layout_.frame.height; }
 
  private:
   void MakePlans();
@@ -50,7 +50,7 @@ class FastGrids {
   void* tables_ = nullptr;
   double* spectrum_ = nullptr;
   double* scratch_ = nullptr;
-  std::uint64_t* reach_ = nullptr;
+  BitWord* reach_ = nullptr;
   std::array<double*, FastLayout::kPlanes> planes_{};
   ScratchSlots slots_;
 };

@@ -6,6 +6,7 @@
 
 #include "fftkernels/mixed_radix/line_plan.h"
 #include "fftlib/backends/fast/line_kernels.h"
+#include "fftlib/backends/fast/reach.h"
 #include "fftlib/core/grid.h"
 
 namespace lx {
@@ -43,8 +44,7 @@ struct FastLayout {
   constexpr std::int64_t RowTwiddles() const { return CountTwiddles(width / 2); }
   constexpr std::int64_t ColumnTwiddles() const { return CountTwiddles(height); }
 
-  // Words of 64 pixels in a row of the frame.
-  constexpr std::int64_t ReachWords() const { return (frame.width + 63) / 64; }
+  constexpr std::int64_t ReachWords() const { return BitWords(frame.width); }
 
   constexpr std::uint64_t TableBytes() const {
     return static_cast<std::uint64_t>(RowTwiddles() + ColumnTwiddles()) * sizeof(double) +
@@ -56,10 +56,10 @@ struct FastLayout {
   constexpr std::uint64_t ScratchBytes() const {
     return static_cast<std::uint64_t>(kSlots) * static_cast<std::uint64_t>(Slot()) * sizeof(double);
   }
-  // Three of a bit a pixel: where the aperture is not zero, a band, and what it reaches.
+  // Two of a bit a pixel: where the aperture is not zero, and what it reaches.
   constexpr std::uint64_t ReachBytes() const {
-    return 3 * static_cast<std::uint64_t>(ReachWords()) * static_cast<std::uint64_t>(frame.height) *
-           sizeof(std::uint64_t);
+    return 2 * static_cast<std::uint64_t>(ReachWords()) * static_cast<std::uint64_t>(frame.height) *
+           sizeof(BitWord);
   }
 
   Size frame;

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 #include "fftlib/backends/fast/fast_columns.h"
 #include "fftlib/planes/channel_rows.h"
@@ -68,30 +69,37 @@ struct MaskPass {
   }
 };
 
-double SumOfMask(const ImageRec& mask, const MaskExtent& extent, double* row) {
+struct Weights {
   double sum = 0.0;
+  double least = std::numeric_limits<double>::infinity();
+};
+
+Weights WeighMask(const ImageRec& mask, const MaskExtent& extent, double* row) {
+  Weights weights;
   for (std::int32_t y = extent.top; y <= extent.bottom; ++y) {
     ReadMaskRow(mask, extent, y, row);
     for (std::int32_t x = extent.left; x <= extent.right; ++x) {
-      sum += row[x - extent.left];
+      const double weight = row[x - extent.left];
+      weights.sum += weight;
+      weights.least = weight > 0.0 ? std::min(weights.least, weight) : weights.least;
     }
   }
-  return sum;
+  return weights;
 }
 
 }  // namespace
 
-void LoadSpectrum(const ImageRec& mask, const MaskExtent& extent, FastGrids* grids,
-                  const LineKernels& kernels, Rows* rows) {
+double LoadSpectrum(const ImageRec& mask, const MaskExtent& extent, FastGrids* grids,
+                    const LineKernels& kernels, Rows* rows) {
   const FastLayout& layout = grids->Layout();
-  double sum = 0.0;
+  Weights weights;
   {
     const ScratchSlots::Use scratch(&grids->Slots());
-    sum = SumOfMask(mask, extent, scratch.Data());
+    weights = WeighMask(mask, extent, scratch.Data());
   }
   // Rows forward double what they are given, of the mask as of the frame, and back they do so once
   // more; half a row's length and the columns' length multiply too.
-  const double scale = 1.0 / (4.0 * layout.width * layout.height * sum);
+  const double scale = 1.0 / (4.0 * layout.width * layout.height * weights.sum);
   rows->Run(MaskPass{&mask, extent, scale, grids, &kernels}, mask.height);
   std::int32_t* source = grids->MaskSource();
   std::fill_n(source, layout.height, -1);
@@ -99,6 +107,7 @@ void LoadSpectrum(const ImageRec& mask, const MaskExtent& extent, FastGrids* gri
     source[Around(y - MaskMiddle(mask.height), layout.height)] = y - extent.top;
   }
   rows->Run(SpectrumPass{grids, &kernels}, layout.Blocks());
+  return weights.least / weights.sum;
 }
 
 }  // namespace lx

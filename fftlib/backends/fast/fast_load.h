@@ -12,8 +12,9 @@ namespace lx {
 // through transforms and product keeps its sum. Only the mask's own rows are transformed. Asks
 // before every row of the mask; those that a cancel keeps it from count as zero.
 //   mask  any sample type, of which the first channel counts
+// The smallest of its weights but 0, of a sum of 1.
 // Intended: a mask of zeros makes every number of the spectrum not-a-number.
-void LoadSpectrum(const ImageRec& mask, const MaskExtent& extent, FastGrids* grids,
-                  const LineKernels& kernels, Rows* rows);
+double LoadSpectrum(const ImageRec& mask, const MaskExtent& extent, FastGrids* grids,
+                    const LineKernels& kernels, Rows* rows);
 
 }  // namespace lx

@@ -1,7 +1,6 @@
 #include "fftlib/backends/fast/fast_rows.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "fftlib/planes/float_rows.h"
 #include "fftlib/planes/picture_rows.h"
@@ -10,44 +9,6 @@
 
 namespace lx {
 namespace {
-
-// Of eight rows, so that what goes between rows and lanes stays at hand.
-constexpr std::int32_t kPiece = 64;
-constexpr std::int32_t kPieces = kLines * kPiece;
-
-// Calls function(y, rows wanted, rows granted) for the rows first to last, eight at a time. Asks
-// before each row, up to the first refusal.
-template <class Function>
-void EachEight(std::int32_t first, std::int32_t last, Function function) {
-  for (std::int32_t y = first; y <= last; y += kLines) {
-    function(y, std::min(kLines, last - y + 1));
-  }
-}
-
-// How many rows may be worked on.
-std::int32_t AskFor(const Rows& rows, std::int32_t count) {
-  std::int32_t granted = 0;
-  while (granted < count && !rows.Cancelled()) {
-    ++granted;
-  }
-  return granted;
-}
-
-// Calls fill(piece, row) for all pieces of eight rows and packs them. Rows behind count are zeros.
-template <class Fill>
-void PackRows(const FastFrame& frame, std::int32_t y, std::int32_t count, double* buffer,
-              Fill fill) {
-  double rows[kPieces];
-  std::fill(rows + count * kPiece, rows + kPieces, 0.0);
-  const std::int32_t width = frame.grids->Layout().frame.width;
-  for (std::int32_t x = 0; x < width; x += kPiece) {
-    const std::int32_t pixels = std::min(kPiece, width - x);
-    for (std::int32_t r = 0; r < count; ++r) {
-      fill(RowPiece{x, y + r, pixels}, rows + r * kPiece);
-    }
-    frame.kernels->pack(rows, kPiece, pixels, buffer + std::ptrdiff_t{x} * kLines);
-  }
-}
 
 void ClearRows(const FastFrame& frame, std::int32_t count, double* plane) {
   const FastLayout& layout = frame.grids->Layout();
@@ -64,8 +25,9 @@ void Finish(const FastFrame& frame, const FinishedPlane& plane, bool isFloat, st
   if (plane.spectra != nullptr) {
     TransformRowsBack(frame, frame.RowsOf(plane.spectra, y), count, buffer);
   } else if (plane.rows != nullptr) {
-    std::memcpy(buffer, plane.rows + std::ptrdiff_t{y} * width,
-                static_cast<std::size_t>(count) * static_cast<std::size_t>(width) * sizeof(double));
+    PackRows(frame, y, count, buffer, [&](RowPiece piece, double* row) {
+      std::copy_n(plane.rows + std::ptrdiff_t{piece.y} * width + piece.x, piece.width, row);
+    });
   } else {
     std::fill_n(buffer, numbers, plane.even);
     return;
@@ -81,6 +43,14 @@ void Finish(const FastFrame& frame, const FinishedPlane& plane, bool isFloat, st
 }
 
 }  // namespace
+
+std::int32_t AskFor(const Rows& rows, std::int32_t count) {
+  std::int32_t granted = 0;
+  while (granted < count && !rows.Cancelled()) {
+    ++granted;
+  }
+  return granted;
+}
 
 void TransformRows(const FastFrame& frame, std::int32_t count, double* buffer, double* to) {
   const FastLayout& layout = frame.grids->Layout();
@@ -202,23 +172,16 @@ void ChannelPass::operator()(Rows& rows, std::int32_t first, std::int32_t last) 
   if (first > last) {
     return;
   }
-  const std::int32_t width = frame.grids->Layout().frame.width;
   const ScratchSlots::Use scratch(&frame.grids->Slots());
-  double piece[kPieces];
   EachEight(first, last, [&](std::int32_t y, std::int32_t wanted) {
     const std::int32_t count = AskFor(rows, wanted);
     if (count == 0) {
       return;
     }
     TransformRowsBack(frame, frame.RowsOf(spectra, y), count, scratch.Data());
-    for (std::int32_t x = 0; x < width; x += kPiece) {
-      const std::int32_t pixels = std::min(kPiece, width - x);
-      frame.kernels->unpack(scratch.Data() + std::ptrdiff_t{x} * kLines, kPiece, pixels, piece);
-      for (std::int32_t r = 0; r < count; ++r) {
-        StoreToChannel(piece + std::ptrdiff_t{r} * kPiece, 1.0, channel, gamma, {x, y + r, pixels},
-                       dest);
-      }
-    }
+    UnpackRows(frame, scratch.Data(), y, count, [&](RowPiece piece, const double* row) {
+      StoreToChannel(row, 1.0, channel, gamma, piece, dest);
+    });
   });
 }
 

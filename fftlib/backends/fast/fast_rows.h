@@ -2,6 +2,7 @@
 // back. A pass writes only its own rows.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -11,6 +12,7 @@
 #include "fftlib/core/run.h"
 #include "fftlib/planes/channel_rows.h"
 #include "fftlib/planes/emphasis_curve.h"
+#include "fftlib/planes/picture_rows.h"
 #include "imagelib/imagelib.h"
 
 namespace lx {
@@ -91,6 +93,54 @@ struct ChannelPass {
 
   void operator()(Rows& rows, std::int32_t first, std::int32_t last) const;
 };
+
+// Of eight rows of doubles, so that what goes between rows and lanes stays at hand. One word of
+// bits.
+inline constexpr std::int32_t kPiece = 64;
+inline constexpr std::int32_t kPieces = kLines * kPiece;
+
+// Calls function(y, count) for the rows first to last, eight at a time.
+template <class Function>
+void EachEight(std::int32_t first, std::int32_t last, Function function) {
+  for (std::int32_t y = first; y <= last; y += kLines) {
+    function(y, std::min(kLines, last - y + 1));
+  }
+}
+
+// Asks before each of count rows, up to the first refusal; how many may be worked on.
+std::int32_t AskFor(const Rows& rows, std::int32_t count);
+
+// Calls fill(piece, row) for all pieces of count rows from y on, and packs them. Rows behind count
+// are zeros.
+template <class Fill>
+void PackRows(const FastFrame& frame, std::int32_t y, std::int32_t count, double* buffer,
+              Fill fill) {
+  double rows[kPieces];
+  std::fill(rows + count * kPiece, rows + kPieces, 0.0);
+  const std::int32_t width = frame.grids->Layout().frame.width;
+  for (std::int32_t x = 0; x < width; x += kPiece) {
+    const std::int32_t pixels = std::min(kPiece, width - x);
+    for (std::int32_t r = 0; r < count; ++r) {
+      fill(RowPiece{x, y + r, pixels}, rows + r * kPiece);
+    }
+    frame.kernels->pack(rows, kPiece, pixels, buffer + std::ptrdiff_t{x} * kLines);
+  }
+}
+
+// Unpacks them and calls take(piece, row) for all pieces.
+template <class Take>
+void UnpackRows(const FastFrame& frame, const double* buffer, std::int32_t y, std::int32_t count,
+                Take take) {
+  double rows[kPieces];
+  const std::int32_t width = frame.grids->Layout().frame.width;
+  for (std::int32_t x = 0; x < width; x += kPiece) {
+    const std::int32_t pixels = std::min(kPiece, width - x);
+    frame.kernels->unpack(buffer + std::ptrdiff_t{x} * kLines, kPiece, pixels, rows);
+    for (std::int32_t r = 0; r < count; ++r) {
+      take(RowPiece{x, y + r, pixels}, rows + r * kPiece);
+    }
+  }
+}
 
 // Puts the columns beside the frame into a buffer whose first numbers are the frame's, transforms
 // the rows, and spreads them.

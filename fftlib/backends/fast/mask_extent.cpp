@@ -10,7 +10,7 @@ namespace {
 
 template <class Sample>
 MaskExtent Find(const ImageRec& mask) {
-  MaskExtent found{mask.width, mask.height, -1, -1};
+  MaskExtent found{mask.width, mask.height, -1, -1, false};
   const std::ptrdiff_t step = mask.channels;
   for (std::int32_t y = 0; y < mask.height; ++y) {
     const Sample* row = SampleRow<Sample>(mask, y);
@@ -26,12 +26,13 @@ MaskExtent Find(const ImageRec& mask) {
     while (!isSet(last)) {
       --last;
     }
-    found = {std::min(found.left, first), std::min(found.top, y), std::max(found.right, last), y};
+    found = {std::min(found.left, first), std::min(found.top, y), std::max(found.right, last), y,
+             false};
   }
   if (found.right < 0) {
     const std::int32_t x = std::min(MaskMiddle(mask.width), mask.width - 1);
     const std::int32_t y = std::min(MaskMiddle(mask.height), mask.height - 1);
-    return {x, y, x, y};
+    return {x, y, x, y, true};
   }
   return found;
 }

@@ -14,6 +14,7 @@ struct MaskExtent {
   std::int32_t top;
   std::int32_t right;
   std::int32_t bottom;
+  bool isEmpty;
 
   std::int32_t Rows() const { return bottom - top + 1; }
 };
@@ -31,8 +32,7 @@ struct MaskReach {
   std::int32_t before;
   std::int32_t after;
 };
-constexpr MaskReach ReachOf(std::int32_t first, std::int32_t last, std::int32_t side) {
-  const std::int32_t middle = MaskMiddle(side);
+constexpr MaskReach ReachOf(std::int32_t first, std::int32_t last, std::int32_t middle) {
   return {std::max(last - middle, 0), std::max(middle - first, 0)};
 }
 
