@@ -1,7 +1,6 @@
 #include "fftlib/backends/fast/bands.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 
 namespace lx {
@@ -15,9 +14,7 @@ std::uint64_t BandsOf(const BandRule& rule, const double* values, std::int32_t c
   return bands;
 }
 
-double PowerOfTwo(std::int32_t exponent) {
-  return std::bit_cast<double>(static_cast<std::uint64_t>(exponent + 1023) << 52U);
-}
+double PowerOfTwo(std::int32_t exponent) { return std::ldexp(1.0, exponent); }
 
 }  // namespace
 
