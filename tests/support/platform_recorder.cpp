@@ -10,21 +10,22 @@
 namespace lx_test {
 namespace {
 
-// The table holds plain functions, so what they keep stands here. One recorder at a time.
+// The table holds plain functions, so what they keep stands here. One recorder at a time. Any
+// thread may be in any of its functions.
 struct Recording {
-  std::mutex mutex;
-  std::thread::id caller;
+  std::thread::id caller;  // kept from the start
+  std::mutex mutex;        // of all down to the error's text
   std::vector<std::string> log;
   std::vector<std::string> threadLog;
   std::map<void*, std::string> names;
   int events = 0;
   int locks = 0;
-  std::int32_t processors = 0;
-  std::int32_t pageBytes = 0;
-  std::int64_t counter = -1;
-  std::int64_t frequency = -1;
   std::uint32_t error = 0;
   std::string errorText;
+  std::atomic<std::int32_t> processors{0};
+  std::atomic<std::int32_t> pageBytes{0};
+  std::atomic<std::int64_t> counter{-1};
+  std::atomic<std::int64_t> frequency{-1};
   std::atomic<int> refuseThread{0};
   std::atomic<int> refuseEvent{0};
   std::atomic<int> refuseAllocation{0};
@@ -57,6 +58,17 @@ void Name(void* thing, const std::string& name) {
   recording->names[thing] = name;
 }
 
+void NameEvent(lx::EventHandle event) {
+  const std::scoped_lock hold(recording->mutex);
+  const int number = recording->events++;
+  recording->names[event] = (number % 2 == 0 ? "start " : "done ") + std::to_string(number / 2 + 1);
+}
+
+void NameLock(void* lock) {
+  const std::scoped_lock hold(recording->mutex);
+  recording->names[lock] = recording->locks++ % 2 == 0 ? "table" : "dispatch";
+}
+
 bool Refuses(std::atomic<int>* countdown) { return *countdown > 0 && --*countdown == 0; }
 
 std::string ThreadName(lx::ThreadHandle thread) {
@@ -78,16 +90,24 @@ std::int32_t PageSize() {
   return recording->pageBytes;
 }
 
-std::int64_t Counter() { return recording->counter >= 0 ? recording->counter : Real().counter(); }
+std::int64_t Counter() {
+  const std::int64_t fixed = recording->counter;
+  return fixed >= 0 ? fixed : Real().counter();
+}
 
 std::int64_t CounterFrequency() {
   Note("frequency");
-  return recording->frequency >= 0 ? recording->frequency : Real().counterFrequency();
+  const std::int64_t fixed = recording->frequency;
+  return fixed >= 0 ? fixed : Real().counterFrequency();
 }
 
-std::uint32_t LastError() { return recording->error; }
+std::uint32_t LastError() {
+  const std::scoped_lock hold(recording->mutex);
+  return recording->error;
+}
 
 void ErrorText(std::uint32_t error, char* text, std::size_t size) {
+  const std::scoped_lock hold(recording->mutex);
   std::snprintf(text, size, "%s", error == recording->error ? recording->errorText.c_str() : "?");
 }
 
@@ -143,8 +163,7 @@ lx::EventHandle CreateEvent() {
     return nullptr;
   }
   const lx::EventHandle event = Real().createEvent();
-  const int number = recording->events++;
-  Name(event, (number % 2 == 0 ? "start " : "done ") + std::to_string(number / 2 + 1));
+  NameEvent(event);
   return event;
 }
 
@@ -168,7 +187,7 @@ bool WaitForEvents(std::uint32_t count, const lx::EventHandle* events) {
 }
 
 void InitializeLock(void* lock) {
-  Name(lock, recording->locks++ % 2 == 0 ? "table" : "dispatch");
+  NameLock(lock);
   Note("initialize lock " + NameOf(lock));
   Real().initializeLock(lock);
 }
@@ -271,6 +290,7 @@ void PlatformRecorder::SetCounter(std::int64_t value, std::int64_t frequency) {
   recording->frequency = frequency;
 }
 void PlatformRecorder::SetError(std::uint32_t error, const std::string& text) {
+  const std::scoped_lock hold(recording->mutex);
   recording->error = error;
   recording->errorText = text;
 }
