@@ -34,6 +34,15 @@ struct Platform {
   void* (*reallocate)(void* block, std::size_t size);
   void (*release)(void* block);
 
+  // Tells the system that larger pages than pageSize's pay for a block, because it is gone through
+  // again and again. Only a hint: contents and the last error stay, and a system without such
+  // pages does nothing. To be given ahead of the first write, since what has been written is not
+  // moved at once. Any thread may call.
+  //   block  from any allocator, of any alignment; its first and last page count only if they are
+  //          the block's alone. Of some MiB at least: the hint stays with the addresses, and a
+  //          heap hands those of small blocks out again
+  void (*adviseHugePages)(void* block, std::size_t bytes);
+
   // Processors that this process may run on. May answer 0 or less; callers raise it.
   std::int32_t (*processorCount)();
 

@@ -1,9 +1,12 @@
 #include <dlfcn.h>
 #include <sched.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -113,6 +116,18 @@ void* Reallocate(void* block, std::size_t size) { return std::realloc(block, siz
 
 void Release(void* block) { std::free(block); }
 
+void AdviseHugePages(void* block, std::size_t bytes) {
+  const auto page = static_cast<std::uintptr_t>(PageSize());
+  const auto address = reinterpret_cast<std::uintptr_t>(block);
+  const std::uintptr_t before = (page - address % page) % page;
+  if (bytes < before + page) {
+    return;
+  }
+  const int error = errno;
+  (void)madvise(static_cast<char*>(block) + before, (bytes - before) / page * page, MADV_HUGEPAGE);
+  errno = error;
+}
+
 }  // namespace
 
 const Platform& SystemPlatform() {
@@ -120,6 +135,7 @@ const Platform& SystemPlatform() {
       .allocate = Allocate,
       .reallocate = Reallocate,
       .release = Release,
+      .adviseHugePages = AdviseHugePages,
       .processorCount = ProcessorCount,
       .pageSize = PageSize,
       .hasEnvironmentVariable = HasEnvironmentVariable,

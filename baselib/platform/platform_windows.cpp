@@ -113,6 +113,9 @@ void* Reallocate(void* block, std::size_t size) { return std::realloc(block, siz
 
 void Release(void* block) { std::free(block); }
 
+// Larger pages are a right of the user's here, and a block must be made of them from the start.
+void AdviseHugePages(void* /*block*/, std::size_t /*bytes*/) {}
+
 }  // namespace
 
 const Platform& SystemPlatform() {
@@ -120,6 +123,7 @@ const Platform& SystemPlatform() {
       .allocate = Allocate,
       .reallocate = Reallocate,
       .release = Release,
+      .adviseHugePages = AdviseHugePages,
       .processorCount = ProcessorCount,
       .pageSize = PageSize,
       .hasEnvironmentVariable = HasEnvironmentVariable,

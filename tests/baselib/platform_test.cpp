@@ -4,12 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "tests/support/scratch_folder.h"
 #include "tests/support/system.h"
@@ -218,6 +220,17 @@ TEST(PlatformThreadSlot, HoldsAWordForEachThread) {
   EXPECT_EQ(nullptr, other);
   EXPECT_EQ(&own, System().threadSlot(slot));
   System().releaseThreadSlot(slot);
+}
+
+TEST(PlatformMemory, KeepsItsContentsWhereHugePagesAreAdvised) {
+  constexpr std::size_t kBytes = std::size_t{8} << 20U;
+  std::vector<unsigned char> block(kBytes, 170);
+
+  for (const std::size_t offset : {0, 1, 4095, 4096}) {
+    System().adviseHugePages(block.data() + offset, kBytes - offset - 3);
+  }
+
+  EXPECT_EQ(std::vector<unsigned char>(kBytes, 170), block);
 }
 
 TEST(PlatformLock, IsRecursiveAndKeepsOthersOut) {

@@ -2,11 +2,17 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <sched.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 
+#include <cerrno>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
 
 #include "baselib/platform/platform.h"
 #include "baselib/threads/system_info.h"
@@ -53,6 +59,66 @@ void OfThisModule() {}
 
 TEST(PosixLibrary, IsNotKeptWhereItIsTheModuleItself) {
   EXPECT_FALSE(lx::SystemPlatform().keepLoaded(OfThisModule));
+}
+
+// What the system says of the mapping that an address is in; empty where it says nothing.
+std::string FlagsOfMapping(const void* address) {
+  std::ifstream maps("/proc/self/smaps");
+  const auto wanted = reinterpret_cast<std::uintptr_t>(address);
+  bool inside = false;
+  for (std::string line; std::getline(maps, line);) {
+    std::uintptr_t from = 0;
+    std::uintptr_t to = 0;
+    char dash = 0;
+    std::istringstream words(line);
+    if (words >> std::hex >> from >> dash >> to && dash == '-') {
+      inside = from <= wanted && wanted < to;
+    } else if (inside && line.starts_with("VmFlags:")) {
+      return line + ' ';
+    }
+  }
+  return "";
+}
+
+// Some pages of memory that nothing else has.
+class PosixPages : public testing::Test {
+ protected:
+  PosixPages()
+      : pages(static_cast<char*>(mmap(nullptr, kCount * page, PROT_READ | PROT_WRITE,
+                                      MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))) {}
+  ~PosixPages() override { munmap(pages, kCount * page); }
+
+  bool IsAdvised(std::size_t index) const {
+    return FlagsOfMapping(pages + index * page).find(" hg ") != std::string::npos;
+  }
+
+  static constexpr std::size_t kCount = 8;
+  const std::size_t page = static_cast<std::size_t>(lx::SystemPlatform().pageSize());
+  char* const pages;
+};
+
+TEST_F(PosixPages, AreAdvisedWhereTheyAreWhollyInsideOfABlock) {
+  if (FlagsOfMapping(pages).empty() ||
+      !std::filesystem::exists("/sys/kernel/mm/transparent_hugepage")) {
+    GTEST_SKIP() << "the system does not tell";
+  }
+
+  lx::SystemPlatform().adviseHugePages(pages + page + 64, 4 * page);
+
+  for (std::size_t i = 0; i < kCount; ++i) {
+    EXPECT_EQ(i >= 2 && i <= 4, IsAdvised(i)) << i;
+  }
+}
+
+TEST(PosixMemory, LeavesTheLastErrorWhereHugePagesCannotBeAdvised) {
+  constexpr std::size_t kBytes = 0x10000;
+  void* gone = mmap(nullptr, kBytes, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  munmap(gone, kBytes);
+  errno = EBADF;
+
+  lx::SystemPlatform().adviseHugePages(gone, kBytes);
+
+  EXPECT_EQ(EBADF, errno);
 }
 
 TEST(PosixFile, SaysAtTheEndThatAFullDiskLostSomething) {

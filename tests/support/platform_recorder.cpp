@@ -80,6 +80,11 @@ void* Allocate(std::size_t size) {
   return Refuses(&recording->refuseAllocation) ? nullptr : Real().allocate(size);
 }
 
+void AdviseHugePages(void* block, std::size_t bytes) {
+  Note("advise huge pages " + std::to_string(bytes));
+  Real().adviseHugePages(block, bytes);
+}
+
 std::int32_t ProcessorCount() {
   Note("processors");
   return recording->processors;
@@ -230,6 +235,7 @@ PlatformRecorder::PlatformRecorder() : table_(Real()), scope_(&table_) {
   recording->processors = Real().processorCount();
   recording->pageBytes = Real().pageSize();
   table_.allocate = Allocate;
+  table_.adviseHugePages = AdviseHugePages;
   table_.processorCount = ProcessorCount;
   table_.pageSize = PageSize;
   table_.counter = Counter;
