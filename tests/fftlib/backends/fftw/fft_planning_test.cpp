@@ -3,14 +3,18 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "baselib/platform/platform.h"
+#include "fftlib/backends/fftw/fft_grids.h"
+#include "fftlib/backends/fftw/fft_library.h"
 #include "fftlib/fftlib.h"
 #include "tests/support/engine_inside.h"
 #include "tests/support/fft_recorder.h"
 #include "tests/support/heap_faults.h"
 #include "tests/support/images.h"
+#include "tests/support/platform_recorder.h"
 
 namespace {
 
@@ -235,5 +239,32 @@ TEST_F(Planning, RefusesTooFewBitsBeforeItAllocates) {
   EXPECT_EQ(lx::kStatusChannels, engine.GetStatus());
   EXPECT_TRUE(fft.Log().empty());
 }
+
+// The sizes of blocks for frames that huge pages are advised for. Nobody writes to these blocks, so
+// they cost no memory.
+Log AdvisedSizes(std::int32_t side) {
+  lx_test::PlatformRecorder platform;
+  lx::FftLibrary library;
+  lx::FftGrids grids;
+  for (int frame = 0; frame < 2; ++frame) {
+    EXPECT_EQ(lx::kStatusOk, grids.PrepareWork(side, false, &library));
+    EXPECT_EQ(lx::kStatusOk, lx::FftGrids::PrepareResult(side, &grids.lumaResult));
+  }
+  Log sizes;
+  constexpr std::string_view kCall = "advise huge pages ";
+  for (const std::string& entry : platform.Log()) {
+    if (entry.starts_with(kCall)) {
+      sizes.push_back(entry.substr(kCall.size()));
+    }
+  }
+  return sizes;
+}
+
+TEST(LargePages, AreAdvisedOnceForEachBlockOfAGridOf4096) {
+  // 4096 * 4096 doubles, 4096 * 2049 pairs of them, and doubles again.
+  EXPECT_EQ((Log{"134217728", "134283264", "134217728"}), AdvisedSizes(4096));
+}
+
+TEST(LargePages, AreNotAdvisedForGridsBelow4096) { EXPECT_EQ(Log{}, AdvisedSizes(2048)); }
 
 }  // namespace
