@@ -1,7 +1,7 @@
 #include "host/glimmerhost/module_choice.h"
 
+#include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <fstream>
 #include <string>
 #include <string_view>
@@ -18,17 +18,24 @@ namespace fs = std::filesystem;
 
 const lx::Footprint& Exact() { return *lx::FindFootprint("exact"); }
 
-// What a file holds; empty for one that cannot be read. In one piece: every command looks through
-// its module, and byte by byte a sanitizer's module of 50 MiB would take a second of each.
-std::string BytesOf(const fs::path& file) {
-  std::error_code error;
-  const std::uintmax_t size = fs::file_size(file, error);
-  std::string bytes(error ? 0 : static_cast<std::size_t>(size), '\0');
-  std::ifstream in(file, std::ios::binary);
-  in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  bytes.resize(static_cast<std::size_t>(in.gcount()));
-  return bytes;
+// The engine whose marker stands in some bytes, or null.
+const lx::Footprint* EngineIn(std::string_view bytes) {
+  for (const lx::Footprint& engine : lx::kFootprints) {
+    std::string marker(lx::kEngineMarker);
+    marker.append(engine.name).push_back('\0');
+    if (bytes.find(marker) != std::string_view::npos) {
+      return &engine;
+    }
+  }
+  return nullptr;
 }
+
+// Every command looks through its module, and one of a sanitizer's build has 50 MiB: byte by byte
+// that would take a second, and in one piece most of a tenth.
+constexpr std::size_t kBlock = 0x10000;
+
+// More than the longest marker, as one may begin in a block and end in the next.
+constexpr std::size_t kOverlap = 64;
 
 }  // namespace
 
@@ -63,13 +70,17 @@ fs::path ModuleFileOf(const lx::Footprint& engine) {
 }
 
 const lx::Footprint& EngineOfFile(const fs::path& file) {
-  const std::string bytes = BytesOf(file);
-  for (const lx::Footprint& engine : lx::kFootprints) {
-    std::string marker(lx::kEngineMarker);
-    marker.append(engine.name).push_back('\0');
-    if (bytes.find(marker) != std::string::npos) {
-      return engine;
+  std::ifstream in(file, std::ios::binary);
+  std::string bytes(kOverlap + kBlock, '\0');
+  std::size_t kept = 0;
+  while (in) {
+    in.read(&bytes[kept], kBlock);
+    const std::size_t filled = kept + static_cast<std::size_t>(in.gcount());
+    if (const lx::Footprint* engine = EngineIn({bytes.data(), filled})) {
+      return *engine;
     }
+    kept = std::min(filled, kOverlap);
+    std::copy_n(bytes.data() + filled - kept, kept, bytes.data());
   }
   return Exact();
 }

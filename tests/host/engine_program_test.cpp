@@ -12,11 +12,13 @@
 
 #include "fftlib/backends/footprint.h"
 #include "host/glimmerhost/frame_checks.h"
+#include "host/glimmerhost/module_choice.h"
 #include "host/glimmerhost/page.h"
 #include "host/glimmerhost/shot_values.h"
 #include "host/support/failure.h"
 #include "tests/host/program_here.h"
 #include "tests/host/shot_program.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 
@@ -222,6 +224,33 @@ constexpr lx::Footprint kGreedy = {"greedy", "",
                                      return lx::GridSides{w, h};
                                    },
                                    [](const lx::GridSides&) { return std::uint64_t{1} << 60U; }};
+
+// A file is looked through in pieces whose size is no affair of this test's: every place around
+// every power of two up to 256 KiB.
+TEST(EngineOfFile, IsFoundWhereverInTheFileItStands) {
+  const lx_test::ScratchFolder folder;
+  const std::string marker("GlimmerBlur engine: double\0", 27);
+  const fs::path file = folder / "some.module";
+  const auto engineAt = [&](std::size_t place) {
+    std::ofstream(file, std::ios::binary) << std::string(place, 'x') << marker << "end";
+    return glimmerhost::EngineOfFile(file).name;
+  };
+
+  EXPECT_EQ("double", engineAt(0));
+  for (std::size_t power = 4096; power <= 0x40000; power *= 2) {
+    for (std::size_t place = power - 100; place < power + 100; ++place) {
+      ASSERT_EQ("double", engineAt(place)) << place;
+    }
+  }
+}
+
+TEST(EngineOfFile, IsExactWhereItsNameIsCutOffOrThereIsNoFile) {
+  const lx_test::ScratchFolder folder;
+  std::ofstream(folder / "some.module", std::ios::binary) << "xGlimmerBlur engine: double";
+
+  EXPECT_EQ("exact", glimmerhost::EngineOfFile(folder / "some.module").name);
+  EXPECT_EQ("exact", glimmerhost::EngineOfFile(folder / "none.module").name);
+}
 
 TEST(EngineRefusal, IsToldByTheEngineThatWillRun) {
   glimmerhost::TypedValues typed;
