@@ -10,9 +10,11 @@ include(GoogleTest)
 
 # Makes each test of a program a test of CTest, and under a sanitizer each suite: a start takes as
 # long there as many tests do.
-#   lx_discover_tests(program [PREFIX text] [ENVIRONMENT assignment])   PREFIX is put before names
+#   lx_discover_tests(program [PREFIX text] [ENVIRONMENT assignment] [APART pattern])
+#     PREFIX  is put before names
+#     APART   of suites whose tests stay apart under a sanitizer, too, because each takes long
 function(lx_discover_tests program)
-  cmake_parse_arguments(ARG "" "PREFIX;ENVIRONMENT" "" ${ARGN})
+  cmake_parse_arguments(ARG "" "PREFIX;ENVIRONMENT;APART" "" ${ARGN})
   set(properties TIMEOUT 300)
   if(CMAKE_CXX_FLAGS MATCHES "-fsanitize=")
     set(properties TIMEOUT 1200)
@@ -33,6 +35,7 @@ function(lx_discover_tests program)
       "set(program [[$<TARGET_FILE:${program}>]])
 set(prefix [[${ARG_PREFIX}]])
 set(properties ${properties})
+set(apart [[${ARG_APART}]])
 set(list ${ARG_PREFIX}${program}_TESTS)
 include([[${PROJECT_SOURCE_DIR}/cmake/test_suites.cmake]])
 ")

@@ -40,14 +40,14 @@ function(lx_use_test_headers name)
   target_precompile_headers(${name} REUSE_FROM lx_test_headers)
 endfunction()
 
-# One test program: lx_test(name SOURCES ... LINKS ...). Each test in it becomes a
-# test of CTest.
+# One test program: lx_test(name SOURCES ... LINKS ... [APART pattern]). Each test in it becomes a
+# test of CTest; see lx_discover_tests for APART.
 function(lx_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "" "APART" "SOURCES;LINKS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE lx_flags ${ARG_LINKS} GTest::gtest GTest::gtest_main)
   lx_use_test_headers(${name})
-  lx_discover_tests(${name})
+  lx_discover_tests(${name} APART "${ARG_APART}")
 endfunction()
 
 # For tests that read broken pictures: the picture library loses strings then. The address sanitizer
