@@ -12,6 +12,7 @@
 #include "tests/border/exported_names.h"
 #include "tests/border/loaded_module.h"
 #include "tests/border/module_path.h"
+#include "tests/support/sanitizer.h"
 
 namespace {
 
@@ -69,8 +70,9 @@ TEST(ModuleFile, TakesItsClassesOutAtUnloadAndGoes) {
   EXPECT_FALSE(LoadedModule::IsResident());
 }
 
-TEST(ModuleFile, LoadsAndUnloadsAThousandTimesWithInstancesBetween) {
-  for (int i = 0; i < 1000; ++i) {
+TEST(ModuleFile, LoadsAndUnloadsAgainAndAgainWithInstancesBetween) {
+  constexpr int kTimes = lx_test::kSanitized ? 100 : 1000;
+  for (int i = 0; i < kTimes; ++i) {
     FakeHost host;
     LoadedModule module(&host);
     for (const auto& ctor : host.factory->classes) {

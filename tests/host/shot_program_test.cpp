@@ -7,6 +7,8 @@
 #include <fstream>
 #include <string>
 
+#include "tests/support/sanitizer.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -308,9 +310,9 @@ TEST_F(ShotProgram, RefusesWhatDoesNotGoTogether) {
 
 // A frame's picture has 24 KiB, its grid 0.6 MiB: either would be seen if it stayed.
 TEST_F(ShotProgram, HoldsItsMemoryFlatOverFiveHundredFrames) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-  GTEST_SKIP() << "a sanitizer keeps what was freed";
-#endif
+  if (lx_test::kSanitized) {
+    GTEST_SKIP() << "a sanitizer keeps what was freed";
+  }
   WriteInput("still.png", 64, 48);
   const auto render = [this](const std::string& frames) {
     return RunProgram(Render(folder / "still.png", "out.####.png",

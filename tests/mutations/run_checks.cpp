@@ -10,17 +10,14 @@
 #include "host/glimmerhost/parameter_file.h"
 #include "host/pictures/picture_file.h"
 #include "host/support/failure.h"
+#include "tests/support/sanitizer.h"
 
 namespace mutations {
 namespace {
 
 namespace fs = std::filesystem;
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr unsigned kPart = 10;
-#else
-constexpr unsigned kPart = 1;
-#endif
+constexpr unsigned kPart = lx_test::kSanitized ? 10 : 1;
 
 constexpr const char* kName = "glimmerhost: ";
 
