@@ -300,6 +300,7 @@ void ShotRender::Note(const Work& work) const {
   for (const auto& [key, value] : work.input.values) {
     entry.parameters[key] = page_.Find(key).Show(value);
   }
+  entry.engine = engine_.name;
   entry.versions = settings_.versions;
   entry.seconds = work.report.seconds;
   entry.clippedSamples = work.found.cut + work.found.infinite;

@@ -26,6 +26,7 @@ Json ToJson(const ManifestEntry& entry) {
           {"output", entry.output},
           {"output_hash", entry.outputHash},
           {"parameters", entry.parameters},
+          {"engine", entry.engine},
           {"versions", entry.versions},
           {"seconds", entry.seconds},
           {"clipped_samples", entry.clippedSamples},
@@ -40,6 +41,7 @@ ManifestEntry FromJson(const Json& json) {
   json.at("output").get_to(entry.output);
   json.at("output_hash").get_to(entry.outputHash);
   json.at("parameters").get_to(entry.parameters);
+  entry.engine = json.value("engine", "");
   json.at("versions").get_to(entry.versions);
   json.at("seconds").get_to(entry.seconds);
   json.at("clipped_samples").get_to(entry.clippedSamples);

@@ -20,8 +20,9 @@ struct ManifestEntry {
   std::string output;
   std::string outputHash;
   std::map<std::string, std::string> parameters;  // the store's keys, values as a person types them
-  std::map<std::string, std::string> versions;    // of the program and the module
-  double seconds = 0.0;                           // of the effect's own work
+  std::string engine;  // of the effect; empty where lines of earlier programs do not say
+  std::map<std::string, std::string> versions;  // of the program and the module
+  double seconds = 0.0;                         // of the effect's own work
   std::uint64_t clippedSamples = 0;
   std::uint64_t notNumbers = 0;  // samples that were none, and became 0
 };

@@ -73,28 +73,38 @@ TEST_F(EngineProgram, RendersByEachEngineWhatExactDoesToOneStep) {
   const fs::path input = WriteInput("in.png", 90, 40);
   const std::string look = "--shape polygon --sides 5 --radius 7px --emphasis 20 ";
   std::map<std::string, std::string> modules;
-  for (const std::string engine : {"exact", "double", "single"}) {
+  for (const std::string engine : {"fast", "exact", "double", "single"}) {
     const std::string manifest = "--manifest '" + (folder / (engine + ".json")).string() + "'";
     const Outcome outcome =
         RunHere(Render(input, engine + ".png", look + "--engine " + engine + " " + manifest));
     ASSERT_EQ(0, outcome.code) << outcome.text;
-    modules[ModuleIn(Bytes(folder / (engine + ".json")))] = engine;
+    const std::string line = Bytes(folder / (engine + ".json"));
+    ExpectPart(line, "\"engine\":\"" + engine + "\"");
+    modules[ModuleIn(line)] = engine;
   }
 
-  EXPECT_EQ(3U, modules.size()) << "each by a module of its own";
+  EXPECT_EQ(4U, modules.size()) << "each by a module of its own";
   const Picture exact = Read(folder / "exact.png");
+  EXPECT_EQ(0, LargestDifference(exact, Read(folder / "fast.png")));
   EXPECT_GE(2, LargestDifference(exact, Read(folder / "double.png")));
   EXPECT_GE(2, LargestDifference(exact, Read(folder / "single.png")));
   EXPECT_LT(1000, LargestDifference(exact, Read(input))) << "nothing has been rendered";
 }
 
-TEST_F(EngineProgram, TakesExactWhereNoneIsChosen) {
+TEST_F(EngineProgram, TakesFastWhereNoneIsChosen) {
   const fs::path input = WriteInput("in.png", 90, 40);
-  ASSERT_EQ(0, RunHere(Render(input, "exact.png", "--radius 7px --engine exact")).code);
-  ASSERT_EQ(0, RunHere(Render(input, "none.png", "--radius 7px")).code);
+  const auto render = [&](const std::string& name, const std::string& engine) {
+    const std::string manifest = "--manifest '" + (folder / (name + ".json")).string() + "' ";
+    const Outcome outcome =
+        RunHere(Render(input, name + ".png", "--radius 7px " + manifest + engine));
+    EXPECT_EQ(0, outcome.code) << outcome.text;
+    return ModuleIn(Bytes(folder / (name + ".json")));
+  };
 
-  EXPECT_TRUE(Bytes(folder / "exact.png") == Bytes(folder / "none.png"));
-  ExpectPart(RunHere(Render(input, "x.png", "--explain")).text, "Engine              exact: ");
+  EXPECT_EQ(render("fast", "--engine fast"), render("none", ""));
+  EXPECT_TRUE(Bytes(folder / "fast.png") == Bytes(folder / "none.png"));
+  ExpectPart(Bytes(folder / "none.json"), "\"engine\":\"fast\"");
+  ExpectPart(RunHere(Render(input, "x.png", "--explain")).text, "Engine              fast: ");
 }
 
 TEST_F(EngineProgram, WorksInEveryCommandThatLoadsTheModule) {
@@ -131,7 +141,7 @@ TEST_F(EngineProgram, RefusesAnEngineThatThereIsNotAndOneBesideAModuleFile) {
   };
   for (const std::string& command : commands) {
     ExpectRefused(command + "--engine Double", "--engine Double: allowed is ");
-    ExpectRefused(command + "--engine fftw", "exact, double or single\n");
+    ExpectRefused(command + "--engine fftw", "fast, exact, double or single\n");
     ExpectRefused(command + "--engine double --module none.so",
                   "--engine double and --module none.so: allowed is one of them");
   }
@@ -151,6 +161,10 @@ TEST_F(EngineProgram, ExplainsByTheModuleThatWouldRun) {
     std::string memory;
     std::string next;
   } const cases[] = {
+      // Both sides just hold frame and margin. 385 columns of a row are 49 blocks of 8, each of
+      // them
+      // 16 doubles a row: the PSF's of 360 rows, and four planes' of 301.
+      {"fast", "768 x 360", "13 MiB", "above a radius of 29 pixels a grid of 768 x 384\n"},
       // 5 * 1024^2 * 8 + 2 * 1024 * 513 * 16
       {"exact", "1024 x 1024", "57 MiB", "above a radius of 161 pixels a grid of 2048 x 2048\n"},
       // 5 * 1024 * 512 * 16
@@ -184,7 +198,7 @@ TEST_F(EngineProgram, ListsTheEnginesAndTheOneInUse) {
     return text.substr(begin + 1, text.find('\n', begin + 1) - begin - 1);
   };
   const std::string inUse = "; the one in use";
-  for (const std::string used : {"exact", "double", "single"}) {
+  for (const std::string used : {"fast", "exact", "double", "single"}) {
     const std::string text = RunHere("info --engine " + used).text;
     ExpectPart(text, ", engine " + used + "\n");
     for (const lx::Footprint& engine : lx::kFootprints) {
@@ -219,11 +233,12 @@ TEST_F(EngineProgram, GivesItsChunksTheEngine) {
 }
 
 // More than any machine has, but for 1 x 1.
-constexpr lx::Footprint kGreedy = {"greedy", "",
-                                   [](std::int32_t w, std::int32_t h, std::int32_t) {
-                                     return lx::GridSides{w, h};
-                                   },
-                                   [](const lx::GridSides&) { return std::uint64_t{1} << 60U; }};
+constexpr lx::Footprint kGreedy = {
+    "greedy", "",
+    [](std::int32_t w, std::int32_t h, std::int32_t) {
+      return lx::GridSides{w, h};
+    },
+    [](lx::Size, const lx::GridSides&) { return std::uint64_t{1} << 60U; }, 8192};
 
 // A file is looked through in pieces whose size is no affair of this test's: every place around
 // every power of two up to 256 KiB.

@@ -27,6 +27,7 @@ class Manifests : public testing::Test {
     std::ofstream(entry.output) << "picture " << frame;
     entry.outputHash = FileHash(entry.output);
     entry.parameters = {{"PRM_Sides", "6"}};
+    entry.engine = "double";
     return entry;
   }
 
@@ -50,7 +51,20 @@ TEST_F(Manifests, ComeBackAsTheyWereWritten) {
   const auto entries = glimmerhost::ReadManifest(file);
   ASSERT_EQ(2U, entries.size());
   EXPECT_EQ("6", entries.at(1001).parameters.at("PRM_Sides"));
+  EXPECT_EQ("double", entries.at(1001).engine);
   EXPECT_EQ(Lines{}, CheckManifest(entries, {1001, -5}));
+}
+
+// A line as an earlier program wrote it.
+TEST_F(Manifests, AreReadWhereTheyDoNotNameTheEngine) {
+  std::ofstream(file) << R"({"frame":7,"input":"in","input_hash":"","output":"out",)"
+                      << R"("output_hash":"xxh128:0","parameters":{},"versions":{"module":"a"},)"
+                      << R"("seconds":0.5,"clipped_samples":0,"not_numbers":0})"
+                      << "\n";
+
+  EXPECT_EQ("", glimmerhost::ReadManifest(file).at(7).engine);
+  Manifest manifest(file, true, false);
+  EXPECT_TRUE(manifest.Has(7));
 }
 
 TEST_F(Manifests, GoOnWithAnEarlierRunsLinesIfTold) {
