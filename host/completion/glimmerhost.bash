@@ -29,7 +29,7 @@ _glimmerhost() {
     --shape) choices="circle ellipse polygon image" ;;
     --alpha) choices="premultiplied as-is" ;;
     --engine)
-      choices="exact double single"
+      choices="fast exact double single"
       [[ $command != submit ]] || choices="local slurm $choices"
       ;;
     --bits) choices="8 16" ;;

@@ -9,7 +9,7 @@
 namespace glimmerhost {
 
 // The engine of the module that runs where none is chosen.
-inline constexpr const char* kDefaultEngine = "exact";
+inline constexpr const char* kDefaultEngine = "fast";
 
 struct ModuleChoice {
   std::filesystem::path file;
@@ -34,7 +34,7 @@ std::filesystem::path ModuleFileOf(const lx::Footprint& engine);
 // be read, and for one that this program does not know. None needs more.
 const lx::Footprint& EngineOfFile(const std::filesystem::path& file);
 
-// "exact, double or single".
+// "fast, exact, double or single".
 std::string EngineNames();
 
 }  // namespace glimmerhost

@@ -68,7 +68,7 @@ class SlurmEngine : public host_test::ShotProgram {
 
 TEST_F(SlurmEngine, HandsOverAnArrayAndACheckThatWaitsForIt) {
   WriteShot(1, 5);
-  const Outcome outcome = Submit("--threads 3");
+  const Outcome outcome = Submit("--threads 3 --engine exact");
   const std::string chdir = "--chdir=" + fs::current_path().string();
 
   EXPECT_EQ(0, outcome.code) << outcome.text;

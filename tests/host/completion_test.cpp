@@ -49,7 +49,7 @@ TEST(Completion, KnowsTheValuesThatAreNames) {
   EXPECT_EQ("circle ellipse polygon image ", Replies("render in.png --shape '='"));
   EXPECT_EQ("slurm single ", Replies("submit --engine s"));
   EXPECT_EQ("local ", Replies("submit --engine l"));
-  EXPECT_EQ("exact double single ", Replies("render in.png --engine ''"));
+  EXPECT_EQ("fast exact double single ", Replies("render in.png --engine ''"));
   EXPECT_EQ("double ", Replies("info --engine d"));
   EXPECT_EQ("as-is ", Replies("render --alpha a"));
   EXPECT_EQ("six-blades soft-disc ", Replies("psf --preset s"));

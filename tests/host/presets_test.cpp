@@ -32,8 +32,10 @@ TEST(Presets, AreEachTakenByThePage) {
     Look look;
     look.values.preset = line.substr(0, line.find(' '));
     const ShotValues values(Page::Load(PAGE), ReadLayers(look), 4096, 2160, {1, 100});
-    EXPECT_NO_THROW(glimmerhost::CheckGrid(lx::kFootprints.front(), values.At(1), 4096, 2160))
-        << line;
+    for (const lx::Footprint& engine : lx::kFootprints) {
+      EXPECT_NO_THROW(glimmerhost::CheckGrid(engine, values.At(1), 4096, 2160))
+          << engine.name << ": " << line;
+    }
     EXPECT_LE(std::get<double>(values.At(1).at("PRM_Emphasis")), 75.0) << line;
     EXPECT_GT(line.size(), line.find("  ") + 20) << "no words: " << line;
   }

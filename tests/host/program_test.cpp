@@ -236,7 +236,9 @@ TEST_F(Program, FailsInOneLineForWhatItCannotRead) {
 
 TEST_F(Program, FailsForAPictureThatTheGridCannotTake) {
   const fs::path input = WriteInput("wide.png", 8200, 2);
-  ExpectRefusal(Render(input, "out.png", "--radius 1px"), 1, "8192");
+  ExpectRefusal(Render(input, "out.png", "--radius 1px --engine exact"), 1, "8192 pixels at most");
+  const fs::path wider = WriteInput("wider.png", 32760, 2);
+  ExpectRefusal(Render(wider, "out.png", "--radius 10px"), 1, "32768 pixels at most");
 }
 
 // A picture of black with lights of one pixel.

@@ -65,11 +65,18 @@ TEST(GridCheck, KnowsWhatTheEffectsGridTakes) {
   const Page page = Page::Load(PAGE);
   TypedValues typed;
   typed.radius = "20px";  // margin 21
-  const auto fits = MakeStoreValues(page, typed, 8150, 10);
-  EXPECT_NO_THROW(glimmerhost::CheckGrid(lx::kFootprints.front(), fits, 8150, 10));
-  const auto tooWide = MakeStoreValues(page, typed, 8151, 10);
-  EXPECT_THROW(glimmerhost::CheckGrid(lx::kFootprints.front(), tooWide, 8151, 10),
-               glimmerhost::Failure);
+  struct {
+    const char* engine;
+    int widest;
+  } const cases[] = {{"fast", 32768 - 42}, {"exact", 8192 - 42}, {"double", 8192 - 42}};
+  for (const auto& [name, widest] : cases) {
+    const lx::Footprint& engine = *lx::FindFootprint(name);
+    const auto fits = MakeStoreValues(page, typed, widest, 10);
+    EXPECT_NO_THROW(glimmerhost::CheckGrid(engine, fits, widest, 10)) << name;
+    const auto tooWide = MakeStoreValues(page, typed, widest + 1, 10);
+    EXPECT_THROW(glimmerhost::CheckGrid(engine, tooWide, widest + 1, 10), glimmerhost::Failure)
+        << name;
+  }
 }
 
 TEST(GridCheck, LeavesTheYRadiusOfACircleOut) {
@@ -78,11 +85,10 @@ TEST(GridCheck, LeavesTheYRadiusOfACircleOut) {
   typed.radiusX = "1px";
   typed.radiusY = "2000px";
   typed.shape = "circle";
-  EXPECT_NO_THROW(glimmerhost::CheckGrid(lx::kFootprints.front(),
-                                         MakeStoreValues(page, typed, 6000, 10), 6000, 10));
+  const lx::Footprint& exact = *lx::FindFootprint("exact");
+  EXPECT_NO_THROW(glimmerhost::CheckGrid(exact, MakeStoreValues(page, typed, 6000, 10), 6000, 10));
   typed.shape = "ellipse";
-  EXPECT_THROW(glimmerhost::CheckGrid(lx::kFootprints.front(),
-                                      MakeStoreValues(page, typed, 6000, 10), 6000, 10),
+  EXPECT_THROW(glimmerhost::CheckGrid(exact, MakeStoreValues(page, typed, 6000, 10), 6000, 10),
                glimmerhost::Failure);
 }
 

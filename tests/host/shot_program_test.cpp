@@ -161,13 +161,27 @@ TEST_F(ShotProgram, ExplainsWithoutRendering) {
   const Outcome outcome = RunProgram(Shot("out.@.png", "--radius '0=2px; -1=12px' --explain"));
 
   EXPECT_EQ(0, outcome.code) << outcome.text;
-  // 60 and twice 3 is above 64 already; twice 13 is 86.
+  // Frame by frame, as radii of 2, 7 and 12 have margins of 3, 8 and 13: 66 x 46 at least, 76 x 56,
+  // and 86 x 66.
   EXPECT_NE(std::string::npos, outcome.text.find("Frames              1-3, 3 of 60 x 40\n"))
       << outcome.text;
-  EXPECT_NE(std::string::npos, outcome.text.find("Grid                128 x 128\n"));
+  EXPECT_NE(std::string::npos, outcome.text.find("Grid                72 x 48 for frames 1\n"));
+  EXPECT_NE(std::string::npos, outcome.text.find("Grid                80 x 56 for frames 2\n"));
+  EXPECT_NE(std::string::npos, outcome.text.find("Grid                90 x 72 for frames 3\n"));
   EXPECT_NE(std::string::npos, outcome.text.find("built 3 times for 3 frames"));
-  EXPECT_NE(std::string::npos, outcome.text.find("above a radius of 33 pixels a grid of 256"));
+  EXPECT_NE(std::string::npos, outcome.text.find("above a radius of 14 pixels a grid of 96 x 72"));
   EXPECT_EQ(3, folder.FileCount());
+}
+
+TEST_F(ShotProgram, ExplainsAGridThatAllFramesShare) {
+  WriteShot(1, 3);
+  const Outcome outcome =
+      RunProgram(Shot("out.@.png", "--radius '0=2px; -1=12px' --explain --engine exact"));
+
+  EXPECT_EQ(0, outcome.code) << outcome.text;
+  // 60 and twice 3 is above 64 already; twice 13 is 86.
+  EXPECT_NE(std::string::npos, outcome.text.find("Grid                128 x 128\n"));
+  EXPECT_NE(std::string::npos, outcome.text.find("above a radius of 33 pixels a grid of 256"));
 }
 
 TEST_F(ShotProgram, ListsWhatItWouldReadAndWrite) {

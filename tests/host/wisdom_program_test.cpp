@@ -1,4 +1,5 @@
-// Measured plans, as a person keeps them. The machine's settings are the test's own.
+// Measured plans of the engine that has them, as a person keeps them. The machine's settings are
+// the test's own.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -29,8 +30,9 @@ class WisdomProgram : public host_test::Program {
     return host_test::RunProgram(arguments, variables);
   }
 
-  std::string RenderSmall(const std::string& output) {
-    return Render(WriteInput("in.png", 40, 30), output, "--radius 3px --overwrite");
+  std::string RenderSmall(const std::string& output, const std::string& engine = "exact") {
+    return Render(WriteInput("in.png", 40, 30), output,
+                  "--radius 3px --overwrite --engine " + engine);
   }
 
   const host_test::MachineHome settings{folder / ""};
@@ -68,12 +70,19 @@ TEST_F(WisdomProgram, ARenderOnRequestKeepsItsPlans) {
   EXPECT_TRUE(fs::is_directory(home / "Logs"));
 }
 
+TEST_F(WisdomProgram, ARenderByAnEngineWithoutPlansTouchesNothingOnRequest) {
+  const Outcome outcome = RunHere(RenderSmall("out.png", "fast"), kMeasure);
+
+  EXPECT_EQ(0, outcome.code) << outcome.text;
+  EXPECT_FALSE(fs::exists(home));
+}
+
 TEST_F(WisdomProgram, ANewProcessKeepsWhatAnotherHasLearnt) {
   RunHere(RenderSmall("out.png"), kMeasure);
   const std::set<std::string> first = Lines(file);
 
-  const Outcome outcome =
-      RunHere(Render(WriteInput("in.png", 200, 30), "out.png", "--overwrite"), kMeasure);
+  const Outcome outcome = RunHere(
+      Render(WriteInput("in.png", 200, 30), "out.png", "--overwrite --engine exact"), kMeasure);
 
   EXPECT_EQ(0, outcome.code) << outcome.text;
   const std::set<std::string> second = Lines(file);
