@@ -84,7 +84,7 @@ void AddHighlights(CLI::App* app, RunOptions* options) {
   const std::string highlights = "Highlights";
   app->add_option("--emphasis", options->values.emphasis,
                   "How much highlights outweigh the rest: up to 1 off (the default), 50 strong, "
-                  "500 the most; above 75 dark areas show noise")
+                  "500 the most")
       ->group(highlights);
   AddSwitch(app, "--emph-alpha", &options->values.emphAlpha, "Emphasis also for alpha")
       ->group(highlights);

@@ -19,6 +19,9 @@ namespace glimmerhost {
 void CheckGrid(const lx::Footprint& engine, const std::map<std::string, Value>& values, int width,
                int height, std::uint64_t held = 0);
 
+// Whether rounding would be seen in dark areas of an engine's frames.
+bool ShowsNoise(const lx::Footprint& engine, double emphasis);
+
 // Throws Failure if the result is the source as it passes the border in 15 bits, though the
 // aperture is larger than a pixel and the source has neighbours that differ. Alpha does not
 // count: it may be left alone on purpose.

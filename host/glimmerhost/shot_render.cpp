@@ -230,14 +230,11 @@ void ShotRender::Load(Work* work) {
       settings_.pixelAspect.first == 0 ? picture.pixelAspect : settings_.pixelAspect;
   input.spread = SpreadOf(work);
   const double emphasis = std::get<double>(input.values.at("PRM_Emphasis"));
-  // The inverse curve turns what rounding leaves of a black area into light: half a 16-bit step
-  // at an emphasis of 80, a hundred at 100.
-  constexpr double kQuiet = 75.0;
-  if (emphasis > kQuiet && !warnedOfNoise_) {
+  if (ShowsNoise(engine_, emphasis) && !warnedOfNoise_) {
     warnedOfNoise_ = true;
     work->report.remarks.push_back("an emphasis of " + Shortest(emphasis) +
-                                   " shows rounding noise in dark areas; up to 75 none can be "
-                                   "seen");
+                                   " shows rounding noise in dark areas; up to 75, and with the "
+                                   "engine fast at any, none can be seen");
   }
   work->alphaBefore = picture.alpha;
   if (settings_.premultiplied) {

@@ -280,15 +280,20 @@ TEST_F(Program, OpensLightsIntoBrightAperturesWithEmphasis) {
   EXPECT_LT(RedAt(lens, 60, 60), 20);
 }
 
-TEST_F(Program, WarnsOfNoiseAboveAnEmphasisOf75) {
+TEST_F(Program, WarnsOfNoiseAboveAnEmphasisOf75WhereTheEngineHasIt) {
   const fs::path input = WriteInput("in.png", 20, 20);
-  EXPECT_EQ("", RunProgram(Render(input, "75.png", "--emphasis 75")).text);
-  const Outcome outcome = RunProgram(Render(input, "76.png", "--emphasis 76"));
-  EXPECT_EQ(0, outcome.code);
-  EXPECT_EQ(
-      "glimmerhost: an emphasis of 76 shows rounding noise in dark areas; up to 75 none can be "
-      "seen\n",
-      outcome.text);
+  EXPECT_EQ("", RunProgram(Render(input, "fast.png", "--emphasis 500")).text);
+  for (const std::string engine : {"exact", "double", "single"}) {
+    const std::string arguments = " --engine " + engine;
+    EXPECT_EQ("", RunProgram(Render(input, engine + "75.png", "--emphasis 75" + arguments)).text);
+    const Outcome outcome =
+        RunProgram(Render(input, engine + "76.png", "--emphasis 76" + arguments));
+    EXPECT_EQ(0, outcome.code);
+    EXPECT_EQ(
+        "glimmerhost: an emphasis of 76 shows rounding noise in dark areas; up to 75, and with the "
+        "engine fast at any, none can be seen\n",
+        outcome.text);
+  }
 }
 
 // A triangle that points up and to the left stays one: the picture of the aperture is seen by
