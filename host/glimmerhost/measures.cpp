@@ -101,9 +101,9 @@ quantel::cSize2 ParseRatio(const std::string& option, const std::string& text) {
 
 quantel::cSize2 ParseSize(const std::string& option, const std::string& text) {
   quantel::cSize2 size{};
-  if (!ParsePair(text, 'x', 8192.0, &size)) {
+  if (!ParsePair(text, 'x', 32768.0, &size)) {
     throw UsageError(option + " " + text +
-                     ": allowed is WIDTHxHEIGHT, two whole numbers from 1 to 8192 (1920x1080)");
+                     ": allowed is WIDTHxHEIGHT, two whole numbers from 1 to 32768 (1920x1080)");
   }
   return size;
 }

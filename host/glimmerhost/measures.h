@@ -27,7 +27,7 @@ Fractions ParsePoint(const std::string& option, const std::string& text, int wid
 // A ratio of two whole numbers from 1 to 1000000, "16:15". Throws UsageError.
 quantel::cSize2 ParseRatio(const std::string& option, const std::string& text);
 
-// A size of whole numbers of pixels, from 1 to 8192, "1920x1080". Throws UsageError.
+// A size of whole numbers of pixels, from 1 to 32768, "1920x1080". Throws UsageError.
 quantel::cSize2 ParseSize(const std::string& option, const std::string& text);
 
 }  // namespace glimmerhost

@@ -418,9 +418,11 @@ TEST_F(Program, RefusesAPsfThatItCannotShow) {
   ExpectRefusal(Psf(out, "--shape image"), 2, "--spread");
   ExpectRefusal(Psf(out, "--size 100"), 2, "--size 100: allowed is WIDTHxHEIGHT");
   ExpectRefusal(Psf(out, "--size 0x10"), 2, "--size 0x10: allowed is");
+  ExpectRefusal(Psf(out, "--size 10x32769"), 2, "from 1 to 32768");
   ExpectRefusal(Psf(out, "--zoom 65"), 2, "--zoom 65: allowed is a whole number from 1 to 64");
   ExpectRefusal(Psf(out, "--sides 2"), 2, "--sides 2: allowed is");
-  ExpectRefusal(Psf(out, "--size 8000x10 --radius 50%"), 1, "8192");
+  ExpectRefusal(Psf(out, "--size 8000x10 --radius 50% --engine exact"), 1, "8192");
+  ExpectRefusal(Psf(out, "--size 30000x10 --radius 50%"), 1, "32768");
   ExpectRefusal(Psf(out, "--size 10x10 --pixel-aspect 1000000:1"), 1, "holds no pixel");
   ExpectRefusal("psf", 2, "required");
 }
