@@ -17,6 +17,8 @@ class EngineInside {
   explicit EngineInside(const DefocusEngine& engine)
       : engine_(const_cast<DefocusEngine&>(engine)) {}
 
+  std::string_view backendName() const { return engine_.backend_->Name(); }
+
   // What the engine was told; the mode as the integer of its back-end.
   std::int32_t engineMode() const {
     if (engine_.backend_ == nullptr) {
