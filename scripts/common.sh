@@ -43,12 +43,12 @@ install_missing() {
 }
 
 # What the program needs to be built.
-build_packages=(g++ cmake ninja-build pkg-config libfftw3-dev libopenimageio-dev
-  libopencolorio-dev libcli11-dev libtomlplusplus-dev nlohmann-json3-dev libxxhash-dev)
+build_packages=(g++ cmake ninja-build pkg-config libfftw3-dev libpng-dev libtiff-dev
+  libopenimageio-dev libopencolorio-dev libcli11-dev libtomlplusplus-dev nlohmann-json3-dev
+  libxxhash-dev)
 
 # What the tests and the benchmarks need beside it.
-test_packages=(libgtest-dev libbenchmark-dev binutils libpng-dev libtiff-dev ffmpeg parallel
-  slurm-wlm munge)
+test_packages=(libgtest-dev libbenchmark-dev binutils ffmpeg parallel slurm-wlm munge)
 
 # build_preset PRESET [TARGET...]: configures and builds; quiet unless it fails.
 # In a shell of its own, so that the caller's folder stays what it was.

@@ -41,10 +41,13 @@ Picture ReadNoting(const std::filesystem::path& file, std::vector<std::string>* 
   return picture;
 }
 
-Picture ReadWithWarning(const std::filesystem::path& file, Progress* progress) {
-  std::vector<std::string> remarks;
-  Picture picture = ReadNoting(file, &remarks);
-  progress->WarnAll(remarks);
+Picture ReadWithWarning(const std::filesystem::path& file, const std::string& keptFor,
+                        Progress* progress) {
+  std::string warning;
+  Picture picture = ReadPicture(file, keptFor, &warning);
+  if (!warning.empty()) {
+    progress->Warn(warning);
+  }
   return picture;
 }
 

@@ -16,12 +16,14 @@
 
 namespace glimmerhost {
 
-// Reads a picture.
+// Reads the samples of a picture.
 //   remarks  receives a line if something of it was lost
 Picture ReadNoting(const std::filesystem::path& file, std::vector<std::string>* remarks);
 
 // The same, with a warning at once.
-Picture ReadWithWarning(const std::filesystem::path& file, Progress* progress);
+//   keptFor  as among ReadOptions
+Picture ReadWithWarning(const std::filesystem::path& file, const std::string& keptFor,
+                        Progress* progress);
 
 // The frame of the second clip, which the image shape takes its aperture from; null for no file.
 // The effect wants it as large as the frame: a smaller picture is centred on black, a larger one

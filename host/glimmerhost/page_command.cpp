@@ -1,6 +1,7 @@
 #include "host/glimmerhost/page_command.h"
 
 #include <iostream>
+#include <string>
 
 #include "host/glimmerhost/effect_module.h"
 #include "host/glimmerhost/page_file.h"
@@ -14,11 +15,12 @@ namespace glimmerhost {
 void RunPage(const PageOptions& options) {
   const ModuleChoice choice = ChooseModule(options.engine, options.module);
   const Page page = LoadPage();
-  { const PictureOutput check(Utf8Path(options.output), options.overwrite); }
+  const std::string keptFor =
+      KeptFor(PictureOutput(Utf8Path(options.output), options.overwrite).Format());
   Progress progress(!options.quiet);
   {
     const EffectModule module(choice);
-    SessionPlayer player(module, page, options, std::cout, &progress);
+    SessionPlayer player(module, page, options, keptFor, std::cout, &progress);
     player.Load(Utf8Path(options.input));
     player.Draw();
     if (!player.HasHandles()) {

@@ -1,6 +1,8 @@
 #include "host/glimmerhost/session_command.h"
 
 #include <filesystem>
+#include <string>
+#include <vector>
 
 #include "host/glimmerhost/effect_module.h"
 #include "host/glimmerhost/page_file.h"
@@ -14,6 +16,19 @@
 #include "host/support/utf8_path.h"
 
 namespace glimmerhost {
+namespace {
+
+// What pictures are read for that any of the outputs may be made of.
+std::string CheckOutputs(const std::vector<std::filesystem::path>& outputs, bool overwrite) {
+  std::string keptFor = kNoFormat;
+  for (const std::filesystem::path& output : outputs) {
+    const std::string one = KeptFor(PictureOutput(output, overwrite).Format());
+    keptFor = keptFor == kNoFormat || keptFor == one ? one : kAnyFormat;
+  }
+  return keptFor;
+}
+
+}  // namespace
 
 void RunSession(const SessionOptions& options, std::ostream& out) {
   NarrowProcessors(options.threads);
@@ -21,15 +36,13 @@ void RunSession(const SessionOptions& options, std::ostream& out) {
   const Page page = LoadPage();
   const SessionScript script =
       ReadSessionScript(Utf8Path(options.script), page, Utf8Path(options.output));
-  for (const std::filesystem::path& output : script.outputs) {
-    const PictureOutput check(output, options.overwrite);
-  }
+  const std::string keptFor = CheckOutputs(script.outputs, options.overwrite);
   Progress progress(!options.quiet);
   Trace trace(out);
   Trace* const wanted = options.trace ? &trace : nullptr;
   {
     const EffectModule module(choice, wanted);
-    SessionPlayer player(module, page, options, out, &progress);
+    SessionPlayer player(module, page, options, keptFor, out, &progress);
     for (const SessionStep& step : script.steps) {
       if (wanted != nullptr) {
         trace.Step(step.place + ": " + step.text);

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdlib>
+#include <utility>
 #include <variant>
 
 #include "host/glimmerhost/alpha.h"
@@ -37,17 +38,19 @@ bool LooksLike(const Picture& a, const Picture& b, int step) {
 }  // namespace
 
 SessionPlayer::SessionPlayer(const EffectModule& module, const Page& page,
-                             const RunOptions& options, std::ostream& out, Progress* progress)
+                             const RunOptions& options, std::string keptFor, std::ostream& out,
+                             Progress* progress)
     : module_(module),
       page_(page),
       options_(options),
+      keptFor_(std::move(keptFor)),
       out_(out),
       progress_(progress),
       spread_(Utf8Path(options.spread)) {}
 
 void SessionPlayer::Load(const std::filesystem::path& file) {
   progress_->Show("Reading " + file.string());
-  Picture picture = ReadWithWarning(file, progress_);
+  Picture picture = ReadWithWarning(file, keptFor_, progress_);
   alpha_ = picture.alpha;
   Premultiply(&picture);
   pixelAspect_ = options_.pixelAspect.empty() ? picture.pixelAspect
@@ -119,7 +122,7 @@ void SessionPlayer::ExpectRow(const std::string& name, bool PageRow::*state, boo
 }
 
 void SessionPlayer::ExpectPicture(const std::filesystem::path& file, bool same) const {
-  Picture picture = ReadWithWarning(file, progress_);
+  Picture picture = ReadWithWarning(file, kNoFormat, progress_);
   Premultiply(&picture);
   constexpr int kByteStep = 257;
   if (LooksLike(Shown(), picture, picture.bits == 8 ? kByteStep : 1) != same) {

@@ -25,9 +25,10 @@ class SessionPlayer {
  public:
   //   module, page  must outlive the player
   //   options       the values to begin with, the second clip, the pixel aspect, --overwrite
+  //   keptFor       what pictures are saved as, as among ReadOptions
   //   out           takes what the session prints
   SessionPlayer(const EffectModule& module, const Page& page, const RunOptions& options,
-                std::ostream& out, Progress* progress);
+                std::string keptFor, std::ostream& out, Progress* progress);
 
   void Load(const std::filesystem::path& file);
   void Spread(const std::filesystem::path& file);
@@ -63,6 +64,7 @@ class SessionPlayer {
   const EffectModule& module_;
   const Page& page_;
   const RunOptions& options_;
+  std::string keptFor_;
   std::ostream& out_;
   Progress* progress_;
   std::unique_ptr<PageSession> session_;

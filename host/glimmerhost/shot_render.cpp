@@ -199,8 +199,10 @@ void ShotRender::TakePicture(Work* work) {
     work->inputHash = hashed ? SamplesHash(work->picture.samples) : "";
     return;
   }
+  ReadOptions options = settings_.reading;
+  options.keptFor = work->output ? KeptFor(work->output->Format()) : kNoFormat;
   ReadSteadily(file, [&] {
-    work->picture = ReadPicture(file, settings_.reading, &work->found);
+    work->picture = ReadPicture(file, options, &work->found);
     work->inputHash = hashed ? FileHash(file) : "";
   });
   work->report.remarks = work->found.lines;

@@ -1,18 +1,6 @@
 #include "host/pictures/file_bytes.h"
 
-#include <mutex>
-
-#include "host/support/temporary_file.h"
-
 namespace glimmerhost {
-
-FileBytes::FileBytes(const std::filesystem::path& file, FileUse use) {
-  std::unique_lock<std::mutex> hold;
-  if (use == FileUse::kMake) {
-    hold = HoldTemporaryFiles();
-  }
-  file_.reset(OpenFile(file, use));
-}
 
 std::size_t FileBytes::Read(void* to, std::size_t count) noexcept {
   return std::fread(to, 1, count, file_.get());

@@ -57,6 +57,18 @@ std::string ToUtf8(std::string_view text) {
   return out;
 }
 
+bool IsAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(),
+                     [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+bool SaysNothing(const FileMetadata& metadata) {
+  const PngColours& colours = metadata.colours;
+  return metadata.texts.empty() && metadata.date.empty() && !metadata.resolution &&
+         metadata.iccProfile.empty() && !colours.gamma && !colours.chromaticities &&
+         !colours.srgbIntent && metadata.tiff.orientation == 1 && metadata.tiff.iptc.empty();
+}
+
 bool IsFullDate(std::string_view date) {
   constexpr std::string_view kForm = "0000:00:00 00:00:00";
   return date.size() == kForm.size() &&

@@ -59,6 +59,11 @@ quantel::cSize2 PixelAspectOf(const std::optional<Resolution>& resolution);
 // Old files hold Latin-1; newer ones UTF-8, whatever their format prescribes.
 std::string ToUtf8(std::string_view text);
 
+bool IsAscii(std::string_view text);
+
+// Whether nothing of it matters to a file of another format.
+bool SaysNothing(const FileMetadata& metadata);
+
 // Whether the date has the form above, which is all that a TIFF file may hold.
 bool IsFullDate(std::string_view date);
 

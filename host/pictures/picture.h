@@ -17,8 +17,9 @@ enum class Alpha {
   kPremultiplied,  // colour is already multiplied by alpha
 };
 
-struct ColourPath;    // between files and the space that the effect works in
-struct FileMetadata;  // what a file says beside its samples; the formats know it
+struct ColourPath;      // between files and the space that the effect works in
+struct FileMetadata;    // what a PNG or TIFF file says beside its samples
+struct FileAttributes;  // what any file says, as the plug-in knows it
 
 // Samples are 16 bits, red, green, blue, alpha; rows follow one another without a gap, the
 // top row first. Grey pictures have three equal colours.
@@ -32,7 +33,9 @@ struct Picture {
   quantel::cSize2 pixelAspect{1, 1};
   RangeMapping range;  // what its colours stand for, where a file of floats is written
   std::shared_ptr<const ColourPath> colours;  // null: a file's values are the picture's
+  // One of the two at most: by whom the file was read.
   std::shared_ptr<const FileMetadata> metadata;
+  std::shared_ptr<const FileAttributes> attributes;
 
   std::size_t PixelCount() const {
     return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);

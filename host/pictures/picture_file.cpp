@@ -44,9 +44,11 @@ Picture ReadPicture(const fs::path& file, const ReadOptions& options, ReadReport
   return ReadFormat(file, options, report);
 }
 
-Picture ReadPicture(const fs::path& file, std::string* warning) {
+Picture ReadPicture(const fs::path& file, const std::string& keptFor, std::string* warning) {
   ReadReport report;
-  Picture picture = ReadPicture(file, {}, &report);
+  ReadOptions options;
+  options.keptFor = keptFor;
+  Picture picture = ReadPicture(file, options, &report);
   for (const std::string& line : report.lines) {
     *warning += (warning->empty() ? "" : "; ") + line;
   }

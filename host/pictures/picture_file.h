@@ -18,8 +18,15 @@ Picture ReadPicture(const std::filesystem::path& file, const ReadOptions& option
                     ReadReport* report);
 
 // The same as things are without options.
+//   keptFor  as among the options
 //   warning  receives what is to be said, in one line
-Picture ReadPicture(const std::filesystem::path& file, std::string* warning);
+Picture ReadPicture(const std::filesystem::path& file, const std::string& keptFor,
+                    std::string* warning);
+
+// The samples alone. What else the file says is not to be relied on.
+inline Picture ReadPicture(const std::filesystem::path& file, std::string* warning) {
+  return ReadPicture(file, kNoFormat, warning);
+}
 
 // An output that appears whole or not at all: it is written beside its place and moved in.
 class PictureOutput {

@@ -1,5 +1,6 @@
-// The file formats that this build reads and writes. One source defines them: by OpenImageIO
-// where the system has it, by libpng and libtiff otherwise.
+// The file formats that this build reads and writes: PNG and TIFF by itself, others by a plug-in
+// where the system has it. Of PNG and TIFF the plug-in does what the program itself would do with
+// a loss.
 #pragma once
 
 #include <filesystem>
@@ -20,7 +21,13 @@ struct OutputFormat {
   bool straightOnly = false;       // alpha is straight, and nothing in the file could say else
   bool premultipliedOnly = false;  // alpha is premultiplied, likewise
   bool holdsFloats = false;        // colours are written as the picture's range says
+  bool own = false;                // the program writes it itself
 };
+
+// What a picture is read for that will be written in that format.
+inline std::string KeptFor(const OutputFormat& format) {
+  return format.own ? format.name : kAnyFormat;
+}
 
 // How hard deflated files are tried to be made smaller, 1 to 9. The libraries' own 6 takes longer
 // than the effect itself; this makes files of footage a tenth larger in a quarter of the time.

@@ -44,7 +44,7 @@ class PngReader {
   explicit PngReader(const fs::path& file)
       : file_(file), bytes_(file, FileUse::kRead), library_(&bytes_, PngLibrary::Use::kRead) {}
 
-  Picture Read() {
+  Picture Read(const ReadOptions& options, Reader reader) {
     const png_structp png = library_.Png();
     const png_infop info = library_.Info();
     Must([&] { png_read_info(png, info); });
@@ -68,6 +68,9 @@ class PngReader {
         picture.PixelCount() * static_cast<std::size_t>(channels), picture.bits, picture.height);
     SpreadChannels(samples, channels, map, &picture);
     const FileMetadata metadata = ReadPngMetadata(library_);
+    if (reader == Reader::kExact && options.keptFor != kNoFormat) {
+      CheckPngMetadata(metadata, library_, picture.grey, options.keptFor);
+    }
     picture.pixelAspect = PixelAspectOf(metadata.resolution);
     picture.metadata = std::make_shared<FileMetadata>(metadata);
     return picture;
@@ -109,7 +112,9 @@ constexpr int kColourTypes[] = {PNG_COLOR_TYPE_GRAY, PNG_COLOR_TYPE_GRAY_ALPHA, 
 
 }  // namespace
 
-Picture ReadPng(const fs::path& file) { return PngReader(file).Read(); }
+Picture ReadPng(const fs::path& file, const ReadOptions& options, Reader reader) {
+  return PngReader(file).Read(options, reader);
+}
 
 void WritePng(const fs::path& file, const Picture& picture, int bits) {
   FileBytes bytes(file, FileUse::kMake);

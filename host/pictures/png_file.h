@@ -3,13 +3,15 @@
 
 #include <filesystem>
 
+#include "host/pictures/beyond_reader.h"
 #include "host/pictures/picture.h"
+#include "host/pictures/read_report.h"
 
 namespace glimmerhost {
 
 // Palettes, few bits and a transparent colour come out as the colours and alpha that they
-// stand for. Throws Failure, which names the file.
-Picture ReadPng(const std::filesystem::path& file);
+// stand for. Throws Failure, which names the file, and BeyondReader.
+Picture ReadPng(const std::filesystem::path& file, const ReadOptions& options, Reader reader);
 
 // Throws Failure with the bare reason.
 //   bits  8 or 16

@@ -6,16 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "host/pictures/beyond_reader.h"
+
 namespace glimmerhost {
 namespace {
 
 constexpr double kCentimetresPerMetre = 100.0;
 constexpr double kInchesPerMetre = 1.0 / 0.0254;
-
-bool IsAscii(const std::string& text) {
-  return std::all_of(text.begin(), text.end(),
-                     [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
 
 std::vector<FileText> Texts(const PngLibrary& library) {
   std::vector<FileText> texts;
@@ -96,6 +93,9 @@ std::string ProfileSpace(const std::vector<std::uint8_t>& profile) {
              ? std::string()
              : std::string(profile.begin() + kAt, profile.begin() + kAt + kLength);
 }
+
+// What they are for a picture's channels.
+std::string SpaceFor(bool grey) { return grey ? "GRAY" : "RGB "; }
 
 void SetTexts(const std::vector<FileText>& texts, PngLibrary* library) {
   std::vector<png_text> list;
@@ -182,6 +182,27 @@ FileMetadata ReadPngMetadata(const PngLibrary& library) {
   return metadata;
 }
 
+// Of keys with a colon most have a meaning of their own: packed records and other files' fields.
+void CheckPngMetadata(const FileMetadata& metadata, const PngLibrary& library, bool grey,
+                      const std::string& keptFor) {
+  if (keptFor != metadata.format && !SaysNothing(metadata)) {
+    throw BeyondReader("what it says of itself is for a TIFF file");
+  }
+  if (png_get_valid(library.Png(), library.Info(), PNG_INFO_eXIf) != 0) {
+    throw BeyondReader("it has an EXIF record");
+  }
+  for (const FileText& text : metadata.texts) {
+    const bool isPlain = text.key.find(':') == std::string::npos || text.key == "oiio:ColorSpace" ||
+                         text.key == "oiio:Gamma";
+    if (!isPlain || text.key.starts_with("Raw profile") || !IsAscii(text.key + text.value)) {
+      throw BeyondReader("it has a text of a kind of its own");
+    }
+  }
+  if (!metadata.iccProfile.empty() && ProfileSpace(metadata.iccProfile) != SpaceFor(grey)) {
+    throw BeyondReader("its ICC profile is not one for its channels");
+  }
+}
+
 void SetPngMetadata(const FileMetadata& metadata, PngLibrary* library) {
   SetTexts(metadata.texts, library);
   SetDate(metadata.date, library);
@@ -207,8 +228,7 @@ std::vector<NotCarried> LostInPng(const FileMetadata& metadata, bool grey) {
   if (!metadata.tiff.iptc.empty()) {
     lost.push_back(OneNotCarried("IPTC record", "", why));
   }
-  if (!metadata.iccProfile.empty() &&
-      ProfileSpace(metadata.iccProfile) != (grey ? "GRAY" : "RGB ")) {
+  if (!metadata.iccProfile.empty() && ProfileSpace(metadata.iccProfile) != SpaceFor(grey)) {
     lost.push_back(OneNotCarried("ICC profile", "", "it is not one for the picture's channels"));
   }
   return lost;

@@ -1,6 +1,7 @@
 // Between a PNG file's ancillary chunks and FileMetadata.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "host/pictures/file_metadata.h"
@@ -11,6 +12,12 @@ namespace glimmerhost {
 
 // What stood before the samples, or all of it once the end has been read.
 FileMetadata ReadPngMetadata(const PngLibrary& library);
+
+// Throws BeyondReader where the plug-in would bring more of the file, or bring it otherwise, into a
+// file of that format.
+//   grey  of the picture
+void CheckPngMetadata(const FileMetadata& metadata, const PngLibrary& library, bool grey,
+                      const std::string& keptFor);
 
 // To be written with the header. What libpng refuses, such as a profile of colours for a grey
 // picture, is left out.

@@ -1,4 +1,5 @@
-#include <algorithm>
+#include "host/pictures/png_tiff_formats.h"
+
 #include <array>
 #include <cstddef>
 #include <string>
@@ -6,7 +7,6 @@
 
 #include "host/pictures/channels.h"
 #include "host/pictures/file_bytes.h"
-#include "host/pictures/picture_formats.h"
 #include "host/pictures/png_file.h"
 #include "host/pictures/png_metadata.h"
 #include "host/pictures/tiff_file.h"
@@ -43,43 +43,45 @@ bool IsTiff(const Start& start) {
 
 }  // namespace
 
-const char* const kReadableFormats = "PNG and TIFF";
-const char* const kWritableEndings = ".png, .tif or .tiff";
-
-std::optional<OutputFormat> FormatOf(const fs::path& file) {
+std::optional<OutputFormat> PngOrTiffOf(const fs::path& file) {
   // Not as a narrow string: of a name that has none, that throws.
   fs::path::string_type ending = file.extension().native();
   for (auto& letter : ending) {
     letter = letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
   }
   if (ending == fs::path(".png").native()) {
-    return OutputFormat{"png", true, true, false, false};
+    return OutputFormat{"png", true, true, false, false, true};
   }
   if (ending == fs::path(".tif").native() || ending == fs::path(".tiff").native()) {
-    return OutputFormat{"tiff", true, false, false, false};
+    return OutputFormat{"tiff", true, false, false, false, true};
   }
   return std::nullopt;
 }
 
-Picture ReadFormat(const fs::path& file, const ReadOptions& options, ReadReport* report) {
+bool IsPngOrTiff(const fs::path& file) {
   const Start start = StartOf(file);
-  if (IsPng(start)) {
-    return ReadPng(file);
-  }
-  if (!IsTiff(start)) {
-    ReadFailure(
-        file, std::string("it is not a picture that can be read: allowed is ") + kReadableFormats);
-  }
-  return ReadTiff(file, options, report);
+  return IsPng(start) || IsTiff(start);
 }
 
-void WriteFormat(const OutputFile& file, const OutputFormat& format, const Picture& picture,
-                 int bits, std::vector<NotCarried>* lost) {
+Picture ReadPngOrTiff(const fs::path& file, const ReadOptions& options, Reader reader,
+                      ReadReport* report) {
+  const Start start = StartOf(file);
+  if (IsPng(start)) {
+    return ReadPng(file, options, reader);
+  }
+  if (!IsTiff(start)) {
+    throw BeyondReader("it is not a picture that can be read: allowed is PNG and TIFF");
+  }
+  return ReadTiff(file, options, reader, report);
+}
+
+void WritePngOrTiff(const fs::path& file, const OutputFormat& format, const Picture& picture,
+                    int bits, std::vector<NotCarried>* lost) {
   const bool png = format.name == "png";
   if (png) {
-    WritePng(file.file, picture, bits);
+    WritePng(file, picture, bits);
   } else {
-    WriteTiff(file.file, picture, bits);
+    WriteTiff(file, picture, bits);
   }
   if (lost != nullptr && picture.metadata) {
     const std::vector<NotCarried> found =

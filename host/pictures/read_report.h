@@ -12,9 +12,16 @@
 
 namespace glimmerhost {
 
+inline constexpr const char* kAnyFormat = "any";
+inline constexpr const char* kNoFormat = "";  // samples are all that is wanted
+
 struct ReadOptions {
   RangeMapping range;  // of floating-point files; files of whole numbers have none
   std::shared_ptr<const ColourPath> colours = nullptr;  // with one, all files are as of floats
+
+  // The name of the format that the picture will be written in. What a file says beside its
+  // samples is kept so that it can go there, or into any.
+  std::string keptFor = kAnyFormat;
 };
 
 struct ReadReport {

@@ -11,6 +11,7 @@
 #include "host/pictures/file_metadata.h"
 #include "host/pictures/float_samples.h"
 #include "host/pictures/picture_formats.h"
+#include "host/pictures/tiff_directory.h"
 #include "host/pictures/tiff_library.h"
 #include "host/pictures/tiff_metadata.h"
 #include "host/pictures/tiff_samples.h"
@@ -90,7 +91,7 @@ void InvertColours(Picture* picture) {
 
 class TiffReader {
  public:
-  explicit TiffReader(const fs::path& file)
+  TiffReader(const fs::path& file, Reader reader)
       : file_(file), library_(file, TiffLibrary::Use::kRead), tiff_(library_.Tiff()) {
     if (tiff_ == nullptr) {
       Broken();
@@ -107,7 +108,16 @@ class TiffReader {
     }
     CheckKind();
     CheckCompression();
+    if (reader == Reader::kExact) {
+      CheckExact();
+    }
     FindBlocks();
+  }
+
+  // Throws BeyondReader where the plug-in would bring more of the file, or bring it otherwise, into
+  // a file of that format.
+  void CheckMetadata(const std::string& keptFor) const {
+    CheckTiffMetadata(tiff_, FirstTiffTags(file_), keptFor);
   }
 
   Picture Read(const ReadOptions& options, ReadReport* report) {
@@ -146,14 +156,34 @@ class TiffReader {
     ReadFailure(file_, std::string("it is cut short or broken: ") + library_.Trouble());
   }
 
+  // What both readers take, and not as the same samples or with the same words about it.
+  void CheckExact() const {
+    std::uint16_t count = 0;
+    const std::uint16_t* kinds = nullptr;
+    TIFFGetField(tiff_, TIFFTAG_EXTRASAMPLES, &count, &kinds);
+    const int colours = photometric_ == PHOTOMETRIC_RGB ? 3 : 1;
+    const bool hasAlpha = count == 1 && kinds[0] != EXTRASAMPLE_UNSPECIFIED;
+    if (channels_ != colours + (hasAlpha ? 1 : 0)) {
+      throw BeyondReader("its channels are not colours and one declared alpha");
+    }
+    const bool isPlain =
+        floats_ ? bits_ <= 32 : bits_ == 8 || bits_ == 16 || photometric_ == PHOTOMETRIC_PALETTE;
+    if (!isPlain || (photometric_ == PHOTOMETRIC_MINISWHITE && (floats_ || bits_ > 8))) {
+      throw BeyondReader("its samples have " + std::to_string(bits_) + " bits of their kind");
+    }
+    if (TIFFLastDirectory(tiff_) == 0) {
+      throw BeyondReader("it has several parts");
+    }
+  }
+
   void CheckKind() const {
     if (photometric_ != PHOTOMETRIC_MINISBLACK && photometric_ != PHOTOMETRIC_MINISWHITE &&
         photometric_ != PHOTOMETRIC_RGB && photometric_ != PHOTOMETRIC_PALETTE) {
-      ReadFailure(file_, "its colours are " + PhotometricName(photometric_) +
-                             "; grey, palettes and RGB can be read");
+      throw BeyondReader("its colours are " + PhotometricName(photometric_) +
+                         "; grey, palettes and RGB can be read");
     }
     if (channels_ < 1 || (photometric_ == PHOTOMETRIC_PALETTE && channels_ != 1)) {
-      ReadFailure(file_, "its pixels have " + std::to_string(channels_) + " samples");
+      throw BeyondReader("its pixels have " + std::to_string(channels_) + " samples");
     }
     const auto format = Field<std::uint16_t>(tiff_, TIFFTAG_SAMPLEFORMAT);
     const bool whole = format == SAMPLEFORMAT_UINT || format == SAMPLEFORMAT_VOID;
@@ -161,8 +191,8 @@ class TiffReader {
                                : whole && (bits_ == 1 || bits_ == 2 || bits_ == 4 || bits_ == 8 ||
                                            bits_ == 16 || bits_ == 32);
     if (!known || (photometric_ == PHOTOMETRIC_PALETTE && (floats_ || bits_ > 8))) {
-      ReadFailure(file_, "its samples are of a kind that cannot be read: " + std::to_string(bits_) +
-                             " bits, sample format " + std::to_string(format));
+      throw BeyondReader("its samples are of a kind that cannot be read: " + std::to_string(bits_) +
+                         " bits, sample format " + std::to_string(format));
     }
   }
 
@@ -170,8 +200,8 @@ class TiffReader {
     const auto tag = Field<std::uint16_t>(tiff_, TIFFTAG_COMPRESSION);
     const Compression* const compression = FindCompression(tag);
     if (compression == nullptr) {
-      ReadFailure(file_, "it is compressed by " + CompressionName(tag) +
-                             "; none, LZW, deflate and PackBits can be read");
+      throw BeyondReader("it is compressed by " + CompressionName(tag) +
+                         "; none, LZW, deflate and PackBits can be read");
     }
     std::error_code error;
     mostBytes_ = fs::file_size(file_, error) * compression->mostPerByte;
@@ -364,8 +394,13 @@ const Compression& CompressionFor(const Picture& picture, int bits) {
 
 }  // namespace
 
-Picture ReadTiff(const fs::path& file, const ReadOptions& options, ReadReport* report) {
-  return TiffReader(file).Read(options, report);
+Picture ReadTiff(const fs::path& file, const ReadOptions& options, Reader reader,
+                 ReadReport* report) {
+  TiffReader tiff(file, reader);
+  if (reader == Reader::kExact && options.keptFor != kNoFormat) {
+    tiff.CheckMetadata(options.keptFor);
+  }
+  return tiff.Read(options, report);
 }
 
 void WriteTiff(const fs::path& file, const Picture& picture, int bits) {

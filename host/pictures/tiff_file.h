@@ -3,6 +3,7 @@
 
 #include <filesystem>
 
+#include "host/pictures/beyond_reader.h"
 #include "host/pictures/picture.h"
 #include "host/pictures/read_report.h"
 
@@ -10,8 +11,9 @@ namespace glimmerhost {
 
 // Reads the first picture of the file: strips or tiles, its samples together or each kind
 // apart, of 1 to 32 bits or floating point, grey, by a palette or in colour.
-// Throws Failure, which names the file.
-Picture ReadTiff(const std::filesystem::path& file, const ReadOptions& options, ReadReport* report);
+// Throws Failure, which names the file, and BeyondReader.
+Picture ReadTiff(const std::filesystem::path& file, const ReadOptions& options, Reader reader,
+                 ReadReport* report);
 
 // Throws Failure with the bare reason.
 //   bits  8 or 16

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "host/pictures/beyond_reader.h"
+
 namespace glimmerhost {
 namespace {
 
@@ -77,7 +79,53 @@ void SetResolution(const Resolution& resolution, TIFF* tiff) {
                                                          : RESUNIT_NONE);
 }
 
+// What says how samples are stored, and what is carried as it stands. Of every other tag the
+// plug-in may know something.
+constexpr std::uint16_t kKnownTags[] = {
+    TIFFTAG_SUBFILETYPE,  TIFFTAG_IMAGEWIDTH,      TIFFTAG_IMAGELENGTH,    TIFFTAG_BITSPERSAMPLE,
+    TIFFTAG_COMPRESSION,  TIFFTAG_PHOTOMETRIC,     TIFFTAG_FILLORDER,      TIFFTAG_STRIPOFFSETS,
+    TIFFTAG_ORIENTATION,  TIFFTAG_SAMPLESPERPIXEL, TIFFTAG_ROWSPERSTRIP,   TIFFTAG_STRIPBYTECOUNTS,
+    TIFFTAG_XRESOLUTION,  TIFFTAG_YRESOLUTION,     TIFFTAG_PLANARCONFIG,   TIFFTAG_RESOLUTIONUNIT,
+    TIFFTAG_DATETIME,     TIFFTAG_PREDICTOR,       TIFFTAG_COLORMAP,       TIFFTAG_TILEWIDTH,
+    TIFFTAG_TILELENGTH,   TIFFTAG_TILEOFFSETS,     TIFFTAG_TILEBYTECOUNTS, TIFFTAG_EXTRASAMPLES,
+    TIFFTAG_SAMPLEFORMAT, TIFFTAG_ICCPROFILE};
+
+bool IsKnown(std::uint16_t tag) {
+  const auto means = [tag](const TextTag& known) { return known.tag == tag; };
+  return std::find(std::begin(kKnownTags), std::end(kKnownTags), tag) != std::end(kKnownTags) ||
+         std::any_of(std::begin(kTextTags), std::end(kTextTags), means);
+}
+
+bool Has(const std::vector<std::uint16_t>& tags, std::uint16_t tag) {
+  return std::find(tags.begin(), tags.end(), tag) != tags.end();
+}
+
 }  // namespace
+
+void CheckTiffMetadata(TIFF* tiff, const std::vector<std::uint16_t>& tags,
+                       const std::string& keptFor) {
+  const auto unknown =
+      std::find_if(tags.begin(), tags.end(), [](std::uint16_t tag) { return !IsKnown(tag); });
+  if (unknown != tags.end()) {
+    throw BeyondReader("it has a tag " + std::to_string(*unknown));
+  }
+  const FileMetadata metadata = ReadTiffMetadata(tiff);
+  if (keptFor != metadata.format && !SaysNothing(metadata)) {
+    throw BeyondReader("what it says of itself is for a PNG file");
+  }
+  for (const FileText& text : metadata.texts) {
+    // Words of OpenImageIO's own, which it takes out of a description.
+    if (!IsAscii(text.value) || text.value.find("oiio:") != std::string::npos) {
+      throw BeyondReader("it has a text of a kind of its own");
+    }
+  }
+  if (!metadata.date.empty() && !IsFullDate(metadata.date)) {
+    throw BeyondReader("its date is of a kind of its own");
+  }
+  if (Has(tags, TIFFTAG_XRESOLUTION) != Has(tags, TIFFTAG_YRESOLUTION)) {
+    throw BeyondReader("it has a resolution in one direction alone");
+  }
+}
 
 FileMetadata ReadTiffMetadata(TIFF* tiff) {
   FileMetadata metadata;

@@ -34,7 +34,7 @@ inline glimmerhost::Picture Sample(int width, int height,
 
 inline glimmerhost::Picture Read(const std::filesystem::path& file) {
   std::string warning;
-  return glimmerhost::ReadPicture(file, &warning);
+  return glimmerhost::ReadPicture(file, glimmerhost::kAnyFormat, &warning);
 }
 
 inline void Write(const std::filesystem::path& file, const glimmerhost::Picture& picture,

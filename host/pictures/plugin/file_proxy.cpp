@@ -1,17 +1,17 @@
-#include "host/pictures/file_proxy.h"
+#include "host/pictures/plugin/file_proxy.h"
 
 namespace glimmerhost {
 
-FileProxy::FileProxy(const std::filesystem::path& file)
-    : IOProxy(file.string(), Write), bytes_(file, FileUse::kMake) {}
+FileProxy::FileProxy(const std::string& name, FileBytes* bytes)
+    : IOProxy(name, Write), bytes_(bytes) {}
 
-bool FileProxy::Finish() { return bytes_.Close() && !lost_; }
+bool FileProxy::Finish() { return bytes_->Close() && !lost_; }
 
 bool FileProxy::MoveTo(std::int64_t offset) const {
-  return bytes_.Seek(offset, std::ios_base::beg) == offset;
+  return bytes_->Seek(offset, std::ios_base::beg) == offset;
 }
 
-std::int64_t FileProxy::tell() { return bytes_.Seek(0, std::ios_base::cur); }
+std::int64_t FileProxy::tell() { return bytes_->Seek(0, std::ios_base::cur); }
 
 bool FileProxy::seek(std::int64_t offset) {
   const bool there = MoveTo(offset);
@@ -20,10 +20,10 @@ bool FileProxy::seek(std::int64_t offset) {
   return there;
 }
 
-std::size_t FileProxy::read(void* to, std::size_t count) { return bytes_.Read(to, count); }
+std::size_t FileProxy::read(void* to, std::size_t count) { return bytes_->Read(to, count); }
 
 std::size_t FileProxy::write(const void* from, std::size_t count) {
-  const std::size_t written = bytes_.Write(from, count);
+  const std::size_t written = bytes_->Write(from, count);
   lost_ = lost_ || written != count;
   return written;
 }
@@ -45,8 +45,8 @@ std::size_t FileProxy::pwrite(const void* from, std::size_t count, std::int64_t 
 }
 
 std::size_t FileProxy::size() const {
-  const std::int64_t before = bytes_.Seek(0, std::ios_base::cur);
-  const std::int64_t end = bytes_.Seek(0, std::ios_base::end);
+  const std::int64_t before = bytes_->Seek(0, std::ios_base::cur);
+  const std::int64_t end = bytes_->Seek(0, std::ios_base::end);
   MoveTo(before);
   return end < 0 ? 0 : static_cast<std::size_t>(end);
 }

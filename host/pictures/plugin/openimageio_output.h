@@ -4,16 +4,20 @@
 #include <OpenImageIO/imageio.h>
 
 #include <memory>
+#include <string>
 
-#include "host/pictures/picture_formats.h"
+#include "host/pictures/file_bytes.h"
 
 namespace glimmerhost {
 
 // Makes a file of one picture, all of which the system has taken.
+//   name     what it is to be called, for formats that hold their own name
+//   bytes    the file, just made
 //   samples  as the spec's channels, of the given type
 //   output   not opened yet
 // Throws Failure with the bare reason.
-void WriteWhole(const OutputFile& file, const OIIO::ImageSpec& spec, OIIO::TypeDesc type,
-                const void* samples, std::unique_ptr<OIIO::ImageOutput> output);
+void WriteWhole(const std::string& name, FileBytes* bytes, const OIIO::ImageSpec& spec,
+                OIIO::TypeDesc type, const void* samples,
+                std::unique_ptr<OIIO::ImageOutput> output);
 
 }  // namespace glimmerhost

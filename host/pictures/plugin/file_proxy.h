@@ -8,8 +8,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
 #include <mutex>
+#include <string>
 
 #include "host/pictures/file_bytes.h"
 
@@ -17,9 +17,9 @@ namespace glimmerhost {
 
 class FileProxy : public OIIO::Filesystem::IOProxy {
  public:
-  explicit FileProxy(const std::filesystem::path& file);
-
-  bool IsOpen() const { return bytes_.IsOpen(); }
+  //   name   what the library calls it
+  //   bytes  a file that has just been made, borrowed
+  FileProxy(const std::string& name, FileBytes* bytes);
 
   // Once the library has closed its output. False if anything was lost.
   bool Finish();
@@ -39,7 +39,7 @@ class FileProxy : public OIIO::Filesystem::IOProxy {
  private:
   bool MoveTo(std::int64_t offset) const;
 
-  mutable FileBytes bytes_;
+  FileBytes* bytes_;
   std::mutex lock_;  // of those two that may be called by several threads
   bool lost_ = false;
 };

@@ -1,4 +1,4 @@
-#include "host/pictures/managed_samples.h"
+#include "host/pictures/plugin/managed_samples.h"
 
 #include <algorithm>
 #include <cmath>

@@ -15,15 +15,15 @@ namespace glimmerhost {
 
 // Data window: where the samples lie. Display window: what of the plane is the picture; samples
 // may lie beyond it or cover a part of it alone. The two differ in a few formats only.
-struct FileMetadata {
+struct FileAttributes {
   std::string format;
-  OIIO::ParamValueList attributes;
+  OIIO::ParamValueList list;
   OIIO::ROI data;
   OIIO::ROI display;
 };
 
-std::shared_ptr<const FileMetadata> KeepMetadata(const std::string& format,
-                                                 const OIIO::ImageSpec& spec);
+std::shared_ptr<const FileAttributes> KeepAttributes(const std::string& format,
+                                                     const OIIO::ImageSpec& spec);
 
 // Fills in windows and attributes for a file of that format, as far as they are true of it.
 //   bits  of the samples to be written

@@ -1,4 +1,4 @@
-#include "host/pictures/openimageio_output.h"
+#include "host/pictures/plugin/openimageio_output.h"
 
 #include <sys/mman.h>
 #include <sys/resource.h>
@@ -11,17 +11,14 @@
 #include <string_view>
 #include <utility>
 
-#include "host/pictures/file_bytes.h"
-#include "host/pictures/file_proxy.h"
+#include "host/pictures/plugin/file_proxy.h"
 #include "host/support/failure.h"
 
 namespace glimmerhost {
 namespace {
 
-namespace fs = std::filesystem;
 using Output = std::unique_ptr<OIIO::ImageOutput>;
 
-constexpr const char* kNotMade = "the file cannot be made";
 constexpr const char* kNotTaken = "the system does not take all of it";
 
 // A reason that may have come as several lines.
@@ -87,36 +84,29 @@ bool TakesFile(const OIIO::ImageOutput& output) {
 }
 
 // For formats whose writers open a file themselves: into memory, which says when it is full.
-void WriteByMemory(const fs::path& file, const OIIO::ImageSpec& spec, OIIO::TypeDesc type,
+void WriteByMemory(FileBytes* bytes, const OIIO::ImageSpec& spec, OIIO::TypeDesc type,
                    const void* samples, Output output) {
   const MemoryFile memory;
   WriteTo(memory.Name(), spec, type, samples, std::move(output));
-  FileBytes bytes(file, FileUse::kMake);
-  if (!bytes.IsOpen()) {
-    throw Failure(kNotMade);
-  }
-  const bool copied = !memory.IsAtLimit() && memory.CopyTo(&bytes);
-  if (!bytes.Close() || !copied) {
+  const bool copied = !memory.IsAtLimit() && memory.CopyTo(bytes);
+  if (!bytes->Close() || !copied) {
     throw Failure(kNotTaken);
   }
 }
 
 }  // namespace
 
-void WriteWhole(const OutputFile& file, const OIIO::ImageSpec& spec, OIIO::TypeDesc type,
-                const void* samples, Output output) {
+void WriteWhole(const std::string& name, FileBytes* bytes, const OIIO::ImageSpec& spec,
+                OIIO::TypeDesc type, const void* samples, Output output) {
   if (!TakesFile(*output)) {
-    WriteByMemory(file.file, spec, type, samples, std::move(output));
+    WriteByMemory(bytes, spec, type, samples, std::move(output));
     return;
   }
-  FileProxy proxy(file.file);
-  if (!proxy.IsOpen()) {
-    throw Failure(kNotMade);
-  }
+  FileProxy proxy(name, bytes);
   output->set_ioproxy(&proxy);
   std::string trouble;
   try {
-    WriteTo(file.name, spec, type, samples, std::move(output));
+    WriteTo(name, spec, type, samples, std::move(output));
   } catch (const Failure& fault) {
     trouble = fault.what();
   }

@@ -1,4 +1,4 @@
-#include "host/pictures/openimageio_metadata.h"
+#include "host/pictures/plugin/openimageio_metadata.h"
 
 #include <algorithm>
 #include <array>
@@ -121,9 +121,9 @@ bool ChangesColours(const Picture& picture) {
 
 // What of the metadata is true of a file of that format with such samples.
 OIIO::ParamValueList AttributesFor(const Picture& picture, const std::string& format, int bits) {
-  const bool sameCoding = picture.metadata->format == format && bits == picture.bits;
+  const bool sameCoding = picture.attributes->format == format && bits == picture.bits;
   OIIO::ParamValueList attributes;
-  for (const OIIO::ParamValue& attribute : picture.metadata->attributes) {
+  for (const OIIO::ParamValue& attribute : picture.attributes->list) {
     const std::string name = attribute.name().string();
     const bool twice = format == "openexr" && (name == kDpxTimecode || name == kDpxKeycode);
     if (ChangesColours(picture) && IsOneOf(name, kColourWords)) {
@@ -163,7 +163,7 @@ bool SamePlace(const OIIO::ROI& a, const OIIO::ROI& b) {
 }
 
 // Writers of other formats take what origin they are given, and some write beyond their memory.
-bool HoldsWindows(const std::string& format, const FileMetadata& metadata) {
+bool HoldsWindows(const std::string& format, const FileAttributes& metadata) {
   return format == "openexr" ||
          (format == "dpx" && metadata.display.xbegin == 0 && metadata.display.ybegin == 0 &&
           metadata.data.xbegin >= 0 && metadata.data.ybegin >= 0);
@@ -242,11 +242,11 @@ bool IsIn(const OIIO::ImageSpec& spec, const OIIO::ParamValue& attribute) {
 
 }  // namespace
 
-std::shared_ptr<const FileMetadata> KeepMetadata(const std::string& format,
-                                                 const OIIO::ImageSpec& spec) {
-  auto metadata = std::make_shared<FileMetadata>();
+std::shared_ptr<const FileAttributes> KeepAttributes(const std::string& format,
+                                                     const OIIO::ImageSpec& spec) {
+  auto metadata = std::make_shared<FileAttributes>();
   metadata->format = format;
-  metadata->attributes = spec.extra_attribs;
+  metadata->list = spec.extra_attribs;
   metadata->data = spec.roi();
   metadata->display = spec.roi_full();
   // A place on a page, which PNG and TIFF may name, is none in a display window.
@@ -261,10 +261,10 @@ std::shared_ptr<const FileMetadata> KeepMetadata(const std::string& format,
 
 void SetMetadata(const Picture& picture, const std::string& format, int bits,
                  OIIO::ImageSpec* spec) {
-  if (!picture.metadata) {
+  if (!picture.attributes) {
     return;
   }
-  const FileMetadata& metadata = *picture.metadata;
+  const FileAttributes& metadata = *picture.attributes;
   if (HoldsWindows(format, metadata) && metadata.data.width() == spec->width &&
       metadata.data.height() == spec->height) {
     spec->x = metadata.data.xbegin;
@@ -285,11 +285,11 @@ std::vector<NotCarried> MetadataLost(const Picture& picture, const std::string& 
   if (!input) {
     (void)OIIO::geterror();
   }
-  if (!picture.metadata || !input) {
+  if (!picture.attributes || !input) {
     return lost;
   }
   const std::string why = FormatLabel(format) + " has no place for ";
-  const FileMetadata& metadata = *picture.metadata;
+  const FileAttributes& metadata = *picture.attributes;
   if (!SamePlace(metadata.data, metadata.display) && !HoldsWindows(format, metadata)) {
     lost.push_back(
         OneNotCarried("the display window", ShowWindow(metadata.display),
@@ -297,10 +297,10 @@ std::vector<NotCarried> MetadataLost(const Picture& picture, const std::string& 
   }
   if (ChangesColours(picture)) {
     const std::string another = "the output is in another colour space";
-    if (metadata.attributes.contains(kProfile)) {
+    if (metadata.list.contains(kProfile)) {
       lost.push_back(OneNotCarried("ICC profile", "", another));
     }
-    if (metadata.attributes.contains("chromaticities")) {
+    if (metadata.list.contains("chromaticities")) {
       lost.push_back(SomeNotCarried("chromaticities", another));
     }
   }

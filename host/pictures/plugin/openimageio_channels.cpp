@@ -1,4 +1,4 @@
-#include "host/pictures/openimageio_channels.h"
+#include "host/pictures/plugin/openimageio_channels.h"
 
 #include <algorithm>
 #include <vector>

@@ -1,3 +1,5 @@
+#include "host/pictures/plugin/openimageio_formats.h"
+
 #include <OpenImageIO/imageio.h>
 
 #include <algorithm>
@@ -10,13 +12,11 @@
 
 #include "host/pictures/channels.h"
 #include "host/pictures/float_samples.h"
-#include "host/pictures/managed_samples.h"
-#include "host/pictures/openimageio_channels.h"
-#include "host/pictures/openimageio_metadata.h"
-#include "host/pictures/openimageio_output.h"
-#include "host/pictures/picture_formats.h"
 #include "host/pictures/pixel_aspect.h"
-#include "host/pictures/quiet_stderr.h"
+#include "host/pictures/plugin/managed_samples.h"
+#include "host/pictures/plugin/openimageio_channels.h"
+#include "host/pictures/plugin/openimageio_metadata.h"
+#include "host/pictures/plugin/openimageio_output.h"
 #include "host/pictures/reader_guard.h"
 #include "host/support/failure.h"
 
@@ -85,11 +85,7 @@ void SetCoding(OIIO::ImageSpec* spec) {
 
 }  // namespace
 
-const char* const kReadableFormats = "PNG, TIFF, EXR, DPX, JPEG and what else OpenImageIO reads";
-const char* const kWritableEndings =
-    ".png, .tif, .exr, .dpx, .jpg or another format that OpenImageIO writes";
-
-std::optional<OutputFormat> FormatOf(const fs::path& file) {
+std::optional<OutputFormat> OpenImageIoFormatOf(const fs::path& file) {
   const std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(file.string());
   if (!output) {
     (void)OIIO::geterror();
@@ -100,12 +96,15 @@ std::optional<OutputFormat> FormatOf(const fs::path& file) {
   if (name == "null" || name == "term") {
     return std::nullopt;
   }
-  return OutputFormat{name, output->supports("alpha") != 0, name == "png", name == "openexr",
-                      name == "openexr" || name == "hdr"};
+  return OutputFormat{name,
+                      output->supports("alpha") != 0,
+                      name == "png",
+                      name == "openexr",
+                      name == "openexr" || name == "hdr",
+                      false};
 }
 
-Picture ReadFormat(const fs::path& file, const ReadOptions& options, ReadReport* report) {
-  const QuietStderr quiet;
+Picture ReadByOpenImageIo(const fs::path& file, const ReadOptions& options, ReadReport* report) {
   const std::unique_ptr<OIIO::ImageInput> input = OpenInput(file);
   const OIIO::ImageSpec spec = input->spec();
   const ChannelMap map = MapChannels(file, input->format_name(), spec);
@@ -118,7 +117,7 @@ Picture ReadFormat(const fs::path& file, const ReadOptions& options, ReadReport*
                   : spec.get_int_attribute(kStraightAttribute, 0) != 0 ? Alpha::kStraight
                                                                        : Alpha::kPremultiplied;
   picture.pixelAspect = NearestRatio(spec.get_float_attribute("PixelAspectRatio", 1.0F));
-  picture.metadata = KeepMetadata(input->format_name(), spec);
+  picture.attributes = KeepAttributes(input->format_name(), spec);
 
   const std::size_t count = picture.PixelCount() * static_cast<std::size_t>(spec.nchannels);
   if (options.colours || spec.format.is_floating_point()) {
@@ -142,8 +141,8 @@ Picture ReadFormat(const fs::path& file, const ReadOptions& options, ReadReport*
   return picture;
 }
 
-void WriteFormat(const OutputFile& file, const OutputFormat& format, const Picture& picture,
-                 int bits, std::vector<NotCarried>* lost) {
+void WriteByOpenImageIo(const OutputFile& file, FileBytes* bytes, const OutputFormat& format,
+                        const Picture& picture, int bits, std::vector<NotCarried>* lost) {
   std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(file.name);
   const bool withAlpha = picture.alpha != Alpha::kNone && format.holdsAlpha;
   const int channels = (picture.grey ? 1 : 3) + (withAlpha ? 1 : 0);
@@ -162,15 +161,15 @@ void WriteFormat(const OutputFile& file, const OutputFormat& format, const Pictu
     const std::vector<float> values =
         picture.colours ? ManagedFloats(picture, withAlpha)
                         : ToFloats(GatherChannels(picture, channels), channels, picture.range);
-    WriteWhole(file, spec, OIIO::TypeDesc::FLOAT, values.data(), std::move(output));
+    WriteWhole(file.name, bytes, spec, OIIO::TypeDesc::FLOAT, values.data(), std::move(output));
   } else {
     const std::vector<std::uint16_t> samples = picture.colours
                                                    ? ManagedWords(picture, withAlpha, format, lost)
                                                    : GatherChannels(picture, channels);
     if (type == OIIO::TypeDesc::UINT8) {
-      WriteWhole(file, spec, type, ToBytes(samples).data(), std::move(output));
+      WriteWhole(file.name, bytes, spec, type, ToBytes(samples).data(), std::move(output));
     } else {
-      WriteWhole(file, spec, type, samples.data(), std::move(output));
+      WriteWhole(file.name, bytes, spec, type, samples.data(), std::move(output));
     }
   }
   if (lost != nullptr) {

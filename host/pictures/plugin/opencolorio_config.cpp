@@ -1,3 +1,5 @@
+#include "host/pictures/plugin/opencolorio_config.h"
+
 #include <OpenColorIO/OpenColorIO.h>
 
 #include <algorithm>
@@ -5,7 +7,6 @@
 #include <system_error>
 #include <utility>
 
-#include "host/pictures/colour_config.h"
 #include "host/support/failure.h"
 
 namespace glimmerhost {
@@ -94,9 +95,7 @@ class Config final : public ColourConfig {
 
 }  // namespace
 
-const bool kHasColourManagement = true;
-
-std::unique_ptr<const ColourConfig> ColourConfig::Load(const fs::path& file) {
+std::unique_ptr<const ColourConfig> LoadOpenColorIoConfig(const fs::path& file) {
   std::error_code error;
   if (!fs::exists(file, error)) {
     throw MissingInput(file.string() + ": there is no such file");

@@ -1,0 +1,68 @@
+#include "host/pictures/picture_formats.h"
+
+#include <string>
+#include <utility>
+
+#include "host/pictures/channels.h"
+#include "host/pictures/plugged_formats.h"
+#include "host/pictures/png_tiff_formats.h"
+
+namespace glimmerhost {
+namespace {
+
+namespace fs = std::filesystem;
+
+// What of a picture only the plug-in does, before its file is looked at; empty for nothing.
+std::string BeyondOwn(const ReadOptions& options) {
+  if (options.colours) {
+    return "its colours are to be transformed";
+  }
+  const std::string& kept = options.keptFor;
+  return kept.empty() || kept == "png" || kept == "tiff"
+             ? ""
+             : "what it says of itself is for a format that is neither PNG nor TIFF";
+}
+
+Picture ReadByPlugin(const fs::path& file, const ReadOptions& options, ReadReport* report) {
+  std::string why = BeyondOwn(options);
+  if (why.empty() && IsPngOrTiff(file)) {
+    ReadReport found;
+    try {
+      Picture picture = ReadPngOrTiff(file, options, Reader::kExact, &found);
+      *report = std::move(found);
+      return picture;
+    } catch (const BeyondReader& beyond) {
+      why = beyond.what();
+    }
+  }
+  return ReadPlugged(file, why, options, report);
+}
+
+}  // namespace
+
+std::optional<OutputFormat> FormatOf(const fs::path& file) {
+  const std::optional<OutputFormat> own = PngOrTiffOf(file);
+  return own || !kHasPicturePlugin ? own : PluggedFormatOf(file);
+}
+
+Picture ReadFormat(const fs::path& file, const ReadOptions& options, ReadReport* report) {
+  if (kHasPicturePlugin) {
+    return ReadByPlugin(file, options, report);
+  }
+  try {
+    return ReadPngOrTiff(file, options, Reader::kBestEffort, report);
+  } catch (const BeyondReader& beyond) {
+    ReadFailure(file, beyond.what());
+  }
+}
+
+void WriteFormat(const OutputFile& file, const OutputFormat& format, const Picture& picture,
+                 int bits, std::vector<NotCarried>* lost) {
+  if (kHasPicturePlugin && (picture.colours || picture.attributes || !format.own)) {
+    WritePlugged(file, format, picture, bits, lost);
+  } else {
+    WritePngOrTiff(file.file, format, picture, bits, lost);
+  }
+}
+
+}  // namespace glimmerhost

@@ -1,0 +1,14 @@
+// Colour configurations by OpenColorIO.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+
+#include "host/pictures/colour_config.h"
+
+namespace glimmerhost {
+
+// As ColourConfig::Load.
+std::unique_ptr<const ColourConfig> LoadOpenColorIoConfig(const std::filesystem::path& file);
+
+}  // namespace glimmerhost
