@@ -26,7 +26,8 @@ class FileBytes {
   std::size_t Read(void* to, std::size_t count) noexcept;
   std::size_t Write(const void* from, std::size_t count) noexcept;
 
-  // The new place, or -1.
+  // The new place, or -1. Moving to where it is already takes no call of the system: libraries say
+  // the place before every row.
   std::int64_t Seek(std::int64_t offset, std::ios_base::seekdir from) noexcept;
 
   // False if what was written did not all get there.
@@ -39,7 +40,16 @@ class FileBytes {
   struct Closer {
     void operator()(std::FILE* file) const { std::fclose(file); }
   };
+  enum class Turn { kNone, kRead, kWrite };
+
+  void TakeTurn(Turn turn) noexcept;
+
+  std::unique_ptr<char[]>
+      buffer_;  // the file's; the C library's own holds a row of a small picture
   std::unique_ptr<std::FILE, Closer> file_;
+  Turn turn_ = Turn::kNone;
+  std::int64_t place_ = 0;  // -1 after a failure
+  std::int64_t end_ = -1;   // of a file that is made; -1 while it is not known
   bool refused_ = false;
 };
 

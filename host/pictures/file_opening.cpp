@@ -13,6 +13,12 @@ FileBytes::FileBytes(const std::filesystem::path& file, FileUse use) {
     hold = HoldTemporaryFiles();
   }
   file_.reset(OpenFile(file, use));
+  constexpr std::size_t kBuffer = 1U << 16U;
+  buffer_ = std::make_unique_for_overwrite<char[]>(kBuffer);
+  if (file_ != nullptr) {
+    std::setvbuf(file_.get(), buffer_.get(), _IOFBF, kBuffer);
+  }
+  end_ = use == FileUse::kMake ? 0 : -1;
 }
 
 }  // namespace glimmerhost
