@@ -8,6 +8,27 @@
 
 namespace glimmerhost {
 
+namespace {
+
+// With the number known a pixel is a few moves instead of loops.
+template <int kChannels>
+void Gather(const std::uint16_t* pixel, std::size_t count, std::uint16_t* to) {
+  for (std::size_t i = 0; i < count; ++i, pixel += 4, to += kChannels) {
+    if constexpr (kChannels < 3) {
+      to[0] = static_cast<std::uint16_t>((pixel[0] + pixel[1] + pixel[2] + 1) / 3);
+    } else {
+      to[0] = pixel[0];
+      to[1] = pixel[1];
+      to[2] = pixel[2];
+    }
+    if constexpr (kChannels % 2 == 0) {
+      to[kChannels - 1] = pixel[3];
+    }
+  }
+}
+
+}  // namespace
+
 ChannelMap MapPlainChannels(int count) {
   switch (count) {
     case 1:
@@ -40,20 +61,25 @@ int ChannelsToWrite(const Picture& picture) {
 
 std::vector<std::uint16_t> GatherChannels(const Picture& picture, int channels) {
   std::vector<std::uint16_t> out(picture.PixelCount() * static_cast<std::size_t>(channels));
-  const std::uint16_t* pixel = picture.samples.data();
-  std::uint16_t* to = out.data();
-  const int colours = channels < 3 ? 1 : 3;
-  for (std::size_t i = 0; i < picture.PixelCount(); ++i, pixel += 4, to += channels) {
-    if (colours == 1) {
-      to[0] = static_cast<std::uint16_t>((pixel[0] + pixel[1] + pixel[2] + 1) / 3);
-    } else {
-      std::copy(pixel, pixel + 3, to);
-    }
-    if (channels > colours) {
-      to[colours] = pixel[3];
-    }
-  }
+  GatherRows(picture, channels, 0, picture.height, out.data());
   return out;
+}
+
+void GatherRows(const Picture& picture, int channels, int firstRow, int rows, std::uint16_t* to) {
+  const auto width = static_cast<std::size_t>(picture.width);
+  const std::uint16_t* const from =
+      picture.samples.data() + static_cast<std::size_t>(firstRow) * width * 4;
+  const std::size_t count = static_cast<std::size_t>(rows) * width;
+  switch (channels) {
+    case 1:
+      return Gather<1>(from, count, to);
+    case 2:
+      return Gather<2>(from, count, to);
+    case 3:
+      return Gather<3>(from, count, to);
+    default:
+      return Gather<4>(from, count, to);
+  }
 }
 
 std::vector<std::uint8_t> ToBytes(const std::vector<std::uint16_t>& samples) {

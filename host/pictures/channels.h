@@ -36,6 +36,10 @@ int ChannelsToWrite(const Picture& picture);
 // The samples that go into a file of 1 to 4 channels: one colour is the mean of three.
 std::vector<std::uint16_t> GatherChannels(const Picture& picture, int channels);
 
+// The same of some rows.
+//   to  room for as many rows of the picture's width
+void GatherRows(const Picture& picture, int channels, int firstRow, int rows, std::uint16_t* to);
+
 // 16 bits to the nearest of 8.
 std::vector<std::uint8_t> ToBytes(const std::vector<std::uint16_t>& samples);
 

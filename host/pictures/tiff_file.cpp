@@ -247,7 +247,73 @@ class TiffReader {
     SpreadFloats(file_, values, channels_, map, options.range, picture, report);
   }
 
+  // Whether rows of whole pixels follow one another, in samples that need no looking up.
+  bool HasPixelRows() const {
+    return !apart_ && !blocks_.tiles && (bits_ == 8 || bits_ == 16) &&
+           photometric_ != PHOTOMETRIC_PALETTE;
+  }
+
+  // The usual kinds of files, straight into the picture: a pass less over it, and no other buffer
+  // of its size.
+  void TakePixels(Picture* picture) {
+    const ChannelMap map = MapChannels(channels_, picture);
+    picture->grey = map.grey;
+    picture->samples.resize(picture->PixelCount() * 4);
+    std::vector<std::uint8_t> rows;
+    std::uint32_t strip = 0;
+    for (std::uint32_t top = 0; top < height_; top += blocks_.height, ++strip) {
+      const std::uint32_t end = top + std::min(blocks_.height, height_ - top);
+      const std::uint32_t atOnce = IsStored(strip, end - top) ? StoredRows() : end - top;
+      rows.resize(std::min<std::uint64_t>(atOnce, end - top) * blocks_.rowBytes);
+      for (std::uint32_t y = top; y < end; y += std::min(atOnce, end - y)) {
+        const std::uint32_t count = std::min(atOnce, end - y);
+        if (IsStored(strip, end - top)) {
+          ReadStored(strip, y - top, count, &rows);
+        } else {
+          ReadBlock(strip, count, &rows);
+        }
+        for (std::uint32_t row = 0; row < count; ++row) {
+          UnpackPixels(rows.data() + row * blocks_.rowBytes, width_, bits_, channels_, map.alpha,
+                       picture->samples.data() + std::size_t{y + row} * width_ * 4);
+        }
+      }
+    }
+    if (photometric_ == PHOTOMETRIC_MINISWHITE) {
+      InvertColours(picture);
+    }
+  }
+
+  // Whether a strip's rows stand in the file as they are. libtiff would have to be asked for a
+  // whole strip at a time, which may be the whole picture.
+  bool IsStored(std::uint32_t strip, std::uint32_t rows) const {
+    return Field<std::uint16_t>(tiff_, TIFFTAG_COMPRESSION) == COMPRESSION_NONE &&
+           Field<std::uint16_t>(tiff_, TIFFTAG_FILLORDER) == FILLORDER_MSB2LSB &&
+           TIFFGetStrileOffset(tiff_, strip) != 0 &&
+           TIFFGetStrileByteCount(tiff_, strip) >= rows * blocks_.rowBytes;
+  }
+
+  // As many as stay in the processor's own memory until they are unpacked.
+  std::uint32_t StoredRows() const {
+    constexpr std::uint64_t kBytes = 1U << 18U;
+    return static_cast<std::uint32_t>(std::max<std::uint64_t>(kBytes / blocks_.rowBytes, 1));
+  }
+
+  void ReadStored(std::uint32_t strip, std::uint32_t firstRow, std::uint32_t count,
+                  std::vector<std::uint8_t>* rows) {
+    const std::uint64_t place = TIFFGetStrileOffset(tiff_, strip) + firstRow * blocks_.rowBytes;
+    const std::size_t bytes = count * blocks_.rowBytes;
+    if (!library_.ReadAt(place, rows->data(), bytes)) {
+      ReadFailure(file_, "it is cut short or broken: the file ends too early");
+    }
+    if (bits_ == 16 && TIFFIsByteSwapped(tiff_) != 0) {
+      SwapWords(rows->data(), bytes / 2);
+    }
+  }
+
   void TakeWords(Picture* picture) {
+    if (HasPixelRows()) {
+      return TakePixels(picture);
+    }
     std::vector<std::uint16_t> samples = ReadWords();
     int channels = channels_;
     if (photometric_ == PHOTOMETRIC_PALETTE) {
@@ -300,8 +366,8 @@ class TiffReader {
   }
 
   void ReadBlock(std::uint32_t number, std::size_t rows, std::vector<std::uint8_t>* block) {
-    const auto size =
-        static_cast<tmsize_t>(blocks_.tiles ? block->size() : rows * blocks_.rowBytes);
+    const auto size = static_cast<tmsize_t>(blocks_.tiles ? blocks_.height * blocks_.rowBytes
+                                                          : rows * blocks_.rowBytes);
     const tmsize_t read = blocks_.tiles ? TIFFReadEncodedTile(tiff_, number, block->data(), size)
                                         : TIFFReadEncodedStrip(tiff_, number, block->data(), size);
     // Some decoders fill up what is missing and only leave a word about it.
@@ -392,6 +458,33 @@ const Compression& CompressionFor(const Picture& picture, int bits) {
   return found == nullptr ? kCompressions[0] : *found;
 }
 
+// libtiff's own strips have 8 KiB, which is less than a row of a large picture.
+constexpr int kStripRows = 32;
+
+bool WriteStrips(TIFF* tiff, const Picture& picture, int bits, int channels) {
+  const std::size_t rowSamples =
+      static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(channels);
+  std::vector<std::uint16_t> samples(rowSamples * kStripRows);
+  std::uint32_t strip = 0;
+  for (int y = 0; y < picture.height; y += kStripRows, ++strip) {
+    const int rows = std::min(kStripRows, picture.height - y);
+    const std::size_t count = rowSamples * static_cast<std::size_t>(rows);
+    GatherRows(picture, channels, y, rows, samples.data());
+    void* bytes = samples.data();
+    std::vector<std::uint8_t> narrow;
+    if (bits == 8) {
+      samples.resize(count);
+      narrow = ToBytes(samples);
+      bytes = narrow.data();
+    }
+    const auto size = static_cast<tmsize_t>(count * static_cast<std::size_t>(bits / 8));
+    if (TIFFWriteEncodedStrip(tiff, strip, bytes, size) != size) {
+      return false;
+    }
+  }
+  return true;
+}
+
 }  // namespace
 
 Picture ReadTiff(const fs::path& file, const ReadOptions& options, Reader reader,
@@ -410,11 +503,6 @@ void WriteTiff(const fs::path& file, const Picture& picture, int bits) {
     throw Failure(library.Trouble());
   }
   const int channels = ChannelsToWrite(picture);
-  std::vector<std::uint16_t> samples = GatherChannels(picture, channels);
-  std::vector<std::uint8_t> narrow;
-  if (bits == 8) {
-    narrow = ToBytes(samples);
-  }
   SetLayout(tiff, picture, bits, channels);
   const Compression& compression = CompressionFor(picture, bits);
   TIFFSetField(tiff, TIFFTAG_COMPRESSION, compression.tag);
@@ -424,19 +512,12 @@ void WriteTiff(const fs::path& file, const Picture& picture, int bits) {
   if (compression.predicts) {
     TIFFSetField(tiff, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
   }
-  TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff, 0));
+  TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, kStripRows);
   if (picture.metadata) {
     SetTiffMetadata(*picture.metadata, tiff);
   }
 
-  const std::size_t rowSamples =
-      static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(channels);
-  bool written = true;
-  for (int y = 0; written && y < picture.height; ++y) {
-    const std::size_t first = static_cast<std::size_t>(y) * rowSamples;
-    void* const row = bits == 8 ? static_cast<void*>(&narrow[first]) : &samples[first];
-    written = TIFFWriteScanline(tiff, row, static_cast<std::uint32_t>(y), 0) == 1;
-  }
+  const bool written = WriteStrips(tiff, picture, bits, channels);
   const bool closed = library.Close();
   if (!written || !closed) {
     // libtiff has its own idea of why the system did not move on in a file.

@@ -76,6 +76,12 @@ TiffLibrary::~TiffLibrary() {
   }
 }
 
+bool TiffLibrary::ReadAt(std::uint64_t place, void* to, std::size_t count) {
+  const auto from = static_cast<std::int64_t>(place);
+  return from >= 0 && bytes_.Seek(from, std::ios_base::beg) == from &&
+         bytes_.Read(to, count) == count;
+}
+
 bool TiffLibrary::Close() {
   const bool flushed = TIFFFlush(tiff_) != 0;
   TIFFCleanup(tiff_);

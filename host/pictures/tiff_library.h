@@ -4,6 +4,8 @@
 #include <tiffio.h>
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 
 #include "host/pictures/file_bytes.h"
@@ -22,6 +24,9 @@ class TiffLibrary {
   TiffLibrary& operator=(const TiffLibrary&) = delete;
 
   TIFF* Tiff() const { return tiff_; }
+
+  // Reads what stands at a place of the file, past libtiff. False if that is less.
+  bool ReadAt(std::uint64_t place, void* to, std::size_t count);
 
   // Writes what is left, and closes the file. False if that fails.
   bool Close();

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 namespace glimmerhost {
 namespace {
@@ -60,7 +61,62 @@ std::uint16_t WordAt(const std::uint8_t* from, std::size_t i, int bits) {
   }
 }
 
+template <class Sample>
+std::uint16_t Widened(const std::uint8_t* from, std::size_t i) {
+  constexpr unsigned kScale = sizeof(Sample) == 1 ? 257 : 1;
+  return static_cast<std::uint16_t>(Load<Sample>(from, i) * kScale);
+}
+
+// The usual kinds with their numbers known, which makes a pixel a few moves.
+template <class Sample, int kChannels>
+void UnpackUsual(const std::uint8_t* from, std::size_t count, std::uint16_t* to) {
+  constexpr std::size_t kStep = kChannels;
+  for (std::size_t i = 0; i < count * kStep; i += kStep, to += 4) {
+    to[0] = Widened<Sample>(from, i);
+    to[1] = kChannels < 3 ? to[0] : Widened<Sample>(from, i + 1);
+    to[2] = kChannels < 3 ? to[0] : Widened<Sample>(from, i + 2);
+    to[3] = kChannels % 2 == 0 ? Widened<Sample>(from, i + kStep - 1) : std::uint16_t{65535};
+  }
+}
+
+template <class Sample>
+void Unpack(const std::uint8_t* from, std::size_t count, int channels, int alpha,
+            std::uint16_t* to) {
+  if (channels == 1 && alpha < 0) {
+    return UnpackUsual<Sample, 1>(from, count, to);
+  }
+  if (channels == 3 && alpha < 0) {
+    return UnpackUsual<Sample, 3>(from, count, to);
+  }
+  if (channels == 4 && alpha == 3) {
+    return UnpackUsual<Sample, 4>(from, count, to);
+  }
+  const auto step = static_cast<std::size_t>(channels);
+  for (std::size_t i = 0; i < count * step; i += step, to += 4) {
+    to[0] = Widened<Sample>(from, i);
+    to[1] = channels < 3 ? to[0] : Widened<Sample>(from, i + 1);
+    to[2] = channels < 3 ? to[0] : Widened<Sample>(from, i + 2);
+    to[3] = alpha < 0 ? std::uint16_t{65535}
+                      : Widened<Sample>(from, i + static_cast<std::size_t>(alpha));
+  }
+}
+
 }  // namespace
+
+void UnpackPixels(const std::uint8_t* from, std::size_t count, int bits, int channels, int alpha,
+                  std::uint16_t* to) {
+  if (bits == 8) {
+    Unpack<std::uint8_t>(from, count, channels, alpha, to);
+  } else {
+    Unpack<std::uint16_t>(from, count, channels, alpha, to);
+  }
+}
+
+void SwapWords(std::uint8_t* words, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) {
+    std::swap(words[2 * i], words[2 * i + 1]);
+  }
+}
 
 void UnpackWords(const std::uint8_t* from, std::size_t count, int bits, std::size_t stride,
                  std::uint16_t* to) {

@@ -15,6 +15,17 @@ namespace glimmerhost {
 void UnpackWords(const std::uint8_t* from, std::size_t count, int bits, std::size_t stride,
                  std::uint16_t* to);
 
+// A row of whole pixels as four samples of 16 bits each: grey three times, and 65535 for alpha
+// where there is none. More than four channels are passed over, up to alpha at its place.
+//   bits      8 or 16
+//   channels  of a pixel of the file
+//   alpha     its place, or -1
+void UnpackPixels(const std::uint8_t* from, std::size_t count, int bits, int channels, int alpha,
+                  std::uint16_t* to);
+
+// Exchanges the two bytes of each sample.
+void SwapWords(std::uint8_t* words, std::size_t count);
+
 //   bits  16, 32 or 64
 void UnpackFloats(const std::uint8_t* from, std::size_t count, int bits, std::size_t stride,
                   float* to);

@@ -99,6 +99,78 @@ TEST(TiffFile, ReadsWholeNumbersOfEveryWidthOrderAndLayout) {
   }
 }
 
+// Rows that stand in the file as they are come in some at a time, not a strip at a time.
+TEST(TiffFile, ReadsStripsOfManyBytes) {
+  const ScratchFolder folder;
+  for (const char* mode : {"wl", "wb"}) {
+    for (const int channels : {1, 3}) {
+      OddTiff kind;
+      kind.width = 30000;
+      kind.height = 7;
+      kind.channels = channels;
+      kind.photometric = channels == 1 ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB;
+      kind.bits = 16;
+      kind.mode = mode;
+      MakeTiff(folder / "a.tif", kind);
+
+      const Picture picture = Read(folder / "a.tif");
+
+      const auto raw = Scattered(16);
+      for (int y = 0; y < kind.height; ++y) {
+        for (int x = 0; x < kind.width; ++x) {
+          for (int c = 0; c < 3; ++c) {
+            const auto at = static_cast<std::size_t>((y * kind.width + x) * 4 + c);
+            ASSERT_EQ(raw(x, y, channels == 1 ? 0 : c), picture.samples[at])
+                << mode << ", " << channels << " channels: x " << x << " y " << y << " c " << c;
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST(TiffFile, ComesBackFromStripsOfWhichTheLastIsShorter) {
+  const ScratchFolder folder;
+  for (const int height : {1, 31, 32, 33, 70}) {
+    for (const Alpha alpha : {Alpha::kNone, Alpha::kStraight}) {
+      for (const bool grey : {false, true}) {
+        const Picture picture = Sample(13, height, alpha, grey);
+        for (const int bits : {8, 16}) {
+          Write(folder / "a.tif", picture, bits);
+          const Picture back = Read(folder / "a.tif");
+          EXPECT_EQ(height, back.height);
+          if (bits == 16) {
+            EXPECT_EQ(picture.samples, back.samples) << height << " rows, grey " << grey;
+          } else {
+            EXPECT_EQ(picture.samples[0], back.samples[0]) << height;
+            EXPECT_EQ(picture.samples.end()[-2], back.samples.end()[-2]) << height;
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST(TiffFile, IsRefusedWhereItsStoredRowsEndTooEarly) {
+  const ScratchFolder folder;
+  OddTiff kind;
+  kind.bits = 16;
+  kind.mode = "wl";
+  MakeTiff(folder / "whole.tif", kind);
+  TIFF* const tiff = TIFFOpen((folder / "whole.tif").string().c_str(), "r+");
+  ASSERT_NE(nullptr, tiff);
+  // A strip that begins where the file is nearly over.
+  std::uint64_t* offsets = nullptr;
+  ASSERT_EQ(1, TIFFGetField(tiff, TIFFTAG_STRIPOFFSETS, &offsets));
+  offsets[2] = fs::file_size(folder / "whole.tif") + 100;
+  TIFFRewriteDirectory(tiff);
+  TIFFClose(tiff);
+
+  const std::string line = Refusal(folder / "whole.tif");
+
+  EXPECT_NE(std::string::npos, line.find("cut short or broken")) << line;
+}
+
 TEST(TiffFile, ReadsEveryCompressionThatItKnows) {
   const ScratchFolder folder;
   for (const std::uint16_t compression :
