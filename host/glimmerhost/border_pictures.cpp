@@ -1,6 +1,7 @@
 #include "host/glimmerhost/border_pictures.h"
 
 #include <cstddef>
+#include <new>
 
 namespace glimmerhost {
 namespace {
@@ -8,32 +9,38 @@ namespace {
 // This host's frames have one form only, so there is nothing to describe.
 class Descriptor final : public qplugin::iQpluginDescriptor, public quantel::cRefCount {};
 
-std::size_t SampleCount(int width, int height) {
-  return static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4;
+std::uint16_t* ZeroPixels(std::size_t count) {
+  auto* const samples = static_cast<std::uint16_t*>(std::calloc(count, 4 * sizeof(std::uint16_t)));
+  if (samples == nullptr && count > 0) {
+    throw std::bad_alloc();
+  }
+  return samples;
+}
+
+// Between the order of pictures and that of the border, either way.
+void ExchangeRedAndBlue(const std::uint16_t* from, std::size_t pixels, std::uint16_t* to) {
+  for (std::size_t i = 0; i < pixels * 4; i += 4) {
+    to[i] = from[i + 2];
+    to[i + 1] = from[i + 1];
+    to[i + 2] = from[i];
+    to[i + 3] = from[i + 3];
+  }
 }
 
 }  // namespace
 
 FrameImage::FrameImage(int width, int height)
-    : size_{width, height}, samples_(SampleCount(width, height)) {}
+    : size_{width, height},
+      pixels_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height)),
+      samples_(ZeroPixels(pixels_)) {}
 
 FrameImage::FrameImage(const Picture& picture) : FrameImage(picture.width, picture.height) {
-  for (std::size_t i = 0; i + 3 < samples_.size(); i += 4) {
-    samples_[i] = picture.samples[i + 2];
-    samples_[i + 1] = picture.samples[i + 1];
-    samples_[i + 2] = picture.samples[i];
-    samples_[i + 3] = picture.samples[i + 3];
-  }
+  ExchangeRedAndBlue(picture.samples.data(), pixels_, samples_.get());
 }
 
 void FrameImage::CopyTo(Picture* picture) const {
-  picture->samples.resize(samples_.size());
-  for (std::size_t i = 0; i + 3 < samples_.size(); i += 4) {
-    picture->samples[i] = samples_[i + 2];
-    picture->samples[i + 1] = samples_[i + 1];
-    picture->samples[i + 2] = samples_[i];
-    picture->samples[i + 3] = samples_[i + 3];
-  }
+  picture->samples.resize(pixels_ * 4);
+  ExchangeRedAndBlue(samples_.get(), pixels_, picture->samples.data());
 }
 
 quantel::cPtr<qplugin::iQpluginDescriptor> FrameFormat::descriptor() {

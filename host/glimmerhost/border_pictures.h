@@ -1,8 +1,10 @@
 // What this host offers of clips and targets: frames over pictures in memory.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <vector>
+#include <cstdlib>
+#include <memory>
 
 #include "host/pictures/picture.h"
 #include "hostframe/interfaces/pictures.h"
@@ -13,18 +15,25 @@ namespace glimmerhost {
 // A frame that owns its samples, in the border's order: blue, green, red, alpha.
 class FrameImage final : public qplugin::iQpluginImage, public quantel::cRefCount {
  public:
+  // All samples are 0.
   FrameImage(int width, int height);
   explicit FrameImage(const Picture& picture);
 
   quantel::cSize2 size() override { return size_; }
-  std::uint16_t* buffer() override { return samples_.data(); }
+  std::uint16_t* buffer() override { return samples_.get(); }
 
   // Writes the frame's samples into a picture of its size.
   void CopyTo(Picture* picture) const;
 
  private:
+  struct Freer {
+    void operator()(std::uint16_t* samples) const { std::free(samples); }
+  };
+
   quantel::cSize2 size_;
-  std::vector<std::uint16_t> samples_;
+  std::size_t pixels_;
+  // From calloc: what the system hands out is 0 already, and is not touched before it is used.
+  std::unique_ptr<std::uint16_t, Freer> samples_;
 };
 
 class FrameFormat final : public qplugin::iQpluginFormat, public quantel::cRefCount {
