@@ -303,15 +303,17 @@ int Run(const Options& options) {
   const std::int32_t margin = lx::OutlineMargin(options.radius);
   const lx::GridSides grid = footprint->gridFor(options.width, options.height, margin);
   const int ways = lx::mp_num_ways();
-  std::fprintf(options.live ? stderr : stdout,
-               "%s, %dx%d, radius %g, emphasis %g, %d ways, grid %lldx%lld, %.1f MiB\n",
-               options.engine.c_str(), options.width, options.height,
-               static_cast<double>(options.radius), static_cast<double>(options.emphasis), ways,
-               static_cast<long long>(grid.width), static_cast<long long>(grid.height),
-               static_cast<double>(footprint->bytesAt(grid)) / (1 << 20));
+  std::fprintf(
+      options.live ? stderr : stdout,
+      "%s, %dx%d, radius %g, emphasis %g, %d ways, grid %lldx%lld, %.1f MiB\n",
+      options.engine.c_str(), options.width, options.height, static_cast<double>(options.radius),
+      static_cast<double>(options.emphasis), ways, static_cast<long long>(grid.width),
+      static_cast<long long>(grid.height),
+      static_cast<double>(footprint->bytesAt({options.width, options.height}, grid)) / (1 << 20));
   // Larger frames than mode 4 takes have nothing to be compared with.
   std::unique_ptr<Reference> reference;
-  if (lx::IsAllowedGrid(lx::FftwFootprint::GridFor(options.width, options.height, margin))) {
+  if (lx::IsAllowedGrid(lx::FftwFootprint::GridFor(options.width, options.height, margin),
+                        lx::FftwFootprint::kLargestSide)) {
     reference = std::make_unique<Reference>(options);
   }
   LoadedEngine loaded(options.engine, options);
