@@ -43,7 +43,7 @@ void ValuesPass::operator()(Rows& rows, std::int32_t first, std::int32_t last) c
   EachEight(first, last, [&](std::int32_t y, std::int32_t wanted) {
     const std::int32_t granted = AskFor(rows, wanted);
     if (granted > 0) {
-      from.Fill(frame, y, granted, scratch.Data());
+      FillBuffers(frame, std::span(&from, 1), y, granted, {scratch.Data()});
       UnpackRows(frame, scratch.Data(), y, granted, [&](RowPiece piece, const double* row) {
         std::copy_n(row, piece.width, values + piece.y * width + piece.x);
         found |= BandsOf(rule, row, piece.width);

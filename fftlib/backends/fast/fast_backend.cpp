@@ -138,7 +138,7 @@ std::int32_t FastBackend::Convolve(const RunImages& run, const Look& look, Rows*
   }
   const FastFrame frame = MakeFrame(look);
   const EmphasisCurve curve = MakeEmphasisCurve(static_cast<double>(look.emphasis));
-  ForwardPass<PicturePlane> forward{frame, {}, 0};
+  ForwardPass<PicturePlane> forward{frame};
   PicturePass picture{frame, {}, withAlpha, run.dest};
   std::array<double*, FastLayout::kPlanes> spectra{};
   std::size_t spectraCount = 0;
@@ -154,13 +154,13 @@ std::int32_t FastBackend::Convolve(const RunImages& run, const Look& look, Rows*
       }
       FinishedPlane& finished = picture.planes[p];
       if (HasEvenAlpha(plane, look, &finished.even, rows)) {
-        forward.planes[forward.count++] = {plane, nullptr};
+        forward.Add(plane, nullptr);
         continue;
       }
       double* own = grids_.Plane(--free);
       finished.curve = plane.curve;
       if (!inBands) {
-        forward.planes[forward.count++] = {plane, own};
+        forward.Add(plane, own);
         spectra[spectraCount++] = own;
         finished.spectra = own;
       } else if (ConvolveBands(frame, plane, {grids_.Plane(0), grids_.Plane(1), own}, rows)) {
@@ -187,8 +187,8 @@ std::int32_t FastBackend::ConvolveChannels(const RunImages& run, const Look& loo
       continue;
     }
     const ChannelGamma own = MakeChannelGamma(gamma, look.emphasisAlpha, c);
-    ForwardPass<ChannelPlane> forward{frame, {}, 1};
-    forward.planes[0] = {{run.source, c, own}, plane};
+    ForwardPass<ChannelPlane> forward{frame};
+    forward.Add({run.source, c, own}, plane);
     rows->Run(forward, run.source->height);
     ConvolveColumns({plane}, 1, rows);
     rows->Run(ChannelPass{frame, plane, c, own, run.dest}, run.dest->height);

@@ -12,8 +12,8 @@
 namespace lx {
 namespace {
 
-// From here on blocks get huge pages where the system has them: a frame of 1920 x 1080 takes 0.92 of
-// the time.
+// From here on blocks get huge pages where the system has them: a frame of 1920 x 1080 takes 0.92
+// of the time.
 constexpr std::uint64_t kLeastAdvised = std::uint64_t{4} << 20U;
 
 // A status.

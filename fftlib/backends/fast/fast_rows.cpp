@@ -1,6 +1,7 @@
 #include "fftlib/backends/fast/fast_rows.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "fftlib/planes/float_rows.h"
 #include "fftlib/planes/picture_rows.h"
@@ -9,6 +10,21 @@
 
 namespace lx {
 namespace {
+
+// Whether the kernels read and write its pixels all planes at once.
+bool IsPacked(const ImageRec& image) {
+  return image.sampleType == kSampleU16 && image.channels == 4;
+}
+
+// Eight rows of such an image; behind count the first once more.
+PixelRows RowsAt(const ImageRec& image, std::int32_t y, std::int32_t count) {
+  PixelRows rows{};
+  for (std::int32_t r = 0; r < kLines; ++r) {
+    rows[static_cast<std::size_t>(r)] = static_cast<std::uint16_t*>(image.data) +
+                                        std::ptrdiff_t{r < count ? y + r : y} * image.width * 4;
+  }
+  return rows;
+}
 
 void ClearRows(const FastFrame& frame, std::int32_t count, double* plane) {
   const FastLayout& layout = frame.grids->Layout();
@@ -80,28 +96,44 @@ void TransformRowsBack(const FastFrame& frame, const double* from, std::int32_t 
   frame.kernels->inverseRows(frame.grids->Rows(), buffer);
 }
 
-void PicturePlane::Fill(const FastFrame& frame, std::int32_t y, std::int32_t count,
-                        double* buffer) const {
-  const bool isFloat = source->sampleType == kSampleFloat;
-  const auto fill = isFloat ? FillFromFloatPicture : FillFromPicture;
-  PackRows(frame, y, count, buffer,
-           [&](RowPiece piece, double* row) { fill(*source, channelBit, piece, row); });
-  if (!curve.on) {
-    return;
+void FillBuffers(const FastFrame& frame, std::span<const PicturePlane> planes, std::int32_t y,
+                 std::int32_t count, const PlaneBuffers& buffers) {
+  const ImageRec& source = *planes[0].source;
+  const bool isFloat = source.sampleType == kSampleFloat;
+  const std::int32_t width = frame.grids->Layout().frame.width;
+  const bool atOnce = IsPacked(source);
+  if (atOnce) {
+    PlaneBuffers byChannel{};
+    for (std::size_t p = 0; p < planes.size(); ++p) {
+      byChannel[static_cast<std::size_t>(std::countr_zero(planes[p].channelBit))] = buffers[p];
+    }
+    frame.kernels->readPixels(RowsAt(source, y, count), width, byChannel);
   }
-  const std::int32_t numbers = frame.grids->Layout().frame.width * kLines;
-  if (isFloat) {
-    ApplyOpenCurve(curve, numbers, buffer);
-  } else {
-    GetRowKernels().applyCurve(curve, numbers, buffer);
+  for (std::size_t p = 0; p < planes.size(); ++p) {
+    const PicturePlane& plane = planes[p];
+    if (buffers[p] == nullptr) {
+      continue;
+    }
+    if (!atOnce) {
+      const auto fill = isFloat ? FillFromFloatPicture : FillFromPicture;
+      PackRows(frame, y, count, buffers[p],
+               [&](RowPiece piece, double* row) { fill(source, plane.channelBit, piece, row); });
+    }
+    if (plane.curve.on && isFloat) {
+      ApplyOpenCurve(plane.curve, width * kLines, buffers[p]);
+    } else if (plane.curve.on) {
+      GetRowKernels().applyCurve(plane.curve, width * kLines, buffers[p]);
+    }
   }
 }
 
-void ChannelPlane::Fill(const FastFrame& frame, std::int32_t y, std::int32_t count,
-                        double* buffer) const {
-  PackRows(frame, y, count, buffer, [&](RowPiece piece, double* row) {
-    FillFromChannel(*source, channel, gamma, piece, row);
-  });
+void FillBuffers(const FastFrame& frame, std::span<const ChannelPlane> planes, std::int32_t y,
+                 std::int32_t count, const PlaneBuffers& buffers) {
+  for (std::size_t p = 0; p < planes.size() && buffers[p] != nullptr; ++p) {
+    PackRows(frame, y, count, buffers[p], [&](RowPiece piece, double* row) {
+      FillFromChannel(*planes[p].source, planes[p].channel, planes[p].gamma, piece, row);
+    });
+  }
 }
 
 template <class Plane>
@@ -109,19 +141,25 @@ void ForwardPass<Plane>::operator()(Rows& rows, std::int32_t first, std::int32_t
   if (first > last) {
     return;
   }
+  const std::ptrdiff_t bufferSize = frame.grids->Layout().RowBuffer();
   const ScratchSlots::Use scratch(&frame.grids->Slots());
   EachEight(first, last, [&](std::int32_t y, std::int32_t wanted) {
+    PlaneBuffers buffers{};
+    std::array<std::int32_t, FastLayout::kPlanes> granted{};
     for (std::size_t p = 0; p < count; ++p) {
-      const std::int32_t granted = AskFor(rows, wanted);
-      const Each& plane = planes[p];
-      if (plane.to == nullptr) {
-        continue;
+      granted[p] = AskFor(rows, wanted);
+      if (to[p] != nullptr && granted[p] > 0) {
+        buffers[p] = scratch.Data() + static_cast<std::ptrdiff_t>(p) * bufferSize;
       }
-      if (granted > 0) {
-        plane.from.Fill(frame, y, granted, scratch.Data());
-        TransformRows(frame, granted, scratch.Data(), frame.RowsOf(plane.to, y));
+    }
+    FillBuffers(frame, std::span(from).first(count), y, wanted, buffers);
+    for (std::size_t p = 0; p < count; ++p) {
+      if (buffers[p] != nullptr) {
+        TransformRows(frame, granted[p], buffers[p], frame.RowsOf(to[p], y));
       }
-      ClearRows(frame, wanted - granted, frame.RowsOf(plane.to, y + granted));
+      if (to[p] != nullptr) {
+        ClearRows(frame, wanted - granted[p], frame.RowsOf(to[p], y + granted[p]));
+      }
     }
   });
 }
@@ -133,39 +171,49 @@ void PicturePass::operator()(Rows& rows, std::int32_t first, std::int32_t last) 
   if (first > last) {
     return;
   }
-  const FastLayout& layout = frame.grids->Layout();
   const bool isFloat = dest->sampleType == kSampleFloat;
   const ScratchSlots::Use scratch(&frame.grids->Slots());
-  const std::size_t planeCount = withAlpha ? 4 : 3;
-  double pieces[4][kPieces];
+  PlaneBuffers buffers{};
+  for (std::size_t p = 0; p < (withAlpha ? 4 : 3); ++p) {
+    buffers[p] =
+        scratch.Data() + static_cast<std::ptrdiff_t>(p) * frame.grids->Layout().RowBuffer();
+  }
   EachEight(first, last, [&](std::int32_t y, std::int32_t wanted) {
     const std::int32_t count = AskFor(rows, wanted);
     if (count == 0) {
       return;
     }
-    for (std::size_t p = 0; p < planeCount; ++p) {
-      Finish(frame, planes[p], isFloat, y, count,
-             scratch.Data() + static_cast<std::ptrdiff_t>(p) * layout.RowBuffer());
+    for (std::size_t p = 0; p < (withAlpha ? 4 : 3); ++p) {
+      Finish(frame, planes[p], isFloat, y, count, buffers[p]);
     }
-    for (std::int32_t x = 0; x < layout.frame.width; x += kPiece) {
-      const std::int32_t pixels = std::min(kPiece, layout.frame.width - x);
-      for (std::size_t p = 0; p < planeCount; ++p) {
-        const double* buffer = scratch.Data() + static_cast<std::ptrdiff_t>(p) * layout.RowBuffer();
-        frame.kernels->unpack(buffer + std::ptrdiff_t{x} * kLines, kPiece, pixels, pieces[p]);
-      }
-      for (std::int32_t r = 0; r < count; ++r) {
-        const std::ptrdiff_t at = std::ptrdiff_t{r} * kPiece;
-        const PlaneRow row{pieces[0] + at, pieces[1] + at, pieces[2] + at,
-                           withAlpha ? pieces[3] + at : nullptr};
-        const RowPiece piece{x, y + r, pixels};
-        if (isFloat) {
-          StoreToFloatPicture(row, piece, dest);
-        } else {
-          StoreToPicture(row, {1.0, 1.0, 1.0}, piece, SampleScale<std::uint32_t>::full, dest);
-        }
-      }
+    if (IsPacked(*dest)) {
+      frame.kernels->writePixels(buffers, dest->width, count, RowsAt(*dest, y, count));
+    } else {
+      StoreByPieces(buffers, y, count);
     }
   });
+}
+
+void PicturePass::StoreByPieces(const PlaneBuffers& buffers, std::int32_t y,
+                                std::int32_t count) const {
+  double pieces[4][kPieces];
+  for (std::int32_t x = 0; x < dest->width; x += kPiece) {
+    const std::int32_t pixels = std::min<std::int32_t>(kPiece, dest->width - x);
+    for (std::size_t p = 0; p < (withAlpha ? 4 : 3); ++p) {
+      frame.kernels->unpack(buffers[p] + std::ptrdiff_t{x} * kLines, kPiece, pixels, pieces[p]);
+    }
+    for (std::int32_t r = 0; r < count; ++r) {
+      const std::ptrdiff_t at = std::ptrdiff_t{r} * kPiece;
+      const PlaneRow row{pieces[0] + at, pieces[1] + at, pieces[2] + at,
+                         withAlpha ? pieces[3] + at : nullptr};
+      const RowPiece piece{x, y + r, pixels};
+      if (dest->sampleType == kSampleFloat) {
+        StoreToFloatPicture(row, piece, dest);
+      } else {
+        StoreToPicture(row, {1.0, 1.0, 1.0}, piece, SampleScale<std::uint32_t>::full, dest);
+      }
+    }
+  }
 }
 
 void ChannelPass::operator()(Rows& rows, std::int32_t first, std::int32_t last) const {

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "fftlib/backends/fast/fast_grids.h"
 #include "fftlib/core/rows.h"
@@ -30,14 +31,11 @@ struct FastFrame {
   }
 };
 
-// A picture's plane, in numbers of a buffer.
+// A picture's plane.
 struct PicturePlane {
   const ImageRec* source;
   std::uint32_t channelBit;
   EmphasisCurve curve;  // off where the plane has none
-
-  // Rows y to y + count - 1, eight at most.
-  void Fill(const FastFrame& frame, std::int32_t y, std::int32_t count, double* buffer) const;
 };
 
 // One stored channel.
@@ -45,23 +43,28 @@ struct ChannelPlane {
   const ImageRec* source;
   std::int32_t channel;
   ChannelGamma gamma;
-
-  void Fill(const FastFrame& frame, std::int32_t y, std::int32_t count, double* buffer) const;
 };
+
+// Numbers of up to four planes of one source into buffers, of the rows y to y + count - 1, eight at
+// most; a null buffer is left out.
+void FillBuffers(const FastFrame& frame, std::span<const PicturePlane> planes, std::int32_t y,
+                 std::int32_t count, const PlaneBuffers& buffers);
+void FillBuffers(const FastFrame& frame, std::span<const ChannelPlane> planes, std::int32_t y,
+                 std::int32_t count, const PlaneBuffers& buffers);
 
 // Rows of planes, each into its plane of row spectra. Asks before every row of every plane; rows
 // that a cancel keeps it from become zeros.
 template <class Plane>
 struct ForwardPass {
-  struct Each {
-    Plane from;
-    double* to;  // null where the rows are only asked for
-  };
-
   FastFrame frame;
-  std::array<Each, FastLayout::kPlanes> planes;
-  std::size_t count;
+  std::size_t count = 0;
+  std::array<Plane, FastLayout::kPlanes> from{};
+  PlaneBuffers to{};  // null where the rows are only asked for
 
+  void Add(const Plane& plane, double* spectra) {
+    from[count] = plane;
+    to[count++] = spectra;
+  }
   void operator()(Rows& rows, std::int32_t first, std::int32_t last) const;
 };
 
@@ -81,6 +84,9 @@ struct PicturePass {
   ImageRec* dest;
 
   void operator()(Rows& rows, std::int32_t first, std::int32_t last) const;
+
+ private:
+  void StoreByPieces(const PlaneBuffers& buffers, std::int32_t y, std::int32_t count) const;
 };
 
 // A plane into one stored channel of a picture.

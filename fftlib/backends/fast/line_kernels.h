@@ -14,6 +14,7 @@
 // A lane is a line, and no line's sums depend on its neighbours: all forms give the same bits.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -48,7 +49,24 @@ struct ColumnRows {
   std::int32_t stored;         // as many numbers from the first on go back, each to its own row
 };
 
+// The four planes of eight rows, each in a buffer of its own: luma, Cr, Cb and alpha from 0 to 1. A
+// null one is left out.
+using PlaneBuffers = std::array<double*, 4>;
+
+// Rows of pixels of four 16-bit channels. Where there are fewer than eight, the others are read
+// from some row that exists, and not written.
+using PixelRows = std::array<std::uint16_t*, kLines>;
+
 struct LineKernels {
+  // Between pixels and planes, without any curve. They take the steps of FillFromPicture and
+  // StoreToPicture, rounding for rounding.
+  //   width    pixels of a row
+  //   count    rows that are written
+  //   buffers  to be written all but alpha, without which the pixels keep theirs
+  void (*readPixels)(const PixelRows& rows, std::int32_t width, const PlaneBuffers& buffers);
+  void (*writePixels)(const PlaneBuffers& buffers, std::int32_t width, std::int32_t count,
+                      const PixelRows& rows);
+
   // In place: twice the spectrum of real rows, and from it the rows, times twice their length.
   void (*forwardRows)(const RowPlan& plan, double* buffer);
   void (*inverseRows)(const RowPlan& plan, double* buffer);

@@ -10,6 +10,7 @@
 #include "fftkernels/fftkernels/vectors.h"
 #include "fftkernels/mixed_radix/radices.h"
 #include "fftlib/backends/fast/line_kernels.h"
+#include "fftlib/backends/fast/pixel_kernels_of.h"
 
 namespace lx {
 
@@ -17,8 +18,16 @@ template <class Form, int lanes>
 class LineKernelsOf {
  public:
   static constexpr LineKernels Table() {
-    return {ForwardRows, InverseRows, Spread,          Gather,
-            Pack,        Unpack,      ConvolveColumns, ForwardColumns};
+    return {PixelKernelsOf<Form, lanes>::Read,
+            PixelKernelsOf<Form, lanes>::Write,
+            ForwardRows,
+            InverseRows,
+            Spread,
+            Gather,
+            Pack,
+            Unpack,
+            ConvolveColumns,
+            ForwardColumns};
   }
 
  private:

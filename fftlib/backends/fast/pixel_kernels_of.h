@@ -1,0 +1,143 @@
+// Between eight rows of pixels and planes in buffers, in one form.
+//
+// A pixel of four 16-bit channels is one 64-bit lane, so that turning rows into lanes costs one
+// transpose for all four planes.
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+
+#include "fftkernels/fftkernels/vectors.h"
+#include "fftlib/backends/fast/line_kernels.h"
+#include "fftlib/planes/colour_transform.h"
+#include "fftlib/planes/sample_types.h"
+
+namespace lx {
+
+template <class Form, int lanes>
+class PixelKernelsOf {
+ public:
+  static void Read(const PixelRows& rows, std::int32_t width, const PlaneBuffers& buffers) {
+    const std::int32_t whole = width - width % lanes;
+    for (std::int32_t x = 0; x < whole; x += lanes) {
+      ReadTiles<lanes>(rows, x, buffers);
+    }
+    for (std::int32_t x = whole; x < width; ++x) {
+      ReadTiles<1>(rows, x, buffers);
+    }
+  }
+
+  static void Write(const PlaneBuffers& buffers, std::int32_t width, std::int32_t count,
+                    const PixelRows& rows) {
+    const std::int32_t whole = width - width % lanes;
+    for (std::int32_t x = 0; x < whole; x += lanes) {
+      WriteTiles<lanes>(buffers, x, count, rows);
+    }
+    for (std::int32_t x = whole; x < width; ++x) {
+      WriteTiles<1>(buffers, x, count, rows);
+    }
+  }
+
+ private:
+  static constexpr double kScale = SampleScale<std::uint16_t>::toUnit;
+  static constexpr double kFull = SampleScale<std::uint16_t>::full;
+
+  // A number below 2^52 in the low bits of this double is the double plus the number.
+  static constexpr double kBig = 0x1p52;
+  static constexpr std::uint64_t kBigBits = std::bit_cast<std::uint64_t>(kBig);
+
+  template <int count>
+  using Pixels = Lanes<Form, std::uint64_t, count>;
+  template <int count>
+  using Numbers = Lanes<Form, double, count>;
+
+  LX_ALWAYS_INLINE static const std::uint64_t* At(const PixelRows& rows, std::int32_t row,
+                                                  std::int32_t x) {
+    return reinterpret_cast<const std::uint64_t*>(rows[static_cast<std::size_t>(row)] + 4 * x);
+  }
+
+  template <int channel, class V, class P>
+  LX_ALWAYS_INLINE static V Unit(P pixels) {
+    const P sample = (pixels >> (16 * channel)) & 0xFFFFU;
+    return (std::bit_cast<V>(sample | kBigBits) - kBig) * kScale;
+  }
+
+  // count pixels of each row, from pixel x on, by as many rows at once.
+  template <int count>
+  LX_ALWAYS_INLINE static void ReadTiles(const PixelRows& rows, std::int32_t x,
+                                         const PlaneBuffers& buffers) {
+    using V = typename Numbers<count>::Vector;
+    for (std::int32_t l = 0; l < kLines; l += count) {
+      typename Pixels<count>::Vector pixels[count];
+      ForEach<count>([&](auto k) __attribute__((always_inline)) {
+        pixels[k] = Pixels<count>::Load(At(rows, l + k, x));
+      });
+      Pixels<count>::Transpose(pixels);
+      ForEach<count>([&](auto k) __attribute__((always_inline)) {
+        const std::ptrdiff_t at = std::ptrdiff_t{x + k} * kLines + l;
+        const V r = Unit<0, V>(pixels[k]);
+        const V g = Unit<1, V>(pixels[k]);
+        const V b = Unit<2, V>(pixels[k]);
+        if (buffers[0] != nullptr) {
+          Numbers<count>::Store(buffers[0] + at, b * kLumaB + g * kLumaG + r * kLumaR);
+        }
+        if (buffers[1] != nullptr) {
+          Numbers<count>::Store(buffers[1] + at, r * kCrR + g * kCrG + b * kCrB + 0.5);
+        }
+        if (buffers[2] != nullptr) {
+          Numbers<count>::Store(buffers[2] + at, r * kCbR + g * kCbG + b * kCbB + 0.5);
+        }
+        if (buffers[3] != nullptr) {
+          Numbers<count>::Store(buffers[3] + at, Unit<3, V>(pixels[k]));
+        }
+      });
+    }
+  }
+
+  // Clamped and rounded. Written so that not-a-number becomes 0.
+  template <class P, class V>
+  LX_ALWAYS_INLINE static P Sample(V value) {
+    const V zero{};
+    const V one = zero + 1.0;
+    const V low = value > 0.0 ? value : zero;
+    const V raised = (low < 1.0 ? low : one) * kFull + 0.5;
+    const V nearest = (raised + kBig) - kBig;
+    const V whole = nearest > raised ? nearest - 1.0 : nearest;
+    return std::bit_cast<P>(whole + kBig) & 0xFFFFU;
+  }
+
+  template <int count>
+  LX_ALWAYS_INLINE static void WriteTiles(const PlaneBuffers& buffers, std::int32_t x,
+                                          std::int32_t rowCount, const PixelRows& rows) {
+    using V = typename Numbers<count>::Vector;
+    using P = typename Pixels<count>::Vector;
+    for (std::int32_t l = 0; l < kLines; l += count) {
+      P pixels[count];
+      ForEach<count>([&](auto k) __attribute__((always_inline)) {
+        const std::ptrdiff_t at = std::ptrdiff_t{x + k} * kLines + l;
+        const V y = Numbers<count>::Load(buffers[0] + at);
+        const V cr = Numbers<count>::Load(buffers[1] + at) - 0.5;
+        const V cb = Numbers<count>::Load(buffers[2] + at) - 0.5;
+        pixels[k] = Sample<P>(y + cr * kRCr) | (Sample<P>(y * kGY - cr * kGCr - cb * kGCb) << 16) |
+                    (Sample<P>(y * kBY + cb * kBCb) << 32);
+        if (buffers[3] != nullptr) {
+          pixels[k] |= Sample<P>(Numbers<count>::Load(buffers[3] + at)) << 48;
+        }
+      });
+      Pixels<count>::Transpose(pixels);
+      ForEach<count>([&](auto k) __attribute__((always_inline)) {
+        if (l + k < rowCount) {
+          auto* to =
+              reinterpret_cast<std::uint64_t*>(rows[static_cast<std::size_t>(l + k)] + 4 * x);
+          if (buffers[3] == nullptr) {
+            pixels[k] |= Pixels<count>::Load(to) & (std::uint64_t{0xFFFF} << 48U);
+          }
+          Pixels<count>::Store(to, pixels[k]);
+        }
+      });
+    }
+  }
+};
+
+}  // namespace lx
