@@ -1,0 +1,397 @@
+// The line kernels: against the definition of what they do, and one form against the other.
+#include "fftlib/backends/fast/line_kernels.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <iomanip>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "fftkernels/mixed_radix/quick_sizes.h"
+#include "fftlib/backends/fast/fast_grids.h"
+#include "fftlib/core/status.h"
+#include "tests/fftkernels/mixed_radix/exact_roots.h"
+#include "tests/fftlib/backends/fast/forms.h"
+#include "tests/fftlib/backends/fast/hash.h"
+
+namespace {
+
+using lx::kLines;
+using lx::kStride;
+using lx_test::LineForm;
+using Numbers = std::vector<double>;
+
+constexpr double kGuard = 4711.0;
+
+Numbers Noise(std::size_t count, std::uint32_t seed) {
+  std::mt19937 random(seed);
+  Numbers numbers(count);
+  for (double& each : numbers) {
+    each = random() / 2147483648.0 - 1.0;
+  }
+  return numbers;
+}
+
+// The plans of a grid, whose tables the grid's buffers hold.
+std::unique_ptr<lx::FastGrids> MakeGrids(std::int32_t width, std::int32_t height) {
+  auto grids = std::make_unique<lx::FastGrids>();
+  EXPECT_EQ(lx::kStatusOk, grids->Prepare(lx::FastLayout({1, 1}, {width, height})));
+  return grids;
+}
+
+// Rows of the grid, in numbers of a buffer with room for the highest frequency, and a guard.
+std::size_t BufferSize(std::int32_t width) {
+  return static_cast<std::size_t>(width / 2 + 1) * kStride + 1;
+}
+std::size_t BlockSize(std::int32_t height) { return static_cast<std::size_t>(height) * kStride; }
+
+// Sizes that a grid may have, up to the largest: all small ones, and some of the larger.
+std::vector<std::int32_t> Lengths(std::int32_t largest) {
+  std::vector<std::int32_t> lengths;
+  std::int32_t kept = 0;
+  for (std::int32_t n = 2; n <= largest; ++n) {
+    if (lx::IsSmooth(n) && (n <= 130 || n > kept + kept / 12 || n == 343 || n == 2401)) {
+      lengths.push_back(n);
+      kept = n;
+    }
+  }
+  return lengths;
+}
+
+std::vector<lx_test::ExactRoot> Circle(std::int32_t n) {
+  std::vector<lx_test::ExactRoot> roots;
+  for (std::int32_t k = 0; k < n; ++k) {
+    roots.push_back(lx_test::ExactRootOf(k, n));
+  }
+  return roots;
+}
+
+// Of a sum of that many numbers up to 1, of which each stage rounds some bits.
+double BoundOf(std::int32_t length) {
+  return 4e-16 * std::sqrt(length) * std::log2(length + 2) * 2;
+}
+
+class LineKernels : public testing::TestWithParam<LineForm> {
+ protected:
+  const lx::LineKernels& Kernels() const { return *GetParam().kernels; }
+};
+
+TEST_P(LineKernels, TransformRowsToTwiceTheirSpectraInThePlansOrder) {
+  for (std::int32_t half : Lengths(360)) {
+    const std::int32_t width = 2 * half;
+    const auto grids = MakeGrids(width, 2);
+    const lx::RowPlan& plan = grids->Rows();
+    ASSERT_EQ(half + 1, plan.Columns());
+    const Numbers rows = Noise(static_cast<std::size_t>(width) * kLines, 1);
+    Numbers buffer(BufferSize(width), kGuard);
+    std::copy(rows.begin(), rows.end(), buffer.begin());
+
+    Kernels().forwardRows(plan, buffer.data());
+
+    const auto circle = Circle(width);
+    for (std::int32_t p = 0; p <= half; ++p) {
+      const std::int32_t k = p == half ? half : plan.half.FrequencyAt(p);
+      for (std::int32_t lane = 0; lane < kLines; ++lane) {
+        long double re = 0.0L;
+        long double im = 0.0L;
+        for (std::int32_t x = 0; x < width; ++x) {
+          const auto& root = circle[static_cast<std::size_t>(std::int64_t{x} * k % width)];
+          const long double value = rows[static_cast<std::size_t>(x) * kLines + lane];
+          re += 2.0L * value * root.cosine;
+          im -= 2.0L * value * root.sine;
+        }
+        const double* got = &buffer[static_cast<std::size_t>(p) * kStride + lane];
+        ASSERT_NEAR(static_cast<double>(re), got[0], BoundOf(width)) << width << ", " << k;
+        ASSERT_NEAR(static_cast<double>(im), got[kLines], BoundOf(width)) << width << ", " << k;
+      }
+    }
+    ASSERT_EQ(kGuard, buffer.back()) << width;
+  }
+}
+
+TEST_P(LineKernels, TransformSpectraBackToRowsTimesTwiceTheirLength) {
+  for (std::int32_t half : Lengths(2500)) {
+    const std::int32_t width = 2 * half;
+    const auto grids = MakeGrids(width, 2);
+    const Numbers rows = Noise(static_cast<std::size_t>(width) * kLines, 2);
+    Numbers buffer(BufferSize(width), kGuard);
+    std::copy(rows.begin(), rows.end(), buffer.begin());
+
+    Kernels().forwardRows(grids->Rows(), buffer.data());
+    Kernels().inverseRows(grids->Rows(), buffer.data());
+
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      ASSERT_NEAR(rows[i], buffer[i] / (2.0 * width), 1e-14) << width << ", " << i;
+    }
+    ASSERT_EQ(kGuard, buffer.back()) << width;
+  }
+}
+
+// What a column is made of: rows of the block in an order of its own, or zero.
+struct Column {
+  explicit Column(std::int32_t height, std::int32_t blockRows) {
+    std::mt19937 random(static_cast<std::uint32_t>(height));
+    for (std::int32_t y = 0; y < height; ++y) {
+      source.push_back(static_cast<std::int32_t>(random() % (blockRows + 1)) - 1);
+    }
+  }
+  std::vector<std::int32_t> source;
+};
+
+TEST_P(LineKernels, TransformColumnsOfTheRowsThatTheyAreReadFrom) {
+  constexpr std::int32_t kRows = 11;
+  const Numbers block = Noise(BlockSize(kRows), 3);
+  for (const std::int32_t height : Lengths(360)) {
+    const auto grids = MakeGrids(2, height);
+    const Column column(height, kRows);
+    Numbers spectrum(BlockSize(height) + 1, kGuard);
+
+    Kernels().forwardColumns(grids->Columns(), {column.source.data(), 0}, block.data(),
+                             spectrum.data());
+
+    const auto circle = Circle(height);
+    for (std::int32_t p = 0; p < height; ++p) {
+      const std::int32_t k = grids->Columns().FrequencyAt(p);
+      for (std::int32_t lane = 0; lane < kLines; ++lane) {
+        long double re = 0.0L;
+        long double im = 0.0L;
+        for (std::int32_t y = 0; y < height; ++y) {
+          const std::int32_t row = column.source[static_cast<std::size_t>(y)];
+          if (row < 0) {
+            continue;
+          }
+          const double* from = &block[static_cast<std::size_t>(row) * kStride + lane];
+          const auto& root = circle[static_cast<std::size_t>(std::int64_t{y} * k % height)];
+          re += from[0] * root.cosine + from[kLines] * root.sine;
+          im += from[kLines] * root.cosine - from[0] * root.sine;
+        }
+        const double* got = &spectrum[static_cast<std::size_t>(p) * kStride + lane];
+        ASSERT_NEAR(static_cast<double>(re), got[0], BoundOf(height)) << height << ", " << k;
+        ASSERT_NEAR(static_cast<double>(im), got[kLines], BoundOf(height)) << height << ", " << k;
+      }
+    }
+    ASSERT_EQ(kGuard, spectrum.back()) << height;
+  }
+}
+
+// A spectrum that turns frequency k by a whole number of places moves a column down by as many.
+TEST_P(LineKernels, ConvolveColumnsAndStoreTheRowsThatAreWantedAlone) {
+  for (const std::int32_t height : Lengths(2500)) {
+    const auto grids = MakeGrids(2, height);
+    const std::int32_t moved = height / 3;
+    const std::int32_t stored = std::max(height - 5, 1);
+    Numbers spectrum(BlockSize(height));
+    for (std::int32_t p = 0; p < height; ++p) {
+      const std::int64_t k = grids->Columns().FrequencyAt(p);
+      const lx_test::ExactRoot root = lx_test::ExactRootOf(k * moved, height);
+      std::fill_n(&spectrum[static_cast<std::size_t>(p) * kStride], kLines,
+                  static_cast<double>(root.cosine));
+      std::fill_n(&spectrum[static_cast<std::size_t>(p) * kStride + kLines], kLines,
+                  static_cast<double>(-root.sine));
+    }
+    std::vector<std::int32_t> source(static_cast<std::size_t>(height));
+    for (std::int32_t y = 0; y < height; ++y) {
+      source[static_cast<std::size_t>(y)] = y;
+    }
+    const Numbers before = Noise(BlockSize(height), 4);
+    Numbers block = before;
+    Numbers scratch(BlockSize(height) + 1, kGuard);
+
+    Kernels().convolveColumns(grids->Columns(), {source.data(), stored}, spectrum.data(),
+                              block.data(), scratch.data());
+
+    for (std::int32_t y = 0; y < height; ++y) {
+      const std::int32_t from = (y - moved + height) % height;
+      for (std::int32_t i = 0; i < kStride; ++i) {
+        const double got = block[static_cast<std::size_t>(y) * kStride + i];
+        if (y < stored) {
+          ASSERT_NEAR(before[static_cast<std::size_t>(from) * kStride + i], got / height, 1e-14)
+              << height << ", " << y;
+        } else {
+          ASSERT_EQ(before[static_cast<std::size_t>(y) * kStride + i], got) << height << ", " << y;
+        }
+      }
+    }
+    ASSERT_EQ(kGuard, scratch.back()) << height;
+  }
+}
+
+TEST_P(LineKernels, SpreadRowsOverBlocksAndNothingBesideThem) {
+  for (const std::int32_t columns : {1, 2, 7, 8, 9, 16, 23}) {
+    const std::int32_t blocks = (columns + kLines - 1) / kLines;
+    const Numbers buffer = Noise(static_cast<std::size_t>(blocks) * kLines * kStride, 5);
+    for (std::int32_t count = 1; count <= kLines; ++count) {
+      constexpr std::int32_t kBefore = 2;
+      constexpr std::int32_t kRows = kBefore + kLines + 1;
+      const std::ptrdiff_t blockStride = kRows * kStride;
+      Numbers plane(static_cast<std::size_t>(blocks * blockStride), kGuard);
+
+      Kernels().spread(buffer.data(), columns, count, blockStride,
+                       plane.data() + kBefore * kStride);
+
+      for (std::int32_t b = 0; b < blocks; ++b) {
+        for (std::int32_t y = 0; y < kRows; ++y) {
+          for (std::int32_t i = 0; i < kStride; ++i) {
+            const double got = plane[static_cast<std::size_t>(b * blockStride + y * kStride + i)];
+            const std::int32_t row = y - kBefore;
+            const std::int32_t column = b * kLines + i % kLines;
+            if (row < 0 || row >= count) {
+              ASSERT_EQ(kGuard, got) << columns << ", " << count << ", row " << row;
+            } else if (column < columns) {
+              const std::int32_t part = i / kLines * kLines;
+              ASSERT_EQ(buffer[static_cast<std::size_t>(column) * kStride + part + row], got)
+                  << columns << ", " << count << ", row " << row << ", column " << column;
+            }
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST_P(LineKernels, GatherTheRowsThatWereSpread) {
+  for (const std::int32_t columns : {1, 2, 7, 8, 9, 16, 23}) {
+    const std::int32_t blocks = (columns + kLines - 1) / kLines;
+    const std::size_t size = static_cast<std::size_t>(blocks) * kLines * kStride;
+    const Numbers buffer = Noise(size, 6);
+    for (std::int32_t count = 1; count <= kLines; ++count) {
+      const std::ptrdiff_t blockStride = (kLines + 1) * kStride;
+      Numbers plane(static_cast<std::size_t>(blocks * blockStride), kGuard);
+      Kernels().spread(buffer.data(), columns, count, blockStride, plane.data());
+      Numbers gathered(size + 1, kGuard);
+
+      Kernels().gather(plane.data(), columns, count, blockStride, gathered.data());
+
+      for (std::size_t i = 0; i < static_cast<std::size_t>(columns) * kStride; ++i) {
+        if (static_cast<std::int32_t>(i) % kLines < count) {
+          ASSERT_EQ(buffer[i], gathered[i]) << columns << ", " << count << ", " << i;
+        } else {
+          // Lanes that are no row must at least be numbers.
+          ASSERT_TRUE(std::isfinite(gathered[i])) << columns << ", " << count << ", " << i;
+        }
+      }
+      ASSERT_EQ(kGuard, gathered.back());
+    }
+  }
+}
+
+TEST_P(LineKernels, PackRowsAndUnpackThemAndNothingBesideThem) {
+  constexpr std::int32_t kLongest = 24;
+  const Numbers rows = Noise(static_cast<std::size_t>(kLines) * kLongest, 7);
+  for (std::int32_t count = 0; count <= kLongest; ++count) {
+    Numbers buffer(static_cast<std::size_t>(kLongest) * kLines, kGuard);
+    Numbers back(rows.size(), kGuard);
+
+    Kernels().pack(rows.data(), kLongest, count, buffer.data());
+    Kernels().unpack(buffer.data(), kLongest, count, back.data());
+
+    for (std::int32_t x = 0; x < kLongest; ++x) {
+      for (std::int32_t y = 0; y < kLines; ++y) {
+        const auto inRows = static_cast<std::size_t>(y * kLongest + x);
+        const auto inBuffer = static_cast<std::size_t>(x * kLines + y);
+        ASSERT_EQ(x < count ? rows[inRows] : kGuard, buffer[inBuffer]) << count << ", " << x;
+        ASSERT_EQ(x < count ? rows[inRows] : kGuard, back[inRows]) << count << ", " << x;
+      }
+    }
+  }
+}
+
+// What a form makes of noise: rows there and back, columns, and columns through a spectrum.
+struct Made {
+  Numbers spectra;
+  Numbers rows;
+  Numbers columnSpectra;
+  Numbers columns;
+
+  bool operator==(const Made&) const = default;
+};
+
+Made Make(const lx::LineKernels& kernels, std::int32_t length) {
+  const auto grids = MakeGrids(2 * length, length);
+  Made made;
+  made.spectra = Noise(BufferSize(2 * length), 8);
+  kernels.forwardRows(grids->Rows(), made.spectra.data());
+  made.rows = made.spectra;
+  kernels.inverseRows(grids->Rows(), made.rows.data());
+  const Column column(length, length);
+  const Numbers block = Noise(BlockSize(length), 9);
+  made.columnSpectra.resize(BlockSize(length));
+  kernels.forwardColumns(grids->Columns(), {column.source.data(), 0}, block.data(),
+                         made.columnSpectra.data());
+  made.columns = block;
+  Numbers scratch(BlockSize(length));
+  kernels.convolveColumns(grids->Columns(), {column.source.data(), length - 1},
+                          made.columnSpectra.data(), made.columns.data(), scratch.data());
+  return made;
+}
+
+std::uint64_t HashOf(const Numbers& numbers) {
+  return lx_test::HashOf(numbers.data(), numbers.size() * sizeof(double));
+}
+
+// -0 and 0 are not the same bits either.
+TEST_P(LineKernels, GiveTheBitsOfThePlainOnesForEveryLength) {
+  for (const std::int32_t length : Lengths(4100)) {
+    const Made plain = Make(lx::PlainLineKernels(), length);
+    const Made made = Make(Kernels(), length);
+    ASSERT_EQ(HashOf(plain.spectra), HashOf(made.spectra)) << length;
+    ASSERT_EQ(HashOf(plain.rows), HashOf(made.rows)) << length;
+    ASSERT_EQ(HashOf(plain.columnSpectra), HashOf(made.columnSpectra)) << length;
+    ASSERT_EQ(HashOf(plain.columns), HashOf(made.columns)) << length;
+  }
+}
+
+// The same on every processor and system. Where quick_sizes.h takes a length apart in another way
+// all of a line changes: each failure prints the one that takes its place.
+struct HashedLength {
+  std::int32_t length;
+  std::uint64_t rows;
+  std::uint64_t columns;
+};
+
+std::ostream& operator<<(std::ostream& out, const HashedLength& each) {
+  const auto hash = [&](std::uint64_t value) -> std::ostream& {
+    return out << ", 0x" << std::hex << std::setw(16) << std::setfill('0') << value << std::dec;
+  };
+  out << '{' << each.length;
+  hash(each.rows);
+  hash(each.columns);
+  return out << "},";
+}
+
+// clang-format off
+constexpr HashedLength kHashes[] = {
+    {2, 0x68bb85b38508e706, 0x2bfa0422dcd0f836},
+    {3, 0xd2abdbe772e4b4e0, 0x37bd60915da19789},
+    {7, 0xd3f5fe6d5f607584, 0xf738312f71b3eb92},
+    {14, 0x9ced6e2993aa6948, 0x6d3e6aa93860107b},
+    {45, 0x3cc30aee2bd0cc5a, 0x952989b114639dff},
+    {64, 0xbc8aee1dcff7df0a, 0xee67695d6860400f},
+    {100, 0x9fa9529d56e848cd, 0x872d3b38d0094d92},
+    {343, 0x0da7f832870a4f8a, 0x67158bdbd647d7b7},
+    {1080, 0xe9ae3ed525bccceb, 0x749a742ca04ff0bc},
+    {1152, 0x518a8e78f9c4ee76, 0x930b9844850acff1},
+    {2187, 0x7341efd724bbae0f, 0xc02dacf22521ab69},
+};
+// clang-format on
+
+TEST_P(LineKernels, GiveTheBitsThatAreWrittenDown) {
+  for (const HashedLength& expected : kHashes) {
+    const Made made = Make(Kernels(), expected.length);
+    const HashedLength got{expected.length, HashOf(made.rows), HashOf(made.columns)};
+    EXPECT_EQ(expected.rows, got.rows) << "    " << got;
+    EXPECT_EQ(expected.columns, got.columns) << "    " << got;
+  }
+}
+
+std::string NameOf(const testing::TestParamInfo<LineForm>& form) { return form.param.name; }
+
+INSTANTIATE_TEST_SUITE_P(Forms, LineKernels, testing::ValuesIn(lx_test::LineForms()), NameOf);
+
+}  // namespace
