@@ -16,22 +16,25 @@ namespace fs = std::filesystem;
 
 fs::path PluginFile() { return (ProgramFolder() / GLIMMERHOST_PICTURE_PLUGIN).lexically_normal(); }
 
-// A library that goes while its threads still run, or while a picture holds something of its own,
-// would take the program with it.
-// Intended: it is never closed, and the object never freed.
-const PicturePlugin& Open() {
-  static const PicturePlugin* const plugin = [] {
-    const fs::path file = PluginFile();
-    auto library = std::make_unique<SharedLibrary>(file);
-    auto* const entry = library->Find<PicturePluginEntry>(kPicturePluginEntry);
-    const PicturePlugin* const found = entry == nullptr ? nullptr : entry(GLIMMERHOST_VERSION);
-    if (found == nullptr) {
+struct Opened {
+  explicit Opened(const fs::path& file) : library(file) {
+    auto* const entry = library.Find<PicturePluginEntry>(kPicturePluginEntry);
+    plugin = entry == nullptr ? nullptr : entry(GLIMMERHOST_VERSION);
+    if (plugin == nullptr) {
       throw Failure(file.string() + ": it is the plug-in of another version of this program");
     }
-    (void)library.release();
-    return found;
-  }();
-  return *plugin;
+  }
+
+  SharedLibrary library;
+  const PicturePlugin* plugin;
+};
+
+// A library that goes while its threads still run, or while a picture holds something of its own,
+// would take the program with it.
+// Intended: the object is never freed, and so the library never closed.
+const PicturePlugin& Open() {
+  static const auto* const opened = new Opened(PluginFile());
+  return *opened->plugin;
 }
 
 //   file, why  what it is opened for
