@@ -66,7 +66,8 @@ bool SaysNothing(const FileMetadata& metadata) {
   const PngColours& colours = metadata.colours;
   return metadata.texts.empty() && metadata.date.empty() && !metadata.resolution &&
          metadata.iccProfile.empty() && !colours.gamma && !colours.chromaticities &&
-         !colours.srgbIntent && metadata.tiff.orientation == 1 && metadata.tiff.iptc.empty();
+         !colours.srgbIntent && metadata.tiff.orientation == 1 && metadata.tiff.iptc.empty() &&
+         !metadata.tiff.exifColourSpace;
 }
 
 bool IsFullDate(std::string_view date) {

@@ -41,6 +41,7 @@ struct TiffCoding {
   std::uint16_t compression = 0;
   std::uint16_t orientation = 1;
   std::vector<std::uint8_t> iptc;
+  std::optional<std::uint16_t> exifColourSpace;  // 1 for sRGB
 };
 
 struct FileMetadata {

@@ -225,6 +225,9 @@ std::vector<NotCarried> LostInPng(const FileMetadata& metadata, bool grey) {
   if (metadata.tiff.orientation != 1) {
     lost.push_back(OneNotCarried("orientation", std::to_string(metadata.tiff.orientation), why));
   }
+  if (metadata.tiff.exifColourSpace) {
+    lost.push_back(OneNotCarried("attribute Exif:ColorSpace", "", why));
+  }
   if (!metadata.tiff.iptc.empty()) {
     lost.push_back(OneNotCarried("IPTC record", "", why));
   }

@@ -117,7 +117,7 @@ class TiffReader {
   // Throws BeyondReader where the plug-in would bring more of the file, or bring it otherwise, into
   // a file of that format.
   void CheckMetadata(const std::string& keptFor) const {
-    CheckTiffMetadata(tiff_, FirstTiffTags(file_), keptFor);
+    CheckTiffMetadata(Metadata(), FirstTiffDirectory(file_), keptFor);
   }
 
   Picture Read(const ReadOptions& options, ReadReport* report) {
@@ -130,7 +130,7 @@ class TiffReader {
     } else {
       TakeWords(&picture);
     }
-    const FileMetadata metadata = ReadTiffMetadata(tiff_);
+    const FileMetadata metadata = Metadata();
     picture.pixelAspect = PixelAspectOf(metadata.resolution);
     picture.metadata = std::make_shared<FileMetadata>(metadata);
     NoteLeft(picture, report);
@@ -138,6 +138,15 @@ class TiffReader {
   }
 
  private:
+  FileMetadata Metadata() const {
+    FileMetadata metadata = ReadTiffMetadata(tiff_);
+    std::uint64_t exif = 0;
+    if (TIFFGetField(tiff_, TIFFTAG_EXIFIFD, &exif) != 0) {
+      metadata.tiff.exifColourSpace = LoneColourSpace(TiffDirectoryAt(file_, exif));
+    }
+    return metadata;
+  }
+
   void NoteLeft(const Picture& picture, ReadReport* report) const {
     const int taken = (picture.grey ? 1 : 3) + (picture.alpha == Alpha::kNone ? 0 : 1);
     if (const int left = channels_ - taken; left > 0 && photometric_ != PHOTOMETRIC_PALETTE) {
@@ -503,7 +512,11 @@ void WriteTiff(const fs::path& file, const Picture& picture, int bits) {
     throw Failure(library.Trouble());
   }
   const int channels = ChannelsToWrite(picture);
+  const std::uint64_t exif = picture.metadata ? WriteTiffExif(*picture.metadata, tiff) : 0;
   SetLayout(tiff, picture, bits, channels);
+  if (exif != 0) {
+    TIFFSetField(tiff, TIFFTAG_EXIFIFD, exif);
+  }
   const Compression& compression = CompressionFor(picture, bits);
   TIFFSetField(tiff, TIFFTAG_COMPRESSION, compression.tag);
   if (compression.tag == COMPRESSION_ADOBE_DEFLATE || compression.tag == COMPRESSION_DEFLATE) {

@@ -96,20 +96,40 @@ bool IsKnown(std::uint16_t tag) {
          std::any_of(std::begin(kTextTags), std::end(kTextTags), means);
 }
 
-bool Has(const std::vector<std::uint16_t>& tags, std::uint16_t tag) {
-  return std::find(tags.begin(), tags.end(), tag) != tags.end();
+bool Has(const std::vector<TiffEntry>& directory, std::uint16_t tag) {
+  return std::any_of(directory.begin(), directory.end(),
+                     [tag](const TiffEntry& entry) { return entry.tag == tag; });
 }
 
 }  // namespace
 
-void CheckTiffMetadata(TIFF* tiff, const std::vector<std::uint16_t>& tags,
-                       const std::string& keptFor) {
-  const auto unknown =
-      std::find_if(tags.begin(), tags.end(), [](std::uint16_t tag) { return !IsKnown(tag); });
-  if (unknown != tags.end()) {
-    throw BeyondReader("it has a tag " + std::to_string(*unknown));
+std::optional<std::uint16_t> LoneColourSpace(const std::vector<TiffEntry>& exif) {
+  if (exif.size() != 1 || exif[0].tag != EXIFTAG_COLORSPACE || exif[0].type != TIFF_SHORT ||
+      exif[0].count != 1) {
+    return std::nullopt;
   }
-  const FileMetadata metadata = ReadTiffMetadata(tiff);
+  return static_cast<std::uint16_t>(exif[0].value);
+}
+
+std::uint64_t WriteTiffExif(const FileMetadata& metadata, TIFF* tiff) {
+  std::uint64_t place = 0;
+  if (metadata.tiff.exifColourSpace) {
+    TIFFCreateEXIFDirectory(tiff);
+    TIFFSetField(tiff, EXIFTAG_COLORSPACE, *metadata.tiff.exifColourSpace);
+    TIFFWriteCustomDirectory(tiff, &place);
+    TIFFFreeDirectory(tiff);
+    TIFFCreateDirectory(tiff);
+  }
+  return place;
+}
+
+void CheckTiffMetadata(const FileMetadata& metadata, const std::vector<TiffEntry>& directory,
+                       const std::string& keptFor) {
+  for (const TiffEntry& entry : directory) {
+    if (!IsKnown(entry.tag) && (entry.tag != TIFFTAG_EXIFIFD || !metadata.tiff.exifColourSpace)) {
+      throw BeyondReader("it has a tag " + std::to_string(entry.tag));
+    }
+  }
   if (keptFor != metadata.format && !SaysNothing(metadata)) {
     throw BeyondReader("what it says of itself is for a PNG file");
   }
@@ -122,7 +142,7 @@ void CheckTiffMetadata(TIFF* tiff, const std::vector<std::uint16_t>& tags,
   if (!metadata.date.empty() && !IsFullDate(metadata.date)) {
     throw BeyondReader("its date is of a kind of its own");
   }
-  if (Has(tags, TIFFTAG_XRESOLUTION) != Has(tags, TIFFTAG_YRESOLUTION)) {
+  if (Has(directory, TIFFTAG_XRESOLUTION) != Has(directory, TIFFTAG_YRESOLUTION)) {
     throw BeyondReader("it has a resolution in one direction alone");
   }
 }

@@ -4,11 +4,13 @@
 #include <tiffio.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "host/pictures/file_metadata.h"
 #include "host/pictures/not_carried.h"
+#include "host/pictures/tiff_directory.h"
 
 namespace glimmerhost {
 
@@ -16,9 +18,16 @@ FileMetadata ReadTiffMetadata(TIFF* tiff);
 
 // Throws BeyondReader where the plug-in would bring more of the file, or bring it otherwise, into a
 // file of that format.
-//   tags  all that the directory has
-void CheckTiffMetadata(TIFF* tiff, const std::vector<std::uint16_t>& tags,
+//   directory  all that the picture's has
+void CheckTiffMetadata(const FileMetadata& metadata, const std::vector<TiffEntry>& directory,
                        const std::string& keptFor);
+
+// The colour space of an EXIF directory that has nothing else; none for any other.
+std::optional<std::uint16_t> LoneColourSpace(const std::vector<TiffEntry>& exif);
+
+// Writes an EXIF directory with what the metadata have for it, before anything else of the file, as
+// libtiff would have to read the picture's again behind it. The place of it, or 0 for none.
+std::uint64_t WriteTiffExif(const FileMetadata& metadata, TIFF* tiff);
 
 // To be called before samples are written. Compression is the caller's.
 void SetTiffMetadata(const FileMetadata& metadata, TIFF* tiff);

@@ -367,6 +367,24 @@ TEST_F(BothReaders, CarryTextsDatesAndResolutionsAlike) {
   Compare(Put("a.tif", metadata), "tiff", false, "TIFF in no unit");
 }
 
+TEST_F(BothReaders, CarryTheColourSpaceOfAnExifDirectoryThatHasNothingElse) {
+  const auto describe = [](OIIO::ImageSpec* spec) { spec->attribute("Exif:ColorSpace", 1); };
+  const fs::path file = Put("a.tif", describe);
+  Compare(file, "tiff", false, "TIFF to TIFF");
+  Compare(file, "png", true, "TIFF to PNG");
+  ReadReport report;
+  const std::optional<Picture> picture = ReadOwn(file, KeptFor("tiff"), &report);
+  ASSERT_TRUE(picture);
+  const fs::path out = folder / "out.tif";
+
+  glimmerhost::WritePngOrTiff(out, *glimmerhost::PngOrTiffOf(out), *picture, 16, nullptr);
+
+  for (const fs::path& one : {file, out}) {
+    const auto input = OIIO::ImageInput::open(one.string());
+    EXPECT_EQ(1, input->spec().get_int_attribute("Exif:ColorSpace")) << one;
+  }
+}
+
 TEST_F(BothReaders, GoFromPngToTiffAndBackOnlyWithNothingToSay) {
   FileMetadata none;
   Compare(Put("a.png", none), "tiff", false, "PNG to TIFF");

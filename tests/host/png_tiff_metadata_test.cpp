@@ -186,6 +186,22 @@ TEST(PngTiffMetadata, NamesWhatTheOtherFormatHasNoPlaceFor) {
   EXPECT_EQ("", Lost(folder / "b.png", picture));
 }
 
+TEST(PngTiffMetadata, CarriesAnExifColourSpaceToATiffAlone) {
+  const ScratchFolder folder;
+  Picture picture = Sample(5, 40);
+  FileMetadata metadata;
+  metadata.tiff.exifColourSpace = 65535;  // not calibrated
+  picture.metadata = std::make_shared<FileMetadata>(metadata);
+
+  EXPECT_EQ("", Lost(folder / "a.tif", picture));
+  EXPECT_EQ("attribute Exif:ColorSpace is not carried: PNG has no place for it\n",
+            Lost(folder / "a.png", picture));
+  const Picture back = Read(folder / "a.tif");
+
+  EXPECT_EQ(65535, back.metadata->tiff.exifColourSpace);
+  EXPECT_EQ(picture.samples, back.samples);
+}
+
 TEST(PngTiffMetadata, NamesAProfileThatDoesNotSuitThePicture) {
   const ScratchFolder folder;
   Picture picture = Sample(5, 4, glimmerhost::Alpha::kNone, true);
