@@ -324,6 +324,12 @@ def print_commands(table):
         print(f"| {radius:g} | " + " | ".join(f"{row[name]:.2f}" for name in names) + " |")
 
 
+# The three in the picture.
+PEERS = {"scipy": ("SciPy, kept spectrum", "tab:green"),
+         "gegl": ("GEGL, lens-blur", "tab:red"),
+         "ffmpeg": ("FFmpeg, convolve", "tab:purple")}
+
+
 def draw(options, frames, lines, size):
     import matplotlib
     matplotlib.use("Agg")
@@ -334,17 +340,20 @@ def draw(options, frames, lines, size):
     for side, table, title, peers in (
             (sides[0], frames, "one frame, aperture kept", ["scipy"]),
             (sides[1], lines, "a whole command, TIFF in and out", ["gegl", "ffmpeg"])):
-        for name in options.engine + [peer for peer in peers if peer in table[options.radii[0]]]:
-            ours = name in options.engine
-            side.plot(options.radii, [table[radius][name] for radius in options.radii],
-                      "o-" if ours else "s--", linewidth=2.2 if ours else 1.2, markersize=4,
-                      label=f"GlimmerBlur, {name}" if ours else
-                      {"scipy": "SciPy, kept spectrum", "gegl": "GEGL, lens-blur",
-                       "ffmpeg": "FFmpeg, convolve"}[name])
+        for name in options.engine:
+            side.plot(options.radii, [table[radius][name] for radius in options.radii], "o-",
+                      linewidth=2.2, markersize=4, label=f"GlimmerBlur, {name}")
+        for name in peers:
+            if name in table[options.radii[0]]:
+                label, colour = PEERS[name]
+                side.plot(options.radii, [table[radius][name] for radius in options.radii], "s--",
+                          linewidth=1.2, markersize=4, label=label, color=colour)
         side.set_xscale("log")
         side.set_yscale("log")
         side.set_xticks(options.radii, [f"{radius:g}" for radius in options.radii])
         side.xaxis.set_minor_locator(ticker.NullLocator())
+        side.yaxis.set_major_locator(ticker.LogLocator(subs=(1, 2, 5)))
+        side.yaxis.set_minor_locator(ticker.NullLocator())
         side.yaxis.set_major_formatter(ticker.FuncFormatter(lambda value, _: f"{value:g} s"))
         side.set_xlabel("radius in pixels")
         side.set_title(f"{title}\n{width} x {height}, {WAYS} processors", fontsize=10)
