@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace lx {
 namespace {
@@ -30,7 +31,9 @@ BandRule MakeBandRule(const EmphasisCurve& curve, double leastWeight) {
 
 Band MakeBand(const BandRule& rule, std::int32_t number) {
   const std::int32_t top = rule.Top(number);
-  return {PowerOfTwo(top - rule.bits + 1), PowerOfTwo(top + 1), PowerOfTwo(-top), PowerOfTwo(top)};
+  // Above the first there is no other: a light of a float picture has no end.
+  const double high = number == 0 ? std::numeric_limits<double>::infinity() : PowerOfTwo(top + 1);
+  return {PowerOfTwo(top - rule.bits + 1), high, PowerOfTwo(-top), PowerOfTwo(top)};
 }
 
 void ValuesPass::operator()(Rows& rows, std::int32_t first, std::int32_t last) const {
