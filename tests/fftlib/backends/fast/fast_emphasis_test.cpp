@@ -14,29 +14,26 @@
 #include "tests/fftlib/backends/fast/frame_case.h"
 #include "tests/fftlib/backends/fast/plain_frame.h"
 #include "tests/support/images.h"
+#include "tests/support/kernel_frames.h"
 
 namespace {
 
-using lx_test::FrameCase;
 using lx_test::Image;
 using lx_test::Samples;
 
-constexpr int kWidth = 72;
-constexpr int kHeight = 50;
-
 // From the top: black, deep shadows, a ramp, and black once more; over all of it points of white
 // and dim ones.
-Image NightPicture() {
-  Image image = lx_test::MakeImage(kWidth, kHeight, 4, lx::kSampleU16);
+Image NightPicture(int width, int height) {
+  Image image = lx_test::MakeImage(width, height, 4, lx::kSampleU16);
   std::mt19937 random(17);
-  for (int y = 0; y < kHeight; ++y) {
-    for (int x = 0; x < kWidth; ++x) {
-      std::uint16_t* pixel = Samples<std::uint16_t>(image) + (y * kWidth + x) * 4;
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      std::uint16_t* pixel = Samples<std::uint16_t>(image) + (y * width + x) * 4;
       const std::uint32_t dice = random() % 400;
       for (int c = 0; c < 4; ++c) {
-        const int dark = y < 15 || y >= 42 ? 0
-                         : y < 28          ? static_cast<int>(random() % 40)
-                                           : x * 65535 / (kWidth - 1);
+        const int dark = y < height * 3 / 10 || y >= height * 8 / 10 ? 0
+                         : y < height / 2 ? static_cast<int>(random() % 40)
+                                          : x * 65535 / std::max(width - 1, 1);
         const int light = dice == 0 ? 65535 : dice == 1 ? 1000 + 100 * c : dark;
         pixel[c] = static_cast<std::uint16_t>(light);
       }
@@ -45,43 +42,42 @@ Image NightPicture() {
   return image;
 }
 
-struct Aperture {
-  int shape;
-  float radius;
-  std::int32_t edge;
-};
-
-void ExpectPlainSums(const Aperture& aperture, float emphasis, bool ofAlpha) {
-  const auto engine = lx_test::MakeFastEngine();
-  const Image source = NightPicture();
-  const Image dest = lx_test::MakeImage(kWidth, kHeight, 4, lx::kSampleU16);
-  engine->BuildShapePsf(kWidth, kHeight, aperture.shape, aperture.radius, aperture.radius, 15.0F,
-                        5);
-  ASSERT_EQ(lx::kStatusOk, engine->GetStatus());
-  engine->SetEmphasis(emphasis);
-  engine->SetEmphasisAlpha(ofAlpha);
-  engine->SetEdgeMode(aperture.edge);
+// The picture through the aperture that the engine has, against plain sums.
+void ExpectPlainSums(lx::DefocusEngine* engine, const std::vector<std::uint8_t>& mask, int width,
+                     int height, const lx::Look& look) {
+  const Image source = NightPicture(width, height);
+  const Image dest = lx_test::MakeImage(width, height, 4, lx::kSampleU16);
+  engine->SetEmphasis(look.emphasis);
+  engine->SetEmphasisAlpha(look.emphasisAlpha);
+  engine->SetEdgeMode(look.edgeMode);
   ASSERT_TRUE(engine->SetSourceImage(source.get()));
 
   ASSERT_TRUE(engine->Convolve(dest.get(), 15));
 
-  const lx_test::PlainFrame plain(source, lx_test::MaskOf(*engine),
-                                  {emphasis, ofAlpha, aperture.edge});
-  for (int y = 0; y < kHeight; ++y) {
-    for (int x = 0; x < kWidth; ++x) {
+  const lx_test::PlainFrame plain(source, mask, look);
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
       const std::array<long double, 4> values = plain.At(x, y);
-      for (int c = 0; c < 4; ++c) {
-        const double expected =
-            static_cast<double>(std::clamp(values[static_cast<std::size_t>(c)], 0.0L, 1.0L)) *
-            65535.0;
-        const int got = Samples<std::uint16_t>(dest)[(y * kWidth + x) * 4 + c];
+      for (std::size_t c = 0; c < 4; ++c) {
+        const auto expected = static_cast<double>(std::clamp(values[c], 0.0L, 1.0L)) * 65535.0;
+        const int got = Samples<std::uint16_t>(dest)[(y * width + x) * 4 + static_cast<int>(c)];
         // Half a step is rounding; a step of 15 bits is two.
         ASSERT_NEAR(expected, got, 1.0)
-            << "emphasis " << emphasis << (ofAlpha ? " and of alpha" : "") << ", radius "
-            << aperture.radius << ", " << x << " " << y << ", channel " << c;
+            << "emphasis " << look.emphasis << (look.emphasisAlpha ? " and of alpha" : "")
+            << ", edge " << look.edgeMode << ", " << width << " x " << height << ": " << x << " "
+            << y << ", channel " << c;
       }
     }
   }
+}
+
+void ExpectPlainSumsOfShape(int shape, float radius, const lx::Look& look) {
+  constexpr int kWidth = 72;
+  constexpr int kHeight = 50;
+  const auto engine = lx_test::MakeFastEngine();
+  engine->BuildShapePsf(kWidth, kHeight, shape, radius, radius, 15.0F, 5);
+  ASSERT_EQ(lx::kStatusOk, engine->GetStatus());
+  ExpectPlainSums(engine.get(), lx_test::MaskOf(*engine), kWidth, kHeight, look);
 }
 
 std::string NameOf(const testing::TestParamInfo<float>& emphasis) {
@@ -91,17 +87,47 @@ std::string NameOf(const testing::TestParamInfo<float>& emphasis) {
 class FastEmphasis : public testing::TestWithParam<float> {};
 
 TEST_P(FastEmphasis, IsWithinHalfAStepOf15BitsOfPlainSums) {
-  for (const Aperture& aperture : {Aperture{1, 6.0F, lx::kEdgeReplicate},
-                                   {2, 12.0F, lx::kEdgeReplicate},
-                                   {2, 9.0F, lx::kEdgeZero},
-                                   {4, 5.0F, lx::kEdgeZero}}) {
-    ASSERT_NO_FATAL_FAILURE(ExpectPlainSums(aperture, GetParam(), false));
+  constexpr struct {
+    int shape;
+    float radius;
+    std::int32_t edge;
+  } kApertures[] = {{1, 6.0F, lx::kEdgeReplicate},
+                    {2, 12.0F, lx::kEdgeReplicate},
+                    {2, 9.0F, lx::kEdgeZero},
+                    {4, 5.0F, lx::kEdgeZero}};
+  for (const auto& [shape, radius, edge] : kApertures) {
+    ASSERT_NO_FATAL_FAILURE(ExpectPlainSumsOfShape(shape, radius, {GetParam(), false, edge}));
   }
 }
 
 TEST_P(FastEmphasis, IsWithinHalfAStepOf15BitsOfPlainSumsForAlphaToo) {
   for (const std::int32_t edge : {lx::kEdgeReplicate, lx::kEdgeZero}) {
-    ASSERT_NO_FATAL_FAILURE(ExpectPlainSums({2, 6.0F, edge}, GetParam(), true));
+    ASSERT_NO_FATAL_FAILURE(ExpectPlainSumsOfShape(2, 6.0F, {GetParam(), true, edge}));
+  }
+}
+
+// Masks of noise, with holes, and of some pixels on one side of the middle; frames of more than one
+// word of bits, and of a row or a column.
+TEST_P(FastEmphasis, IsWithinHalfAStepOf15BitsOfPlainSumsForAnyMask) {
+  std::mt19937 random(23);
+  for (const lx::Size frame : {lx::Size{40, 30}, {150, 6}, {1, 60}, {60, 1}, {129, 5}}) {
+    const auto pixels = static_cast<std::size_t>(frame.width) * frame.height;
+    for (const bool isNoise : {true, false}) {
+      std::vector<std::uint8_t> mask(pixels, 0);
+      for (std::uint8_t& each : mask) {
+        each = isNoise && random() % 3 == 0 ? static_cast<std::uint8_t>(random()) : 0;
+      }
+      // In the first tenth.
+      for (int i = 0; i < 4; ++i) {
+        mask[random() % (1 + pixels / 10)] = static_cast<std::uint8_t>(1 + random() % 255);
+      }
+      for (const std::int32_t edge : {lx::kEdgeReplicate, lx::kEdgeZero}) {
+        const auto engine = lx_test::MakeFastEngine();
+        ASSERT_TRUE(lx_test::LoadMask(engine.get(), mask, frame.width, frame.height, 0));
+        ASSERT_NO_FATAL_FAILURE(ExpectPlainSums(engine.get(), mask, frame.width, frame.height,
+                                                {GetParam(), true, edge}));
+      }
+    }
   }
 }
 

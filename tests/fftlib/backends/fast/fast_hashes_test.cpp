@@ -8,6 +8,7 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <utility>
 
 #include "fftlib/backends/fast/fast_backend.h"
 #include "fftlib/fftlib.h"
@@ -56,12 +57,15 @@ constexpr HashedFrame kFrames[] = {
     {33, 90, 1, 5, 0, 2, 0, 0x44427a62be8c49a7},
     {301, 200, 2, 31, 20, 2, 1, 0xb1194de8945c3672},
     {301, 200, 1, 31, 0, 1, 3, 0x37f090ece9721cf6},
+    {90, 33, 2, 8, 200, 2, 1, 0x95d5094ab8c534bd},
+    {301, 200, 1, 12, 500, 1, 1, 0x928007c8c21f95c4},
+    {65, 130, 2, 9, 100, 2, 3, 0xfe71a0ecd3c4ff83},
     {720, 576, 1, 20, 20, 2, 1, 0x51139f9d64516c70},
     {720, 576, 2, 20, 50, 2, 3, 0xd882d9647b31b449},
 };
 
 // Passes are shuffled out over ways; one way is the engine by itself.
-Image Render(const HashedFrame& f, const LineForm& form, int ways) {
+Image Render(const HashedFrame& f, const LineForm& form, int ways, bool onThreads = false) {
   FrameCase c{};
   c.seed = 11;
   c.width = f.width;
@@ -77,7 +81,7 @@ Image Render(const HashedFrame& f, const LineForm& form, int ways) {
   c.emphasis = f.emphasis;
   c.gamma = c.gain = 1.0F;
   lx::DefocusEngine engine(std::make_unique<lx::FastBackend>(*form.kernels));
-  lx_test::DividedPasses passes(ways);
+  lx_test::DividedPasses passes(ways, onThreads);
   if (ways > 1) {
     passes.Attach(&engine);
   }
@@ -103,9 +107,9 @@ TEST_P(FastHashes, AreThoseThatAreWrittenDown) {
 TEST_P(FastHashes, AreTheSameForAnyNumberOfWays) {
   for (const HashedFrame& expected : kFrames) {
     const Image one = Render(expected, GetParam(), 1);
-    for (const int ways : {2, 7, 33}) {
-      EXPECT_EQ(HashOf(one), HashOf(Render(expected, GetParam(), ways))) << ways << "\n"
-                                                                         << expected;
+    for (const auto& [ways, onThreads] : {std::pair{2, false}, {7, true}, {33, false}}) {
+      EXPECT_EQ(HashOf(one), HashOf(Render(expected, GetParam(), ways, onThreads))) << ways << "\n"
+                                                                                    << expected;
     }
   }
 }

@@ -155,6 +155,34 @@ TEST(FastResidue, ALoadThatIsCancelledLeavesNothingForTheNext) {
   }
 }
 
+// Frames in bands of magnitude ask in other passes than others do.
+TEST(FastResidue, AFrameThatIsCancelledLeavesNothingForTheNext) {
+  FrameCase c = Polygon(40, 21, 6.0F, 5);
+  c.content = 3;
+  for (const float emphasis : {0.0F, 200.0F}) {
+    c.emphasis = emphasis;
+    c.emphasisAlpha = true;
+    const auto engine = MakeFastEngine();
+    lx_test::PollCounter counter;
+    counter.Attach(engine.get());
+    const Image expected = RenderCase(engine.get(), c);
+    counter.polls = 0;
+    (void)RenderLoaded(engine.get(), c);
+    const int polls = counter.polls;
+    ASSERT_LE(5 * c.height, polls);
+    for (int stopAt = 0; stopAt < polls; stopAt += 3) {
+      lx_test::PollCounter canceller(stopAt, stopAt % 2 == 0);
+      canceller.Attach(engine.get());
+      (void)RenderLoaded(engine.get(), c);
+      ASSERT_EQ(lx::kStatusOk, engine->GetStatus()) << emphasis << ", " << stopAt;
+      lx_test::PollCounter none;
+      none.Attach(engine.get());
+      ASSERT_TRUE(SameSamples(expected, RenderLoaded(engine.get(), c)))
+          << emphasis << ", " << stopAt;
+    }
+  }
+}
+
 // A heap whose blocks are full of what is not a number.
 class DirtyHeap {
  public:
