@@ -260,11 +260,12 @@ Log AdvisedSizes(std::int32_t side) {
   return sizes;
 }
 
-TEST(LargePages, AreAdvisedOnceForEachBlockOfAGridOf4096) {
-  // 4096 * 4096 doubles, 4096 * 2049 pairs of them, and doubles again.
+TEST(LargePages, AreAdvisedOnceForEachBlockOfAGridOf1024AndMore) {
+  // 1024 * 1024 doubles, 1024 * 513 pairs of them, and doubles again.
+  EXPECT_EQ((Log{"8388608", "8404992", "8388608"}), AdvisedSizes(1024));
   EXPECT_EQ((Log{"134217728", "134283264", "134217728"}), AdvisedSizes(4096));
 }
 
-TEST(LargePages, AreNotAdvisedForGridsBelow4096) { EXPECT_EQ(Log{}, AdvisedSizes(2048)); }
+TEST(LargePages, AreNotAdvisedForGridsBelow1024) { EXPECT_EQ(Log{}, AdvisedSizes(512)); }
 
 }  // namespace
