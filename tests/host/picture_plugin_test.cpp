@@ -22,7 +22,9 @@ class PicturePlugin : public host_test::Program {
     fs::create_directories(plugin.parent_path());
     fs::copy_file(PROGRAM, tree / "bin/glimmerhost");
     fs::create_symlink(built / "share", tree / "share");
-    fs::create_symlink(fs::path(MODULE_FOLDER) / MODULE_NAME, modules / MODULE_NAME);
+    fs::create_directory(modules / "fast");
+    fs::create_symlink(fs::path(MODULE_FOLDER) / "fast" / MODULE_NAME,
+                       modules / "fast" / MODULE_NAME);
   }
 
   Outcome Run(const std::string& arguments) const {

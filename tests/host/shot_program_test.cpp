@@ -165,7 +165,7 @@ TEST_F(ShotProgram, ExplainsWithoutRendering) {
   // and 86 x 66.
   EXPECT_NE(std::string::npos, outcome.text.find("Frames              1-3, 3 of 60 x 40\n"))
       << outcome.text;
-  EXPECT_NE(std::string::npos, outcome.text.find("Grid                72 x 48 for frames 1\n"));
+  EXPECT_NE(std::string::npos, outcome.text.find("Grid                70 x 48 for frames 1\n"));
   EXPECT_NE(std::string::npos, outcome.text.find("Grid                80 x 56 for frames 2\n"));
   EXPECT_NE(std::string::npos, outcome.text.find("Grid                90 x 72 for frames 3\n"));
   EXPECT_NE(std::string::npos, outcome.text.find("built 3 times for 3 frames"));
