@@ -138,6 +138,21 @@ TEST(FastResidue, ALoadThatFailsLeavesNoApertureToRunWith) {
   }
 }
 
+TEST(FastResidue, ABackendThatCouldNotLoadSaysSo) {
+  const Image mask = lx_test::NoiseImage(20, 14, 1, lx::kSampleU8, 9);
+  const Image larger = lx_test::NoiseImage(40, 14, 1, lx::kSampleU8, 9);
+  lx::Rows rows(nullptr, [](void*, std::int32_t) {});
+  lx::FastBackend backend;
+  ASSERT_EQ(lx::kStatusOk, backend.Load(*mask, lx::PlaceFrame({20, 14}, {40, 28}), &rows));
+  ASSERT_TRUE(backend.IsLoaded());
+  lx_test::HeapFaults faults;
+  faults.RefuseAll();
+
+  EXPECT_EQ(lx::kStatusNoMemory, backend.Load(*larger, lx::PlaceFrame({40, 14}, {80, 28}), &rows));
+
+  EXPECT_FALSE(backend.IsLoaded());
+}
+
 TEST(FastResidue, ALoadThatIsCancelledLeavesNothingForTheNext) {
   const FrameCase c = Polygon(60, 40, 12.0F, 9);
   const Image expected = RenderCase(MakeFastEngine().get(), c);
