@@ -52,9 +52,9 @@ class PixelKernelsOf {
   template <int count>
   using Numbers = Lanes<Form, double, count>;
 
-  LX_ALWAYS_INLINE static const std::uint64_t* At(const PixelRows& rows, std::int32_t row,
-                                                  std::int32_t x) {
-    return reinterpret_cast<const std::uint64_t*>(rows[static_cast<std::size_t>(row)] + 4 * x);
+  LX_ALWAYS_INLINE static std::uint64_t* At(const PixelRows& rows, std::int32_t row,
+                                            std::int32_t x) {
+    return reinterpret_cast<std::uint64_t*>(rows[static_cast<std::size_t>(row)] + 4 * x);
   }
 
   template <int channel, class V, class P>
@@ -128,8 +128,7 @@ class PixelKernelsOf {
       Pixels<count>::Transpose(pixels);
       ForEach<count>([&](auto k) __attribute__((always_inline)) {
         if (l + k < rowCount) {
-          auto* to =
-              reinterpret_cast<std::uint64_t*>(rows[static_cast<std::size_t>(l + k)] + 4 * x);
+          std::uint64_t* to = At(rows, l + k, x);
           if (buffers[3] == nullptr) {
             pixels[k] |= Pixels<count>::Load(to) & (std::uint64_t{0xFFFF} << 48U);
           }
