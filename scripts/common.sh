@@ -67,9 +67,12 @@ build_preset() (
   quietly "$message" cmake --build --preset "$preset" ${1:+--target "$@"}
 )
 
-# run_tests PRESET: all tests of a build; what is told is kept in the build's folder, too. One more
+# run_tests PRESET [OPTION...]: all tests of a build, with more options for CTest; what is told is kept in the build's folder, too. One more
 # at once than there are processors: those of the farm mostly wait.
 run_tests() (
   cd "$root"
-  ctest --preset "$1" --parallel $(($(nproc) + 1)) --progress --output-log "build/$1/tests.log"
+  preset=$1
+  shift
+  ctest --preset "$preset" --parallel $(($(nproc) + 1)) --progress \
+    --output-log "build/$preset/tests.log" "$@"
 )

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -65,7 +64,17 @@ struct GridSides {
   std::int64_t width = 0;
   std::int64_t height = 0;
 
-  auto operator<=>(const GridSides&) const = default;
+  bool operator==(const GridSides&) const = default;
+
+  // By width first: an order for lists.
+  constexpr bool operator<(const GridSides& other) const {
+    return width != other.width ? width < other.width : height < other.height;
+  }
+
+  // Whether neither side is longer.
+  constexpr bool FitsInto(const GridSides& other) const {
+    return width <= other.width && height <= other.height;
+  }
 };
 
 constexpr bool IsAllowedGrid(const GridSides& grid, std::int32_t largest) {

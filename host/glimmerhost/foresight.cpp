@@ -53,7 +53,7 @@ Foresight Foresee(const lx::Footprint& engine, const std::map<std::string, Value
 
 GridStep NextGrid(const lx::Footprint& engine, const lx::GridSides& grid, int width, int height) {
   std::int32_t margin = 0;
-  while (engine.gridFor(width, height, margin + 1) <= grid) {
+  while (engine.gridFor(width, height, margin + 1).FitsInto(grid)) {
     ++margin;
   }
   const lx::GridSides next = engine.gridFor(width, height, margin + 1);

@@ -48,6 +48,9 @@ struct Engines {
   std::string farm;
   std::string module;
 };
+UsageError GivenTwice(const std::string& word, const std::string& before) {
+  return UsageError("--engine " + word + ": given is --engine " + before + " already");
+}
 
 Engines PartEngines(const std::vector<std::string>& words) {
   Engines engines;
@@ -57,7 +60,7 @@ Engines PartEngines(const std::vector<std::string>& words) {
     }
     std::string& kind = IsFarm(word) ? engines.farm : engines.module;
     if (!kind.empty()) {
-      throw UsageError("--engine " + word + ": given is --engine " + kind + " already");
+      throw GivenTwice(word, kind);
     }
     kind = word;
   }
