@@ -67,8 +67,9 @@ build_preset() (
   quietly "$message" cmake --build --preset "$preset" ${1:+--target "$@"}
 )
 
-# run_tests PRESET [OPTION...]: all tests of a build, with more options for CTest; what is told is kept in the build's folder, too. One more
-# at once than there are processors: those of the farm mostly wait.
+# run_tests PRESET [OPTION...]: all tests of a build, with more options for CTest; what is told is kept
+# in the build's folder, too. One more at once than there are processors: those of the farm mostly
+# wait.
 run_tests() (
   cd "$root"
   preset=$1
