@@ -3,9 +3,9 @@
 #include <cstdlib>
 #include <vector>
 
-#include "host/glimmerhost/nearest.h"
 #include "host/pictures/colour_config.h"
 #include "host/support/failure.h"
+#include "host/support/nearest.h"
 #include "host/support/utf8_path.h"
 
 namespace glimmerhost {

@@ -9,17 +9,17 @@
 
 #include "host/glimmerhost/check_command.h"
 #include "host/glimmerhost/command_options.h"
-#include "host/glimmerhost/look_layers.h"
 #include "host/glimmerhost/page_command.h"
-#include "host/glimmerhost/presets.h"
 #include "host/glimmerhost/psf_command.h"
 #include "host/glimmerhost/render_command.h"
 #include "host/glimmerhost/session_command.h"
 #include "host/glimmerhost/submit_command.h"
-#include "host/glimmerhost/text.h"
 #include "host/glimmerhost/typed_arguments.h"
 #include "host/glimmerhost/wisdom_command.h"
+#include "host/looks/look_layers.h"
+#include "host/looks/presets.h"
 #include "host/support/failure.h"
+#include "host/support/text.h"
 
 namespace glimmerhost {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "host/glimmerhost/module_choice.h"
-#include "host/glimmerhost/session_script.h"
+#include "host/module/module_choice.h"
 #include "host/pictures/picture_formats.h"
+#include "host/session/session_script.h"
 
 namespace glimmerhost {
 namespace {

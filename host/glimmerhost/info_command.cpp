@@ -5,9 +5,9 @@
 #include <ostream>
 #include <system_error>
 
-#include "host/glimmerhost/effect_module.h"
-#include "host/glimmerhost/module_choice.h"
-#include "host/glimmerhost/page_file.h"
+#include "host/looks/page_file.h"
+#include "host/module/effect_module.h"
+#include "host/module/module_choice.h"
 
 namespace glimmerhost {
 

@@ -3,11 +3,11 @@
 #include <iostream>
 #include <string>
 
-#include "host/glimmerhost/effect_module.h"
-#include "host/glimmerhost/page_file.h"
-#include "host/glimmerhost/progress.h"
-#include "host/glimmerhost/session_player.h"
+#include "host/looks/page_file.h"
+#include "host/module/effect_module.h"
 #include "host/pictures/picture_file.h"
+#include "host/session/session_player.h"
+#include "host/support/progress.h"
 #include "host/support/utf8_path.h"
 
 namespace glimmerhost {
@@ -20,7 +20,7 @@ void RunPage(const PageOptions& options) {
   Progress progress(!options.quiet);
   {
     const EffectModule module(choice);
-    SessionPlayer player(module, page, options, keptFor, std::cout, &progress);
+    SessionPlayer player(module, page, SessionSettingsOf(options), keptFor, std::cout, &progress);
     player.Load(Utf8Path(options.input));
     player.Draw();
     if (!player.HasHandles()) {

@@ -2,9 +2,9 @@
 
 #include <cmath>
 
-#include "host/glimmerhost/page.h"
 #include "host/support/failure.h"
 #include "host/support/system.h"
+#include "host/support/text.h"
 
 namespace glimmerhost {
 

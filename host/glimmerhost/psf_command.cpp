@@ -9,16 +9,18 @@
 #include <vector>
 
 #include "fftlib/planes/emphasis_curve.h"
-#include "host/glimmerhost/effect_module.h"
-#include "host/glimmerhost/frame_checks.h"
-#include "host/glimmerhost/frame_render.h"
-#include "host/glimmerhost/measures.h"
-#include "host/glimmerhost/page_file.h"
 #include "host/glimmerhost/processors.h"
-#include "host/glimmerhost/progress.h"
-#include "host/glimmerhost/shot_values.h"
+#include "host/looks/keyframed_values.h"
+#include "host/looks/page_file.h"
+#include "host/looks/units.h"
+#include "host/module/effect_module.h"
+#include "host/module/frame_checks.h"
+#include "host/module/frame_renderer.h"
+#include "host/module/second_clip.h"
 #include "host/pictures/picture_file.h"
 #include "host/support/failure.h"
+#include "host/support/progress.h"
+#include "host/support/text.h"
 #include "host/support/utf8_path.h"
 
 namespace glimmerhost {

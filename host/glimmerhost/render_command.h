@@ -6,7 +6,7 @@
 
 #include "host/glimmerhost/colour_options.h"
 #include "host/glimmerhost/run_options.h"
-#include "host/glimmerhost/shot_render.h"
+#include "host/render/shot_render.h"
 
 namespace glimmerhost {
 

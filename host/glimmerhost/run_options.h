@@ -3,7 +3,8 @@
 
 #include <string>
 
-#include "host/glimmerhost/look.h"
+#include "host/looks/look.h"
+#include "host/session/session_player.h"
 
 namespace glimmerhost {
 
@@ -16,5 +17,8 @@ struct RunOptions : Look {
   std::string engine;  // its name; empty for the default
   std::string module;  // a module file, in the place of an engine; empty for none
 };
+
+// What they say of a session.
+SessionSettings SessionSettingsOf(const RunOptions& options);
 
 }  // namespace glimmerhost

@@ -4,15 +4,15 @@
 #include <string>
 #include <vector>
 
-#include "host/glimmerhost/effect_module.h"
-#include "host/glimmerhost/page_file.h"
 #include "host/glimmerhost/processors.h"
-#include "host/glimmerhost/progress.h"
-#include "host/glimmerhost/session_player.h"
-#include "host/glimmerhost/session_script.h"
-#include "host/glimmerhost/trace.h"
+#include "host/looks/page_file.h"
+#include "host/module/effect_module.h"
+#include "host/module/trace/trace.h"
 #include "host/pictures/picture_file.h"
+#include "host/session/session_player.h"
+#include "host/session/session_script.h"
 #include "host/support/failure.h"
+#include "host/support/progress.h"
 #include "host/support/utf8_path.h"
 
 namespace glimmerhost {
@@ -42,7 +42,7 @@ void RunSession(const SessionOptions& options, std::ostream& out) {
   Trace* const wanted = options.trace ? &trace : nullptr;
   {
     const EffectModule module(choice, wanted);
-    SessionPlayer player(module, page, options, keptFor, out, &progress);
+    SessionPlayer player(module, page, SessionSettingsOf(options), keptFor, out, &progress);
     for (const SessionStep& step : script.steps) {
       if (wanted != nullptr) {
         trace.Step(step.place + ": " + step.text);

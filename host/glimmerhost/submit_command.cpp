@@ -10,17 +10,17 @@
 #include <string_view>
 #include <system_error>
 
+#include "host/farm/chunk_report.h"
 #include "host/farm/farm_engine.h"
 #include "host/farm/farm_job.h"
-#include "host/glimmerhost/chunk_report.h"
-#include "host/glimmerhost/explain.h"
-#include "host/glimmerhost/look_layers.h"
-#include "host/glimmerhost/module_choice.h"
-#include "host/glimmerhost/page_file.h"
-#include "host/glimmerhost/parameter_file.h"
-#include "host/glimmerhost/shot_foresight.h"
-#include "host/glimmerhost/shot_report.h"
+#include "host/looks/look_layers.h"
+#include "host/looks/page_file.h"
+#include "host/looks/parameter_file.h"
+#include "host/module/module_choice.h"
 #include "host/pictures/picture_file.h"
+#include "host/render/explain.h"
+#include "host/render/shot_foresight.h"
+#include "host/render/shot_report.h"
 #include "host/shots/file_sequence.h"
 #include "host/shots/frame_list.h"
 #include "host/shots/shot_plan.h"
@@ -195,8 +195,8 @@ std::optional<ShotForesight> Foreseen(const lx::Footprint& engine, const Page& p
                                       const ShotSettings& settings, const ShotPlan& plan) {
   try {
     const Picture picture = FirstPicture(plan);
-    const ShotValues values(page, settings.layers, picture.width, picture.height,
-                            {plan.lowest, plan.highest});
+    const KeyframedValues values(page, settings.layers, picture.width, picture.height,
+                                 {plan.lowest, plan.highest});
     return ForeseeShot(engine, values, plan, picture);
   } catch (const MissingInput&) {
     return std::nullopt;

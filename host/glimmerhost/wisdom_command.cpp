@@ -12,15 +12,15 @@
 
 #include "baselib/platform/platform.h"
 #include "baselib/utils/directories.h"
-#include "host/glimmerhost/effect_module.h"
-#include "host/glimmerhost/frame_render.h"
-#include "host/glimmerhost/page_file.h"
 #include "host/glimmerhost/processors.h"
-#include "host/glimmerhost/progress.h"
-#include "host/glimmerhost/render_settings.h"
-#include "host/glimmerhost/shot_values.h"
+#include "host/looks/keyframed_values.h"
+#include "host/looks/page_file.h"
+#include "host/looks/render_settings.h"
+#include "host/module/effect_module.h"
+#include "host/module/frame_renderer.h"
 #include "host/pictures/picture.h"
 #include "host/support/failure.h"
+#include "host/support/progress.h"
 #include "host/support/system.h"
 
 namespace glimmerhost {

@@ -5,7 +5,7 @@
 
 #include "host/pictures/channels.h"
 #include "host/pictures/plugged_formats.h"
-#include "host/pictures/png_tiff_formats.h"
+#include "host/pictures/png_tiff/png_tiff_formats.h"
 
 namespace glimmerhost {
 namespace {

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "host/looks/keyframes.h"
 #include "host/shots/file_conflicts.h"
 
 namespace glimmerhost {
@@ -42,6 +43,11 @@ struct ShotPlan {
   // nobody knows when. There are no files then.
   std::function<FrameFiles(int frame)> filesOf;
 };
+
+// What times of the shot's keyframes count from.
+inline ShotSpan SpanOf(const ShotPlan& plan) {
+  return {plan.lowest, plan.highest, static_cast<bool>(plan.filesOf)};
+}
 
 // Input and output may be kPipe. Throws UsageError for names and lists that do not go together, and
 // for files that would be lost to one another; Failure where the input's folder has no frames.

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/glimmerhost/parameter_file.h"
+#include "host/looks/parameter_file.h"
 #include "host/support/failure.h"
 #include "tests/mutations/mutator.h"
 #include "tests/mutations/program_run.h"

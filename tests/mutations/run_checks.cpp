@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "host/glimmerhost/parameter_file.h"
+#include "host/looks/parameter_file.h"
 #include "host/pictures/picture_file.h"
 #include "host/support/failure.h"
 #include "tests/support/sanitizer.h"

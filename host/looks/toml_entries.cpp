@@ -1,0 +1,90 @@
+#include <cstddef>
+#include <cstdint>
+
+#include "host/looks/parameter_entries.h"
+#include "host/looks/toml_library.h"
+#include "host/support/failure.h"
+#include "host/support/text.h"
+
+namespace glimmerhost {
+namespace {
+
+// Steps over a string, a comment or a single character of TOML, from its first character. What is
+// open at the end of its line, or of the text, ends there.
+std::size_t StepOver(std::string_view text, std::size_t at) {
+  const char first = text[at];
+  if (first == '#') {
+    return text.find('\n', at);
+  }
+  if (first != '"' && first != '\'') {
+    return at + 1;
+  }
+  const std::string_view rest = text.substr(at);
+  const bool manyLines = rest.starts_with("\"\"\"") || rest.starts_with("'''");
+  const std::string_view end = rest.substr(0, manyLines ? 3 : 1);
+  for (std::size_t i = at + end.size(); i < text.size(); ++i) {
+    if (text.substr(i).starts_with(end) || (text[i] == '\n' && !manyLines)) {
+      return i + end.size();
+    }
+    if (text[i] == '\\' && first == '"') {
+      ++i;
+    }
+  }
+  return std::string_view::npos;
+}
+
+// Each dot of a name opens a table in the one before, and the library takes tables apart by one
+// call in another. No parameter has a dot in its name; a number has one.
+bool HasDotsWithoutEnd(std::string_view text) {
+  constexpr int kMany = 500;
+  int dots = 0;
+  for (std::size_t at = 0; at < text.size(); at = StepOver(text, at)) {
+    dots += text[at] == '.' ? 1 : 0;
+  }
+  return dots > kMany;
+}
+
+std::string Place(const std::string& file, const toml::source_region& region) {
+  std::string place = file;
+  if (region.begin.line != 0) {
+    place += ':';
+    place += std::to_string(region.begin.line);
+  }
+  return place;
+}
+
+ParameterEntry Entry(const std::string& file, std::string_view name, const toml::node& node) {
+  ParameterEntry entry{Place(file, node.source()) + ": ", std::string(name), {}};
+  if (const auto text = node.value_exact<std::string>()) {
+    entry.text = *text;
+  } else if (const auto on = node.value_exact<bool>()) {
+    entry.text = *on ? "on" : "off";
+  } else if (const auto whole = node.value_exact<std::int64_t>()) {
+    entry.text = std::to_string(*whole);
+    entry.wholeNumber = true;
+  } else if (const auto number = node.value_exact<double>()) {
+    entry.text = Shortest(*number);
+  } else {
+    throw UsageError(entry.place + OneLine(name) + kAllowedValues);
+  }
+  return entry;
+}
+
+}  // namespace
+
+std::vector<ParameterEntry> TomlEntries(const std::string& file, std::string_view text) {
+  if (HasDotsWithoutEnd(text)) {
+    throw Failure(file + kUnreadable + "its names have dots without end");
+  }
+  try {
+    std::vector<ParameterEntry> entries;
+    for (const auto& [name, node] : toml::parse(text, std::string_view(file))) {
+      entries.push_back(Entry(file, name.str(), node));
+    }
+    return entries;
+  } catch (const toml::parse_error& fault) {
+    throw Failure(Place(file, fault.source()) + kUnreadable + OneLine(fault.description()));
+  }
+}
+
+}  // namespace glimmerhost

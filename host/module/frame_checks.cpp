@@ -1,0 +1,139 @@
+#include "host/module/frame_checks.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+#include "host/looks/foresight.h"
+#include "host/support/failure.h"
+#include "host/support/system.h"
+#include "host/support/text.h"
+
+namespace glimmerhost {
+namespace {
+
+constexpr int kImageShape = 3;
+constexpr std::uint64_t kMebibyte = 1024 * 1024;
+
+struct Samples {
+  const std::uint16_t* first;
+  int width;
+  int height;
+
+  const std::uint16_t* At(int x, int y) const {
+    return first + (static_cast<std::ptrdiff_t>(y) * width + x) * 4;
+  }
+};
+
+Samples SamplesOf(FrameImage* frame) {
+  const quantel::cSize2 size = frame->size();
+  return {frame->buffer(), size.first, size.second};
+}
+
+// In with its upper 15 bits, and out with the top one in the place of the sixteenth.
+std::uint16_t ThroughBorder(std::uint16_t sample) {
+  const unsigned inside = sample >> 1U;
+  return static_cast<std::uint16_t>((inside >> 14U) | (inside << 1U));
+}
+
+bool IsCopy(const Samples& source, const Samples& result) {
+  const std::size_t count =
+      static_cast<std::size_t>(source.width) * static_cast<std::size_t>(source.height) * 4;
+  for (std::size_t i = 0; i < count; ++i) {
+    if (i % 4 != 3 && ThroughBorder(source.first[i]) != result.first[i]) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool Differ(const std::uint16_t* a, const std::uint16_t* b) {
+  // Less might be lost where samples are rounded.
+  constexpr int kClear = 64;
+  for (int c = 0; c < 3; ++c) {
+    if (std::abs(a[c] - b[c]) > kClear) {
+      return true;
+    }
+  }
+  return false;
+}
+
+bool HasEdges(const Samples& picture) {
+  for (int y = 0; y < picture.height; ++y) {
+    for (int x = 0; x < picture.width; ++x) {
+      if ((x > 0 && Differ(picture.At(x, y), picture.At(x - 1, y))) ||
+          (y > 0 && Differ(picture.At(x, y), picture.At(x, y - 1)))) {
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
+// Whether more than one pixel of the disc is lit, half way out on its soft edge.
+bool IsLitDisc(const std::map<std::string, Value>& values, const Samples& picture) {
+  const auto number = [&](const char* key) { return std::get<double>(values.at(key)); };
+  const double middleX = number("PRM_Center_X") * picture.width;
+  const double middleY = (1.0 - number("PRM_Center_Y")) * picture.height;
+  const double radius =
+      0.25 * picture.width * (number("PRM_RadiusPSF1") + number("PRM_RadiusPSF2"));
+  constexpr std::uint16_t kLit = 8192;
+  int lit = 0;
+  for (int y = 0; y < picture.height; ++y) {
+    for (int x = 0; x < picture.width; ++x) {
+      const std::uint16_t* pixel = picture.At(x, y);
+      const std::uint16_t brightest = std::max({pixel[0], pixel[1], pixel[2]});
+      const bool inside = std::hypot(x + 0.5 - middleX, y + 0.5 - middleY) < radius;
+      lit += inside && brightest > kLit ? 1 : 0;
+    }
+  }
+  return lit > 1;
+}
+
+}  // namespace
+
+void CheckGrid(const lx::Footprint& engine, const std::map<std::string, Value>& values, int width,
+               int height, std::uint64_t held) {
+  const Foresight foresight = Foresee(engine, values, width, height);
+  if (foresight.grid == lx::GridSides{}) {
+    throw Failure("a picture of " + std::to_string(width) + " x " + std::to_string(height) +
+                  " with a radius of " + Shortest(std::round(foresight.radius * 10.0) / 10.0) +
+                  " pixels is too large: the longer side and twice the radius, rounded up and "
+                  "one more, may come to " +
+                  std::to_string(engine.largestSide) + " pixels at most");
+  }
+  const std::uint64_t available = AvailableMemory();
+  if (available != 0 && foresight.effectBytes > available + held) {
+    throw Failure("a picture of " + std::to_string(width) + " x " + std::to_string(height) +
+                  " needs " + std::to_string(foresight.effectBytes / kMebibyte) +
+                  " MiB for the effect, and this machine has " +
+                  std::to_string(available / kMebibyte) + " MiB left");
+  }
+}
+
+// The inverse curve turns what rounding leaves of a black area into light: half a 16-bit step at an
+// emphasis of 80, a hundred at 100. The engine fast keeps what is bright apart from what is dark.
+bool ShowsNoise(const lx::Footprint& engine, double emphasis) {
+  constexpr double kQuiet = 75.0;
+  return emphasis > kQuiet && engine.name != lx::FastFootprint::kName;
+}
+
+void CheckRendered(const FrameInput& input, FrameImage* result) {
+  const Samples source = SamplesOf(input.source.Object());
+  if (!IsCopy(source, SamplesOf(result)) || ApertureRadius(input.values, source.width) <= 1.0 ||
+      !HasEdges(source)) {
+    return;
+  }
+  const bool ofPicture = input.values.at("PRM_Shape") == Value(kImageShape);
+  const Samples aperture = input.spread ? SamplesOf(input.spread.Object()) : source;
+  if (ofPicture && !IsLitDisc(input.values, aperture)) {
+    return;
+  }
+  throw Failure(
+      "the effect gave the frame back as it was, though its aperture is larger than a "
+      "pixel: it could not work on it");
+}
+
+}  // namespace glimmerhost

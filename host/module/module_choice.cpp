@@ -1,0 +1,99 @@
+#include "host/module/module_choice.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+#include "host/support/failure.h"
+#include "host/support/system.h"
+#include "host/support/utf8_path.h"
+
+namespace glimmerhost {
+namespace {
+
+namespace fs = std::filesystem;
+
+const lx::Footprint& Exact() { return *lx::FindFootprint("exact"); }
+
+// The engine whose marker stands in some bytes, or null.
+const lx::Footprint* EngineIn(std::string_view bytes) {
+  for (const lx::Footprint& engine : lx::kFootprints) {
+    std::string marker(lx::kEngineMarker);
+    marker.append(engine.name).push_back('\0');
+    if (bytes.find(marker) != std::string_view::npos) {
+      return &engine;
+    }
+  }
+  return nullptr;
+}
+
+// Every command looks through its module, and one of a sanitizer's build has 50 MiB: byte by byte
+// that would take a second, and in one piece most of a tenth.
+constexpr std::size_t kBlock = 0x10000;
+
+// More than the longest marker, as one may begin in a block and end in the next.
+constexpr std::size_t kOverlap = 64;
+
+}  // namespace
+
+void CheckModuleOptions(const std::string& engine, const std::string& module) {
+  if (!engine.empty() && lx::FindFootprint(engine) == nullptr) {
+    throw UsageError("--engine " + engine + ": allowed is " + EngineNames());
+  }
+  if (!engine.empty() && !module.empty()) {
+    throw UsageError("--engine " + engine + " and --module " + module +
+                     ": allowed is one of them, as a module file has its own engine");
+  }
+}
+
+ModuleChoice ChooseModule(const std::string& engine, const std::string& module) {
+  CheckModuleOptions(engine, module);
+  const fs::path file =
+      module.empty() ? ModuleFileOf(*lx::FindFootprint(engine.empty() ? kDefaultEngine : engine))
+                     : Utf8Path(module);
+  std::error_code error;
+  if (!fs::exists(file, error)) {
+    throw Failure(file.string() + ": there is no such module file");
+  }
+  return {file, &EngineOfFile(file)};
+}
+
+// Exact's stands in the modules' own folder, where every host looks; others in folders inside it.
+fs::path ModuleFileOf(const lx::Footprint& engine) {
+  const fs::path folder = ProgramFolder() / GLIMMERHOST_MODULE_FOLDER;
+  return (&engine == &Exact() ? folder / GLIMMERHOST_MODULE
+                              : folder / engine.name / GLIMMERHOST_MODULE)
+      .lexically_normal();
+}
+
+const lx::Footprint& EngineOfFile(const fs::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  std::string bytes(kOverlap + kBlock, '\0');
+  std::size_t kept = 0;
+  while (in) {
+    in.read(&bytes[kept], kBlock);
+    const std::size_t filled = kept + static_cast<std::size_t>(in.gcount());
+    if (const lx::Footprint* engine = EngineIn({bytes.data(), filled})) {
+      return *engine;
+    }
+    kept = std::min(filled, kOverlap);
+    std::copy_n(bytes.data() + filled - kept, kept, bytes.data());
+  }
+  return Exact();
+}
+
+std::string EngineNames() {
+  std::string names;
+  for (const lx::Footprint& engine : lx::kFootprints) {
+    if (!names.empty()) {
+      names += &engine == &lx::kFootprints.back() ? " or " : ", ";
+    }
+    names += engine.name;
+  }
+  return names;
+}
+
+}  // namespace glimmerhost

@@ -1,0 +1,64 @@
+#include "host/pictures/alpha.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "host/support/failure.h"
+
+namespace glimmerhost {
+namespace {
+
+using Operation = std::uint16_t (*)(std::uint16_t, std::uint16_t);
+
+void ForColours(Picture* picture, Operation operation) {
+  for (std::size_t i = 0; i + 3 < picture->samples.size(); i += 4) {
+    std::uint16_t* pixel = picture->samples.data() + i;
+    for (int c = 0; c < 3; ++c) {
+      pixel[c] = operation(pixel[c], pixel[3]);
+    }
+  }
+}
+
+}  // namespace
+
+std::uint16_t Multiplied(std::uint16_t colour, std::uint16_t alpha) {
+  const std::uint32_t product = std::uint32_t{colour} * alpha;
+  return static_cast<std::uint16_t>((std::uint64_t{product} + 32767) / 65535);
+}
+
+std::uint16_t Divided(std::uint16_t colour, std::uint16_t alpha) {
+  if (alpha == 0) {
+    return 0;
+  }
+  const std::uint64_t quotient = (std::uint64_t{colour} * 65535 + alpha / 2U) / alpha;
+  return static_cast<std::uint16_t>(std::min<std::uint64_t>(quotient, 65535));
+}
+
+bool ParsePremultiplied(const std::string& name, const std::string& text) {
+  if (text == "premultiplied" || text == "as-is") {
+    return text == "premultiplied";
+  }
+  throw UsageError(name + " " + text + ": allowed is premultiplied or as-is");
+}
+
+void Premultiply(Picture* picture) {
+  if (picture->alpha == Alpha::kStraight) {
+    ForColours(picture, Multiplied);
+    picture->alpha = Alpha::kPremultiplied;
+  }
+}
+
+void Unpremultiply(Picture* picture) {
+  if (picture->alpha == Alpha::kPremultiplied) {
+    ForColours(picture, Divided);
+    picture->alpha = Alpha::kStraight;
+  }
+}
+
+void SettleAlpha(const OutputFormat& format, Alpha before, Picture* picture) {
+  if (format.straightOnly || (before == Alpha::kStraight && !format.premultipliedOnly)) {
+    Unpremultiply(picture);
+  }
+}
+
+}  // namespace glimmerhost

@@ -1,0 +1,112 @@
+#include "host/pictures/openimageio/opencolorio_config.h"
+
+#include <OpenColorIO/OpenColorIO.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <system_error>
+#include <utility>
+
+#include "host/support/failure.h"
+
+namespace glimmerhost {
+namespace {
+
+namespace fs = std::filesystem;
+namespace ocio = OCIO_NAMESPACE;
+
+constexpr const char* kWorking = "scene_linear";
+
+[[noreturn]] void Fail(const fs::path& file, std::string why) {
+  std::replace(why.begin(), why.end(), '\n', ' ');
+  throw Failure(file.string() + ": " + why);
+}
+
+class Transform final : public ColourTransform {
+ public:
+  explicit Transform(ocio::ConstCPUProcessorRcPtr processor) : processor_(std::move(processor)) {}
+
+  void Apply(std::vector<float>* colours) const override {
+    const auto count = static_cast<long>(colours->size() / 3);
+    if (count > 0) {
+      ocio::PackedImageDesc image(colours->data(), count, 1, 3);
+      processor_->apply(image);
+    }
+  }
+
+ private:
+  ocio::ConstCPUProcessorRcPtr processor_;
+};
+
+class Config final : public ColourConfig {
+ public:
+  Config(fs::path file, ocio::ConstConfigRcPtr config)
+      : file_(std::move(file)), config_(std::move(config)) {}
+
+  std::vector<std::string> Names() const override {
+    std::vector<std::string> names;
+    names.reserve(static_cast<std::size_t>(config_->getNumColorSpaces()) +
+                  static_cast<std::size_t>(config_->getNumRoles()));
+    for (int i = 0; i < config_->getNumColorSpaces(); ++i) {
+      names.emplace_back(config_->getColorSpaceNameByIndex(i));
+    }
+    for (int i = 0; i < config_->getNumRoles(); ++i) {
+      names.emplace_back(config_->getRoleName(i));
+    }
+    return names;
+  }
+
+  bool Knows(const std::string& name) const override {
+    return config_->getColorSpace(name.c_str()) != nullptr;
+  }
+
+  std::shared_ptr<const ColourPath> Path(const std::string& in,
+                                         const std::string& out) const override {
+    if (!config_->hasRole(kWorking)) {
+      Fail(file_, std::string("the configuration has no role ") + kWorking +
+                      ", which the effect works in");
+    }
+    auto path = std::make_shared<ColourPath>();
+    path->in = Between(in, kWorking);
+    path->out = Between(kWorking, out);
+    path->sameSpace = NameOf(in) == NameOf(out);
+    return path;
+  }
+
+ private:
+  std::string NameOf(const std::string& name) const {
+    return config_->getColorSpace(name.c_str())->getName();
+  }
+
+  std::shared_ptr<const ColourTransform> Between(const std::string& from,
+                                                 const std::string& to) const {
+    try {
+      const ocio::ConstProcessorRcPtr processor = config_->getProcessor(from.c_str(), to.c_str());
+      return processor->isNoOp() ? nullptr
+                                 : std::make_shared<Transform>(processor->getDefaultCPUProcessor());
+    } catch (const ocio::Exception& fault) {
+      Fail(file_, fault.what());
+    }
+  }
+
+  fs::path file_;
+  ocio::ConstConfigRcPtr config_;
+};
+
+}  // namespace
+
+std::unique_ptr<const ColourConfig> LoadOpenColorIoConfig(const fs::path& file) {
+  std::error_code error;
+  if (!fs::exists(file, error)) {
+    throw MissingInput(file.string() + ": there is no such file");
+  }
+  // What there is to say, the library also throws.
+  ocio::SetLoggingLevel(ocio::LOGGING_LEVEL_NONE);
+  try {
+    return std::make_unique<Config>(file, ocio::Config::CreateFromFile(file.c_str()));
+  } catch (const ocio::Exception& fault) {
+    Fail(file, std::string("it is no colour configuration that can be read: ") + fault.what());
+  }
+}
+
+}  // namespace glimmerhost

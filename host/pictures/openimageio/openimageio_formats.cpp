@@ -1,0 +1,181 @@
+#include "host/pictures/openimageio/openimageio_formats.h"
+
+#include <OpenImageIO/imageio.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/pictures/channels.h"
+#include "host/pictures/float_samples.h"
+#include "host/pictures/openimageio/managed_samples.h"
+#include "host/pictures/openimageio/openimageio_channels.h"
+#include "host/pictures/openimageio/openimageio_metadata.h"
+#include "host/pictures/openimageio/openimageio_output.h"
+#include "host/pictures/pixel_aspect.h"
+#include "host/pictures/reader_guard.h"
+#include "host/support/failure.h"
+
+namespace glimmerhost {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kStraightAttribute = "oiio:UnassociatedAlpha";
+
+std::unique_ptr<OIIO::ImageInput> OpenInput(const fs::path& file) {
+  CheckDpxHeader(file);
+  OIIO::ImageSpec config;
+  config.attribute(kStraightAttribute, 1);
+  std::unique_ptr<OIIO::ImageInput> input = OIIO::ImageInput::open(file.string(), &config);
+  if (!input) {
+    ReadFailure(file, OIIO::geterror());
+  }
+  const OIIO::ImageSpec& spec = input->spec();
+  CheckSides(file, spec.width, spec.height);
+  if (spec.depth > 1 || spec.nchannels < 1) {
+    ReadFailure(file, "it holds no flat picture");
+  }
+  // The file's samples, and beside them the picture's.
+  const std::uint64_t sample = spec.format.is_floating_point() ? 4 : 2;
+  CheckMemoryFor(file, spec.width, spec.height,
+                 sample * static_cast<std::uint64_t>(spec.nchannels) + 8);
+  return input;
+}
+
+void ReadSamples(const fs::path& file, OIIO::TypeDesc type, void* to, OIIO::ImageInput* input) {
+  const bool read = input->read_image(0, 0, 0, input->spec().nchannels, type, to);
+  // Some readers fill up what is missing and only leave a word about it.
+  const std::string trouble = input->geterror();
+  if (!read || !trouble.empty()) {
+    ReadFailure(file, "it is cut short or broken: " + trouble);
+  }
+}
+
+// For a file of whole numbers.
+std::vector<std::uint16_t> ManagedWords(const Picture& picture, bool withAlpha,
+                                        const OutputFormat& format, std::vector<NotCarried>* lost) {
+  std::uint64_t cut = 0;
+  std::vector<std::uint16_t> words = CutToWords(ManagedFloats(picture, withAlpha), &cut);
+  if (cut > 0 && lost != nullptr) {
+    const std::string samples = "outside 0 to 1 in the output's colour space";
+    lost->push_back(
+        {"samples " + samples, std::to_string(cut) + (cut == 1 ? " sample " : " samples ") +
+                                   samples + (cut == 1 ? " is" : " are") + " cut to that range: " +
+                                   FormatLabel(format.name) + " has no place beyond"});
+  }
+  return words;
+}
+
+// What the library would choose otherwise than a shot wants it.
+void SetCoding(OIIO::ImageSpec* spec) {
+  // The time of writing: the same frame would give other bytes each time. Empty, none is written.
+  constexpr const char* kDate = "DateTime";
+  if (spec->find_attribute(kDate) == nullptr) {
+    spec->attribute(kDate, "");
+  }
+  spec->attribute("tiff:zipquality", kFastDeflate);
+  spec->attribute("png:compressionLevel", kFastDeflate);
+}
+
+}  // namespace
+
+std::optional<OutputFormat> OpenImageIoFormatOf(const fs::path& file) {
+  const std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(file.string());
+  if (!output) {
+    (void)OIIO::geterror();
+    return std::nullopt;
+  }
+  const std::string name = output->format_name();
+  // One writes nothing, the other onto the terminal.
+  if (name == "null" || name == "term") {
+    return std::nullopt;
+  }
+  return OutputFormat{name,
+                      output->supports("alpha") != 0,
+                      name == "png",
+                      name == "openexr",
+                      name == "openexr" || name == "hdr",
+                      false};
+}
+
+Picture ReadByOpenImageIo(const fs::path& file, const ReadOptions& options, ReadReport* report) {
+  const std::unique_ptr<OIIO::ImageInput> input = OpenInput(file);
+  const OIIO::ImageSpec spec = input->spec();
+  const ChannelMap map = MapChannels(file, input->format_name(), spec);
+  Picture picture;
+  picture.width = spec.width;
+  picture.height = spec.height;
+  picture.grey = map.grey;
+  picture.bits = spec.format == OIIO::TypeDesc::UINT8 ? 8 : 16;
+  picture.alpha = map.alpha < 0                                        ? Alpha::kNone
+                  : spec.get_int_attribute(kStraightAttribute, 0) != 0 ? Alpha::kStraight
+                                                                       : Alpha::kPremultiplied;
+  picture.pixelAspect = NearestRatio(spec.get_float_attribute("PixelAspectRatio", 1.0F));
+  picture.attributes = KeepAttributes(input->format_name(), spec);
+
+  const std::size_t count = picture.PixelCount() * static_cast<std::size_t>(spec.nchannels);
+  if (options.colours || spec.format.is_floating_point()) {
+    std::vector<float> values(count);
+    ReadSamples(file, OIIO::TypeDesc::FLOAT, values.data(), input.get());
+    if (options.colours) {
+      SpreadManaged(file, values, spec.nchannels, map, options, &picture, report);
+    } else {
+      SpreadFloats(file, values, spec.nchannels, map, options.range, &picture, report);
+    }
+  } else {
+    std::vector<std::uint16_t> samples(count);
+    ReadSamples(file, OIIO::TypeDesc::UINT16, samples.data(), input.get());
+    SpreadChannels(samples, spec.nchannels, map, &picture);
+  }
+  for (const auto& left : {ChannelsLeft(map, spec), PartsLeft(input.get())}) {
+    if (left) {
+      report->notCarried.push_back(*left);
+    }
+  }
+  return picture;
+}
+
+void WriteByOpenImageIo(const OutputFile& file, FileBytes* bytes, const OutputFormat& format,
+                        const Picture& picture, int bits, std::vector<NotCarried>* lost) {
+  std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(file.name);
+  const bool withAlpha = picture.alpha != Alpha::kNone && format.holdsAlpha;
+  const int channels = (picture.grey ? 1 : 3) + (withAlpha ? 1 : 0);
+  const OIIO::TypeDesc type = format.name == "openexr" ? OIIO::TypeDesc::HALF
+                              : bits == 8              ? OIIO::TypeDesc::UINT8
+                                                       : OIIO::TypeDesc::UINT16;
+  OIIO::ImageSpec spec(picture.width, picture.height, channels, type);
+  SetMetadata(picture, format.name, bits, &spec);
+  SetCoding(&spec);
+  // Also for samples that the format would hold otherwise: the library must not convert
+  // what is already as it was asked for.
+  if (withAlpha && (picture.alpha == Alpha::kStraight || format.straightOnly)) {
+    spec.attribute(kStraightAttribute, 1);
+  }
+  if (format.holdsFloats) {
+    const std::vector<float> values =
+        picture.colours ? ManagedFloats(picture, withAlpha)
+                        : ToFloats(GatherChannels(picture, channels), channels, picture.range);
+    WriteWhole(file.name, bytes, spec, OIIO::TypeDesc::FLOAT, values.data(), std::move(output));
+  } else {
+    const std::vector<std::uint16_t> samples = picture.colours
+                                                   ? ManagedWords(picture, withAlpha, format, lost)
+                                                   : GatherChannels(picture, channels);
+    if (type == OIIO::TypeDesc::UINT8) {
+      WriteWhole(file.name, bytes, spec, type, ToBytes(samples).data(), std::move(output));
+    } else {
+      WriteWhole(file.name, bytes, spec, type, samples.data(), std::move(output));
+    }
+  }
+  if (lost != nullptr) {
+    const std::vector<NotCarried> found = MetadataLost(picture, format.name, bits, file.file);
+    lost->insert(lost->end(), found.begin(), found.end());
+  }
+}
+
+}  // namespace glimmerhost

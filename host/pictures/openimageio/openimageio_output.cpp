@@ -1,0 +1,122 @@
+#include "host/pictures/openimageio/openimageio_output.h"
+
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "host/pictures/openimageio/file_proxy.h"
+#include "host/support/failure.h"
+
+namespace glimmerhost {
+namespace {
+
+using Output = std::unique_ptr<OIIO::ImageOutput>;
+
+constexpr const char* kNotTaken = "the system does not take all of it";
+
+// A reason that may have come as several lines.
+[[noreturn]] void WriteFailure(std::string why) {
+  std::replace(why.begin(), why.end(), '\n', ' ');
+  throw Failure(why);
+}
+
+// Also the end of the output, which after a failure may write on.
+void WriteTo(const std::string& name, const OIIO::ImageSpec& spec, OIIO::TypeDesc type,
+             const void* samples, Output output) {
+  if (!output->open(name, spec) || !output->write_image(type, samples) || !output->close()) {
+    WriteFailure(output->geterror());
+  }
+}
+
+// A file without a place on a disk.
+class MemoryFile {
+ public:
+  MemoryFile() : file_(memfd_create("picture", MFD_CLOEXEC)) {
+    if (file_ < 0) {
+      throw Failure("there is not enough memory");
+    }
+  }
+  ~MemoryFile() { close(file_); }
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
+
+  std::string Name() const { return "/proc/self/fd/" + std::to_string(file_); }
+
+  // A limit on the size of files, which a full disk is not, holds for it too, and writers overlook
+  // that they met it. One that writes in blocks may have stopped a block before: that is not seen.
+  bool IsAtLimit() const {
+    rlimit limit{};
+    return getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY &&
+           static_cast<rlim_t>(lseek(file_, 0, SEEK_END)) >= limit.rlim_cur;
+  }
+
+  // False if not all of it gets there.
+  bool CopyTo(FileBytes* to) const {
+    std::array<char, 65536> buffer{};
+    lseek(file_, 0, SEEK_SET);
+    for (;;) {
+      const ssize_t got = read(file_, buffer.data(), buffer.size());
+      if (got <= 0) {
+        return got == 0;
+      }
+      const auto count = static_cast<std::size_t>(got);
+      if (to->Write(buffer.data(), count) != count) {
+        return false;
+      }
+    }
+  }
+
+ private:
+  int file_;
+};
+
+// TIFF cannot be written to a file that is handed over, although the library says so: it reads
+// the file again where there is an EXIF directory, and leaves that as the picture's.
+bool TakesFile(const OIIO::ImageOutput& output) {
+  return output.supports("ioproxy") != 0 && std::string_view(output.format_name()) != "tiff";
+}
+
+// For formats whose writers open a file themselves: into memory, which says when it is full.
+void WriteByMemory(FileBytes* bytes, const OIIO::ImageSpec& spec, OIIO::TypeDesc type,
+                   const void* samples, Output output) {
+  const MemoryFile memory;
+  WriteTo(memory.Name(), spec, type, samples, std::move(output));
+  const bool copied = !memory.IsAtLimit() && memory.CopyTo(bytes);
+  if (!bytes->Close() || !copied) {
+    throw Failure(kNotTaken);
+  }
+}
+
+}  // namespace
+
+void WriteWhole(const std::string& name, FileBytes* bytes, const OIIO::ImageSpec& spec,
+                OIIO::TypeDesc type, const void* samples, Output output) {
+  if (!TakesFile(*output)) {
+    WriteByMemory(bytes, spec, type, samples, std::move(output));
+    return;
+  }
+  FileProxy proxy(name, bytes);
+  output->set_ioproxy(&proxy);
+  std::string trouble;
+  try {
+    WriteTo(name, spec, type, samples, std::move(output));
+  } catch (const Failure& fault) {
+    trouble = fault.what();
+  }
+  // What the library says of it is long, and names the file otherwise than a person knows it.
+  if (!proxy.Finish()) {
+    throw Failure(kNotTaken);
+  }
+  if (!trouble.empty()) {
+    throw Failure(trouble);
+  }
+}
+
+}  // namespace glimmerhost

@@ -1,0 +1,79 @@
+// The plug-in's one exported name.
+#include <exception>
+#include <new>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "host/pictures/openimageio/opencolorio_config.h"
+#include "host/pictures/openimageio/openimageio_formats.h"
+#include "host/pictures/picture_plugin.h"
+#include "host/support/failure.h"
+#include "hostframe/interfaces/visibility.h"
+
+namespace glimmerhost {
+namespace {
+
+// Runs the work, and says how it ended.
+template <class Work>
+PluginOutcome Outcome(const Work& work) {
+  try {
+    work();
+    return {};
+  } catch (const MissingInput& fault) {
+    return {PluginOutcome::Kind::kMissingInput, fault.what()};
+  } catch (const std::bad_alloc&) {
+    return {PluginOutcome::Kind::kNoMemory, {}};
+  } catch (const std::exception& fault) {
+    return {PluginOutcome::Kind::kFailure, fault.what()};
+  }
+}
+
+class Colours final : public PluginColours {
+ public:
+  explicit Colours(std::unique_ptr<const ColourConfig> config) : config_(std::move(config)) {}
+
+  std::vector<std::string> Names() const override { return config_->Names(); }
+
+  bool Knows(const std::string& name) const override { return config_->Knows(name); }
+
+  PluginOutcome Path(const std::string& in, const std::string& out,
+                     std::shared_ptr<const ColourPath>* path) const override {
+    return Outcome([&] { *path = config_->Path(in, out); });
+  }
+
+ private:
+  std::unique_ptr<const ColourConfig> config_;
+};
+
+class Plugin final : public PicturePlugin {
+ public:
+  std::optional<OutputFormat> FormatOf(const std::filesystem::path& file) const override {
+    return OpenImageIoFormatOf(file);
+  }
+
+  PluginOutcome Read(const std::filesystem::path& file, const ReadOptions& options,
+                     Picture* picture, ReadReport* report) const override {
+    return Outcome([&] { *picture = ReadByOpenImageIo(file, options, report); });
+  }
+
+  PluginOutcome Write(const OutputFile& file, FileBytes* bytes, const OutputFormat& format,
+                      const Picture& picture, int bits,
+                      std::vector<NotCarried>* lost) const override {
+    return Outcome([&] { WriteByOpenImageIo(file, bytes, format, picture, bits, lost); });
+  }
+
+  PluginOutcome LoadColours(const std::filesystem::path& file,
+                            std::unique_ptr<const PluginColours>* colours) const override {
+    return Outcome([&] { *colours = std::make_unique<Colours>(LoadOpenColorIoConfig(file)); });
+  }
+};
+
+}  // namespace
+}  // namespace glimmerhost
+
+extern "C" QTL_EXPORT const glimmerhost::PicturePlugin* glimmerhostPicturePlugin(
+    const char* version) {
+  static const glimmerhost::Plugin plugin;
+  return std::string_view(version) == GLIMMERHOST_VERSION ? &plugin : nullptr;
+}

@@ -1,0 +1,58 @@
+#include "host/pictures/png_tiff/png_library.h"
+
+#include <cstdio>
+
+#include "host/support/failure.h"
+
+namespace glimmerhost {
+namespace {
+
+void OnWarning(png_structp /*png*/, png_const_charp /*message*/) {}
+
+void OnRead(png_structp png, png_bytep to, std::size_t count) {
+  if (static_cast<FileBytes*>(png_get_io_ptr(png))->Read(to, count) != count) {
+    png_error(png, "the file ends too early");
+  }
+}
+
+void OnWrite(png_structp png, png_bytep from, std::size_t count) {
+  if (static_cast<FileBytes*>(png_get_io_ptr(png))->Write(from, count) != count) {
+    png_error(png, "the system does not take all of it");
+  }
+}
+
+void OnFlush(png_structp /*png*/) {}
+
+}  // namespace
+
+PngLibrary::PngLibrary(FileBytes* bytes, Use use) : use_(use) {
+  const auto create = use == Use::kRead ? png_create_read_struct : png_create_write_struct;
+  const bool made = Run([&] {
+    png_ = create(PNG_LIBPNG_VER_STRING, this, OnError, OnWarning);
+    info_ = png_ == nullptr ? nullptr : png_create_info_struct(png_);
+  });
+  if (!made || info_ == nullptr) {
+    throw Failure("there is not enough memory");
+  }
+  if (use == Use::kRead) {
+    png_set_read_fn(png_, bytes, OnRead);
+  } else {
+    png_set_write_fn(png_, bytes, OnWrite, OnFlush);
+  }
+}
+
+PngLibrary::~PngLibrary() {
+  if (use_ == Use::kRead) {
+    png_destroy_read_struct(&png_, &info_, nullptr);
+  } else {
+    png_destroy_write_struct(&png_, &info_);
+  }
+}
+
+void PngLibrary::OnError(png_structp png, png_const_charp message) {
+  auto* const library = static_cast<PngLibrary*>(png_get_error_ptr(png));
+  std::snprintf(library->trouble_.data(), library->trouble_.size(), "%s", message);
+  std::longjmp(library->back_, 1);
+}
+
+}  // namespace glimmerhost

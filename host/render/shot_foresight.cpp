@@ -1,0 +1,35 @@
+#include "host/render/shot_foresight.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+#include "host/looks/foresight.h"
+#include "host/pictures/picture_file.h"
+
+namespace glimmerhost {
+
+Picture FirstPicture(const ShotPlan& plan) {
+  std::error_code error;
+  const auto there = std::find_if(
+      plan.files.begin(), plan.files.end(),
+      [&error](const FrameFiles& files) { return std::filesystem::exists(files.input, error); });
+  std::string warning;
+  return ReadPicture(there == plan.files.end() ? plan.files.front().input : there->input, &warning);
+}
+
+ShotForesight ForeseeShot(const lx::Footprint& engine, const KeyframedValues& values,
+                          const ShotPlan& plan, const Picture& picture) {
+  ShotForesight shot;
+  for (const FrameFiles& files : plan.files) {
+    const Foresight frame = Foresee(engine, values.At(files.frame), picture.width, picture.height);
+    shot.byGrid[frame.grid].push_back(files.frame);
+    shot.radius = std::max(shot.radius, frame.radius);
+    shot.effectBytes = std::max(shot.effectBytes, frame.effectBytes);
+    shot.pictureBytes = frame.pictureBytes;
+  }
+  return shot;
+}
+
+}  // namespace glimmerhost

@@ -1,0 +1,33 @@
+// What the frames of a shot will take, all together.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <vector>
+
+#include "fftlib/backends/footprint.h"
+#include "host/looks/keyframed_values.h"
+#include "host/pictures/picture.h"
+#include "host/shots/shot_plan.h"
+
+namespace glimmerhost {
+
+struct ShotForesight {
+  std::map<lx::GridSides, std::vector<int>> byGrid;  // frames; those of kTooLarge will fail
+  double radius = 0.0;                               // the largest, in pixels
+  std::uint64_t effectBytes = 0;   // the most that a frame takes of the effect's own
+  std::uint64_t pictureBytes = 0;  // and of this program's
+};
+
+// The grid of frames that have none.
+inline constexpr lx::GridSides kTooLarge{};
+
+// The first picture that is there, which the others are taken to be as large as. Throws as reading
+// does, and MissingInput where none is there.
+Picture FirstPicture(const ShotPlan& plan);
+
+//   engine  of the module that will render
+ShotForesight ForeseeShot(const lx::Footprint& engine, const KeyframedValues& values,
+                          const ShotPlan& plan, const Picture& picture);
+
+}  // namespace glimmerhost

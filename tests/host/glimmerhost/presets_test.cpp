@@ -1,0 +1,89 @@
+// The looks that come with the program, and looks as the program takes them.
+#include "host/looks/presets.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "host/looks/keyframed_values.h"
+#include "host/looks/look_layers.h"
+#include "host/module/frame_checks.h"
+#include "host/support/failure.h"
+#include "tests/host/glimmerhost/program.h"
+
+namespace {
+
+using glimmerhost::KeyframedValues;
+using glimmerhost::Look;
+using glimmerhost::Page;
+using host_test::Program;
+using host_test::RunProgram;
+
+TEST(Presets, AreEachTakenByThePage) {
+  std::ostringstream list;
+  glimmerhost::RunPresets(list);
+
+  std::istringstream lines(list.str());
+  std::string line;
+  int count = 0;
+  for (; std::getline(lines, line); ++count) {
+    Look look;
+    look.values.preset = line.substr(0, line.find(' '));
+    const KeyframedValues values(Page::Load(PAGE), ReadLayers(look), 4096, 2160, {1, 100});
+    for (const lx::Footprint& engine : lx::kFootprints) {
+      EXPECT_NO_THROW(glimmerhost::CheckGrid(engine, values.At(1), 4096, 2160))
+          << engine.name << ": " << line;
+    }
+    EXPECT_LE(std::get<double>(values.At(1).at("PRM_Emphasis")), 75.0) << line;
+    EXPECT_GT(line.size(), line.find("  ") + 20) << "no words: " << line;
+  }
+  EXPECT_EQ(5, count);
+}
+
+TEST(Presets, LieBelowTheFileAndItBelowWhatIsTyped) {
+  const lx_test::ScratchFolder folder;
+  std::ofstream(folder / "film.toml") << "sides = 5\nrotation = 1\n";
+  Look look;
+  look.values.preset = "six-blades";
+  look.values.file = (folder / "film.toml").string();
+  look.values.rotation = "2";
+
+  const auto values = KeyframedValues(Page::Load(PAGE), ReadLayers(look), 1000, 500, {}).At(0);
+
+  EXPECT_EQ(2, std::get<int>(values.at("PRM_Shape")));
+  EXPECT_EQ(50.0, std::get<double>(values.at("PRM_Emphasis")));
+  EXPECT_EQ(5.0, std::get<double>(values.at("PRM_Sides")));
+  EXPECT_EQ(2.0, std::get<double>(values.at("PRM_Rotation")));
+}
+
+TEST_F(Program, RefusesAnUnknownPresetWithTheNearest) {
+  const std::string render = Render(NIGHT, "out.png");
+  ExpectRefusal(render + "--preset six-blade", 2,
+                "--preset six-blade: there is no such preset; the nearest is six-blades");
+  ExpectRefusal(render + "--preset ../pages/glimmerblur", 2, "there is no such preset");
+}
+
+TEST_F(Program, TakesAlphaPixelAspectAndSpreadFromAFileAsWhenTyped) {
+  const std::string input = WriteInput("in.png", 40, 30, glimmerhost::Alpha::kStraight).string();
+  WriteInput("heart.png", 20, 20);
+  const std::string shape = "--shape image --radius-psf1 4px --radius-psf2 6px ";
+  std::ofstream(folder / "film.toml")
+      << "spread = \"heart.png\"\nalpha = \"as-is\"\npixel-aspect = \"2:1\"\n";
+  const auto render = [&](const std::string& name, const std::string& options) {
+    const host_test::Outcome outcome = RunProgram(Render(input, name, shape + options));
+    EXPECT_EQ(0, outcome.code) << outcome.text;
+    return host_test::Read(folder / name);
+  };
+
+  const auto plain = render("plain.png", "");
+  const auto typed = render("typed.png", "--alpha as-is --pixel-aspect 2:1 --spread '" +
+                                             (folder / "heart.png").string() + "'");
+  const auto read = render("read.png", "--params '" + (folder / "film.toml").string() + "'");
+
+  EXPECT_EQ(typed.samples, read.samples);
+  EXPECT_NE(plain.samples, read.samples);
+}
+
+}  // namespace

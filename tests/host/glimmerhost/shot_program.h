@@ -1,0 +1,49 @@
+// A shot to render, in a folder of its own.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "tests/host/glimmerhost/program.h"
+
+namespace host_test {
+
+inline std::string Bytes(const fs::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+class ShotProgram : public Program {
+ public:
+  // Frames that differ, 7 by default.
+  void WriteShot(int first, int last) {
+    for (int frame = first; frame <= last; ++frame) {
+      Picture picture;
+      picture.width = 60;
+      picture.height = 40;
+      picture.samples.assign(picture.PixelCount() * 4, 0);
+      for (std::size_t i = 0; i < picture.samples.size(); ++i) {
+        picture.samples[i] = i % 4 == 3 ? std::uint16_t{65535}
+                                        : static_cast<std::uint16_t>(i * 7919U * (frame % 13 + 1U));
+      }
+      glimmerhost::PictureOutput output(folder / InputName(frame), true);
+      output.Write(picture, 16);
+    }
+  }
+
+  static std::string InputName(int frame) { return "in." + std::to_string(frame) + ".png"; }
+
+  std::string Shot(const std::string& output, const std::string& options) {
+    return Render(folder / "in.@.png", output, options);
+  }
+};
+
+inline constexpr const char* kAnimated =
+    "--shape polygon --radius '0=2px; -1=12px' --emphasis '0=1; 3~=60; -1=20' --rotation "
+    "'0=0; -1=90' ";
+
+}  // namespace host_test

@@ -1,0 +1,135 @@
+#include "host/looks/look_layers.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <fstream>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "host/looks/keyframed_values.h"
+#include "tests/support/scratch_folder.h"
+
+namespace {
+
+using glimmerhost::KeyframedValues;
+using glimmerhost::Look;
+using glimmerhost::LookLayer;
+using glimmerhost::MergeLayers;
+using glimmerhost::Page;
+using glimmerhost::ShotSpan;
+using glimmerhost::TypedValues;
+
+LookLayer Layer(const TypedValues& values) { return {"--", {values, {}, {}, {}}}; }
+
+TEST(MergedLayers, DropAllThatIsDecidedAnew) {
+  TypedValues below;
+  below.radiusX = "8px";
+  below.sides = "5";
+  below.set = {"PRM_RadiusY=0.5", "PRM_Rotation=3", "PRM_Precision=on"};
+  TypedValues above;
+  above.radius = "40px";
+  above.rotation = "7";
+  above.set = {"PRM_Sides=9", "PRM_Sides=8"};
+
+  const TypedValues merged = MergeLayers({Layer(below), Layer(above)}).values;
+
+  TypedValues expected;
+  expected.radius = "40px";
+  expected.rotation = "7";
+  expected.set = {"PRM_Precision=on", "PRM_Sides=8"};
+  EXPECT_EQ(expected, merged);
+}
+
+TEST(MergedLayers, KeepTheRadiusUnderThatOfOneSide) {
+  TypedValues below;
+  below.radius = "0=40px; 9=50px";
+  TypedValues above;
+  above.radiusY = "8px";
+
+  const TypedValues merged = MergeLayers({Layer(below), Layer(above)}).values;
+
+  EXPECT_EQ("0=40px; 9=50px", merged.radius);
+  EXPECT_EQ("8px", merged.radiusY);
+}
+
+// Whatever is in the layers, and however often.
+TEST(MergedLayers, GiveTheStoreTheValuesOfTheLayers) {
+  const Page page = Page::Load(PAGE);
+  const std::vector<std::string> radii = {"", "", "4px", "0.1", "0=1%; 5~=3%; -1=9%"};
+  const std::vector<std::string> assignments = {
+      "PRM_RadiusX=0.2",   "PRM_RadiusY=0.3",      "PRM_Sides=11",        "PRM_Shape=1",
+      "PRM_Center_X=0.25", "PRM_RadiusPSF1=0.125", "PRM_RadiusX=0=0;3=1", "PRM_Match=on"};
+  std::mt19937 random(20);
+  const auto pick = [&](const std::vector<std::string>& texts) {
+    return texts[random() % texts.size()];
+  };
+  for (int round = 0; round < 500; ++round) {
+    std::vector<LookLayer> layers;
+    for (int i = 0; i < 3; ++i) {
+      TypedValues values;
+      values.radius = pick(radii);
+      values.radiusX = pick(radii);
+      values.radiusY = pick(radii);
+      values.radiusPsf1 = pick(radii);
+      values.center = pick({"", "10%,20%", "0=0,0;9=1,1"});
+      values.sides = pick({"", "", "4"});
+      values.shape = pick({"", "", "image"});
+      values.match = pick({"", "off"});
+      for (std::size_t count = random() % 4; count > 0; --count) {
+        values.set.push_back(pick(assignments));
+      }
+      layers.push_back(Layer(values));
+    }
+    const ShotSpan span{1001, 1010};
+    const KeyframedValues expected(page, layers, 800, 600, span);
+    const KeyframedValues merged(page, MergeLayers(layers).values, 800, 600, span);
+    const KeyframedValues used(page, UsedLook(page, layers).values, 800, 600, span);
+    for (int frame = 1001; frame <= 1010; frame += 3) {
+      ASSERT_EQ(expected.At(frame), merged.At(frame)) << "round " << round;
+      ASSERT_EQ(expected.At(frame), used.At(frame)) << "round " << round;
+    }
+  }
+}
+
+TEST(UsedLook, HasEveryParameter) {
+  TypedValues typed;
+  typed.sides = "5";
+
+  const Look used = UsedLook(Page::Load(PAGE), {Layer(typed)});
+
+  EXPECT_EQ("circle", used.values.shape);
+  EXPECT_EQ("", used.values.radius);
+  EXPECT_EQ("0.02", used.values.radiusX);
+  EXPECT_EQ("0.02", used.values.radiusY);
+  EXPECT_EQ("off", used.values.match);
+  EXPECT_EQ("5", used.values.sides);
+  EXPECT_EQ("0", used.values.rotation);
+  EXPECT_EQ("0.5,0.5", used.values.center);
+  EXPECT_EQ("0.02", used.values.radiusPsf1);
+  EXPECT_EQ("0.04", used.values.radiusPsf2);
+  EXPECT_EQ("1", used.values.emphasis);
+  EXPECT_EQ("off", used.values.emphAlpha);
+  EXPECT_EQ("premultiplied", used.alpha);
+  EXPECT_EQ(std::vector<std::string>{"PRM_Precision=off"}, used.values.set);
+}
+
+TEST(SettledLook, TakesFromFilesWhatWasNotTyped) {
+  const lx_test::ScratchFolder folder;
+  std::ofstream(folder / "film.toml") << "alpha = \"as-is\"\npixel-aspect = \"16:15\"\n";
+  Look look;
+  look.values.file = (folder / "film.toml").string();
+  look.pixelAspect = "2:1";
+
+  SettleLook(ReadLayers(look), &look);
+
+  EXPECT_EQ("as-is", look.alpha);
+  EXPECT_EQ("2:1", look.pixelAspect);
+  EXPECT_EQ("", look.spread);
+  Look plain;
+  SettleLook(ReadLayers(plain), &plain);
+  EXPECT_EQ("premultiplied", plain.alpha);
+}
+
+}  // namespace

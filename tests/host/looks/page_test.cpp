@@ -1,0 +1,98 @@
+#include "host/looks/page.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "host/support/failure.h"
+#include "tests/support/scratch_folder.h"
+
+namespace {
+
+using glimmerhost::Page;
+using glimmerhost::UsageError;
+
+std::string Refusal(const Page& page, const std::string& key, const std::string& text) {
+  try {
+    page.Find(key).Parse("--option", text);
+  } catch (const UsageError& fault) {
+    return fault.what();
+  }
+  return "";
+}
+
+TEST(Page, HasADefaultForEveryKeyOfTheEffect) {
+  const auto defaults = Page::Load(PAGE).Defaults();
+
+  EXPECT_EQ(13U, defaults.size());
+  EXPECT_EQ(0, std::get<int>(defaults.at("PRM_Shape")));
+  EXPECT_FALSE(std::get<bool>(defaults.at("PRM_Match")));
+  EXPECT_EQ(6.0, std::get<double>(defaults.at("PRM_Sides")));
+  EXPECT_EQ(0.5, std::get<double>(defaults.at("PRM_Center_Y")));
+}
+
+TEST(Page, TakesEntriesByNameAndByIndex) {
+  const Page page = Page::Load(PAGE);
+  EXPECT_EQ(2, std::get<int>(page.Find("PRM_Shape").Parse("--shape", "polygon")));
+  EXPECT_EQ(1, std::get<int>(page.Find("PRM_Shape").Parse("--set", "1")));
+  EXPECT_TRUE(std::get<bool>(page.Find("PRM_Match").Parse("--set", "true")));
+  EXPECT_FALSE(std::get<bool>(page.Find("PRM_Match").Parse("--set", "0")));
+}
+
+TEST(Page, NamesOriginValueAndWhatIsAllowed) {
+  const Page page = Page::Load(PAGE);
+  EXPECT_EQ("--option 51: allowed is a whole number from 3 to 50",
+            Refusal(page, "PRM_Sides", "51"));
+  EXPECT_EQ("--option 5.5: allowed is a whole number from 3 to 50",
+            Refusal(page, "PRM_Sides", "5.5"));
+  EXPECT_EQ("--option 501: allowed is a number from 0 to 500 (the page offers 1 to 50)",
+            Refusal(page, "PRM_Emphasis", "501"));
+  EXPECT_EQ("--option maybe: allowed is on or off", Refusal(page, "PRM_Match", "maybe"));
+  EXPECT_EQ("--option nan: allowed is a number from -3600 to 3600",
+            Refusal(page, "PRM_Rotation", "nan"));
+}
+
+TEST(Page, RefusesAnEntryThatItDoesNotHave) {
+  const Page page = Page::Load(PAGE);
+  for (const char* text : {"4", "-1", "2.5", "heart"}) {
+    EXPECT_EQ(std::string("--option ") + text +
+                  ": allowed is circle, ellipse, polygon or image (in the store 0 to 3)",
+              Refusal(page, "PRM_Shape", text));
+  }
+}
+
+TEST(Page, TakesWhatIsTypedBeyondWhatItOffers) {
+  const Page page = Page::Load(PAGE);
+  const glimmerhost::Parameter& emphasis = page.Find("PRM_Emphasis");
+  EXPECT_EQ(1.0, emphasis.lowest);
+  EXPECT_EQ(50.0, emphasis.highest);
+  for (const char* text : {"0", "50", "500"}) {
+    EXPECT_EQ(std::stod(text), std::get<double>(emphasis.Parse("--emphasis", text)));
+  }
+}
+
+TEST(Page, NamesTheNearestKeyForOneThatIsUnknown) {
+  const Page page = Page::Load(PAGE);
+  try {
+    page.Find("PRM_Radius");
+    FAIL();
+  } catch (const UsageError& fault) {
+    EXPECT_EQ("PRM_Radius: there is no such parameter; the nearest is PRM_RadiusX",
+              std::string(fault.what()));
+  }
+}
+
+TEST(Page, SaysWhatIsWrongWithItsFile) {
+  const lx_test::ScratchFolder folder;
+  for (const char* content : {"", "[[parameter]]\nkey = 1", "parameter = 3", "not toml at all [",
+                              "[[parameter]]\nkey='a'\nlabel='b'\nkind='number'\ndefault=1.0",
+                              "[[parameter]]\nkey='a'\nlabel='b'\nkind='knob'\ndefault=1.0"}) {
+    std::ofstream(folder / "page.toml") << content;
+    EXPECT_THROW(Page::Load(folder / "page.toml"), glimmerhost::Failure) << content;
+  }
+  EXPECT_THROW(Page::Load(folder / "missing.toml"), glimmerhost::Failure);
+}
+
+}  // namespace
