@@ -5,7 +5,7 @@ install(FILES README.md DESTINATION ${documents})
 install(DIRECTORY docs examples DESTINATION ${documents} PATTERN "*.py" EXCLUDE
         PATTERN __pycache__ EXCLUDE PATTERN "*.1" EXCLUDE)
 if(NOT WIN32)
-  install(FILES docs/glimmerhost.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES ${PROJECT_BINARY_DIR}/glimmerhost.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   install(FILES host/completion/glimmerhost.bash
           DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME glimmerhost)
 endif()

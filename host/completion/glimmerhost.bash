@@ -1,21 +1,15 @@
-# Completion of glimmerhost's command line in bash. What commands, options and presets there are
-# is the program's word; values that it takes only by name stand below.
+# Completion of glimmerhost's command line in bash. Commands, options and their values are the
+# program's word.
 
-# _glimmerhost_options COMMAND: the options of a command, or of the program.
-_glimmerhost_options() {
-  "${COMP_WORDS[0]}" ${1:+"$1"} --help 2>/dev/null |
-    grep -oE '^  (-[a-z],)?--[a-z0-9-]+' | grep -oE -- '--[a-z0-9-]+'
-}
-
-# _glimmerhost_names ARGUMENT...: the first words of lines that the program prints with it, behind
-# the title of a list if there is one.
-_glimmerhost_names() {
-  "${COMP_WORDS[0]}" "$@" 2>/dev/null | awk '$0 == "Subcommands:" { names = ""; next }
-    NF { names = names $1 "\n" } END { printf "%s", names }'
+# _glimmerhost_values COMMAND OPTION: what stands for the option's value, and the values that it may
+# have; nothing for a switch, and for an option that the command does not have.
+_glimmerhost_values() {
+  "${COMP_WORDS[0]}" --complete "$1" 2>/dev/null |
+    awk -v option="$2" '$1 == option && $2 != "-" { $1 = ""; print }'
 }
 
 _glimmerhost() {
-  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command=""
+  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command="" option=""
   # Bash parts --shape=circle into three words.
   if [[ $word == "=" ]]; then
     word=""
@@ -24,38 +18,34 @@ _glimmerhost() {
   fi
   ((COMP_CWORD == 1)) || command=${COMP_WORDS[1]}
 
-  local choices
-  case $before in
-    --shape) choices="circle ellipse polygon image" ;;
-    --alpha) choices="premultiplied as-is" ;;
-    --engine)
-      choices="fast exact double single"
-      [[ $command != submit ]] || choices="local slurm $choices"
-      ;;
-    --bits) choices="8 16" ;;
-    --progress) choices="auto bar lines json" ;;
-    --grid) choices="512 1024 2048 4096" ;;
-    --preset) choices=$(_glimmerhost_names presets) ;;
-    *)
-      if [[ $word == -* ]]; then
-        choices=$(_glimmerhost_options "$command")
-      elif [[ -z $command ]]; then
-        choices=$(_glimmerhost_names --help)
-      fi
-      ;;
-  esac
+  # FILE and FOLDER ask for names of files; any other value without choices is the person's own.
+  local kind=FILE choices="" values
+  if [[ -z $command ]]; then
+    kind="" choices="$("${COMP_WORDS[0]}" --complete 2>/dev/null) --help --version"
+    [[ $word == -* ]] || choices=${choices%% --*}
+  elif [[ $before == -* ]]; then
+    option=$before
+    [[ $option != -o ]] || option=--output
+    values=$(_glimmerhost_values "$command" "$option")
+    read -r kind choices <<<"${values:-FILE}"
+  fi
+  if [[ -n $command && $word == -* && $kind == FILE ]]; then
+    choices=$("${COMP_WORDS[0]}" --complete "$command" 2>/dev/null | awk '/^-/ { print $1 }')
+  fi
 
   COMPREPLY=()
   local line
-  if [[ -n ${choices-} ]]; then
+  if [[ -n $choices ]]; then
     while IFS= read -r line; do
       COMPREPLY+=("$line")
     done < <(compgen -W "$choices" -- "$word")
-  else
+  elif [[ $kind == FILE || $kind == FOLDER ]]; then
     compopt -o filenames 2>/dev/null
+    local action=-f
+    [[ $kind == FILE ]] || action=-d
     while IFS= read -r line; do
       COMPREPLY+=("$line")
-    done < <(compgen -f -- "$word")
+    done < <(compgen "$action" -- "$word")
   fi
 }
 

@@ -59,6 +59,9 @@ struct SlurmSettings {
   std::vector<std::string> options;  // of sbatch, over all of these
 };
 
+// Whether Slurm is for this system at all.
+extern const bool kHasSlurm;
+
 // Throws UsageError on a system that Slurm is not for.
 std::unique_ptr<FarmEngine> MakeSlurmEngine(const SlurmSettings& settings);
 

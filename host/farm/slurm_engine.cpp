@@ -217,7 +217,7 @@ class SlurmEngine : public FarmEngine {
       std::ofstream out(file.Path(), std::ios::binary);
       out << script << std::flush;
       if (!out) {
-        throw Failure(file.Path().string() + ": it cannot be written");
+        throw Failure(file.Path().string() + ": cannot be written");
       }
     }
     options.push_back(file.Path().string());
@@ -246,6 +246,8 @@ class SlurmEngine : public FarmEngine {
 };
 
 }  // namespace
+
+const bool kHasSlurm = true;
 
 std::unique_ptr<FarmEngine> MakeSlurmEngine(const SlurmSettings& settings) {
   return std::make_unique<SlurmEngine>(settings);

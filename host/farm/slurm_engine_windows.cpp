@@ -3,8 +3,11 @@
 
 namespace glimmerhost {
 
+const bool kHasSlurm = false;
+
 std::unique_ptr<FarmEngine> MakeSlurmEngine(const SlurmSettings& /*settings*/) {
-  throw UsageError("--engine slurm: Slurm has no commands for this system; allowed here is local");
+  throw UsageError(
+      "--engine must be local on this system, for which Slurm has no commands, not slurm");
 }
 
 }  // namespace glimmerhost

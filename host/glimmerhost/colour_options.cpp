@@ -15,9 +15,8 @@ constexpr const char* kWorking = "scene_linear";
 
 void CheckSpace(const ColourConfig& config, const char* option, const std::string& space) {
   if (!space.empty() && !config.Knows(space)) {
-    throw UsageError(std::string(option) + " " + space +
-                     ": the configuration has no such colour space; the nearest is " +
-                     Nearest(space, config.Names()));
+    throw UsageError(std::string(option) + ": " +
+                     UnknownName("colour space", space, config.Names()).what());
   }
 }
 
@@ -27,9 +26,10 @@ std::string ConfigFile(const ColourOptions& options, const std::string& asked) {
   }
   const char* const named = std::getenv("OCIO");
   if (named == nullptr || *named == '\0') {
-    throw UsageError(asked +
-                     ": there is no colour configuration; allowed is --colour-config FILE, or a "
-                     "file that OCIO names in the environment");
+    throw UsageError(
+        asked +
+        " needs a colour configuration: --colour-config FILE, or a file that OCIO names in "
+        "the environment");
   }
   return named;
 }
@@ -45,11 +45,10 @@ std::shared_ptr<const ColourPath> ParseColours(const ColourOptions& options) {
     return nullptr;
   }
   if (!kHasColourManagement) {
-    throw UsageError(asked +
-                     ": this build has no colour management; allowed are files as they are");
+    throw UsageError(asked + ": this build has no colour management");
   }
   if (options.in.empty() && options.out.empty()) {
-    throw UsageError(asked + ": it is of no use without --colour-in or --colour-out");
+    throw UsageError(asked + " needs --colour-in or --colour-out");
   }
   const auto config = ColourConfig::Load(Utf8Path(ConfigFile(options, asked)));
   CheckSpace(*config, "--colour-in", options.in);

@@ -1,40 +1,19 @@
 #include "host/glimmerhost/command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <new>
-#include <string>
-#include <vector>
 
-#include "host/glimmerhost/check_command.h"
-#include "host/glimmerhost/command_options.h"
-#include "host/glimmerhost/page_command.h"
-#include "host/glimmerhost/psf_command.h"
-#include "host/glimmerhost/render_command.h"
-#include "host/glimmerhost/session_command.h"
-#include "host/glimmerhost/submit_command.h"
-#include "host/glimmerhost/typed_arguments.h"
-#include "host/glimmerhost/wisdom_command.h"
-#include "host/looks/look_layers.h"
-#include "host/looks/presets.h"
+#include "host/glimmerhost/command.h"
+#include "host/glimmerhost/help_text.h"
 #include "host/support/failure.h"
+#include "host/support/nearest.h"
 #include "host/support/text.h"
 
 namespace glimmerhost {
 namespace {
-
-constexpr const char* kDescription =
-    "Renders pictures through GlimmerBlur, a lens defocus.\n\n"
-    "  glimmerhost render night.png -o out.png --shape polygon --sides 6 --radius 40px\n"
-    "  glimmerhost render shot.####.exr -o out.####.exr --frames 1-100 --radius '0=4px; -1=60px'\n"
-    "  glimmerhost submit shot.####.exr -o out.####.exr --frames 1-100 --radius 20px --engine "
-    "slurm\n"
-    "  glimmerhost psf -o aperture.png --shape polygon --sides 5 --radius 60px\n"
-    "  glimmerhost page night.png -o page.png --shape image\n"
-    "  glimmerhost session handles.session\n"
-    "  glimmerhost wisdom --measure\n\n"
-    "Exit codes: 0 done, 1 the work failed, 2 wrong usage, 3 an input is missing.";
 
 constexpr const char* kVersion = "glimmerhost, reference host of GlimmerBlur " GLIMMERHOST_VERSION;
 
@@ -43,65 +22,106 @@ int Complain(const std::string& what, int code) {
   return code;
 }
 
-// What files say of more than the store's values, as if it had been typed.
-template <class Options>
-Options Settled(Options options) {
-  SettleLook(ReadLayers(options), &options);
-  return options;
+const CommandEntry& FindCommand(const std::string& name) {
+  std::vector<std::string> names;
+  for (const CommandEntry& entry : Commands()) {
+    if (entry.name == name) {
+      return entry;
+    }
+    names.emplace_back(entry.name);
+  }
+  throw UnknownName("command", name, names);
+}
+
+// What an option is called that was mistyped: "--radus" of "--radus=4px".
+std::string OptionName(const std::string& word) { return word.substr(0, word.find('=')); }
+
+// What the parser says of words that it does not know.
+UsageError Unexpected(const CLI::App& parser, const OptionSet& options) {
+  const std::vector<std::string> words = parser.remaining();
+  const std::string word = words.empty() ? "" : words.front();
+  if (!word.starts_with("-")) {
+    return UsageError("unexpected argument \"" + OneLine(word) +
+                      "\"; an argument with blanks must stand in quotes");
+  }
+  std::vector<std::string> names = {"--help"};
+  for (const ListedOption& option : options.All()) {
+    if (!option.IsArgument()) {
+      names.push_back(option.name);
+    }
+  }
+  return UnknownName("option", OptionName(word), names);
+}
+
+// In the library's words; which name what is missing or too much.
+UsageError Unparsed(const CLI::ParseError& fault, const std::string& command) {
+  std::string what = fault.what();
+  what.erase(std::find(what.begin(), what.end(), '\n'), what.end());
+  return UsageError(what + "; glimmerhost " + command + " --help tells the options");
+}
+
+//   words  behind the command's name
+int RunCommand(const CommandEntry& entry, const std::vector<std::string>& words) {
+  CLI::App parser;
+  // Help is ours; and otherwise, on Windows, a path that begins with a slash would be an option.
+  parser.set_help_flag("-h,--help");
+  parser.allow_windows_style_options(false);
+  const std::unique_ptr<Command> command = entry.make();
+  OptionSet options(&parser);
+  command->AddOptions(&options);
+  try {
+    // The library takes them from the back.
+    parser.parse(std::vector<std::string>(words.rbegin(), words.rend()));
+  } catch (const CLI::CallForHelp&) {
+    std::cout << CommandHelp(entry, *command, options);
+    return kExitDone;
+  } catch (const CLI::ArgumentMismatch& fault) {
+    const std::string what = fault.what();
+    throw UsageError(what.substr(0, what.find(':')) + " needs a value");
+  } catch (const CLI::ParseError& fault) {
+    // A mistyped name says more than what is missing because of it.
+    throw parser.remaining().empty() ? Unparsed(fault, entry.name) : Unexpected(parser, options);
+  }
+  return command->Run(std::cout);
+}
+
+// What the completion script asks: the commands, or the options of one.
+int Complete(const std::vector<std::string>& words) {
+  if (words.empty()) {
+    for (const CommandEntry& entry : Commands()) {
+      std::cout << entry.name << '\n';
+    }
+    return kExitDone;
+  }
+  CLI::App parser;
+  const std::unique_ptr<Command> command = FindCommand(words.front()).make();
+  OptionSet options(&parser);
+  command->AddOptions(&options);
+  std::cout << CompletionWords(options) << "--help -\n";
+  return kExitDone;
 }
 
 int Run(const std::vector<std::string>& arguments) {
-  CLI::App app(kDescription, "glimmerhost");
-  app.require_subcommand(1);
-  // Otherwise, on Windows, a path that begins with a slash would be an option.
-  app.allow_windows_style_options(false);
-  app.set_version_flag("--version", kVersion);
-  RenderOptions render;
-  const CLI::App* renderCommand = AddRender(&app, &render);
-  SubmitOptions submit;
-  const CLI::App* submitCommand = AddSubmit(&app, &submit);
-  PsfOptions psf;
-  const CLI::App* psfCommand = AddPsf(&app, &psf);
-  PageOptions page;
-  const CLI::App* pageCommand = AddPage(&app, &page);
-  SessionOptions session;
-  const CLI::App* sessionCommand = AddSession(&app, &session);
-  WisdomOptions wisdom;
-  const CLI::App* wisdomCommand = AddWisdom(&app, &wisdom);
-  CheckOptions check;
-  const CLI::App* checkCommand = AddCheck(&app, &check);
-  const CLI::App* presets =
-      app.add_subcommand("presets", "List the looks that come with the program");
-  InfoOptions info;
-  const CLI::App* infoCommand = AddInfo(&app, &info);
-  try {
-    // The library takes them from the back.
-    app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend() - 1));
-  } catch (const CLI::Success& done) {
-    return app.exit(done);
-  } catch (const CLI::ParseError& fault) {
-    return Complain(std::string(fault.what()) + " (--help explains)", kExitUsage);
+  if (arguments.size() < 2) {
+    throw UsageError("a command is missing; glimmerhost --help lists them");
   }
-  if (infoCommand->parsed()) {
-    RunInfo(info, std::cout);
-  } else if (presets->parsed()) {
-    RunPresets(std::cout);
-  } else if (renderCommand->parsed()) {
-    return RunRender(Settled(render), std::cout);
-  } else if (submitCommand->parsed()) {
-    return RunSubmit(Settled(submit), TypedArguments(*submitCommand), std::cout);
-  } else if (psfCommand->parsed()) {
-    RunPsf(Settled(psf));
-  } else if (pageCommand->parsed()) {
-    RunPage(Settled(page));
-  } else if (sessionCommand->parsed()) {
-    RunSession(Settled(session), std::cout);
-  } else if (checkCommand->parsed()) {
-    return RunCheck(check, std::cout);
-  } else if (wisdomCommand->parsed()) {
-    RunWisdom(wisdom, std::cout);
+  const std::string& first = arguments[1];
+  const std::vector<std::string> words(arguments.begin() + 2, arguments.end());
+  if (first == "--help" || first == "-h") {
+    std::cout << ProgramHelp();
+    return kExitDone;
   }
-  return kExitDone;
+  if (first == "--version") {
+    std::cout << kVersion << '\n';
+    return kExitDone;
+  }
+  if (first == "--complete") {
+    return Complete(words);
+  }
+  if (first.starts_with("-")) {
+    throw UnknownName("option", OptionName(first), {"--help", "--version"});
+  }
+  return RunCommand(FindCommand(first), words);
 }
 
 }  // namespace
@@ -114,7 +134,7 @@ int RunCommandLine(const std::vector<std::string>& arguments) {
   } catch (const MissingInput& fault) {
     return Complain(fault.what(), kExitMissing);
   } catch (const std::bad_alloc&) {
-    return Complain("there is not enough memory for this picture", kExitFailed);
+    return Complain("not enough memory for this picture", kExitFailed);
   } catch (const std::exception& fault) {
     return Complain(fault.what(), kExitFailed);
   }

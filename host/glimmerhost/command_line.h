@@ -1,4 +1,4 @@
-// The command line: which commands and options there are, and running them.
+// The command line of glimmerhost.
 #pragma once
 
 #include <string>
@@ -6,8 +6,8 @@
 
 namespace glimmerhost {
 
-// Runs the program. Returns its exit code; errors are one line on stderr.
-//   arguments  in UTF-8, the program's own name first
+// Runs a command and returns the program's exit code; what goes wrong stands on stderr.
+//   arguments  with the program's own name first
 int RunCommandLine(const std::vector<std::string>& arguments);
 
 }  // namespace glimmerhost

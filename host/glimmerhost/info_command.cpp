@@ -1,16 +1,18 @@
-#include "host/glimmerhost/info_command.h"
-
+// glimmerhost info: which engines there are, what the module registered, and the parameters of its
+// page.
 #include <filesystem>
 #include <iomanip>
 #include <ostream>
 #include <system_error>
 
+#include "host/glimmerhost/command.h"
+#include "host/glimmerhost/run_options.h"
 #include "host/looks/page_file.h"
 #include "host/module/effect_module.h"
 #include "host/module/module_choice.h"
+#include "host/support/failure.h"
 
 namespace glimmerhost {
-
 namespace {
 
 void ListEngines(const lx::Footprint& used, std::ostream& out) {
@@ -23,28 +25,54 @@ void ListEngines(const lx::Footprint& used, std::ostream& out) {
   }
 }
 
-}  // namespace
-
-void RunInfo(const InfoOptions& options, std::ostream& out) {
-  const ModuleChoice choice = ChooseModule(options.engine, options.module);
-  const Page page = LoadPage();
-  const EffectModule effect(choice);
-  out << "Module " << choice.file.filename().string() << ", engine " << choice.engine->name << '\n';
-  ListEngines(*choice.engine, out);
+void ListClasses(const EffectModule& effect, std::ostream& out) {
   out << "\nClasses\n";
   for (const EffectModule::ClassText& text : effect.Classes()) {
     out << "  " << text.guid << "\n    " << text.base << "\n    " << text.text << '\n';
   }
+}
+
+void ListParameters(const Page& page, std::ostream& out) {
   out << "\nParameters\n";
   for (const Parameter& parameter : page.Parameters()) {
     out << "  " << std::left << std::setw(16) << parameter.key << parameter.label << '\n'
-        << "    allowed " << parameter.Allowed() << "; default "
-        << parameter.Show(parameter.initial);
-    if (!parameter.option.empty()) {
-      out << "; option " << parameter.option;
+        << "    " << parameter.Allowed() << "; default " << parameter.Show(parameter.initial);
+    for (const PageOption* option :
+         {page.SharedOptionOf(parameter.key), page.OptionOf(parameter.key)}) {
+      if (option != nullptr) {
+        out << "; option --" << option->name;
+      }
     }
     out << '\n';
   }
 }
+
+class InfoCommand final : public Command {
+ public:
+  void AddOptions(OptionSet* options) override {
+    AddEngine(options, &engine_);
+    AddModule(options, &module_);
+  }
+
+  int Run(std::ostream& out) override {
+    const ModuleChoice choice = ChooseModule(engine_, module_);
+    const Page page = LoadPage();
+    const EffectModule effect(choice);
+    out << "Module " << choice.file.filename().string() << ", engine " << choice.engine->name
+        << '\n';
+    ListEngines(*choice.engine, out);
+    ListClasses(effect, out);
+    ListParameters(page, out);
+    return kExitDone;
+  }
+
+ private:
+  std::string engine_;
+  std::string module_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeInfoCommand() { return std::make_unique<InfoCommand>(); }
 
 }  // namespace glimmerhost

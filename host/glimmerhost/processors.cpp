@@ -19,8 +19,10 @@ void NarrowProcessors(const std::string& count) {
   double wanted = 0.0;
   if (!ParseNumber(count, &wanted) || wanted != std::floor(wanted) || wanted < 1.0 ||
       wanted > available) {
-    throw UsageError("--threads " + count + ": allowed is a whole number from 1 to " +
-                     std::to_string(available) + ", the processors that this process may run on");
+    throw MustBe("--threads",
+                 "a whole number from 1 to " + std::to_string(available) +
+                     ", the processors that this process may run on",
+                 count);
   }
   if (!KeepProcessors(static_cast<int>(wanted))) {
     throw Failure("--threads " + count + ": this system refuses it");

@@ -1,5 +1,4 @@
-#include "host/glimmerhost/psf_command.h"
-
+// glimmerhost psf: what a point of light becomes, as a picture to look at.
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -9,8 +8,11 @@
 #include <vector>
 
 #include "fftlib/planes/emphasis_curve.h"
+#include "host/glimmerhost/command.h"
 #include "host/glimmerhost/processors.h"
+#include "host/glimmerhost/run_options.h"
 #include "host/looks/keyframed_values.h"
+#include "host/looks/keys.h"
 #include "host/looks/page_file.h"
 #include "host/looks/units.h"
 #include "host/module/effect_module.h"
@@ -90,7 +92,7 @@ int ParseZoom(const std::string& text, int side) {
   }
   double zoom = 0.0;
   if (!ParseNumber(text, &zoom) || zoom != std::floor(zoom) || zoom < 1.0 || zoom > kLargest) {
-    throw UsageError("--zoom " + text + ": allowed is a whole number from 1 to 64");
+    throw MustBe("--zoom", "a whole number from 1 to 64", text);
   }
   return static_cast<int>(zoom);
 }
@@ -125,28 +127,36 @@ Picture Enlarge(const Picture& frame, Point light, int reach, const std::string&
   return picture;
 }
 
-}  // namespace
+// Without a pixel aspect it is 1:1.
+struct PsfOptions : RunOptions {
+  std::string size = "1920x1080";  // of the frame that the aperture is for
+  std::string zoom;                // a count, or empty for what makes some 512 pixels
+};
 
+// Renders one bright pixel through the module and writes what came of it: grey, the
+// brightest spot white, the pixel itself in the middle, each pixel enlarged to a square.
+// Throws Failure or UsageError; there is no output then.
 void RunPsf(const PsfOptions& options) {
   NarrowProcessors(options.threads);
   const ModuleChoice choice = ChooseModule(options.engine, options.module);
   const Page page = LoadPage();
+  const std::vector<LookLayer> layers = ReadLayers(page, options.look);
+  const PictureLook look = PictureLookOf(page, layers);
   const auto [width, height] = ParseSize("--size", options.size);
-  const quantel::cSize2 pixelAspect = options.pixelAspect.empty()
+  const quantel::cSize2 pixelAspect = look.pixelAspect.empty()
                                           ? quantel::cSize2{1, 1}
-                                          : ParseRatio("--pixel-aspect", options.pixelAspect);
-  auto values = MakeStoreValues(page, options.values, width, height);
-  constexpr int kImage = 3;
-  if (std::get<int>(values.at("PRM_Shape")) == kImage && options.spread.empty()) {
-    throw UsageError("--shape image: psf needs --spread, a picture to cut the aperture from");
+                                          : ParseRatio("--pixel-aspect", look.pixelAspect);
+  auto values = StillValues(page, layers, width, height);
+  if (ShapeOf(values) == Shape::kImage && look.spread.empty()) {
+    throw UsageError("--shape image needs --spread here, a picture to cut the aperture from");
   }
   CheckGrid(*choice.engine, values, width, height);
-  values["PRM_Emphasis"] = kEmphasis;
+  values[kEmphasisKey] = kEmphasis;
   ParseZoom(options.zoom, 1);
   PictureOutput output(Utf8Path(options.output), options.overwrite);
   Progress progress(!options.quiet);
   std::vector<std::string> remarks;
-  const auto spread = OpenSpread(Utf8Path(options.spread), width, height, true, &remarks);
+  const auto spread = OpenSpread(Utf8Path(look.spread), width, height, true, &remarks);
   progress.WarnAll(remarks);
 
   Picture frame = BlackPicture(width, height);
@@ -168,5 +178,38 @@ void RunPsf(const PsfOptions& options) {
   output.Write(Enlarge(frame, light, Reach(frame, light) + kBorder, options.zoom), 16);
   progress.Finish(options.output);
 }
+
+class PsfCommand final : public Command {
+ public:
+  void AddOptions(OptionSet* options) override {
+    AddOutput(options, &options_);
+    AddLook(options, LoadPage(), false, &options_);
+    const std::string group = "Picture of the aperture";
+    options->Value(
+        "--size", &options_.size,
+        {group, "WIDTHxHEIGHT", "The frame that it is for (default " + options_.size + ")"});
+    options->Value("--zoom", &options_.zoom,
+                   {group, "COUNT",
+                    "Side of the square that shows a pixel, 1 to 64 (default: what makes the "
+                    "picture some 512 pixels wide)"});
+    AddLookFiles(options, &options_);
+    AddPixelAspect(options, "1:1", &options_);
+    AddThreads(options, &options_.threads);
+    AddRunning(options, &options_);
+    AddEngine(options, &options_.engine);
+  }
+
+  int Run(std::ostream& /*out*/) override {
+    RunPsf(options_);
+    return kExitDone;
+  }
+
+ private:
+  PsfOptions options_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakePsfCommand() { return std::make_unique<PsfCommand>(); }
 
 }  // namespace glimmerhost

@@ -1,5 +1,4 @@
-#include "host/glimmerhost/submit_command.h"
-
+// glimmerhost submit: a shot in chunks, by processes on this machine or by the jobs of a farm.
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
@@ -13,9 +12,11 @@
 #include "host/farm/chunk_report.h"
 #include "host/farm/farm_engine.h"
 #include "host/farm/farm_job.h"
-#include "host/looks/look_layers.h"
+#include "host/glimmerhost/command.h"
+#include "host/glimmerhost/render_plan.h"
+#include "host/glimmerhost/typed_arguments.h"
+#include "host/looks/keyframed_values.h"
 #include "host/looks/page_file.h"
-#include "host/looks/parameter_file.h"
 #include "host/module/module_choice.h"
 #include "host/pictures/picture_file.h"
 #include "host/render/explain.h"
@@ -33,6 +34,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
+struct SubmitOptions : RenderOptions {
+  // Where chunks are rendered, and by which engine of the effect: up to one word for each.
+  std::vector<std::string> engines;
+  std::string jobs;                 // processes at once; empty for one
+  std::vector<std::string> sbatch;  // options of sbatch
+};
+
 // What the chunks are given otherwise, or is no business of theirs.
 const std::set<std::string>& KeptOptions() {
   static const std::set<std::string> kept = {"--jobs",    "--sbatch",   "--chunk",
@@ -48,15 +56,16 @@ struct Engines {
   std::string farm;
   std::string module;
 };
+
 UsageError GivenTwice(const std::string& word, const std::string& before) {
-  return UsageError("--engine " + word + ": given is --engine " + before + " already");
+  return UsageError("--engine " + word + " cannot be given beside --engine " + before);
 }
 
 Engines PartEngines(const std::vector<std::string>& words) {
   Engines engines;
   for (const std::string& word : words) {
     if (!IsFarm(word) && lx::FindFootprint(word) == nullptr) {
-      throw UsageError("--engine " + word + ": allowed is local or slurm, and " + EngineNames());
+      throw MustBe("--engine", "local or slurm, and " + EngineNames(), word);
     }
     std::string& kind = IsFarm(word) ? engines.farm : engines.module;
     if (!kind.empty()) {
@@ -77,8 +86,7 @@ std::size_t ParseCount(const std::string& option, const std::string& text, std::
   std::size_t count = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
   if (error != std::errc() || end != text.data() + text.size() || count == 0 || count > kMost) {
-    throw UsageError(option + " " + text + ": allowed is a whole number from 1 to " +
-                     std::to_string(kMost));
+    throw MustBe(option, "a whole number from 1 to " + std::to_string(kMost), text);
   }
   return count;
 }
@@ -86,21 +94,20 @@ std::size_t ParseCount(const std::string& option, const std::string& text, std::
 // What one engine has and the other has not.
 void RefuseStrangers(const SubmitOptions& options) {
   if (IsLocal(options) && !options.sbatch.empty()) {
-    throw UsageError("--sbatch " + options.sbatch.front() + ": allowed with --engine slurm alone");
+    throw UsageError("--sbatch " + options.sbatch.front() + " needs --engine slurm");
   }
   if (!IsLocal(options) && !options.jobs.empty()) {
     throw UsageError("--jobs " + options.jobs +
-                     ": allowed with --engine local alone; Slurm runs as many as it can");
+                     " needs --engine local: Slurm runs as many as it can");
   }
   for (const std::string& option : options.sbatch) {
     if (option.size() < 2 || option.front() != '-') {
-      throw UsageError("--sbatch " + option +
-                       ": allowed is an option of sbatch in one word, such as --partition=long");
+      throw MustBe("--sbatch", "an option of sbatch in one word, such as --partition=long", option);
     }
   }
-  for (const auto& [name, file] : {std::pair{"INPUT ", options.input}, {"-o ", options.output}}) {
+  for (const auto& [name, file] : {std::pair{"INPUT", options.input}, {"-o", options.output}}) {
     if (file == kPipe) {
-      throw UsageError(name + file + ": allowed are the names of files, which each chunk opens");
+      throw MustBe(name, "the name of files, which each chunk opens", file);
     }
   }
 }
@@ -156,22 +163,21 @@ FarmJob MakeJob(const SubmitOptions& options, const std::vector<TypedArgument>& 
 
 // What every chunk would complain of, before there is one; and what stands there and is not to be
 // gone on with, as no chunk would see it: to them it may be what they did before they were lost.
-void CheckOutputs(const SubmitOptions& options, const ShotPlan& plan, const FarmJob& job) {
+void CheckOutputs(const RenderPlan& plan, const FarmJob& job) {
   std::error_code error;
   const auto refuse = [&](const fs::path& file) {
-    if (!options.overwrite && !options.skipExisting && fs::exists(file, error)) {
+    if (!plan.settings.overwrite && !plan.settings.skipExisting && fs::exists(file, error)) {
       throw Failure(file.string() +
-                    ": it exists already; --skip-existing goes on with it, --overwrite replaces "
-                    "it");
+                    ": exists already; --skip-existing goes on with it, --overwrite replaces it");
     }
   };
-  for (const FrameFiles& files : plan.files) {
+  for (const FrameFiles& files : plan.shot.files) {
     refuse(files.output);
     const PictureOutput output(files.output, true);
   }
   const fs::path folder = job.Manifest(1).parent_path();
   if (!folder.empty() && !fs::is_directory(folder, error)) {
-    throw Failure(folder.string() + ": there is no such folder");
+    throw Failure(folder.string() + ": not found");
   }
   for (std::size_t chunk = 1; chunk <= job.chunks; ++chunk) {
     refuse(job.Manifest(chunk));
@@ -210,8 +216,8 @@ SlurmSettings ForSlurm(const SubmitOptions& options, const ShotPlan& plan,
     slurm.memory = WithHeadroom(*foreseen);
   } else if (!NamesMemory(options.sbatch)) {
     throw MissingInput(plan.files.front().input.string() +
-                       ": there is no such file, and so the memory of a chunk is not known; "
-                       "--sbatch --mem=SIZE says it");
+                       ": not found, so the memory of a chunk is not known; --sbatch --mem=SIZE "
+                       "says it");
   }
   if (!options.threads.empty()) {
     slurm.processors = std::to_string(ParseCount("--threads", options.threads, 1));
@@ -229,49 +235,117 @@ void ShowChunks(const FarmJob& job, std::ostream& out) {
   }
 }
 
-}  // namespace
+// The engine of Slurm or of this machine.
+//   listener  must outlive it
+std::unique_ptr<FarmEngine> MakeEngine(const SubmitOptions& options, const RenderPlan& plan,
+                                       const std::optional<ShotForesight>& foreseen,
+                                       ChunkListener* listener) {
+  return IsLocal(options) ? MakeLocalEngine(ParseCount("--jobs", options.jobs, 1), listener)
+                          : MakeSlurmEngine(ForSlurm(options, plan.shot, foreseen));
+}
 
-int RunSubmit(const SubmitOptions& given, const std::vector<TypedArgument>& typed,
-              std::ostream& out) {
-  RefuseStrangers(given);
-  SubmitOptions options = given;
-  options.engine = PartEngines(options.engines).module;
-  const ShotSettings settings = ParseSettings(options);
-  const ShotReport::Form form = ShotReport::ParseForm(options.progress, options.quiet);
-  const ShotPlan plan =
-      PlanShot({options.input, options.output, options.spread, options.frames, ""});
-  const Page page = LoadPage();
-  const ModuleChoice choice = ChooseModule(options.engine, options.module);
-  if (options.explain) {
-    Explain(*choice.engine, page, settings, plan, out);
-    return kExitDone;
-  }
-  const FarmJob job = MakeJob(options, typed, plan);
-  CheckOutputs(options, plan, job);
-  const std::optional<ShotForesight> foreseen = Foreseen(*choice.engine, page, settings, plan);
+void WarnOfTooLarge(const lx::Footprint& engine, const std::optional<ShotForesight>& foreseen) {
   if (foreseen && foreseen->byGrid.contains(kTooLarge)) {
     std::cerr << "glimmerhost: frames " + ShowFrames(foreseen->byGrid.at(kTooLarge)) +
-                     " are too large: the grid ends at " +
-                     std::to_string(choice.engine->largestSide) + ", and they will fail\n";
+                     " are too large: the grid ends at " + std::to_string(engine.largestSide) +
+                     ", and they will fail\n";
   }
-  ShotReport report(options.dryRun || !IsLocal(options) ? ShotReport::Form::kQuiet : form,
-                    plan.files.size(), plan.isShot);
-  ChunkReport listener(job, &report, options.keepGoing);
-  const std::unique_ptr<FarmEngine> engine =
-      IsLocal(options) ? MakeLocalEngine(ParseCount("--jobs", options.jobs, 1), &listener)
-                       : MakeSlurmEngine(ForSlurm(options, plan, foreseen));
-  if (options.dryRun) {
+}
+
+// Cuts the shot, and renders the chunks or hands them over. When it throws, nothing has been handed
+// over.
+//   typed  all that the command was given: what it is not alone in knowing goes to the chunks
+int Submit(const Page& page, const SubmitOptions& options, const RenderPlan& plan,
+           const std::vector<TypedArgument>& typed, std::ostream& out) {
+  const FarmJob job = MakeJob(options, typed, plan.shot);
+  CheckOutputs(plan, job);
+  const lx::Footprint& effect = *plan.module.engine;
+  const std::optional<ShotForesight> foreseen = Foreseen(effect, page, plan.settings, plan.shot);
+  WarnOfTooLarge(effect, foreseen);
+  ShotReport report(plan.dryRun || !IsLocal(options) ? ShotReport::Form::kQuiet : plan.report,
+                    plan.shot.files.size(), plan.shot.isShot);
+  ChunkReport listener(job, &report, plan.settings.keepGoing);
+  const std::unique_ptr<FarmEngine> engine = MakeEngine(options, plan, foreseen, &listener);
+  if (plan.dryRun) {
     ShowChunks(job, out);
     engine->Show(job, out);
     return kExitDone;
   }
-  if (!options.saveParams.empty()) {
-    SaveParameters(Utf8Path(options.saveParams), UsedLook(page, settings.layers),
-                   options.overwrite);
-  }
+  SaveLook(page, plan);
   // Numbers of jobs are no progress.
   std::ostream nowhere(nullptr);
   return engine->Run(job, options.quiet && IsLocal(options) ? nowhere : out);
 }
+
+std::vector<std::string> EngineChoices() {
+  std::vector<std::string> choices = {"local"};
+  if (kHasSlurm) {
+    choices.emplace_back("slurm");
+  }
+  for (const std::string& engine : EngineList()) {
+    choices.push_back(engine);
+  }
+  return choices;
+}
+
+class SubmitCommand final : public Command {
+ public:
+  void AddOptions(OptionSet* options) override {
+    parser_ = &options->Parser();
+    page_ = LoadPage();
+    AddRenderOptions(options, page_, &options_);
+    options->Value("--chunk", &options_.chunk,
+                   {kShotGroup, "COUNT",
+                    "The most frames of a chunk. Chunks are consecutive frames of the list, as "
+                    "even as can be (default 20; locally every process gets a chunk)"});
+    const std::string farm = "Farm";
+    options->Values(
+        "--engine", &options_.engines,
+        {farm, "NAME",
+         std::string("local (default): processes on this machine") +
+             (kHasSlurm ? "; slurm: an array of Slurm jobs, and one for the check" : "") +
+             ". It may be given once more, with what the effect transforms by: " + EngineNames() +
+             " (default " + kDefaultEngine + ")",
+         EngineChoices()});
+    options->Value("--jobs", &options_.jobs,
+                   {farm, "COUNT",
+                    "local: processes at once (default 1, as one frame takes all processors). With "
+                    "more, --threads says how many processors each of them has"});
+    options->Values("--sbatch", &options_.sbatch,
+                    {farm,
+                     "OPTION",
+                     "slurm: an option for sbatch in one word (--partition=long), over those "
+                     "that come from the shot. May be given more than once",
+                     {},
+                     kHasSlurm});
+  }
+
+  std::string Notes() const override {
+    return "Each chunk is a glimmerhost render --chunk K/N --skip-existing. Its manifest\n"
+           "lies beside the output, or is called after --manifest:\n"
+           "out.manifest.0003-of-0012.jsonl. In the end glimmerhost check compares the\n"
+           "frames with all manifests. --dry-run prints what would be run.\n";
+  }
+
+  int Run(std::ostream& out) override {
+    RefuseStrangers(options_);
+    options_.engine = PartEngines(options_.engines).module;
+    const RenderPlan plan = PlanSubmit(page_, options_);
+    if (plan.explain) {
+      Explain(*plan.module.engine, page_, plan.settings, plan.shot, out);
+      return kExitDone;
+    }
+    return Submit(page_, options_, plan, TypedArguments(*parser_), out);
+  }
+
+ private:
+  const CLI::App* parser_ = nullptr;
+  Page page_;
+  SubmitOptions options_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeSubmitCommand() { return std::make_unique<SubmitCommand>(); }
 
 }  // namespace glimmerhost

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "baselib/utils/convert.h"
+#include "host/looks/keys.h"
 
 namespace glimmerhost {
 namespace {
@@ -20,22 +21,19 @@ std::uint64_t PictureBytes(int width, int height) {
 
 // The effect keeps radii as floats, so one a trace above a whole number counts as that.
 double ApertureRadius(const std::map<std::string, Value>& values, int width) {
-  constexpr int kCircle = 0;
-  constexpr int kPolygon = 2;
-  constexpr int kImage = 3;
-  const int shape = std::get<int>(values.at("PRM_Shape"));
+  const Shape shape = ShapeOf(values);
   const auto pixels = [&](const char* key) {
     return lx::NarrowToFloat(std::get<double>(values.at(key)) * width * 0.5);
   };
-  if (shape == kImage) {
-    const auto [inner, outer] = std::minmax({pixels("PRM_RadiusPSF1"), pixels("PRM_RadiusPSF2")});
+  if (shape == Shape::kImage) {
+    const auto [inner, outer] = std::minmax({pixels(kRadiusPsf1Key), pixels(kRadiusPsf2Key)});
     // The soft edge is at least a pixel wide.
     return double{inner} + std::max(lx::NarrowToFloat(double{outer} - inner), 1.0F);
   }
   const bool xOnly =
-      shape == kCircle || (shape == kPolygon && std::get<bool>(values.at("PRM_Match")));
-  const float x = pixels("PRM_RadiusX");
-  return std::max({x, xOnly ? x : pixels("PRM_RadiusY"), 0.5F});
+      shape == Shape::kCircle || (shape == Shape::kPolygon && std::get<bool>(values.at(kMatchKey)));
+  const float x = pixels(kRadiusXKey);
+  return std::max({x, xOnly ? x : pixels(kRadiusYKey), 0.5F});
 }
 
 Foresight Foresee(const lx::Footprint& engine, const std::map<std::string, Value>& values,

@@ -115,7 +115,7 @@ class Listener : public nlohmann::json_sax<nlohmann::json> {
 
   [[noreturn]] void Refuse() const {
     if (!isOpen_) {
-      throw UsageError(Place(line_) + ": allowed is an object of values, {\"version\": 1, ...}");
+      throw UsageError(Place(line_) + ": must be an object of values, {\"version\": 1, ...}");
     }
     throw UsageError(Place(nameLine_) + ": " + OneLine(name_) + kAllowedValues);
   }

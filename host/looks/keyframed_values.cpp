@@ -8,6 +8,7 @@
 #include <iterator>
 #include <utility>
 
+#include "host/looks/keys.h"
 #include "host/looks/units.h"
 #include "host/support/failure.h"
 
@@ -16,8 +17,8 @@ namespace glimmerhost {
 namespace {
 
 std::string NoEndFor(const std::string& name, const std::string& text, int time) {
-  return name + " " + text + ": allowed is a time from the end (" + std::to_string(time) +
-         ") where --frames says how many pictures the pipe holds";
+  return name + " " + text + ": a time from the end (" + std::to_string(time) +
+         ") needs --frames, which says how many pictures the pipe holds";
 }
 
 }  // namespace
@@ -32,37 +33,22 @@ class KeyframedValues::Setter {
          std::map<std::string, Track>* tracks)
       : page_(page), span_(span), origin_(std::move(origin)), tracks_(*tracks) {}
 
-  void Text(const char* key, const char* option, const std::string& text) {
-    const Parameter& parameter = page_.Find(key);
-    const std::string name = origin_ + option;
-    Put(parameter, name, text, [&](const auto& value) { return parameter.Parse(name, value); });
-  }
-
-  void Radius(const char* key, const char* option, const std::string& text, int width) {
-    const Parameter& parameter = page_.Find(key);
-    const std::string name = origin_ + option;
-    Put(parameter, name, text, [&](const auto& value) {
-      return parameter.Check(name, value, ParseRadius(name, value, width));
-    });
-  }
-
-  void Point(const char* option, const std::string& text, int width, int height) {
-    const std::string name = origin_ + option;
-    const auto put = [&](const char* key, double Fractions::*side) {
+  // What a look says under the option's name.
+  void Option(const PageOption& option, const std::string& text, int width, int height) {
+    const std::string name = origin_ + option.name;
+    for (const std::string& key : option.keys) {
       const Parameter& parameter = page_.Find(key);
-      Put(parameter, name, text, [&](const auto& value) {
-        return parameter.Check(name, value, ParsePoint(name, value, width, height).*side);
+      Put(parameter, name, text, [&](const std::string& value) {
+        return ValueOf(parameter, name, value, width, height);
       });
-    };
-    put("PRM_Center_X", &Fractions::x);
-    put("PRM_Center_Y", &Fractions::y);
+    }
   }
 
   void Assignment(const std::string& text) {
-    const std::string name = origin_ + "set ";
+    const std::string name = origin_ + "set";
     const std::size_t equals = text.find('=');
     if (equals == std::string::npos) {
-      throw UsageError(name + text + ": allowed is KEY=VALUE (PRM_Sides=5)");
+      throw MustBe(name, std::string("KEY=VALUE (") + kSidesKey + "=5)", text);
     }
     try {
       const Parameter& parameter = page_.Find(text.substr(0, equals));
@@ -71,11 +57,26 @@ class KeyframedValues::Setter {
       // An empty value is an option that was not given, but here it was.
       value.empty() ? (void)parse(value) : Put(parameter, parameter.key, value, parse);
     } catch (const UsageError& fault) {
-      throw UsageError(name + fault.what());
+      throw UsageError(name + ": " + fault.what());
     }
   }
 
  private:
+  static Value ValueOf(const Parameter& parameter, const std::string& name, const std::string& text,
+                       int width, int height) {
+    switch (parameter.measure) {
+      case Measure::kRadius:
+        return parameter.ParseRadius(name, text, width);
+      case Measure::kX:
+        return parameter.Check(name, text, ParsePoint(name, text, width, height).x);
+      case Measure::kY:
+        return parameter.Check(name, text, ParsePoint(name, text, width, height).y);
+      case Measure::kPlain:
+        break;
+    }
+    return parameter.Parse(name, text);
+  }
+
   void Put(const Parameter& parameter, const std::string& name, const std::string& text,
            const Parse& parse) {
     if (text.empty()) {
@@ -109,7 +110,7 @@ class KeyframedValues::Setter {
         values->begin(), values->end(),
         [](const TimedValue& a, const TimedValue& b) { return a.time == b.time; });
     if (twin != values->end()) {
-      throw UsageError(name + " " + text + ": allowed is one keyframe a time; two are at " +
+      throw UsageError(name + " " + text + ": two keyframes are at the time " +
                        std::to_string(twin->time));
     }
   }
@@ -127,22 +128,11 @@ KeyframedValues::KeyframedValues(const Page& page, const std::vector<LookLayer>&
     tracks_[parameter.key] = {parameter, {{0, Course::kHeld, parameter.initial}}};
   }
   for (const auto& [origin, look] : layers) {
-    const TypedValues& values = look.values;
     Setter set(page, span_, origin, &tracks_);
-    set.Text("PRM_Shape", "shape", values.shape);
-    set.Text("PRM_Match", "match", values.match);
-    set.Radius("PRM_RadiusX", "radius", values.radius, width);
-    set.Radius("PRM_RadiusY", "radius", values.radius, width);
-    set.Radius("PRM_RadiusX", "radius-x", values.radiusX, width);
-    set.Radius("PRM_RadiusY", "radius-y", values.radiusY, width);
-    set.Text("PRM_Sides", "sides", values.sides);
-    set.Text("PRM_Rotation", "rotation", values.rotation);
-    set.Text("PRM_Emphasis", "emphasis", values.emphasis);
-    set.Text("PRM_EmphAlpha", "emph-alpha", values.emphAlpha);
-    set.Point("center", values.center, width, height);
-    set.Radius("PRM_RadiusPSF1", "radius-psf1", values.radiusPsf1, width);
-    set.Radius("PRM_RadiusPSF2", "radius-psf2", values.radiusPsf2, width);
-    for (const std::string& assignment : values.set) {
+    for (const PageOption& option : page.Options()) {
+      set.Option(option, look.At(option.name), width, height);
+    }
+    for (const std::string& assignment : look.set) {
       set.Assignment(assignment);
     }
   }

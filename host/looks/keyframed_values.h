@@ -18,11 +18,6 @@ class KeyframedValues {
   KeyframedValues(const Page& page, const std::vector<LookLayer>& layers, int width, int height,
                   const ShotSpan& span);
 
-  // The same for what was typed. Throws what reading its files throws, too.
-  KeyframedValues(const Page& page, const TypedValues& typed, int width, int height,
-                  const ShotSpan& span)
-      : KeyframedValues(page, ReadLayers({typed, {}, {}, {}}), width, height, span) {}
-
   // The values of a frame, whatever frames are asked for before it.
   std::map<std::string, Value> At(int frame) const;
 
@@ -50,9 +45,10 @@ class KeyframedValues {
 };
 
 // The values for one picture of that size, which is the first of its shot and its last.
-inline std::map<std::string, Value> MakeStoreValues(const Page& page, const TypedValues& typed,
-                                                    int width, int height) {
-  return KeyframedValues(page, typed, width, height, {}).At(0);
+inline std::map<std::string, Value> StillValues(const Page& page,
+                                                const std::vector<LookLayer>& layers, int width,
+                                                int height) {
+  return KeyframedValues(page, layers, width, height, {}).At(0);
 }
 
 }  // namespace glimmerhost

@@ -72,7 +72,7 @@ std::vector<KeyframeText> ParseKeyframes(const std::string& name, const std::str
     if (!ParseOne(Trimmed(rest.substr(0, end)), &key)) {
       std::string what = name;
       what.append(" ").append(text).append(
-          ": allowed is a value, or keyframes TIME=VALUE; TIME~=VALUE; TIME|=VALUE "
+          ": must be a value, or keyframes TIME=VALUE; TIME~=VALUE; TIME|=VALUE "
           "(0=50; 24~=60; -1=220)");
       throw UsageError(what);
     }

@@ -1,40 +1,42 @@
 #include "host/looks/look.h"
 
+#include <algorithm>
+
 namespace glimmerhost {
+namespace {
 
-std::span<const LookName> LookNames() {
-  static const LookName names[] = {
-      {"shape", &TypedValues::shape, {"PRM_Shape"}},
-      {"radius", &TypedValues::radius, {"PRM_RadiusX", "PRM_RadiusY"}},
-      {"radius-x", &TypedValues::radiusX, {"PRM_RadiusX"}},
-      {"radius-y", &TypedValues::radiusY, {"PRM_RadiusY"}},
-      {"match", &TypedValues::match, {"PRM_Match"}},
-      {"sides", &TypedValues::sides, {"PRM_Sides"}},
-      {"rotation", &TypedValues::rotation, {"PRM_Rotation"}},
-      {"spread", &Look::spread, {"spread"}},
-      {"center", &TypedValues::center, {"PRM_Center_X", "PRM_Center_Y"}},
-      {"radius-psf1", &TypedValues::radiusPsf1, {"PRM_RadiusPSF1"}},
-      {"radius-psf2", &TypedValues::radiusPsf2, {"PRM_RadiusPSF2"}},
-      {"emphasis", &TypedValues::emphasis, {"PRM_Emphasis"}},
-      {"emph-alpha", &TypedValues::emphAlpha, {"PRM_EmphAlpha"}},
-      {"alpha", &Look::alpha, {"alpha"}},
-      {"pixel-aspect", &Look::pixelAspect, {"pixel-aspect"}},
-  };
+std::map<std::string, std::string> Given(const Look& look) {
+  std::map<std::string, std::string> texts = look.texts;
+  std::erase_if(texts, [](const auto& text) { return text.second.empty(); });
+  return texts;
+}
+
+}  // namespace
+
+const std::string& Look::At(const std::string& name) const {
+  static const std::string none;
+  const auto found = texts.find(name);
+  return found == texts.end() ? none : found->second;
+}
+
+bool Look::operator==(const Look& other) const {
+  return Given(*this) == Given(other) && set == other.set;
+}
+
+std::vector<LookName> LookNames(const Page& page) {
+  std::vector<LookName> names;
+  for (const PageOption& option : page.Options()) {
+    names.push_back(
+        {option.name, option.keys.empty() ? std::vector{option.name} : option.keys});
+  }
+  for (const char* name : {kSpread, kAlpha, kPixelAspect}) {
+    const bool known = std::any_of(names.begin(), names.end(),
+                                   [&](const LookName& one) { return one.name == name; });
+    if (!known) {
+      names.push_back({name, {name}});
+    }
+  }
   return names;
-}
-
-std::string& TextOf(const LookName& name, Look* look) {
-  if (const auto* value = std::get_if<std::string TypedValues::*>(&name.text)) {
-    return look->values.**value;
-  }
-  return look->*std::get<std::string Look::*>(name.text);
-}
-
-const std::string& TextOf(const LookName& name, const Look& look) {
-  if (const auto* value = std::get_if<std::string TypedValues::*>(&name.text)) {
-    return look.values.**value;
-  }
-  return look.*std::get<std::string Look::*>(name.text);
 }
 
 }  // namespace glimmerhost

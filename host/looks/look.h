@@ -1,37 +1,40 @@
-// Look: everything that decides what becomes of a frame, as it is typed. Parameter files hold
-// looks.
+// Look: everything that decides what becomes of a frame, as it is typed. Look files hold it.
 #pragma once
 
-#include <span>
+#include <map>
 #include <string>
-#include <variant>
 #include <vector>
 
-#include "host/looks/render_settings.h"
+#include "host/looks/page.h"
 
 namespace glimmerhost {
 
-// An empty text was not given.
+// Texts of a look that are no parameters of the effect.
+inline constexpr const char* kSpread = "spread";             // a picture file, or a sequence
+inline constexpr const char* kAlpha = "alpha";               // premultiplied or as-is
+inline constexpr const char* kPixelAspect = "pixel-aspect";  // A:B
+
 struct Look {
-  TypedValues values;
-  std::string spread;       // a picture file, or a sequence of them
-  std::string pixelAspect;  // A:B
-  std::string alpha;        // premultiplied or as-is
+  // By the names of options without their dashes. An empty text was not given, as one that is not
+  // there. Each may be a value or keyframes.
+  std::map<std::string, std::string> texts;
+  std::vector<std::string> set;  // KEY=VALUE: parameters by their keys, over all texts
 
-  bool operator==(const Look&) const = default;
+  std::string& operator[](const std::string& name) { return texts[name]; }
+
+  // Empty if it was not given.
+  const std::string& At(const std::string& name) const;
+
+  bool operator==(const Look& other) const;
 };
 
-// One of a look's texts.
+// A name that a look may have, and what it decides: keys of the store, or itself.
 struct LookName {
-  const char* name;  // of its option without dashes, and in files
-  std::variant<std::string TypedValues::*, std::string Look::*> text;
-  std::vector<std::string> decides;  // keys of the store, or itself
+  std::string name;
+  std::vector<std::string> decides;
 };
 
-// All of them, each before those that are more exact: the radius before the radius of a side.
-std::span<const LookName> LookNames();
-
-std::string& TextOf(const LookName& name, Look* look);
-const std::string& TextOf(const LookName& name, const Look& look);
+// Each before those that are more exact: the radius before the radius of a side.
+std::vector<LookName> LookNames(const Page& page);
 
 }  // namespace glimmerhost

@@ -9,42 +9,41 @@
 namespace glimmerhost {
 namespace {
 
-constexpr const char* kAlpha = "premultiplied";
+constexpr const char* kUsualAlpha = "premultiplied";
 
 std::string KeyOf(const std::string& assignment) {
   return assignment.substr(0, assignment.find('='));
 }
 
 // Takes away what is decided anew.
-void Override(const std::vector<std::string>& decided, Look* look) {
+void Override(const std::vector<LookName>& names, const std::vector<std::string>& decided,
+              Look* look) {
   const auto isDecided = [&](const std::string& key) {
     return std::find(decided.begin(), decided.end(), key) != decided.end();
   };
-  for (const LookName& name : LookNames()) {
+  for (const LookName& name : names) {
     if (std::all_of(name.decides.begin(), name.decides.end(), isDecided)) {
-      TextOf(name, look).clear();
+      look->texts.erase(name.name);
     }
   }
-  std::erase_if(look->values.set,
+  std::erase_if(look->set,
                 [&](const std::string& assignment) { return isDecided(KeyOf(assignment)); });
 }
 
+// A key has its own option, or shares one with keys that have none either: a point. Others can only
+// be set by their keys.
 Look DefaultLook(const Page& page) {
   Look look;
-  const auto show = [&](const char* key) {
-    const Parameter& parameter = page.Find(key);
-    return parameter.Show(parameter.initial);
-  };
-  look.values.center = show("PRM_Center_X") + "," + show("PRM_Center_Y");
-  look.alpha = kAlpha;
+  look[kAlpha] = kUsualAlpha;
   for (const Parameter& parameter : page.Parameters()) {
-    for (const LookName& name : LookNames()) {
-      if (parameter.option == std::string("--") + name.name && name.decides.size() == 1) {
-        TextOf(name, &look) = show(parameter.key.c_str());
-      }
-    }
-    if (parameter.option.empty()) {
-      look.values.set.push_back(parameter.key + "=" + show(parameter.key.c_str()));
+    const std::string text = parameter.Show(parameter.initial);
+    if (const PageOption* own = page.OptionOf(parameter.key)) {
+      look[own->name] = text;
+    } else if (const PageOption* shared = page.SharedOptionOf(parameter.key)) {
+      std::string& point = look[shared->name];
+      point += point.empty() ? text : "," + text;
+    } else {
+      look.set.push_back(parameter.key + "=" + text);
     }
   }
   return look;
@@ -52,31 +51,32 @@ Look DefaultLook(const Page& page) {
 
 }  // namespace
 
-std::vector<LookLayer> ReadLayers(const Look& typed) {
+std::vector<LookLayer> ReadLayers(const Page& page, const TypedLook& typed) {
   std::vector<LookLayer> layers;
-  if (!typed.values.preset.empty()) {
-    layers.push_back({"preset " + typed.values.preset + ": ",
-                      ReadParameterFile(PresetFile(typed.values.preset))});
+  if (!typed.preset.empty()) {
+    layers.push_back(
+        {"preset " + typed.preset + ": ", ReadParameterFile(page, PresetFile(typed.preset))});
   }
-  if (!typed.values.file.empty()) {
-    layers.push_back({typed.values.file + ": ", ReadParameterFile(Utf8Path(typed.values.file))});
+  if (!typed.file.empty()) {
+    layers.push_back({typed.file + ": ", ReadParameterFile(page, Utf8Path(typed.file))});
   }
   layers.push_back({"--", typed});
   return layers;
 }
 
-Look MergeLayers(const std::vector<LookLayer>& layers) {
+Look MergeLayers(const Page& page, const std::vector<LookLayer>& layers) {
+  const std::vector<LookName> names = LookNames(page);
   Look merged;
   for (const auto& [origin, look] : layers) {
-    for (const LookName& name : LookNames()) {
-      if (const std::string& text = TextOf(name, look); !text.empty()) {
-        Override(name.decides, &merged);
-        TextOf(name, &merged) = text;
+    for (const LookName& name : names) {
+      if (const std::string& text = look.At(name.name); !text.empty()) {
+        Override(names, name.decides, &merged);
+        merged[name.name] = text;
       }
     }
-    for (const std::string& assignment : look.values.set) {
-      Override({KeyOf(assignment)}, &merged);
-      merged.values.set.push_back(assignment);
+    for (const std::string& assignment : look.set) {
+      Override(names, {KeyOf(assignment)}, &merged);
+      merged.set.push_back(assignment);
     }
   }
   return merged;
@@ -85,14 +85,13 @@ Look MergeLayers(const std::vector<LookLayer>& layers) {
 Look UsedLook(const Page& page, const std::vector<LookLayer>& layers) {
   std::vector<LookLayer> all = {{"", DefaultLook(page)}};
   all.insert(all.end(), layers.begin(), layers.end());
-  return MergeLayers(all);
+  return MergeLayers(page, all);
 }
 
-void SettleLook(const std::vector<LookLayer>& layers, Look* look) {
-  const Look merged = MergeLayers(layers);
-  look->spread = merged.spread;
-  look->pixelAspect = merged.pixelAspect;
-  look->alpha = merged.alpha.empty() ? kAlpha : merged.alpha;
+PictureLook PictureLookOf(const Page& page, const std::vector<LookLayer>& layers) {
+  const Look merged = MergeLayers(page, layers);
+  const std::string& alpha = merged.At(kAlpha);
+  return {merged.At(kSpread), merged.At(kPixelAspect), alpha.empty() ? kUsualAlpha : alpha};
 }
 
 }  // namespace glimmerhost

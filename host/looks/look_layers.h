@@ -9,25 +9,35 @@
 
 namespace glimmerhost {
 
+// What a person asks for.
+struct TypedLook : Look {
+  std::string preset;  // its name; empty for none
+  std::string file;    // a look file over the preset, and under what was typed; empty for none
+};
+
 struct LookLayer {
   std::string origin;  // what an error puts before a name: "--", or "film.toml: "
   Look look;
 };
 
-// The preset's look, the parameter file's and what was typed, each over those before it. Reads
-// the files anew: whoever must be sure of one answer calls it once.
-// Throws what reading the files throws, and UsageError for a preset that there is not.
-std::vector<LookLayer> ReadLayers(const Look& typed);
+// The preset's look, the file's and what was typed, each over those before it. Reads the files
+// anew: whoever must be sure of one answer calls it once.
+// Throws what reading the files throws, and UsageError for an unknown preset.
+std::vector<LookLayer> ReadLayers(const Page& page, const TypedLook& typed);
 
 // One look for the layers, which gives the store the same values as they do. What a layer over
 // it decides is not in it, and every key is set once.
-Look MergeLayers(const std::vector<LookLayer>& layers);
+Look MergeLayers(const Page& page, const std::vector<LookLayer>& layers);
 
 // The same over the page's defaults: all that is used, for saving.
 Look UsedLook(const Page& page, const std::vector<LookLayer>& layers);
 
-// Fills in what decides more than the values of the store, spread, pixel aspect and alpha, from
-// the layers, and alpha's default.
-void SettleLook(const std::vector<LookLayer>& layers, Look* look);
+// What the layers decide beside the values of the store.
+struct PictureLook {
+  std::string spread;       // empty for none
+  std::string pixelAspect;  // A:B; empty for that of the picture's file
+  std::string alpha;        // never empty
+};
+PictureLook PictureLookOf(const Page& page, const std::vector<LookLayer>& layers);
 
 }  // namespace glimmerhost

@@ -1,68 +1,30 @@
-// The page: which parameters the effect has, with their kinds, ranges and defaults, and when a
-// person sees them.
+// The page: which parameters the effect has, when a person sees them, and by which options they are
+// typed.
 //
-// The module has no page of its own, so this host reads one from a data file. The module
-// tells by switches in the store which parts belong to the shape in force.
+// The module has no page of its own, so this host reads one from a data file. That file is the one
+// list of parameters: options, their help, completion, the names in look files and the values of the
+// store come from it. The module tells by switches in the store which parts belong to the shape in
+// force.
 #pragma once
 
 #include <filesystem>
 #include <map>
 #include <string>
-#include <variant>
 #include <vector>
+
+#include "host/looks/parameter.h"
 
 namespace glimmerhost {
 
-enum class Kind {
-  kList,    // one of some entries; the store holds its index from 0
-  kSwitch,  // on or off
-  kNumber,
-  kWhole,  // a whole number, held as a number
-};
-
-// What the store holds under a key: an index, a switch or a number, by kind.
-using Value = std::variant<int, bool, double>;
-
-// When a part of the page is there: if all switches of any one of the groups are on in the
-// store. Without a group it is always there.
-struct Condition {
-  std::vector<std::vector<std::string>> groups;  // keys of switches
-
-  bool Holds(const std::map<std::string, Value>& values) const;
-};
-
-struct Parameter {
-  std::string key;
-  std::string option;  // empty if no option sets it
-  std::string label;
-  Kind kind;
-  Value initial;
-  double lowest = 0.0;  // the range that the page offers
-  double highest = 0.0;
-  double typedLowest = 0.0;  // the range that a typed value may have, at least the offered one
-  double typedHighest = 0.0;
-  std::vector<std::string> entries;  // of a list
-  Condition shown;                   // whether the page shows it
-  Condition enabled;                 // whether the page lets it be changed
-  std::string note;                  // what the page says beside it, and when
-  Condition noteShown;
-
-  // What may be typed, for errors and lists: "a number from 0 to 1", "on or off".
-  std::string Allowed() const;
-
-  // What the page offers: "0 to 1", "circle, ellipse or polygon", "on or off".
-  std::string Offered() const;
-
-  // The value a text stands for. Lists take an entry's name or its index.
-  //   name  how the text's origin is called in an error: an option, or a key
-  // Throws UsageError, which names the origin, the text and what is allowed.
-  Value Parse(const std::string& name, const std::string& text) const;
-
-  // The same for a number that was computed from text.
-  Value Check(const std::string& name, const std::string& text, double number) const;
-
-  // As a person would type it.
-  std::string Show(const Value& value) const;
+// An option of the command line, and a name in look files.
+struct PageOption {
+  std::string name;                  // without dashes
+  std::vector<std::string> keys;     // of the store, that it sets; none for what no parameter is
+  bool isSwitch = false;             // may stand without a value
+  std::string value;                 // what stands for the value in help: "RADIUS"
+  std::vector<std::string> choices;  // the values that it may have, if they are names
+  std::string group;                 // the title under which help has it
+  std::string help;                  // one line, with defaults and ranges
 };
 
 class Page {
@@ -70,7 +32,17 @@ class Page {
   // Throws Failure if the file cannot be read or is not a page.
   static Page Load(const std::filesystem::path& file);
 
+  // In the order of the file.
   const std::vector<Parameter>& Parameters() const { return parameters_; }
+
+  // Group by group. One that sets several keys stands before those that set one of these alone.
+  const std::vector<PageOption>& Options() const { return options_; }
+
+  // The option that sets a key and no other; null if there is none.
+  const PageOption* OptionOf(const std::string& key) const;
+
+  // The first option that sets a key and others with it; null if there is none.
+  const PageOption* SharedOptionOf(const std::string& key) const;
 
   // Throws UsageError, with the nearest known key, if there is none of that name.
   const Parameter& Find(const std::string& key) const;
@@ -79,6 +51,7 @@ class Page {
 
  private:
   std::vector<Parameter> parameters_;
+  std::vector<PageOption> options_;
 };
 
 }  // namespace glimmerhost

@@ -22,9 +22,9 @@ std::vector<ParameterEntry> TomlEntries(const std::string& file, std::string_vie
 std::vector<ParameterEntry> JsonEntries(const std::string& file, std::string_view text);
 
 // A value that is not one of these.
-inline constexpr const char* kAllowedValues = ": allowed is a text, a number, true or false";
+inline constexpr const char* kAllowedValues = " must be a text, a number, true or false";
 
 // What a text that is none of its format fails with.
-inline constexpr const char* kUnreadable = ": it cannot be read as parameters: ";
+inline constexpr const char* kUnreadable = ": cannot be read as a look: ";
 
 }  // namespace glimmerhost

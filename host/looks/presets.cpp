@@ -1,11 +1,8 @@
 #include "host/looks/presets.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <fstream>
-#include <iomanip>
 #include <system_error>
-#include <vector>
 
 #include "host/support/failure.h"
 #include "host/support/nearest.h"
@@ -53,22 +50,17 @@ std::string FirstComment(const fs::path& file) {
 fs::path PresetFile(const std::string& name) {
   const std::vector<std::string> names = Names();
   if (std::find(names.begin(), names.end(), name) == names.end()) {
-    throw UsageError("--preset " + name + ": there is no such preset; the nearest is " +
-                     Nearest(name, names));
+    throw UnknownName("preset", name, names);
   }
   return FileOf(name);
 }
 
-void RunPresets(std::ostream& out) {
-  const std::vector<std::string> names = Names();
-  std::size_t widest = 0;
-  for (const std::string& name : names) {
-    widest = std::max(widest, name.size());
+std::vector<Preset> Presets() {
+  std::vector<Preset> presets;
+  for (const std::string& name : Names()) {
+    presets.push_back({name, FirstComment(FileOf(name))});
   }
-  for (const std::string& name : names) {
-    out << std::left << std::setw(static_cast<int>(widest) + 2) << name
-        << FirstComment(FileOf(name)) << '\n';
-  }
+  return presets;
 }
 
 }  // namespace glimmerhost

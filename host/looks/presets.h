@@ -1,9 +1,9 @@
-// The parameter files that come with the program, for --preset.
+// The looks that come with the program, for --preset.
 #pragma once
 
 #include <filesystem>
-#include <ostream>
 #include <string>
+#include <vector>
 
 namespace glimmerhost {
 
@@ -11,7 +11,12 @@ namespace glimmerhost {
 // the program's presets are missing.
 std::filesystem::path PresetFile(const std::string& name);
 
-// Their names, in order, each with the first comment of its file.
-void RunPresets(std::ostream& out);
+struct Preset {
+  std::string name;
+  std::string summary;  // the first comment of its file
+};
+
+// All of them, in the order of their names. Throws Failure as above.
+std::vector<Preset> Presets();
 
 }  // namespace glimmerhost

@@ -39,18 +39,18 @@ std::string SpreadFrom(const fs::path& folder, const std::string& spread) {
   return (isBelow ? relative : picture).generic_string();
 }
 
-Json EntriesOf(const fs::path& folder, Look look) {
-  if (!look.spread.empty()) {
-    look.spread = SpreadFrom(folder, look.spread);
+Json EntriesOf(const Page& page, const fs::path& folder, Look look) {
+  if (const std::string& spread = look.At(kSpread); !spread.empty()) {
+    look[kSpread] = SpreadFrom(folder, spread);
   }
   Json entries;
   entries["version"] = 1;
-  for (const LookName& name : LookNames()) {
-    if (const std::string& text = TextOf(name, look); !text.empty()) {
+  for (const LookName& name : LookNames(page)) {
+    if (const std::string& text = look.At(name.name); !text.empty()) {
       entries[name.name] = ValueOf(text);
     }
   }
-  for (const std::string& assignment : look.values.set) {
+  for (const std::string& assignment : look.set) {
     const std::size_t equals = assignment.find('=');
     entries[assignment.substr(0, equals)] = ValueOf(assignment.substr(equals + 1));
   }
@@ -72,12 +72,10 @@ std::string InToml(const Json& entries) {
 // What two looks are compared by: the same picture has one name, and the order of assignments to
 // several keys means nothing.
 Look Comparable(Look look) {
-  if (!look.spread.empty()) {
-    look.spread = fs::absolute(Utf8Path(look.spread)).lexically_normal().string();
+  if (const std::string& spread = look.At(kSpread); !spread.empty()) {
+    look[kSpread] = fs::absolute(Utf8Path(spread)).lexically_normal().string();
   }
-  look.values.preset.clear();
-  look.values.file.clear();
-  std::sort(look.values.set.begin(), look.values.set.end());
+  std::sort(look.set.begin(), look.set.end());
   return look;
 }
 
@@ -94,17 +92,17 @@ void Write(const fs::path& file, const std::string& text) {
   }
 }
 
-void SaveInto(const fs::path& file, const Look& used, bool replace) {
+void SaveInto(const Page& page, const fs::path& file, const Look& used, bool replace) {
   if (fs::is_directory(file)) {
-    throw Failure("it is a folder");
+    throw Failure("a folder of that name is there");
   }
   if (!replace && fs::exists(file)) {
-    throw Failure("it exists already; --overwrite replaces it");
+    throw Failure("exists already; --overwrite replaces it");
   }
-  const Json entries = EntriesOf(fs::absolute(file).lexically_normal().parent_path(), used);
+  const Json entries = EntriesOf(page, fs::absolute(file).lexically_normal().parent_path(), used);
   TemporaryFile part(file);
   Write(part.Path(), IsJson(file) ? entries.dump(2) + "\n" : InToml(entries));
-  if (Comparable(ReadParameterFile(part.Path())) != Comparable(used)) {
+  if (Comparable(ReadParameterFile(page, part.Path())) != Comparable(used)) {
     throw Failure("what is in use would not read back the same");
   }
   part.MoveIn(replace);
@@ -112,13 +110,12 @@ void SaveInto(const fs::path& file, const Look& used, bool replace) {
 
 }  // namespace
 
-void SaveParameters(const fs::path& file, const Look& used, bool replace) {
+void SaveParameters(const Page& page, const fs::path& file, const Look& used, bool replace) {
   if (!IsJson(file) && file.extension() != ".toml") {
-    throw UsageError("--save-params " + file.string() +
-                     ": allowed is a name that ends in .toml or .json");
+    throw MustBe("--save-params", "a name that ends in .toml or .json", file.string());
   }
   try {
-    SaveInto(file, used, replace);
+    SaveInto(page, file, used, replace);
   } catch (const std::exception& fault) {
     throw Failure(file.string() + ": the parameters cannot be saved: " + fault.what());
   }

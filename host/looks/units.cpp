@@ -11,9 +11,7 @@
 namespace glimmerhost {
 namespace {
 
-enum class Unit { kPlain, kPercent, kPixels };
-
-struct Measure {
+struct Quantity {
   double number;
   Unit unit;
 };
@@ -26,11 +24,11 @@ bool TakeSuffix(std::string_view* text, std::string_view suffix) {
   return true;
 }
 
-bool ParseMeasure(std::string_view text, Measure* measure) {
-  measure->unit = TakeSuffix(&text, "px")  ? Unit::kPixels
+bool ParseQuantity(std::string_view text, Quantity* quantity) {
+  quantity->unit = TakeSuffix(&text, "px")  ? Unit::kPixels
                   : TakeSuffix(&text, "%") ? Unit::kPercent
                                            : Unit::kPlain;
-  return ParseNumber(text, &measure->number);
+  return ParseNumber(text, &quantity->number);
 }
 
 // Two whole numbers from 1 to the largest, with that character between them.
@@ -51,41 +49,53 @@ bool ParsePair(const std::string& text, char between, double largest, quantel::c
 
 }  // namespace
 
-double ParseRadius(const std::string& option, const std::string& text, int width) {
-  Measure measure{};
-  if (!ParseMeasure(text, &measure)) {
-    throw UsageError(option + " " + text +
-                     ": allowed is a radius in pixels (40px), a part of the width (4%) or a "
-                     "plain number (0.04)");
+TypedRadius ParseRadius(const std::string& option, const std::string& text, int width) {
+  Quantity quantity{};
+  if (!ParseQuantity(text, &quantity)) {
+    throw MustBe(option, "a radius in pixels (40px), a part of the width (4%) or a number (0.04)",
+                 text);
   }
-  switch (measure.unit) {
+  switch (quantity.unit) {
     case Unit::kPixels:
-      return 2.0 * measure.number / width;
+      return {2.0 * quantity.number / width, quantity.unit};
     case Unit::kPercent:
-      return measure.number / 100.0;
+      return {quantity.number / 100.0, quantity.unit};
     case Unit::kPlain:
       break;
   }
-  return measure.number;
+  return {quantity.number, quantity.unit};
+}
+
+std::string ShowRadius(const TypedRadius& radius, int width) {
+  switch (radius.unit) {
+    case Unit::kPixels:
+      return Shortest(radius.part * width / 2.0) + "px";
+    case Unit::kPercent:
+      return Shortest(radius.part * 100.0) + "%";
+    case Unit::kPlain:
+      break;
+  }
+  return Shortest(radius.part);
 }
 
 Fractions ParsePoint(const std::string& option, const std::string& text, int width, int height) {
   const std::size_t comma = text.find(',');
-  Measure x{};
-  Measure y{};
-  if (comma == std::string::npos || !ParseMeasure(std::string_view(text).substr(0, comma), &x) ||
-      !ParseMeasure(std::string_view(text).substr(comma + 1), &y) ||
+  Quantity x{};
+  Quantity y{};
+  if (comma == std::string::npos || !ParseQuantity(std::string_view(text).substr(0, comma), &x) ||
+      !ParseQuantity(std::string_view(text).substr(comma + 1), &y) ||
       (x.unit == Unit::kPixels) != (y.unit == Unit::kPixels)) {
-    throw UsageError(option + " " + text +
-                     ": allowed is X,Y in fractions (0.5,0.5), in percent (50%,50%) or in pixels "
-                     "from the top left (100px,50px)");
+    throw MustBe(option,
+                 "X,Y in fractions (0.5,0.5), in percent (50%,50%) or in pixels from the top left "
+                 "(100px,50px)",
+                 text);
   }
   if (x.unit == Unit::kPixels) {
     // The effect counts rows from the bottom one.
     return {x.number / width, (height - 1 - y.number) / height};
   }
-  const auto fraction = [](const Measure& measure) {
-    return measure.unit == Unit::kPercent ? measure.number / 100.0 : measure.number;
+  const auto fraction = [](const Quantity& quantity) {
+    return quantity.unit == Unit::kPercent ? quantity.number / 100.0 : quantity.number;
   };
   return {fraction(x), fraction(y)};
 }
@@ -93,8 +103,7 @@ Fractions ParsePoint(const std::string& option, const std::string& text, int wid
 quantel::cSize2 ParseRatio(const std::string& option, const std::string& text) {
   quantel::cSize2 ratio{};
   if (!ParsePair(text, ':', 1000000.0, &ratio)) {
-    throw UsageError(option + " " + text +
-                     ": allowed is A:B, two whole numbers from 1 to 1000000 (16:15)");
+    throw MustBe(option, "A:B, two whole numbers from 1 to 1000000 (16:15)", text);
   }
   return ratio;
 }
@@ -102,8 +111,7 @@ quantel::cSize2 ParseRatio(const std::string& option, const std::string& text) {
 quantel::cSize2 ParseSize(const std::string& option, const std::string& text) {
   quantel::cSize2 size{};
   if (!ParsePair(text, 'x', 32768.0, &size)) {
-    throw UsageError(option + " " + text +
-                     ": allowed is WIDTHxHEIGHT, two whole numbers from 1 to 32768 (1920x1080)");
+    throw MustBe(option, "WIDTHxHEIGHT, two whole numbers from 1 to 32768 (1920x1080)", text);
   }
   return size;
 }

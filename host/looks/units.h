@@ -7,12 +7,23 @@
 
 namespace glimmerhost {
 
-// A radius in the effect's own measure, a diameter as a part of the picture's width.
+enum class Unit { kPlain, kPercent, kPixels };
+
+// A radius in the effect's own measure, a diameter as a part of the picture's width, and the unit
+// that it was typed in.
+struct TypedRadius {
+  double part;
+  Unit unit;
+};
+
 //   text   "40px" is a radius in pixels, "4%" a part of the width, a plain number the
 //          measure itself
 //   width  the picture's, in pixels
 // Throws UsageError, which names the option.
-double ParseRadius(const std::string& option, const std::string& text, int width);
+TypedRadius ParseRadius(const std::string& option, const std::string& text, int width);
+
+// In its unit: "40px".
+std::string ShowRadius(const TypedRadius& radius, int width);
 
 // A point as the effect counts it: fractions of width and height, y from the bottom.
 struct Fractions {

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <new>
 
+#include "host/looks/keys.h"
+
 namespace glimmerhost {
 namespace {
 
@@ -61,7 +63,7 @@ Inputs::Inputs(const quantel::cPtr<FrameImage>& main, const quantel::cPtr<FrameI
 }
 
 quantel::cPtr<qplugin::iQpluginSource> Inputs::namedInput(const quantel::wstring& key) {
-  if (key == u"PRM_Spread") {
+  if (key == kSpreadInput) {
     return spread_;
   }
   return {};

@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "host/looks/foresight.h"
+#include "host/looks/keys.h"
 #include "host/support/failure.h"
 #include "host/support/system.h"
 #include "host/support/text.h"
@@ -14,7 +15,6 @@
 namespace glimmerhost {
 namespace {
 
-constexpr int kImageShape = 3;
 constexpr std::uint64_t kMebibyte = 1024 * 1024;
 
 struct Samples {
@@ -75,10 +75,9 @@ bool HasEdges(const Samples& picture) {
 // Whether more than one pixel of the disc is lit, half way out on its soft edge.
 bool IsLitDisc(const std::map<std::string, Value>& values, const Samples& picture) {
   const auto number = [&](const char* key) { return std::get<double>(values.at(key)); };
-  const double middleX = number("PRM_Center_X") * picture.width;
-  const double middleY = (1.0 - number("PRM_Center_Y")) * picture.height;
-  const double radius =
-      0.25 * picture.width * (number("PRM_RadiusPSF1") + number("PRM_RadiusPSF2"));
+  const double middleX = number(kCenterXKey) * picture.width;
+  const double middleY = (1.0 - number(kCenterYKey)) * picture.height;
+  const double radius = 0.25 * picture.width * (number(kRadiusPsf1Key) + number(kRadiusPsf2Key));
   constexpr std::uint16_t kLit = 8192;
   int lit = 0;
   for (int y = 0; y < picture.height; ++y) {
@@ -126,7 +125,7 @@ void CheckRendered(const FrameInput& input, FrameImage* result) {
       !HasEdges(source)) {
     return;
   }
-  const bool ofPicture = input.values.at("PRM_Shape") == Value(kImageShape);
+  const bool ofPicture = ShapeOf(input.values) == Shape::kImage;
   const Samples aperture = input.spread ? SamplesOf(input.spread.Object()) : source;
   if (ofPicture && !IsLitDisc(input.values, aperture)) {
     return;

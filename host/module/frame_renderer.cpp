@@ -3,12 +3,11 @@
 #include <utility>
 
 #include "host/looks/foresight.h"
+#include "host/looks/keys.h"
 #include "host/module/parameter_store.h"
 
 namespace glimmerhost {
 namespace {
-
-constexpr int kImageShape = 3;
 
 bool Same(quantel::cSize2 a, quantel::cSize2 b) {
   return a.first == b.first && a.second == b.second;
@@ -17,8 +16,7 @@ bool Same(quantel::cSize2 a, quantel::cSize2 b) {
 }  // namespace
 
 std::map<std::string, Value> ApertureValues(std::map<std::string, Value> values) {
-  values.erase("PRM_Emphasis");
-  values.erase("PRM_EmphAlpha");
+  std::erase_if(values, [](const auto& value) { return !ShapesAperture(value.first); });
   return values;
 }
 
@@ -30,10 +28,9 @@ bool FrameRenderer::MayKeep(const Aperture& now) const {
   if (!render_ || carryPsf_) {
     return static_cast<bool>(render_);
   }
-  const auto shape = now.values.find("PRM_Shape");
-  return (shape == now.values.end() || shape->second != Value(kImageShape)) &&
-         now.values == before_.values && Same(now.size, before_.size) &&
-         Same(now.pixelAspect, before_.pixelAspect);
+  // A picture may be another one under the same values.
+  return ShapeOf(now.values) != Shape::kImage && now.values == before_.values &&
+         Same(now.size, before_.size) && Same(now.pixelAspect, before_.pixelAspect);
 }
 
 std::uint64_t FrameRenderer::HeldBytes() const {

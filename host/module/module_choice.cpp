@@ -9,6 +9,7 @@
 
 #include "host/support/failure.h"
 #include "host/support/system.h"
+#include "host/support/text.h"
 #include "host/support/utf8_path.h"
 
 namespace glimmerhost {
@@ -41,11 +42,11 @@ constexpr std::size_t kOverlap = 64;
 
 void CheckModuleOptions(const std::string& engine, const std::string& module) {
   if (!engine.empty() && lx::FindFootprint(engine) == nullptr) {
-    throw UsageError("--engine " + engine + ": allowed is " + EngineNames());
+    throw MustBe("--engine", EngineNames(), engine);
   }
   if (!engine.empty() && !module.empty()) {
     throw UsageError("--engine " + engine + " and --module " + module +
-                     ": allowed is one of them, as a module file has its own engine");
+                     " cannot be given together: a module file has its own engine");
   }
 }
 
@@ -56,7 +57,7 @@ ModuleChoice ChooseModule(const std::string& engine, const std::string& module) 
                      : Utf8Path(module);
   std::error_code error;
   if (!fs::exists(file, error)) {
-    throw Failure(file.string() + ": there is no such module file");
+    throw Failure(file.string() + ": not found");
   }
   return {file, &EngineOfFile(file)};
 }
@@ -85,15 +86,14 @@ const lx::Footprint& EngineOfFile(const fs::path& file) {
   return Exact();
 }
 
-std::string EngineNames() {
-  std::string names;
+std::vector<std::string> EngineList() {
+  std::vector<std::string> names;
   for (const lx::Footprint& engine : lx::kFootprints) {
-    if (!names.empty()) {
-      names += &engine == &lx::kFootprints.back() ? " or " : ", ";
-    }
-    names += engine.name;
+    names.emplace_back(engine.name);
   }
   return names;
 }
+
+std::string EngineNames() { return JoinOr(EngineList()); }
 
 }  // namespace glimmerhost

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "fftlib/backends/footprint.h"
 
@@ -34,7 +35,8 @@ std::filesystem::path ModuleFileOf(const lx::Footprint& engine);
 // be read, and for one that this program does not know. None needs more.
 const lx::Footprint& EngineOfFile(const std::filesystem::path& file);
 
-// "fast, exact, double or single".
+// The names of all engines, the default first; and in a sentence, "fast, exact, double or single".
+std::vector<std::string> EngineList();
 std::string EngineNames();
 
 }  // namespace glimmerhost

@@ -10,7 +10,7 @@ Function* FindFunction(const SharedLibrary& library, const char* name,
                        const std::filesystem::path& file) {
   Function* const function = library.Find<Function>(name);
   if (function == nullptr) {
-    throw Failure(file.string() + ": it is no module: it has no function " + name);
+    throw Failure(file.string() + ": not a module: it has no function " + name);
   }
   return function;
 }

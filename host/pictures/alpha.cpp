@@ -38,7 +38,7 @@ bool ParsePremultiplied(const std::string& name, const std::string& text) {
   if (text == "premultiplied" || text == "as-is") {
     return text == "premultiplied";
   }
-  throw UsageError(name + " " + text + ": allowed is premultiplied or as-is");
+  throw MustBe(name, "premultiplied or as-is", text);
 }
 
 void Premultiply(Picture* picture) {

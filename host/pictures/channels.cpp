@@ -92,7 +92,7 @@ std::vector<std::uint8_t> ToBytes(const std::vector<std::uint16_t>& samples) {
 void ReadFailure(const std::filesystem::path& file, const std::string& why) {
   // Libraries say it again for each row.
   constexpr std::size_t kLongest = 300;
-  std::string line = why.empty() ? "it is not a picture that can be read" : why;
+  std::string line = why.empty() ? "not a picture that can be read" : why;
   if (line.size() > kLongest) {
     line.resize(kLongest);
     line += "...";

@@ -106,14 +106,14 @@ void PamReader::TakeField(const std::string& line, Header* header) const {
           std::from_chars(value.data(), value.data() + value.size(), *number.field);
       if (error != std::errc() || end != value.data() + value.size() || *number.field < 1 ||
           *number.field > number.most) {
-        Fail("its header says " + Shown(line) + ": allowed is a whole number from 1 to " +
+        Fail("its header says " + Shown(line) + ", which must be a whole number from 1 to " +
              std::to_string(number.most));
       }
       return;
     }
   }
   Fail("its header says " + Shown(line) +
-       ": allowed is WIDTH, HEIGHT, DEPTH, MAXVAL, TUPLTYPE and ENDHDR");
+       "; it must have WIDTH, HEIGHT, DEPTH, MAXVAL, TUPLTYPE and ENDHDR alone");
 }
 
 void PamReader::CheckHeader(const Header& header) const {
@@ -128,7 +128,7 @@ void PamReader::CheckHeader(const Header& header) const {
   });
   if (!known) {
     Fail("its samples are " + Shown(header.kind) + " of depth " + std::to_string(header.depth) +
-         ": allowed is GRAYSCALE (1), GRAYSCALE_ALPHA (2), RGB (3) and RGB_ALPHA (4)");
+         "; they must be GRAYSCALE (1), GRAYSCALE_ALPHA (2), RGB (3) or RGB_ALPHA (4)");
   }
 }
 
@@ -169,8 +169,7 @@ Picture PamReader::TakeSamples(const Header& header) {
   std::vector<std::uint16_t> samples;
   for (int y = 0; y < header.height; ++y) {
     if (std::fread(row.data(), 1, row.size(), from_) != row.size()) {
-      Fail("it is cut short, in row " + std::to_string(y + 1) + " of " +
-           std::to_string(header.height));
+      Fail("cut short in row " + std::to_string(y + 1) + " of " + std::to_string(header.height));
     }
     for (std::size_t i = 0; i < rowSamples; ++i) {
       const unsigned sample =
@@ -213,7 +212,7 @@ void WritePam(const Picture& picture, std::FILE* to, const std::string& name) {
                        std::fwrite(bytes.data(), 1, bytes.size(), to) == bytes.size() &&
                        std::fflush(to) == 0;
   if (!written) {
-    throw Failure(name + ": it cannot be written: " +
+    throw Failure(name + ": cannot be written: " +
                   (errno != 0 ? std::strerror(errno) : "the system does not take all of it"));
   }
 }

@@ -18,8 +18,7 @@ namespace fs = std::filesystem;
 OutputFormat KnownFormat(const fs::path& file) {
   const std::optional<OutputFormat> format = FormatOf(file);
   if (!format) {
-    throw UsageError("-o " + file.string() + ": allowed is a name that ends in " +
-                     kWritableEndings);
+    throw MustBe("-o", std::string("a name that ends in ") + kWritableEndings, file.string());
   }
   return *format;
 }
@@ -30,16 +29,16 @@ Picture ReadPicture(const fs::path& file, const ReadOptions& options, ReadReport
   std::error_code error;
   const fs::file_status status = fs::status(file, error);
   if (status.type() == fs::file_type::not_found) {
-    throw MissingInput(file.string() + ": there is no such file");
+    throw MissingInput(file.string() + ": not found");
   }
   if (!fs::status_known(status)) {
     ReadFailure(file, error.message());
   }
   if (!fs::is_regular_file(status)) {
-    ReadFailure(file, "it is not a file");
+    ReadFailure(file, "not a file");
   }
   if (fs::file_size(file, error) == 0) {
-    ReadFailure(file, "it is empty");
+    ReadFailure(file, "empty");
   }
   return ReadFormat(file, options, report);
 }
@@ -59,14 +58,14 @@ PictureOutput::PictureOutput(fs::path file, bool overwrite)
     : file_(std::move(file)), format_(KnownFormat(file_)), overwrite_(overwrite) {
   std::error_code error;
   if (fs::is_directory(file_, error)) {
-    throw Failure(file_.string() + ": it is a folder");
+    throw Failure(file_.string() + ": is a folder");
   }
   if (!overwrite_ && fs::exists(file_, error)) {
-    throw Failure(file_.string() + ": it exists already; --overwrite replaces it");
+    throw Failure(file_.string() + ": exists already; --overwrite replaces it");
   }
   const fs::path folder = file_.has_parent_path() ? file_.parent_path() : fs::path(".");
   if (!fs::is_directory(folder, error)) {
-    throw Failure(folder.string() + ": there is no such folder");
+    throw Failure(folder.string() + ": not found");
   }
   if (!IsWritable(folder)) {
     throw Failure(folder.string() + ": the folder cannot be written to");
@@ -79,7 +78,7 @@ void PictureOutput::Write(const Picture& picture, int bits, std::vector<NotCarri
     WriteFormat({part.Path(), file_.filename().string()}, format_, picture, bits, lost);
     part.MoveIn(overwrite_);
   } catch (const Failure& fault) {
-    throw Failure(file_.string() + ": it cannot be written: " + fault.what());
+    throw Failure(file_.string() + ": cannot be written: " + fault.what());
   }
 }
 

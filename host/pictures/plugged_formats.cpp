@@ -21,7 +21,7 @@ struct Opened {
     auto* const entry = library.Find<PicturePluginEntry>(kPicturePluginEntry);
     plugin = entry == nullptr ? nullptr : entry(GLIMMERHOST_VERSION);
     if (plugin == nullptr) {
-      throw Failure(file.string() + ": it is the plug-in of another version of this program");
+      throw Failure(file.string() + ": the plug-in of another version of this program");
     }
   }
 

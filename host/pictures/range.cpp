@@ -18,8 +18,7 @@ constexpr float kLargestMax = 65504.0F;
 constexpr double kSteepness = 64.0;
 
 [[noreturn]] void Refuse(const std::string& text) {
-  throw UsageError("--range " + text +
-                   ": allowed is clip, scale:MAX or log:MAX, with MAX above 0 and up to 65504");
+  throw MustBe("--range", "clip, scale:MAX or log:MAX, with MAX above 0 and up to 65504", text);
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 
 #include "host/looks/foresight.h"
 #include "host/looks/keyframed_values.h"
+#include "host/looks/keys.h"
 #include "host/module/frame_renderer.h"
 #include "host/render/shot_foresight.h"
 #include "host/shots/frame_list.h"
@@ -41,14 +42,12 @@ std::string Existence(const fs::path& file) {
 // What decides whether a new aperture is built, as FrameRenderer takes it.
 int CountApertures(const KeyframedValues& values, const ShotPlan& plan,
                    const ShotSettings& settings) {
-  constexpr int kImageShape = 3;
   int count = 0;
   std::map<std::string, Value> before;
   for (const FrameFiles& files : plan.files) {
     std::map<std::string, Value> now = ApertureValues(values.At(files.frame));
-    const bool isNew = settings.carryPsf
-                           ? count == 0 || now != before
-                           : now.at("PRM_Shape") == Value(kImageShape) || now != before;
+    const bool isNew = settings.carryPsf ? count == 0 || now != before
+                                         : ShapeOf(now) == Shape::kImage || now != before;
     count += isNew ? 1 : 0;
     before = std::move(now);
   }

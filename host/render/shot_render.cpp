@@ -7,6 +7,7 @@
 #include <system_error>
 #include <variant>
 
+#include "host/looks/keys.h"
 #include "host/module/frame_checks.h"
 #include "host/module/second_clip.h"
 #include "host/pictures/alpha.h"
@@ -98,7 +99,7 @@ void ShotRender::Try(Work* work, const FrameWork& frameWork) {
     report.fault = fault.what();
   } catch (const std::bad_alloc&) {
     report.state = FrameState::kFailed;
-    report.fault = "there is not enough memory for this picture";
+    report.fault = "not enough memory for this picture";
   } catch (const std::exception& fault) {
     report.state = FrameState::kFailed;
     report.fault = fault.what();
@@ -231,7 +232,7 @@ void ShotRender::Load(Work* work) {
   input.pixelAspect =
       settings_.pixelAspect.first == 0 ? picture.pixelAspect : settings_.pixelAspect;
   input.spread = SpreadOf(work);
-  const double emphasis = std::get<double>(input.values.at("PRM_Emphasis"));
+  const double emphasis = std::get<double>(input.values.at(kEmphasisKey));
   if (ShowsNoise(engine_, emphasis) && !warnedOfNoise_) {
     warnedOfNoise_ = true;
     work->report.remarks.push_back("an emphasis of " + Shortest(emphasis) +

@@ -61,7 +61,7 @@ ShotReport::Form ShotReport::ParseForm(const std::string& text, bool quiet) {
     return Form::kJson;
   }
   if (text != "auto" && text != "bar" && text != "lines") {
-    throw UsageError("--progress " + text + ": allowed is auto, bar, lines or json");
+    throw MustBe("--progress", "auto, bar, lines or json", text);
   }
   if (quiet) {
     return Form::kQuiet;

@@ -3,7 +3,6 @@
 #include <sstream>
 #include <utility>
 
-#include "host/looks/render_settings.h"
 #include "host/module/border_pictures.h"
 #include "host/module/frame_checks.h"
 #include "host/module/frame_renderer.h"

@@ -12,6 +12,7 @@
 #include "host/module/second_clip.h"
 #include "host/pictures/alpha.h"
 #include "host/pictures/picture_file.h"
+#include "host/support/utf8_path.h"
 
 namespace glimmerhost {
 namespace {
@@ -48,6 +49,11 @@ Picture ReadWithWarning(const std::filesystem::path& file, const std::string& ke
 
 }  // namespace
 
+SessionSettings SettingsOf(const Page& page, const std::vector<LookLayer>& layers, bool overwrite) {
+  const PictureLook look = PictureLookOf(page, layers);
+  return {layers, Utf8Path(look.spread), look.pixelAspect, overwrite};
+}
+
 SessionPlayer::SessionPlayer(const EffectModule& module, const Page& page, SessionSettings settings,
                              std::string keptFor, std::ostream& out, Progress* progress)
     : module_(module),
@@ -70,7 +76,7 @@ void SessionPlayer::Load(const std::filesystem::path& file) {
     session_->Connect(picture, spread, pixelAspect_);
   } else {
     session_ = std::make_unique<PageSession>(
-        module_, MakeStoreValues(page_, settings_.values, picture.width, picture.height), picture,
+        module_, StillValues(page_, settings_.layers, picture.width, picture.height), picture,
         spread, pixelAspect_);
   }
   showsResult_ = false;

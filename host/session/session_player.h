@@ -5,8 +5,9 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <vector>
 
-#include "host/looks/render_settings.h"
+#include "host/looks/look_layers.h"
 #include "host/session/page_session.h"
 #include "host/session/page_view.h"
 #include "host/support/failure.h"
@@ -22,11 +23,14 @@ class Unexpected : public Failure {
 
 // What a session begins with.
 struct SessionSettings {
-  TypedValues values;
+  std::vector<LookLayer> layers;
   std::filesystem::path spread;  // of the second clip; empty for none
   std::string pixelAspect;       // A:B; empty for that of each picture's file
   bool overwrite = false;        // whether files may be replaced
 };
+
+// What looks say of a session.
+SessionSettings SettingsOf(const Page& page, const std::vector<LookLayer>& layers, bool overwrite);
 
 // Every operation throws Failure. Load comes first, and Render before the result is shown.
 class SessionPlayer {

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <fstream>
 #include <optional>
+#include <sstream>
 #include <string_view>
 
 #include "host/session/page_view.h"
@@ -175,7 +176,7 @@ const Verb kVerbs[] = {
          throw WrongForm();
        }
        if (result && !context->rendered) {
-         throw UsageError("there is no result before a render");
+         throw UsageError("a result needs a render before it");
        }
        return [result](SessionPlayer* player) { player->Show(result); };
      }},
@@ -241,7 +242,7 @@ Action ReadStep(const Words& words, bool isFirst, Context* context) {
     for (const Verb& known : kVerbs) {
       names.emplace_back(known.name);
     }
-    throw UsageError("there is no such step; the nearest is " + Nearest(words[0], names));
+    throw UnknownName("step", words[0], names);
   }
   if (isFirst && words[0] != "load") {
     throw UsageError("the first step must be load PICTURE");
@@ -252,7 +253,7 @@ Action ReadStep(const Words& words, bool isFirst, Context* context) {
     }
     return verb->read(words, context);
   } catch (const WrongForm&) {
-    throw UsageError(std::string("expected is ") + verb->form);
+    throw UsageError(std::string("a step must be ") + verb->form);
   }
 }
 
@@ -265,10 +266,30 @@ std::string Trimmed(const std::string& line) {
 
 }  // namespace
 
+namespace {
+
+// In lines of 80 characters; those behind the first begin further in.
+std::string WrappedForm(const std::string& form) {
+  constexpr std::size_t kWidth = 80;
+  std::string lines;
+  std::string line = " ";
+  std::istringstream words(form);
+  for (std::string word; words >> word;) {
+    if (line.size() + 1 + word.size() > kWidth) {
+      lines += line + "\n";
+      line = "     ";
+    }
+    line += " " + word;
+  }
+  return lines + line + "\n";
+}
+
+}  // namespace
+
 std::string SessionForms() {
   std::string forms;
   for (const Verb& verb : kVerbs) {
-    forms.append("  ").append(verb.form).append("\n");
+    forms.append(WrappedForm(verb.form));
   }
   return forms;
 }

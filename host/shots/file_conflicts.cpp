@@ -77,7 +77,7 @@ void FileConflicts::CheckFrames() const {
     });
     if (other != uses.end()) {
       throw UsageError("-o " + written->second.file.string() +
-                       ": allowed are names that no other frame reads; this one is of frame " +
+                       ": no frame may write what another reads; this one is of frame " +
                        std::to_string(written->second.frame) + ", and frame " +
                        std::to_string(other->frame) + " reads it");
     }
@@ -86,8 +86,8 @@ void FileConflicts::CheckFrames() const {
 
 void FileConflicts::CheckBeside(const std::vector<NamedFile>& beside) const {
   const auto refuse = [](const NamedFile& file, const std::string& what) {
-    throw UsageError(file.option + " " + file.name +
-                     ": allowed is a file of its own; this one is " + what);
+    throw UsageError(file.option + " " + file.name + " must be a file of its own; this one is " +
+                     what);
   };
   for (std::size_t i = 0; i < beside.size(); ++i) {
     const NamedFile& file = beside[i];

@@ -36,7 +36,7 @@ std::string SamplesHash(const std::vector<std::uint16_t>& samples) {
 std::string FileHash(const std::filesystem::path& file) {
   std::error_code error;
   if (!std::filesystem::exists(file, error)) {
-    throw MissingInput(file.string() + ": there is no such file");
+    throw MissingInput(file.string() + ": not found");
   }
   std::ifstream in(file, std::ios::binary);
   const std::unique_ptr<XXH3_state_t, decltype(&XXH3_freeState)> state(XXH3_createState(),
@@ -47,7 +47,7 @@ std::string FileHash(const std::filesystem::path& file) {
     XXH3_128bits_update(state.get(), block.data(), static_cast<std::size_t>(in.gcount()));
   }
   if (!in.eof()) {
-    throw Failure(file.string() + ": it cannot be read");
+    throw Failure(file.string() + ": cannot be read");
   }
   return Show(XXH3_128bits_digest(state.get()));
 }

@@ -76,8 +76,7 @@ FileSequence::FileSequence(const std::string& option, const std::string& name) :
   }
   if (FindPlace(folder_.string(), 0)) {
     throw UsageError(option + " " + name +
-                     ": allowed is a place for the frame's number in the file's name, not in a "
-                     "folder's");
+                     ": the frame's number must be in the file's name, not in a folder's");
   }
   const std::optional<Place> place = FindPlace(before_, 0);
   if (!place) {
@@ -85,7 +84,7 @@ FileSequence::FileSequence(const std::string& option, const std::string& name) :
   }
   if (FindPlace(before_, place->end) || place->width > kMostDigits) {
     throw UsageError(option + " " + name +
-                     ": allowed is one place for the frame's number, of at most 12 digits");
+                     ": must have one place for the frame's number, of at most 12 digits");
   }
   width_ = place->width;
   after_ = before_.substr(place->end);
@@ -135,7 +134,7 @@ std::vector<int> FileSequence::Scan() const {
       continue;
     }
     if (fault != std::errc() || frame < -kLargestFrame || frame > kLargestFrame) {
-      throw Failure(entry->path().string() + ": its number is none of a frame: allowed is " +
+      throw Failure(entry->path().string() + ": its frame number must be from " +
                     std::to_string(-kLargestFrame) + " to " + std::to_string(kLargestFrame));
     }
     // Other widths are other sequences.
@@ -147,7 +146,7 @@ std::vector<int> FileSequence::Scan() const {
     throw Failure(folder.string() + ": the folder cannot be read: " + error.message());
   }
   if (frames.empty()) {
-    throw Failure(name_ + ": there are no such files");
+    throw Failure(name_ + ": no such files");
   }
   std::sort(frames.begin(), frames.end());
   return frames;

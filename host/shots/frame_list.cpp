@@ -65,9 +65,7 @@ std::string ShowRange(int first, int last, int step) {
 }  // namespace
 
 std::vector<int> ParseFrames(const std::string& name, const std::string& text) {
-  const auto refuse = [&](const std::string& allowed) {
-    throw UsageError(name + " " + text + ": allowed is " + allowed);
-  };
+  const auto refuse = [&](const std::string& allowed) { throw MustBe(name, allowed, text); };
   std::vector<int> frames;
   std::unordered_set<int> seen;
   std::string_view rest = text;

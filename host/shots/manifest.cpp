@@ -64,7 +64,7 @@ std::map<int, ManifestEntry> ReadLines(const std::filesystem::path& file, std::i
       ManifestEntry entry = FromJson(Json::parse(line));
       entries[entry.frame] = std::move(entry);
     } catch (const Json::exception&) {
-      throw Failure(file.string() + ":" + std::to_string(number) + ": it is no line of a manifest");
+      throw Failure(file.string() + ":" + std::to_string(number) + ": not a line of a manifest");
     }
   }
   return entries;
@@ -76,14 +76,14 @@ Manifest::Manifest(std::filesystem::path file, bool goOn, bool replace) : file_(
   std::error_code error;
   if (!goOn && !replace && std::filesystem::exists(file_, error)) {
     throw Failure(file_.string() +
-                  ": it exists already; --skip-existing goes on with it, --overwrite replaces it");
+                  ": exists already; --skip-existing goes on with it, --overwrite replaces it");
   }
   if (goOn && std::filesystem::exists(file_, error)) {
     GoOn();
   }
   out_.open(file_, std::ios::binary | (goOn ? std::ios::app : std::ios::trunc));
   if (!out_) {
-    throw Failure(file_.string() + ": it cannot be written");
+    throw Failure(file_.string() + ": cannot be written");
   }
 }
 
@@ -102,7 +102,7 @@ void Manifest::GoOn() {
     std::filesystem::resize_file(file_, whole, error);
   }
   if (error) {
-    throw Failure(file_.string() + ": it cannot be written: " + error.message());
+    throw Failure(file_.string() + ": cannot be written: " + error.message());
   }
 }
 
@@ -110,7 +110,7 @@ void Manifest::GoOn() {
 void Manifest::Add(const ManifestEntry& entry) {
   out_ << ToJson(entry).dump(-1, ' ', false, Json::error_handler_t::replace) + "\n" << std::flush;
   if (!out_) {
-    throw Failure(file_.string() + ": it cannot be written");
+    throw Failure(file_.string() + ": cannot be written");
   }
   frames_.insert(entry.frame);
 }
@@ -118,7 +118,7 @@ void Manifest::Add(const ManifestEntry& entry) {
 std::map<int, ManifestEntry> ReadManifest(const std::filesystem::path& file) {
   std::error_code error;
   if (!std::filesystem::is_regular_file(file, error)) {
-    throw MissingInput(file.string() + ": there is no such file");
+    throw MissingInput(file.string() + ": not found");
   }
   std::ifstream in(file, std::ios::binary);
   return ReadLines(file, &in);
@@ -144,7 +144,7 @@ std::vector<std::string> CheckManifest(const std::map<int, ManifestEntry>& entri
     try {
       if (!IsAsWritten(entry)) {
         faults.push_back("frame " + std::to_string(frame) + ": " + entry.output +
-                         ": it is not what was written");
+                         ": changed since it was written");
       }
     } catch (const Failure& fault) {
       faults.push_back("frame " + std::to_string(frame) + ": " + fault.what());

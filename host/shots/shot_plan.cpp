@@ -40,8 +40,10 @@ ChunkPlaces ParseChunk(const std::string& text, std::size_t count) {
   const bool whole = TakeCount(&rest, &which) && rest.starts_with('/') &&
                      (rest.remove_prefix(1), TakeCount(&rest, &parts)) && rest.empty();
   if (!whole || which > parts || parts > count) {
-    throw UsageError("--chunk " + text + ": allowed is K/N, the K-th of N parts, for " +
-                     std::to_string(count) + " frames up to N = " + std::to_string(count));
+    throw MustBe("--chunk",
+                 "K/N, the K-th of N parts, with N up to " + std::to_string(count) + " for " +
+                     std::to_string(count) + " frames",
+                 text);
   }
   const auto begin = [&](std::size_t part) {
     return count / parts * part + std::min(part, count % parts);
@@ -56,8 +58,7 @@ ShotPlan PlanShot(const ShotNames& names) {
   const bool fromPipe = names.input == kPipe;
   const bool toPipe = names.output == kPipe;
   if (fromPipe && !names.chunk.empty()) {
-    throw UsageError("--chunk " + names.chunk +
-                     ": allowed for files; a pipe is read from its start");
+    throw UsageError("--chunk " + names.chunk + " needs files; a pipe is read from its start");
   }
   const auto filesOf = [=](int frame) {
     return FrameFiles{frame, input.File(frame), output.File(frame),
@@ -72,8 +73,10 @@ ShotPlan PlanShot(const ShotNames& names) {
   }
   std::vector<int> frames = ShotFrames(names, input);
   if (frames.size() > 1 && !output.HasFrames() && !toPipe) {
-    throw UsageError("-o " + names.output + ": allowed for " + std::to_string(frames.size()) +
-                     " frames is a name with a place for their numbers (out.####.png)");
+    throw MustBe("-o",
+                 "a name with a place for the numbers of " + std::to_string(frames.size()) +
+                     " frames (out.####.png)",
+                 names.output);
   }
   ShotPlan plan;
   plan.isShot = input.HasFrames() || output.HasFrames() || !names.frames.empty();

@@ -97,7 +97,7 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
   line.insert(line.end(), arguments.begin(), arguments.end());
   std::array<int, 2> ends{};
   if (pipe2(ends.data(), O_CLOEXEC) != 0) {
-    throw Failure(program + ": it cannot be started: " + std::strerror(errno));
+    throw Failure(program + ": cannot be started: " + std::strerror(errno));
   }
   system_->output = ends[0];
   int fault = 0;
@@ -111,10 +111,10 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
   }
   close(ends[1]);
   if (fault == ENOENT) {
-    throw MissingInput(program + ": there is no such program");
+    throw MissingInput(program + ": not found");
   }
   if (fault != 0) {
-    throw Failure(program + ": it cannot be started: " + std::strerror(fault));
+    throw Failure(program + ": cannot be started: " + std::strerror(fault));
   }
 }
 

@@ -112,7 +112,7 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
   SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
   HANDLE written = nullptr;
   if (CreatePipe(&system_->output, &written, &inheritable, 0) == 0) {
-    throw Failure(program + ": it cannot be started: " + LastErrorText());
+    throw Failure(program + ": cannot be started: " + LastErrorText());
   }
   SetHandleInformation(system_->output, HANDLE_FLAG_INHERIT, 0);
   HANDLE input = CreateFileW(L"NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, &inheritable,
@@ -122,10 +122,10 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
   CloseHandle(input);
   CloseHandle(written);
   if (!started && (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND)) {
-    throw MissingInput(program + ": there is no such program");
+    throw MissingInput(program + ": not found");
   }
   if (!started) {
-    throw Failure(program + ": it cannot be started: " +
+    throw Failure(program + ": cannot be started: " +
                   std::system_category().message(static_cast<int>(error)));
   }
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <stdexcept>
+#include <string>
 
 namespace glimmerhost {
 
@@ -27,5 +28,15 @@ class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
+
+// "--sides must be a whole number from 3 to 50, not 2".
+//   name   what was set: an option, or a name in a file
+//   what   which values it takes
+//   given  the one that it was given
+inline UsageError MustBe(const std::string& name, const std::string& what,
+                         const std::string& given) {
+  const bool isPlain = !given.empty() && given.find(' ') == std::string::npos;
+  return UsageError(name + " must be " + what + ", not " + (isPlain ? given : '"' + given + '"'));
+}
 
 }  // namespace glimmerhost

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <numeric>
 
+#include "host/support/text.h"
+
 namespace glimmerhost {
 namespace {
 
@@ -34,6 +36,12 @@ std::string Nearest(std::string_view typed, const std::vector<std::string>& name
                            [typed](const std::string& a, const std::string& b) {
                              return EditDistance(typed, a) < EditDistance(typed, b);
                            });
+}
+
+UsageError UnknownName(const std::string& what, const std::string& typed,
+                       const std::vector<std::string>& names) {
+  return UsageError("unknown " + what + " \"" + OneLine(typed) + "\"; did you mean \"" +
+                    Nearest(typed, names) + "\"?");
 }
 
 }  // namespace glimmerhost

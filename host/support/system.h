@@ -12,7 +12,8 @@ namespace glimmerhost {
 std::vector<std::string> Arguments(int argc, const char* const* argv);
 
 // The running program's file, from the root on.
-std::filesystem::path ProgramFile();
+//   link  where the system names it; a machine may be without
+std::filesystem::path ProgramFile(const std::filesystem::path& link = "/proc/self/exe");
 
 // Its folder.
 inline std::filesystem::path ProgramFolder() { return ProgramFile().parent_path(); }
@@ -33,6 +34,9 @@ bool IsWritable(const std::filesystem::path& folder);
 
 // A variable of this process's environment, as modules see it.
 void SetVariable(const char* name, const char* value);
+
+// What a person puts around an argument with blanks in this system's shell.
+extern const char kShellQuote;
 
 // How a person names another home directory for this machine.
 extern const char* const kHomeAdvice;

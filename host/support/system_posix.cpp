@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <sched.h>
 #include <signal.h>
+#include <sys/auxv.h>
 #include <unistd.h>
 
 #include <array>
@@ -17,6 +18,8 @@
 
 namespace glimmerhost {
 
+const char kShellQuote = '\'';
+
 const char* const kHomeAdvice =
     "a line LX_HOME_DIR=FOLDER in /etc/environment names another home directory";
 
@@ -24,9 +27,16 @@ std::vector<std::string> Arguments(int argc, const char* const* argv) {
   return {argv, argv + argc};
 }
 
-std::filesystem::path ProgramFile() {
+// Where /proc is not mounted the kernel still tells the name that it started, which may be a
+// relative one.
+std::filesystem::path ProgramFile(const std::filesystem::path& link) {
   std::error_code error;
-  return std::filesystem::read_symlink("/proc/self/exe", error);
+  const std::filesystem::path file = std::filesystem::read_symlink(link, error);
+  if (!error) {
+    return file;
+  }
+  const auto* const started = reinterpret_cast<const char*>(getauxval(AT_EXECFN));
+  return started == nullptr ? std::filesystem::path() : std::filesystem::canonical(started, error);
 }
 
 std::uint32_t ProcessId() { return static_cast<std::uint32_t>(getpid()); }
@@ -100,7 +110,7 @@ bool KeepProcessors(int count) {
 SharedLibrary::SharedLibrary(const std::filesystem::path& file)
     : library_(dlopen(std::filesystem::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL)) {
   if (library_ == nullptr) {
-    throw Failure(file.string() + ": it is no module that can be loaded: " + dlerror());
+    throw Failure(file.string() + ": not a module that can be loaded: " + dlerror());
   }
 }
 

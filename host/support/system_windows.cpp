@@ -42,6 +42,8 @@ DWORD_PTR AllowedMask() {
 
 }  // namespace
 
+const char kShellQuote = '"';
+
 const char* const kHomeAdvice =
     "a variable LX_HOME_DIR of the system's environment names another home directory";
 
@@ -59,7 +61,7 @@ std::vector<std::string> Arguments(int /*argc*/, const char* const* /*argv*/) {
   return arguments;
 }
 
-std::filesystem::path ProgramFile() {
+std::filesystem::path ProgramFile(const std::filesystem::path& /*link*/) {
   std::wstring name(32768, L'\0');
   name.resize(GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size())));
   return {name};
@@ -129,7 +131,7 @@ SharedLibrary::SharedLibrary(const std::filesystem::path& file) {
   SetErrorMode(SEM_FAILCRITICALERRORS);
   library_ = LoadLibraryW(std::filesystem::absolute(file).c_str());
   if (library_ == nullptr) {
-    throw Failure(file.string() + ": it is no module that can be loaded: " + LastErrorText());
+    throw Failure(file.string() + ": not a module that can be loaded: " + LastErrorText());
   }
 }
 

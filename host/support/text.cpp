@@ -66,6 +66,15 @@ bool ParseNumber(std::string_view text, double* number) {
   return error == std::errc() && end == text.data() + text.size() && std::isfinite(*number);
 }
 
+std::string JoinOr(const std::vector<std::string>& names) {
+  std::string joined;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    joined += i == 0 ? "" : i + 1 == names.size() ? " or " : ", ";
+    joined += names[i];
+  }
+  return joined;
+}
+
 std::string OneLine(std::string_view text, std::size_t longest) {
   std::size_t size = std::min(text.size(), longest);
   // Not within a character.

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace glimmerhost {
 
@@ -18,6 +19,9 @@ std::string Shortest(double value);
 
 // A number, all of the text: "12", "-0.5", "1e-3". False for anything else.
 bool ParseNumber(std::string_view text, double* number);
+
+// "one, two or three".
+std::string JoinOr(const std::vector<std::string>& names);
 
 // For a line of a message: control characters become blanks, and what is longer than so many
 // bytes of UTF-8 ends in three dots.

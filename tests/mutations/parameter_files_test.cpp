@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/looks/page_file.h"
 #include "host/looks/parameter_file.h"
 #include "host/support/failure.h"
 #include "tests/mutations/mutator.h"
@@ -44,11 +45,12 @@ struct Tally {
 };
 
 Tally ReadMutations(const std::string& file, const std::string& text) {
+  const glimmerhost::Page page = glimmerhost::LoadPage();
   Tally tally;
   for (unsigned seed = 0; seed < 4000; ++seed) {
     std::string says;
     try {
-      glimmerhost::ParseParameters(file, Mutator(seed).Text(text, kPieces));
+      glimmerhost::ParseParameters(page, file, Mutator(seed).Text(text, kPieces));
       ++tally.read;
       continue;
     } catch (const glimmerhost::Failure& fault) {

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <sstream>
 
+#include "host/looks/page_file.h"
 #include "host/looks/parameter_file.h"
 #include "host/pictures/picture_file.h"
 #include "host/support/failure.h"
@@ -57,7 +58,7 @@ void ExpectWhole(const std::vector<std::string>& line, const fs::path& file,
   }
   try {
     if (file.extension() == ".toml" || file.extension() == ".json") {
-      glimmerhost::ParseParameters(file, bytes);
+      glimmerhost::ParseParameters(glimmerhost::LoadPage(), file, bytes);
       return;
     }
     std::string warning;

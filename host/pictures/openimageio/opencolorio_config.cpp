@@ -98,14 +98,14 @@ class Config final : public ColourConfig {
 std::unique_ptr<const ColourConfig> LoadOpenColorIoConfig(const fs::path& file) {
   std::error_code error;
   if (!fs::exists(file, error)) {
-    throw MissingInput(file.string() + ": there is no such file");
+    throw MissingInput(file.string() + ": not found");
   }
   // What there is to say, the library also throws.
   ocio::SetLoggingLevel(ocio::LOGGING_LEVEL_NONE);
   try {
     return std::make_unique<Config>(file, ocio::Config::CreateFromFile(file.c_str()));
   } catch (const ocio::Exception& fault) {
-    Fail(file, std::string("it is no colour configuration that can be read: ") + fault.what());
+    Fail(file, std::string("not a colour configuration that can be read: ") + fault.what());
   }
 }
 

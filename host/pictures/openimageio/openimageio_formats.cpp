@@ -53,7 +53,7 @@ void ReadSamples(const fs::path& file, OIIO::TypeDesc type, void* to, OIIO::Imag
   // Some readers fill up what is missing and only leave a word about it.
   const std::string trouble = input->geterror();
   if (!read || !trouble.empty()) {
-    ReadFailure(file, "it is cut short or broken: " + trouble);
+    ReadFailure(file, "cut short or broken: " + trouble);
   }
 }
 

@@ -40,7 +40,7 @@ class MemoryFile {
  public:
   MemoryFile() : file_(memfd_create("picture", MFD_CLOEXEC)) {
     if (file_ < 0) {
-      throw Failure("there is not enough memory");
+      throw Failure("not enough memory");
     }
   }
   ~MemoryFile() { close(file_); }

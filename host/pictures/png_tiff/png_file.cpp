@@ -80,14 +80,14 @@ class PngReader {
   template <class Step>
   void Must(const Step& step) {
     if (!library_.Run(step)) {
-      ReadFailure(file_, std::string("it is cut short or broken: ") + library_.Trouble());
+      ReadFailure(file_, std::string("cut short or broken: ") + library_.Trouble());
     }
   }
 
   std::vector<std::uint16_t> ReadSamples(std::size_t count, int bits, int height) {
     const std::size_t rowBytes = png_get_rowbytes(library_.Png(), library_.Info());
     if (rowBytes * static_cast<std::size_t>(height) / kMostPerByte > fs::file_size(file_)) {
-      ReadFailure(file_, "it is cut short or broken: it is too small for the size that it claims");
+      ReadFailure(file_, "cut short or broken: too small for the size that it claims");
     }
     std::vector<std::uint16_t> samples(count);
     std::vector<std::uint8_t> narrow(bits == 8 ? count : 0);

@@ -32,7 +32,7 @@ PngLibrary::PngLibrary(FileBytes* bytes, Use use) : use_(use) {
     info_ = png_ == nullptr ? nullptr : png_create_info_struct(png_);
   });
   if (!made || info_ == nullptr) {
-    throw Failure("there is not enough memory");
+    throw Failure("not enough memory");
   }
   if (use == Use::kRead) {
     png_set_read_fn(png_, bytes, OnRead);

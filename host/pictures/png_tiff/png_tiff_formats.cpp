@@ -70,7 +70,7 @@ Picture ReadPngOrTiff(const fs::path& file, const ReadOptions& options, Reader r
     return ReadPng(file, options, reader);
   }
   if (!IsTiff(start)) {
-    throw BeyondReader("it is not a picture that can be read: allowed is PNG and TIFF");
+    throw BeyondReader("not a picture that can be read: it must be PNG or TIFF");
   }
   return ReadTiff(file, options, reader, report);
 }

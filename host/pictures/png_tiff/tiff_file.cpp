@@ -162,7 +162,7 @@ class TiffReader {
   }
 
   [[noreturn]] void Broken() const {
-    ReadFailure(file_, std::string("it is cut short or broken: ") + library_.Trouble());
+    ReadFailure(file_, std::string("cut short or broken: ") + library_.Trouble());
   }
 
   // What both readers take, and not as the same samples or with the same words about it.
@@ -236,7 +236,7 @@ class TiffReader {
     const std::uint64_t pixelBits = std::uint64_t{channels_} * bits_;
     if (std::uint64_t{width_} * height_ * pixelBits / 8 > mostBytes_ ||
         blocks_.rowBytes > mostBytes_ / blocks_.height) {
-      ReadFailure(file_, "it is cut short or broken: it is too small for the size that it claims");
+      ReadFailure(file_, "cut short or broken: too small for the size that it claims");
     }
   }
 
@@ -312,7 +312,7 @@ class TiffReader {
     const std::uint64_t place = TIFFGetStrileOffset(tiff_, strip) + firstRow * blocks_.rowBytes;
     const std::size_t bytes = count * blocks_.rowBytes;
     if (!library_.ReadAt(place, rows->data(), bytes)) {
-      ReadFailure(file_, "it is cut short or broken: the file ends too early");
+      ReadFailure(file_, "cut short or broken: the file ends too early");
     }
     if (bits_ == 16 && TIFFIsByteSwapped(tiff_) != 0) {
       SwapWords(rows->data(), bytes / 2);

@@ -191,7 +191,7 @@ TEST_F(SlurmEngine, IsMissedWhereThereIsNoSlurm) {
                             {{"PATH", commands.Path().string()}});
   EXPECT_EQ(1, outcome.code);
   EXPECT_EQ(
-      "glimmerhost: --engine slurm: sbatch: there is no such program; it is one of Slurm's, "
+      "glimmerhost: --engine slurm: sbatch: not found; it is one of Slurm's, "
       "which this machine must have to hand jobs over\n",
       outcome.text);
 }
@@ -199,7 +199,7 @@ TEST_F(SlurmEngine, IsMissedWhereThereIsNoSlurm) {
 TEST_F(SlurmEngine, HasTheMemoryNamedWhereNoPictureIsThereYet) {
   const Outcome outcome = Submit("--frames 1-3");
   EXPECT_EQ(3, outcome.code);
-  EXPECT_NE(std::string::npos, outcome.text.find("in.1.png: there is no such file, and so the"))
+  EXPECT_NE(std::string::npos, outcome.text.find("in.1.png: not found, so the"))
       << outcome.text;
   EXPECT_EQ(0, Submit("--frames 1-3 --sbatch --mem=4G").code);
   EXPECT_TRUE(WasCalled("sbatch.2"));
@@ -221,10 +221,9 @@ TEST_F(SlurmEngine, RefusesOptionsThatAreNone) {
   WriteShot(1, 1);
   const std::string submit = "submit '" + (folder / "in.@.png").string() + "' -o '" +
                              (folder / "out.@.png").string() + "' --engine slurm ";
-  ExpectRefusal(submit + "--sbatch long", 2,
-                "--sbatch long: allowed is an option of sbatch in one");
-  ExpectRefusal(submit + "--jobs 2", 2, "--jobs 2: allowed with --engine local alone");
-  ExpectRefusal(submit + "--threads 0", 2, "--threads 0: allowed is a whole number");
+  ExpectRefusal(submit + "--sbatch long", 2, "--sbatch must be an option of sbatch in one");
+  ExpectRefusal(submit + "--jobs 2", 2, "--jobs 2 needs --engine local");
+  ExpectRefusal(submit + "--threads 0", 2, "--threads must be a whole number");
 }
 
 }  // namespace

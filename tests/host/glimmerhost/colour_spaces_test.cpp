@@ -272,17 +272,17 @@ TEST_F(ColourSpaces, AreRefusedWithoutAConfigurationThatHasThem) {
 
   EXPECT_EQ(2, RunProgram(Render(input, "a.exr", "--colour-in Linear"), {{"OCIO", ""}}).code);
   ExpectRefusal(Render(input, "a.exr", "--colour-in Squard" + of), 2,
-                "--colour-in Squard: the configuration has no such colour space; the nearest is "
-                "Squared");
-  ExpectRefusal(Render(input, "a.exr", "--colour-out linar" + of), 2, "the nearest is Linear");
-  ExpectRefusal(Render(input, "a.exr", of), 2, "it is of no use without");
+                "--colour-in: unknown colour space \"Squard\"; did you mean "
+                "\"Squared\"?");
+  ExpectRefusal(Render(input, "a.exr", "--colour-out linar" + of), 2, "did you mean \"Linear\"?");
+  ExpectRefusal(Render(input, "a.exr", of), 2, " needs --colour-in or --colour-out");
   ExpectRefusal(Render(input, "a.exr", "--colour-in Linear --colour-config none.ocio"), 3,
-                "none.ocio: there is no such file");
+                "none.ocio: not found");
   std::ofstream(folder / "bad.ocio") << "no configuration";
   ExpectRefusal(
       Render(input, "a.exr",
              "--colour-in Linear --colour-config '" + (folder / "bad.ocio").string() + "'"),
-      1, "it is no colour configuration that can be read");
+      1, "not a colour configuration that can be read");
   std::string text = kConfig;
   text.replace(text.find("scene_linear"), 12, "other_linear");
   std::ofstream(folder / "roleless.ocio") << text;

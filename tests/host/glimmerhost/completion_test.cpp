@@ -37,6 +37,7 @@ TEST(Completion, KnowsTheOptionsOfEachCommand) {
   EXPECT_EQ("--emphasis --emph-alpha ", Replies("render in.png --emph"));
   EXPECT_EQ("", Replies("psf --emph"));
   EXPECT_EQ("--output --overwrite ", Replies("render --o"));
+  EXPECT_EQ("--output ", Replies("render --quiet --ou"));
   EXPECT_EQ("--grid ", Replies("wisdom --g"));
   EXPECT_EQ("--jobs ", Replies("submit --j"));
   EXPECT_EQ("--version ", Replies("--v"));
@@ -52,7 +53,26 @@ TEST(Completion, KnowsTheValuesThatAreNames) {
   EXPECT_EQ("fast exact double single ", Replies("render in.png --engine ''"));
   EXPECT_EQ("double ", Replies("info --engine d"));
   EXPECT_EQ("as-is ", Replies("render --alpha a"));
+  EXPECT_EQ("clip scale: log: ", Replies("render --range ''"));
+  EXPECT_EQ("512 1024 2048 4096 ", Replies("wisdom --grid ''"));
   EXPECT_EQ("six-blades soft-disc ", Replies("psf --preset s"));
+}
+
+TEST(Completion, OffersNothingForAValueThatIsNoFile) {
+  const lx_test::ScratchFolder folder;
+  std::ofstream(folder / "4px") << "x";
+  EXPECT_EQ("", Replies("render in.png --radius ''", folder.Path().string()));
+  EXPECT_EQ("", Replies("render in.png --radius = 4", folder.Path().string()));
+}
+
+TEST(Completion, OffersFoldersAloneWhereAFolderIsWanted) {
+  const lx_test::ScratchFolder folder;
+  std::filesystem::create_directory(folder / "out");
+  std::ofstream(folder / "out.png") << "x";
+  EXPECT_EQ("out ", Replies("session x.session -o o", folder.Path().string()));
+  const std::string files = Replies("render in.png --output o", folder.Path().string());
+  EXPECT_NE(std::string::npos, files.find("out.png ")) << files;
+  EXPECT_NE(std::string::npos, files.find("out ")) << files;
 }
 
 TEST(Completion, OffersFilesElsewhere) {

@@ -272,7 +272,7 @@ TEST_F(FullDisk, EndsTheProgramInOneLine) {
       "/bin/sh", {"-c", "ulimit -f 16 && exec " PROGRAM " " + Render(input, "out.png")});
 
   EXPECT_EQ(1, outcome.code);
-  EXPECT_NE(std::string::npos, outcome.text.find("out.png: it cannot be written: "));
+  EXPECT_NE(std::string::npos, outcome.text.find("out.png: cannot be written: "));
   EXPECT_EQ(outcome.text.size() - 1, outcome.text.find('\n')) << outcome.text;
   EXPECT_EQ(1, folder.FileCount());
 }

@@ -18,6 +18,7 @@
 #include "host/support/failure.h"
 #include "tests/host/glimmerhost/program_here.h"
 #include "tests/host/glimmerhost/shot_program.h"
+#include "tests/support/looks.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
@@ -140,15 +141,15 @@ TEST_F(EngineProgram, RefusesAnEngineThatThereIsNotAndOneBesideAModuleFile) {
       "info ",
   };
   for (const std::string& command : commands) {
-    ExpectRefused(command + "--engine Double", "--engine Double: allowed is ");
-    ExpectRefused(command + "--engine fftw", "fast, exact, double or single\n");
+    ExpectRefused(command + "--engine Double", "--engine must be ");
+    ExpectRefused(command + "--engine fftw", "fast, exact, double or single, not fftw\n");
     ExpectRefused(command + "--engine double --module none.so",
-                  "--engine double and --module none.so: allowed is one of them");
+                  "--engine double and --module none.so cannot be given together");
   }
   ExpectRefused(commands[1] + "--engine double --engine single",
-                "--engine single: given is --engine double already");
+                "--engine single cannot be given beside --engine double");
   ExpectRefused(commands[1] + "--engine local --engine local",
-                "--engine local: given is --engine local already");
+                "--engine local cannot be given beside --engine local");
   EXPECT_EQ(2, folder.FileCount());
 }
 
@@ -268,10 +269,9 @@ TEST(EngineOfFile, IsExactWhereItsNameIsCutOffOrThereIsNoFile) {
 }
 
 TEST(EngineRefusal, IsToldByTheEngineThatWillRun) {
-  glimmerhost::TypedValues typed;
-  typed.radius = "4px";
-  const auto values =
-      glimmerhost::MakeStoreValues(glimmerhost::Page::Load(PAGE), typed, 1920, 1080);
+  glimmerhost::TypedLook typed;
+  typed["radius"] = "4px";
+  const auto values = lx_test::StillValuesOf(glimmerhost::Page::Load(PAGE), typed, 1920, 1080);
 
   EXPECT_NO_THROW(glimmerhost::CheckGrid(*lx::FindFootprint("single"), values, 1920, 1080));
   try {

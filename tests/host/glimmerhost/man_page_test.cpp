@@ -42,25 +42,27 @@ void Insert(const std::string& name, std::set<std::string>* names) {
   }
 }
 
-// Of lines such as "  -o,--output TEXT" and "  --radius TEXT".
+// Of lines such as "  -o, --output FILE" and "  --radius RADIUS".
 std::set<std::string> OptionsOfHelp(const std::string& command) {
   std::set<std::string> options;
   for (const std::string& line : Lines(host_test::RunProgram(command + " --help").text)) {
     Insert(NameBehind(line, "  --"), &options);
-    if (line.starts_with("  -") && line.find(",--") == 4) {
-      Insert(NameBehind(line.substr(4), ",--"), &options);
+    if (line.starts_with("  -") && line.find(", --") == 4) {
+      Insert(NameBehind(line.substr(4), ", --"), &options);
     }
   }
-  options.erase("help");
   return options;
 }
 
-// "--version", which only the program itself has, stands under no command.
+// The commands stand between a title and an empty line.
 Options FromHelp() {
   const std::string help = host_test::RunProgram("--help").text;
   Options options;
-  for (const std::string& line : Lines(help.substr(help.find("Subcommands:")))) {
-    if (const std::string command = NameBehind(line, "  "); !command.empty()) {
+  const std::size_t commands = help.find("Commands:\n");
+  for (const std::string& line :
+       Lines(help.substr(commands, help.find("\n\n", commands) - commands))) {
+    const std::string command = NameBehind(line, "  ");
+    if (!command.empty()) {
       options[command] = OptionsOfHelp(command);
     }
   }
@@ -83,7 +85,11 @@ std::set<std::string> CommandsOfHeading(const std::string& line) {
 Options FromManPage(const std::string& page) {
   Options options;
   std::set<std::string> commands;
-  for (const std::string& line : Lines(page)) {
+  for (std::string line : Lines(page)) {
+    // A minus sign of its own, which the language would else turn into a hyphen.
+    for (std::size_t at = 0; (at = line.find("\\-", at)) != std::string::npos;) {
+      line.erase(at, 1);
+    }
     if (const std::string command = NameBehind(line, ".It Cm "); !command.empty()) {
       options[command];
     }

@@ -134,10 +134,10 @@ TEST_F(PageProgram, StretchesRingsByThePixelAspect) {
 TEST_F(PageProgram, RefusesAPageThatItCannotWrite) {
   const fs::path input = WriteInput("in.png", 20, 20);
   ExpectRefusal("page '" + input.string() + "' -o '" + input.string() + "'", 1, "--overwrite");
-  ExpectRefusal("page '" + input.string() + "' -o x.xyz", 2, "allowed is a name that ends in");
+  ExpectRefusal("page '" + input.string() + "' -o x.xyz", 2, "must be a name that ends in");
   ExpectRefusal(
       "page '" + (folder / "none.png").string() + "' -o '" + (folder / "page.png").string() + "'",
-      3, "no such file");
+      3, "not found");
   ExpectRefusal("page", 2, "required");
 }
 
@@ -322,11 +322,11 @@ TEST_F(PageProgram, StopsAtWhatItDidNotExpect) {
 
 TEST_F(PageProgram, RefusesAWrongScriptBeforeAnythingIsDone) {
   ExpectRefusal(Session("save x.png\npres 1 2\n"), 2,
-                "a.session:3: pres 1 2: there is no such step; the nearest is press");
-  ExpectRefusal(Session("render\nsave in.png\n"), 1, "in.png: it exists already");
-  ExpectRefusal(Session("save x.xyz\n"), 2, "allowed is a name that ends in");
+                "a.session:3: pres 1 2: unknown step \"pres\"; did you mean \"press\"?");
+  ExpectRefusal(Session("render\nsave in.png\n"), 1, "in.png: exists already");
+  ExpectRefusal(Session("save x.xyz\n"), 2, "must be a name that ends in");
   ExpectRefusal("session '" + (folder / "none.session").string() + "'", 1, "cannot be read");
-  ExpectRefusal(Session("draw\n", "--radius 200%"), 2, "--radius 200%: allowed is");
+  ExpectRefusal(Session("draw\n", "--radius 200%"), 2, "--radius must be ");
   ExpectRefusal("session", 2, "required");
 }
 
@@ -382,7 +382,7 @@ TEST_F(PageProgram, TellsEveryStepInItsHelpAndInTheDocumentation) {
   std::istringstream lines(help.substr(help.find("Steps of a script")));
   int steps = 0;
   for (std::string line; std::getline(lines, line);) {
-    if (line.rfind("  ", 0) == 0) {
+    if (line.rfind("  ", 0) == 0 && line.rfind("   ", 0) != 0) {
       const std::string verb = line.substr(2, line.find(' ', 2) - 2);
       EXPECT_NE(std::string::npos, page.find("`" + verb)) << verb;
       ++steps;

@@ -63,7 +63,7 @@ class PicturePlugin : public host_test::Program {
   const fs::path plugin = modules / "pictures/glimmerhost_pictures.so";
 };
 
-constexpr const char* kNotLoaded = "it is no module that can be loaded: ";
+constexpr const char* kNotLoaded = "not a module that can be loaded: ";
 
 TEST_F(PicturePlugin, IsNotNeededForPngAndTiffAlone) {
   const fs::path png = WriteInput("in.png", 16, 12, host_test::Alpha::kStraight);
@@ -104,7 +104,7 @@ TEST_F(PicturePlugin, IsNamedWhereItIsAnotherFile) {
   fs::create_symlink(NO_MODULE, plugin);
 
   ExpectRefused(Render(exr, "out.png"), exr, "its format is .exr",
-                "it is the plug-in of another version of this program");
+                "the plug-in of another version of this program");
 }
 
 TEST_F(PicturePlugin, IsOpenedFromBesideTheModules) {

@@ -16,41 +16,38 @@
 namespace {
 
 using glimmerhost::KeyframedValues;
-using glimmerhost::Look;
 using glimmerhost::Page;
+using glimmerhost::TypedLook;
 using host_test::Program;
 using host_test::RunProgram;
 
 TEST(Presets, AreEachTakenByThePage) {
-  std::ostringstream list;
-  glimmerhost::RunPresets(list);
-
-  std::istringstream lines(list.str());
-  std::string line;
-  int count = 0;
-  for (; std::getline(lines, line); ++count) {
-    Look look;
-    look.values.preset = line.substr(0, line.find(' '));
-    const KeyframedValues values(Page::Load(PAGE), ReadLayers(look), 4096, 2160, {1, 100});
+  const Page page = Page::Load(PAGE);
+  const auto presets = glimmerhost::Presets();
+  for (const glimmerhost::Preset& preset : presets) {
+    TypedLook look;
+    look.preset = preset.name;
+    const KeyframedValues values(page, ReadLayers(page, look), 4096, 2160, {1, 100});
     for (const lx::Footprint& engine : lx::kFootprints) {
       EXPECT_NO_THROW(glimmerhost::CheckGrid(engine, values.At(1), 4096, 2160))
-          << engine.name << ": " << line;
+          << engine.name << ": " << preset.name;
     }
-    EXPECT_LE(std::get<double>(values.At(1).at("PRM_Emphasis")), 75.0) << line;
-    EXPECT_GT(line.size(), line.find("  ") + 20) << "no words: " << line;
+    EXPECT_LE(std::get<double>(values.At(1).at("PRM_Emphasis")), 75.0) << preset.name;
+    EXPECT_GT(preset.summary.size(), 20U) << preset.name;
   }
-  EXPECT_EQ(5, count);
+  EXPECT_EQ(5U, presets.size());
 }
 
 TEST(Presets, LieBelowTheFileAndItBelowWhatIsTyped) {
   const lx_test::ScratchFolder folder;
   std::ofstream(folder / "film.toml") << "sides = 5\nrotation = 1\n";
-  Look look;
-  look.values.preset = "six-blades";
-  look.values.file = (folder / "film.toml").string();
-  look.values.rotation = "2";
+  const Page page = Page::Load(PAGE);
+  TypedLook look;
+  look.preset = "six-blades";
+  look.file = (folder / "film.toml").string();
+  look["rotation"] = "2";
 
-  const auto values = KeyframedValues(Page::Load(PAGE), ReadLayers(look), 1000, 500, {}).At(0);
+  const auto values = KeyframedValues(page, ReadLayers(page, look), 1000, 500, {}).At(0);
 
   EXPECT_EQ(2, std::get<int>(values.at("PRM_Shape")));
   EXPECT_EQ(50.0, std::get<double>(values.at("PRM_Emphasis")));
@@ -61,8 +58,8 @@ TEST(Presets, LieBelowTheFileAndItBelowWhatIsTyped) {
 TEST_F(Program, RefusesAnUnknownPresetWithTheNearest) {
   const std::string render = Render(NIGHT, "out.png");
   ExpectRefusal(render + "--preset six-blade", 2,
-                "--preset six-blade: there is no such preset; the nearest is six-blades");
-  ExpectRefusal(render + "--preset ../pages/glimmerblur", 2, "there is no such preset");
+                "unknown preset \"six-blade\"; did you mean \"six-blades\"?");
+  ExpectRefusal(render + "--preset ../pages/glimmerblur", 2, "unknown preset");
 }
 
 TEST_F(Program, TakesAlphaPixelAspectAndSpreadFromAFileAsWhenTyped) {

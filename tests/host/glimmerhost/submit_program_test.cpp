@@ -102,7 +102,7 @@ TEST_F(SubmitProgram, NamesTheFrameAtWhichAProcessEndedWithoutAWord) {
   const Outcome outcome =
       RunProgram(Submit("out.@.png", "--radius 2px --chunk 1 --module '" NO_MODULE "'"));
   EXPECT_EQ(1, outcome.code);
-  EXPECT_NE(std::string::npos, outcome.text.find("it is no module")) << outcome.text;
+  EXPECT_NE(std::string::npos, outcome.text.find("not a module")) << outcome.text;
   EXPECT_NE(std::string::npos,
             outcome.text.find("frame 1: the process of chunk 1 ended with exit code 1\n"))
       << outcome.text;
@@ -144,11 +144,11 @@ TEST_F(SubmitProgram, MixesNothingWithWhatIsThereUnlessTold) {
   WriteShot(1, 2);
   ASSERT_EQ(0, RunProgram(Submit("out.@.png", "--radius 2px --chunk 1")).code);
   ExpectRefusal(Submit("out.@.png", "--radius 2px"), 1,
-                "out.1.png: it exists already; --skip-existing goes on with it");
+                "out.1.png: exists already; --skip-existing goes on with it");
   fs::remove(folder / "out.1.png");
   fs::remove(folder / "out.2.png");
   ExpectRefusal(Submit("out.@.png", "--radius 2px --chunk 1"), 1,
-                "0001-of-0002.jsonl: it exists already; --skip-existing goes on");
+                "0001-of-0002.jsonl: exists already; --skip-existing goes on");
   EXPECT_EQ(0, RunProgram(Submit("out.@.png", "--radius 2px --chunk 1 --overwrite")).code);
   const std::string before = Bytes(folder / "out.2.png");
   EXPECT_EQ(0, RunProgram(Submit("out.@.png", "--radius 9px --chunk 1 --overwrite")).code);
@@ -183,18 +183,19 @@ TEST_F(SubmitProgram, SavesParametersOnce) {
 
 TEST_F(SubmitProgram, RefusesBeforeAnythingIsRun) {
   WriteShot(1, 2);
-  ExpectRefusal(Submit("out.@.png", "--engine cloud"), 2, "--engine cloud: allowed is local or");
-  ExpectRefusal(Submit("out.@.png", "--chunk 0"), 2, "--chunk 0: allowed is a whole number");
-  ExpectRefusal(Submit("out.@.png", "--chunk 1/2"), 2, "--chunk 1/2: allowed is a whole number");
-  ExpectRefusal(Submit("out.@.png", "--jobs none"), 2, "--jobs none: allowed is a whole number");
+  ExpectRefusal(Submit("out.@.png", "--engine cloud"), 2, "--engine must be local or");
+  ExpectRefusal(Submit("out.@.png", "--chunk 0"), 2, "--chunk must be a whole number");
+  ExpectRefusal(Submit("out.@.png", "--chunk 1/2"), 2, "--chunk must be a whole number");
+  ExpectRefusal(Submit("out.@.png", "--jobs none"), 2, "--jobs must be a whole number");
   ExpectRefusal(Submit("out.@.png", "--sbatch --partition=x"), 2,
-                "--sbatch --partition=x: allowed");
-  ExpectRefusal(Submit("out.@.png", "--radius wide"), 2, "--radius wide: allowed is");
-  ExpectRefusal(Submit("out.png", ""), 2, "allowed for 2 frames is a name with a place");
-  ExpectRefusal(Submit("none/out.@.png", ""), 1, "none: there is no such folder");
+                "--sbatch --partition=x needs --engine slurm");
+  ExpectRefusal(Submit("out.@.png", "--radius wide"), 2, "--radius must be ");
+  ExpectRefusal(Submit("out.png", ""), 2,
+                "-o must be a name with a place for the numbers of 2 frames");
+  ExpectRefusal(Submit("none/out.@.png", ""), 1, "none: not found");
   ExpectRefusal(Submit("out.@.png", "--manifest '" + (folder / "none/m.json").string() + "'"), 1,
-                "none: there is no such folder");
-  ExpectRefusal("submit - -o out.png", 2, "INPUT -: allowed are the names of files");
+                "none: not found");
+  ExpectRefusal("submit - -o out.png", 2, "INPUT must be the name of files");
 }
 
 }  // namespace

@@ -158,7 +158,7 @@ TEST_F(WisdomProgram, NamesTheHomeThatItCannotMake) {
 }
 
 TEST_F(WisdomProgram, RefusesAGridThatItDoesNotMeasure) {
-  ExpectRefusal("wisdom --measure --grid 700", 2, "--grid 700: allowed is 512, 1024, 2048 or 4096");
+  ExpectRefusal("wisdom --measure --grid 700", 2, "--grid must be 512, 1024, 2048 or 4096");
   ExpectRefusal("wisdom --grid 512", 2, "--grid");
 }
 

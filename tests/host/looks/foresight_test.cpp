@@ -14,12 +14,13 @@
 #include "host/looks/page.h"
 #include "host/module/frame_checks.h"
 #include "tests/support/engine_heap.h"
+#include "tests/support/looks.h"
 
 namespace {
 
 using glimmerhost::Foresight;
 using glimmerhost::Page;
-using glimmerhost::TypedValues;
+using glimmerhost::TypedLook;
 using lx::GridSides;
 using Values = std::map<std::string, glimmerhost::Value>;
 
@@ -37,16 +38,16 @@ struct Look {
 };
 
 Values StoreValues(const Look& look) {
-  TypedValues typed;
-  typed.shape = look.shape;
+  TypedLook typed;
+  typed["shape"] = look.shape;
   if (look.shape == "image") {
-    typed.radiusPsf1 = look.radius;
-    typed.radiusPsf2 = look.radiusY;
+    typed["radius-psf1"] = look.radius;
+    typed["radius-psf2"] = look.radiusY;
   } else {
-    typed.radiusX = look.radius;
-    typed.radiusY = look.radiusY;
+    typed["radius-x"] = look.radius;
+    typed["radius-y"] = look.radiusY;
   }
-  return glimmerhost::MakeStoreValues(Page::Load(PAGE), typed, look.width, look.height);
+  return lx_test::StillValuesOf(Page::Load(PAGE), typed, look.width, look.height);
 }
 
 // The effect as the module's adapter would set it.

@@ -12,11 +12,12 @@ namespace {
 using glimmerhost::KeyframedValues;
 using glimmerhost::Page;
 using glimmerhost::ShotSpan;
-using glimmerhost::TypedValues;
+using glimmerhost::TypedLook;
 using glimmerhost::Value;
 
-KeyframedValues Over(const TypedValues& typed, const ShotSpan& span = {1001, 1100}) {
-  return {Page::Load(PAGE), typed, 800, 600, span};
+KeyframedValues Over(const TypedLook& typed, const ShotSpan& span = {1001, 1100}) {
+  const Page page = Page::Load(PAGE);
+  return {page, ReadLayers(page, typed), 800, 600, span};
 }
 
 double Number(const KeyframedValues& values, int frame, const char* key) {
@@ -24,16 +25,16 @@ double Number(const KeyframedValues& values, int frame, const char* key) {
 }
 
 TEST(KeyframedValues, AreTheSameForEveryFrameWithoutKeyframes) {
-  TypedValues typed;
-  typed.emphasis = "50";
+  TypedLook typed;
+  typed["emphasis"] = "50";
   const KeyframedValues values = Over(typed);
   EXPECT_FALSE(values.IsAnimated());
   EXPECT_EQ(values.At(1001), values.At(1100));
 }
 
 TEST(KeyframedValues, CountTimesFromTheShotsFirstFrameAndItsLast) {
-  TypedValues typed;
-  typed.emphasis = "0=50; 24=60; -1=222";
+  TypedLook typed;
+  typed["emphasis"] = "0=50; 24=60; -1=222";
   const KeyframedValues values = Over(typed);
   EXPECT_TRUE(values.IsAnimated());
   EXPECT_EQ(50.0, Number(values, 1001, "PRM_Emphasis"));
@@ -45,25 +46,25 @@ TEST(KeyframedValues, CountTimesFromTheShotsFirstFrameAndItsLast) {
 }
 
 TEST(KeyframedValues, MoveRadiiInTheirUnits) {
-  TypedValues typed;
-  typed.radius = "0=40px; 10=80px";
+  TypedLook typed;
+  typed["radius"] = "0=40px; 10=80px";
   const KeyframedValues values = Over(typed, {0, 10});
   EXPECT_DOUBLE_EQ(0.15, Number(values, 5, "PRM_RadiusX"));
   EXPECT_DOUBLE_EQ(0.15, Number(values, 5, "PRM_RadiusY"));
 }
 
 TEST(KeyframedValues, MoveAPointOnBothAxes) {
-  TypedValues typed;
-  typed.center = "0=0%,0%; 4=100%,50%";
+  TypedLook typed;
+  typed["center"] = "0=0%,0%; 4=100%,50%";
   const KeyframedValues values = Over(typed, {0, 4});
   EXPECT_DOUBLE_EQ(0.25, Number(values, 1, "PRM_Center_X"));
   EXPECT_DOUBLE_EQ(0.125, Number(values, 1, "PRM_Center_Y"));
 }
 
 TEST(KeyframedValues, HoldWhatHasNothingBetween) {
-  TypedValues typed;
-  typed.shape = "0=circle; 5~=polygon";
-  typed.match = "0|=on; 3|=off";
+  TypedLook typed;
+  typed["shape"] = "0=circle; 5~=polygon";
+  typed["match"] = "0|=on; 3|=off";
   const KeyframedValues values = Over(typed, {0, 9});
   EXPECT_EQ(Value(0), values.At(4).at("PRM_Shape"));
   EXPECT_EQ(Value(2), values.At(5).at("PRM_Shape"));
@@ -72,9 +73,9 @@ TEST(KeyframedValues, HoldWhatHasNothingBetween) {
 }
 
 TEST(KeyframedValues, KeepSidesWholeAndSmoothCoursesInTheirRange) {
-  TypedValues typed;
-  typed.sides = "0=3; 4=5";
-  typed.emphasis = "0=0; 10~=500; 20~=500; 30=0";
+  TypedLook typed;
+  typed["sides"] = "0=3; 4=5";
+  typed["emphasis"] = "0=0; 10~=500; 20~=500; 30=0";
   const KeyframedValues values = Over(typed, {0, 30});
   EXPECT_EQ(4.0, Number(values, 1, "PRM_Sides"));  // 3.5 rounds away from 0
   EXPECT_EQ(4.0, Number(values, 2, "PRM_Sides"));
@@ -82,31 +83,32 @@ TEST(KeyframedValues, KeepSidesWholeAndSmoothCoursesInTheirRange) {
 }
 
 TEST(KeyframedValues, ComeFromAssignmentsToo) {
-  TypedValues typed;
+  TypedLook typed;
   typed.set = {"PRM_Rotation=0=0; 2=90"};
   EXPECT_EQ(45.0, Number(Over(typed, {5, 7}), 6, "PRM_Rotation"));
 }
 
 TEST(KeyframedValues, RefuseAKeyframeThatThePageDoesNotAllow) {
-  TypedValues typed;
-  typed.emphasis = "0=50; 10=501";
+  TypedLook typed;
+  typed["emphasis"] = "0=50; 10=501";
   try {
     Over(typed);
     FAIL();
   } catch (const glimmerhost::UsageError& fault) {
-    EXPECT_STREQ("--emphasis 501: allowed is a number from 0 to 500 (the page offers 1 to 50)",
+    EXPECT_STREQ("--emphasis must be a number from 0 to 500 (the page offers 1 to 50), not 501",
                  fault.what());
   }
 }
 
 TEST(KeyframedValues, RefuseTwoKeyframesAtOneTime) {
-  TypedValues typed;
-  typed.emphasis = "0=50; -1=60; 99=70";
+  TypedLook typed;
+  typed["emphasis"] = "0=50; -1=60; 99=70";
   try {
     Over(typed);
     FAIL();
   } catch (const glimmerhost::UsageError& fault) {
-    EXPECT_NE(std::string::npos, std::string(fault.what()).find("two are at 99")) << fault.what();
+    EXPECT_NE(std::string::npos, std::string(fault.what()).find("are at the time 99"))
+        << fault.what();
   }
 }
 

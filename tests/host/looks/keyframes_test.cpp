@@ -48,7 +48,7 @@ TEST(Keyframes, RefuseWhatIsNone) {
       ADD_FAILURE() << text;
     } catch (const glimmerhost::UsageError& fault) {
       EXPECT_EQ(0U,
-                std::string(fault.what()).find("--emphasis " + std::string(text) + ": allowed"));
+                std::string(fault.what()).find("--emphasis " + std::string(text) + ": must be"));
     }
   }
 }

@@ -19,44 +19,49 @@ using glimmerhost::LookLayer;
 using glimmerhost::MergeLayers;
 using glimmerhost::Page;
 using glimmerhost::ShotSpan;
-using glimmerhost::TypedValues;
+using glimmerhost::TypedLook;
 
-LookLayer Layer(const TypedValues& values) { return {"--", {values, {}, {}, {}}}; }
+const Page& ThePage() {
+  static const Page page = Page::Load(PAGE);
+  return page;
+}
+
+LookLayer Layer(const Look& look) { return {"--", look}; }
 
 TEST(MergedLayers, DropAllThatIsDecidedAnew) {
-  TypedValues below;
-  below.radiusX = "8px";
-  below.sides = "5";
+  TypedLook below;
+  below["radius-x"] = "8px";
+  below["sides"] = "5";
   below.set = {"PRM_RadiusY=0.5", "PRM_Rotation=3", "PRM_Precision=on"};
-  TypedValues above;
-  above.radius = "40px";
-  above.rotation = "7";
+  TypedLook above;
+  above["radius"] = "40px";
+  above["rotation"] = "7";
   above.set = {"PRM_Sides=9", "PRM_Sides=8"};
 
-  const TypedValues merged = MergeLayers({Layer(below), Layer(above)}).values;
+  const Look merged = MergeLayers(ThePage(), {Layer(below), Layer(above)});
 
-  TypedValues expected;
-  expected.radius = "40px";
-  expected.rotation = "7";
+  Look expected;
+  expected["radius"] = "40px";
+  expected["rotation"] = "7";
   expected.set = {"PRM_Precision=on", "PRM_Sides=8"};
   EXPECT_EQ(expected, merged);
 }
 
 TEST(MergedLayers, KeepTheRadiusUnderThatOfOneSide) {
-  TypedValues below;
-  below.radius = "0=40px; 9=50px";
-  TypedValues above;
-  above.radiusY = "8px";
+  TypedLook below;
+  below["radius"] = "0=40px; 9=50px";
+  TypedLook above;
+  above["radius-y"] = "8px";
 
-  const TypedValues merged = MergeLayers({Layer(below), Layer(above)}).values;
+  const Look merged = MergeLayers(ThePage(), {Layer(below), Layer(above)});
 
-  EXPECT_EQ("0=40px; 9=50px", merged.radius);
-  EXPECT_EQ("8px", merged.radiusY);
+  EXPECT_EQ("0=40px; 9=50px", merged.At("radius"));
+  EXPECT_EQ("8px", merged.At("radius-y"));
 }
 
 // Whatever is in the layers, and however often.
 TEST(MergedLayers, GiveTheStoreTheValuesOfTheLayers) {
-  const Page page = Page::Load(PAGE);
+  const Page& page = ThePage();
   const std::vector<std::string> radii = {"", "", "4px", "0.1", "0=1%; 5~=3%; -1=9%"};
   const std::vector<std::string> assignments = {
       "PRM_RadiusX=0.2",   "PRM_RadiusY=0.3",      "PRM_Sides=11",        "PRM_Shape=1",
@@ -68,15 +73,15 @@ TEST(MergedLayers, GiveTheStoreTheValuesOfTheLayers) {
   for (int round = 0; round < 500; ++round) {
     std::vector<LookLayer> layers;
     for (int i = 0; i < 3; ++i) {
-      TypedValues values;
-      values.radius = pick(radii);
-      values.radiusX = pick(radii);
-      values.radiusY = pick(radii);
-      values.radiusPsf1 = pick(radii);
-      values.center = pick({"", "10%,20%", "0=0,0;9=1,1"});
-      values.sides = pick({"", "", "4"});
-      values.shape = pick({"", "", "image"});
-      values.match = pick({"", "off"});
+      Look values;
+      values["radius"] = pick(radii);
+      values["radius-x"] = pick(radii);
+      values["radius-y"] = pick(radii);
+      values["radius-psf1"] = pick(radii);
+      values["center"] = pick({"", "10%,20%", "0=0,0;9=1,1"});
+      values["sides"] = pick({"", "", "4"});
+      values["shape"] = pick({"", "", "image"});
+      values["match"] = pick({"", "off"});
       for (std::size_t count = random() % 4; count > 0; --count) {
         values.set.push_back(pick(assignments));
       }
@@ -84,8 +89,8 @@ TEST(MergedLayers, GiveTheStoreTheValuesOfTheLayers) {
     }
     const ShotSpan span{1001, 1010};
     const KeyframedValues expected(page, layers, 800, 600, span);
-    const KeyframedValues merged(page, MergeLayers(layers).values, 800, 600, span);
-    const KeyframedValues used(page, UsedLook(page, layers).values, 800, 600, span);
+    const KeyframedValues merged(page, {Layer(MergeLayers(page, layers))}, 800, 600, span);
+    const KeyframedValues used(page, {Layer(UsedLook(page, layers))}, 800, 600, span);
     for (int frame = 1001; frame <= 1010; frame += 3) {
       ASSERT_EQ(expected.At(frame), merged.At(frame)) << "round " << round;
       ASSERT_EQ(expected.At(frame), used.At(frame)) << "round " << round;
@@ -94,42 +99,40 @@ TEST(MergedLayers, GiveTheStoreTheValuesOfTheLayers) {
 }
 
 TEST(UsedLook, HasEveryParameter) {
-  TypedValues typed;
-  typed.sides = "5";
+  TypedLook typed;
+  typed["sides"] = "5";
 
-  const Look used = UsedLook(Page::Load(PAGE), {Layer(typed)});
+  const Look used = UsedLook(ThePage(), {Layer(typed)});
 
-  EXPECT_EQ("circle", used.values.shape);
-  EXPECT_EQ("", used.values.radius);
-  EXPECT_EQ("0.02", used.values.radiusX);
-  EXPECT_EQ("0.02", used.values.radiusY);
-  EXPECT_EQ("off", used.values.match);
-  EXPECT_EQ("5", used.values.sides);
-  EXPECT_EQ("0", used.values.rotation);
-  EXPECT_EQ("0.5,0.5", used.values.center);
-  EXPECT_EQ("0.02", used.values.radiusPsf1);
-  EXPECT_EQ("0.04", used.values.radiusPsf2);
-  EXPECT_EQ("1", used.values.emphasis);
-  EXPECT_EQ("off", used.values.emphAlpha);
-  EXPECT_EQ("premultiplied", used.alpha);
-  EXPECT_EQ(std::vector<std::string>{"PRM_Precision=off"}, used.values.set);
+  EXPECT_EQ("circle", used.At("shape"));
+  EXPECT_EQ("", used.At("radius"));
+  EXPECT_EQ("0.02", used.At("radius-x"));
+  EXPECT_EQ("0.02", used.At("radius-y"));
+  EXPECT_EQ("off", used.At("match"));
+  EXPECT_EQ("5", used.At("sides"));
+  EXPECT_EQ("0", used.At("rotation"));
+  EXPECT_EQ("0.5,0.5", used.At("center"));
+  EXPECT_EQ("0.02", used.At("radius-psf1"));
+  EXPECT_EQ("0.04", used.At("radius-psf2"));
+  EXPECT_EQ("1", used.At("emphasis"));
+  EXPECT_EQ("off", used.At("emph-alpha"));
+  EXPECT_EQ("premultiplied", used.At("alpha"));
+  EXPECT_EQ(std::vector<std::string>{"PRM_Precision=off"}, used.set);
 }
 
-TEST(SettledLook, TakesFromFilesWhatWasNotTyped) {
+TEST(PictureLook, TakesFromFilesWhatWasNotTyped) {
   const lx_test::ScratchFolder folder;
   std::ofstream(folder / "film.toml") << "alpha = \"as-is\"\npixel-aspect = \"16:15\"\n";
-  Look look;
-  look.values.file = (folder / "film.toml").string();
-  look.pixelAspect = "2:1";
+  TypedLook typed;
+  typed.file = (folder / "film.toml").string();
+  typed["pixel-aspect"] = "2:1";
 
-  SettleLook(ReadLayers(look), &look);
+  const auto look = PictureLookOf(ThePage(), ReadLayers(ThePage(), typed));
 
   EXPECT_EQ("as-is", look.alpha);
   EXPECT_EQ("2:1", look.pixelAspect);
   EXPECT_EQ("", look.spread);
-  Look plain;
-  SettleLook(ReadLayers(plain), &plain);
-  EXPECT_EQ("premultiplied", plain.alpha);
+  EXPECT_EQ("premultiplied", PictureLookOf(ThePage(), ReadLayers(ThePage(), {})).alpha);
 }
 
 }  // namespace

@@ -43,22 +43,23 @@ TEST(Page, TakesEntriesByNameAndByIndex) {
 
 TEST(Page, NamesOriginValueAndWhatIsAllowed) {
   const Page page = Page::Load(PAGE);
-  EXPECT_EQ("--option 51: allowed is a whole number from 3 to 50",
+  EXPECT_EQ("--option must be a whole number from 3 to 50, not 51",
             Refusal(page, "PRM_Sides", "51"));
-  EXPECT_EQ("--option 5.5: allowed is a whole number from 3 to 50",
+  EXPECT_EQ("--option must be a whole number from 3 to 50, not 5.5",
             Refusal(page, "PRM_Sides", "5.5"));
-  EXPECT_EQ("--option 501: allowed is a number from 0 to 500 (the page offers 1 to 50)",
+  EXPECT_EQ("--option must be a number from 0 to 500 (the page offers 1 to 50), not 501",
             Refusal(page, "PRM_Emphasis", "501"));
-  EXPECT_EQ("--option maybe: allowed is on or off", Refusal(page, "PRM_Match", "maybe"));
-  EXPECT_EQ("--option nan: allowed is a number from -3600 to 3600",
+  EXPECT_EQ("--option must be on or off, not maybe", Refusal(page, "PRM_Match", "maybe"));
+  EXPECT_EQ("--option must be a number from -3600 to 3600, not nan",
             Refusal(page, "PRM_Rotation", "nan"));
 }
 
 TEST(Page, RefusesAnEntryThatItDoesNotHave) {
   const Page page = Page::Load(PAGE);
   for (const char* text : {"4", "-1", "2.5", "heart"}) {
-    EXPECT_EQ(std::string("--option ") + text +
-                  ": allowed is circle, ellipse, polygon or image (in the store 0 to 3)",
+    EXPECT_EQ(std::string("--option must be circle, ellipse, polygon or image (in the store 0 to "
+                          "3), not ") +
+                  text,
               Refusal(page, "PRM_Shape", text));
   }
 }
@@ -79,7 +80,7 @@ TEST(Page, NamesTheNearestKeyForOneThatIsUnknown) {
     page.Find("PRM_Radius");
     FAIL();
   } catch (const UsageError& fault) {
-    EXPECT_EQ("PRM_Radius: there is no such parameter; the nearest is PRM_RadiusX",
+    EXPECT_EQ("unknown parameter \"PRM_Radius\"; did you mean \"PRM_RadiusX\"?",
               std::string(fault.what()));
   }
 }

@@ -10,6 +10,7 @@
 
 #include "host/looks/keyframed_values.h"
 #include "host/support/failure.h"
+#include "tests/support/looks.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
@@ -17,7 +18,7 @@ namespace {
 using glimmerhost::Look;
 using glimmerhost::Page;
 using glimmerhost::ReadParameterFile;
-using glimmerhost::TypedValues;
+using glimmerhost::TypedLook;
 
 class ParameterFile : public testing::Test {
  public:
@@ -28,10 +29,10 @@ class ParameterFile : public testing::Test {
 
   // What is said of values that the page does not take.
   std::string Refusal(const std::string& text) {
-    TypedValues typed;
+    TypedLook typed;
     typed.file = Write(text);
     try {
-      MakeStoreValues(Page::Load(PAGE), typed, 800, 600);
+      lx_test::StillValuesOf(page, typed, 800, 600);
     } catch (const glimmerhost::UsageError& fault) {
       return fault.what();
     }
@@ -42,7 +43,7 @@ class ParameterFile : public testing::Test {
   template <class Fault>
   std::string Complaint(const std::string& name) {
     try {
-      ReadParameterFile(folder / name);
+      ReadParameterFile(page, folder / name);
     } catch (const Fault& fault) {
       const std::string text = fault.what();
       const std::string file = (folder / name).string() + ":";
@@ -63,10 +64,11 @@ class ParameterFile : public testing::Test {
   }
 
   lx_test::ScratchFolder folder;
+  const Page page = Page::Load(PAGE);
 };
 
 TEST_F(ParameterFile, NamesValuesAsTheOptionsDo) {
-  TypedValues typed;
+  TypedLook typed;
   typed.file = Write(
       "shape = \"polygon\"\n"
       "sides = 5\n"
@@ -77,7 +79,7 @@ TEST_F(ParameterFile, NamesValuesAsTheOptionsDo) {
       "PRM_Emphasis = 20\n"
       "PRM_Precision = true\n");
 
-  const auto values = MakeStoreValues(Page::Load(PAGE), typed, 800, 600);
+  const auto values = lx_test::StillValuesOf(page, typed, 800, 600);
 
   EXPECT_EQ(2, std::get<int>(values.at("PRM_Shape")));
   EXPECT_EQ(5.0, std::get<double>(values.at("PRM_Sides")));
@@ -91,12 +93,12 @@ TEST_F(ParameterFile, NamesValuesAsTheOptionsDo) {
 
 // Also where the file is the more exact one.
 TEST_F(ParameterFile, LiesBelowWhatIsTyped) {
-  TypedValues typed;
+  TypedLook typed;
   typed.file = Write("radius-x = \"8px\"\nsides = 5\nPRM_Rotation = 3\n");
-  typed.radius = "40px";
-  typed.rotation = "7";
+  typed["radius"] = "40px";
+  typed["rotation"] = "7";
 
-  const auto values = MakeStoreValues(Page::Load(PAGE), typed, 800, 600);
+  const auto values = lx_test::StillValuesOf(page, typed, 800, 600);
 
   EXPECT_EQ(0.1, std::get<double>(values.at("PRM_RadiusX")));
   EXPECT_EQ(5.0, std::get<double>(values.at("PRM_Sides")));
@@ -105,75 +107,76 @@ TEST_F(ParameterFile, LiesBelowWhatIsTyped) {
 
 TEST_F(ParameterFile, ReadsTheSameFromJson) {
   const Look fromToml = ReadParameterFile(
+      page,
       Write("version = 1\nshape = \"polygon\"\nsides = 5\nradius = \"40px\"\nmatch = true\n"
             "rotation = -12.5\nemphasis = \"0=50; 24~=60; -1=220\"\nPRM_Precision = false\n"));
   const Look fromJson = ReadParameterFile(
-      Write("{\"version\": 1, \"shape\": \"polygon\", \"sides\": 5, \"radius\": \"40px\",\n"
-            "\"match\": true, \"rotation\": -12.5, \"emphasis\": \"0=50; 24~=60; -1=220\",\n"
-            "\"PRM_Precision\": false}",
-            "film.json"));
+      page, Write("{\"version\": 1, \"shape\": \"polygon\", \"sides\": 5, \"radius\": \"40px\",\n"
+                  "\"match\": true, \"rotation\": -12.5, \"emphasis\": \"0=50; 24~=60; -1=220\",\n"
+                  "\"PRM_Precision\": false}",
+                  "film.json"));
 
   EXPECT_EQ(fromToml, fromJson);
-  EXPECT_EQ("0=50; 24~=60; -1=220", fromJson.values.emphasis);
-  EXPECT_EQ("-12.5", fromJson.values.rotation);
-  EXPECT_EQ("on", fromJson.values.match);
-  EXPECT_EQ("PRM_Precision=off", fromJson.values.set.at(0));
+  EXPECT_EQ("0=50; 24~=60; -1=220", fromJson.At("emphasis"));
+  EXPECT_EQ("-12.5", fromJson.At("rotation"));
+  EXPECT_EQ("on", fromJson.At("match"));
+  EXPECT_EQ("PRM_Precision=off", fromJson.set.at(0));
 }
 
 TEST_F(ParameterFile, HasWhatDecidesThePictureBesideTheStore) {
   const Look look = ReadParameterFile(
+      page,
       Write("spread = \"pictures/../heart.png\"\npixel-aspect = \"16:15\"\nalpha = \"as-is\"\n"));
 
-  EXPECT_EQ((folder / "heart.png").string(), look.spread);
-  EXPECT_EQ("16:15", look.pixelAspect);
-  EXPECT_EQ("as-is", look.alpha);
+  EXPECT_EQ((folder / "heart.png").string(), look.At("spread"));
+  EXPECT_EQ("16:15", look.At("pixel-aspect"));
+  EXPECT_EQ("as-is", look.At("alpha"));
 }
 
 TEST_F(ParameterFile, NamesTheLineOfWhatItMayNotHave) {
-  const std::string values = ": allowed is a text, a number, true or false";
-  const std::string texts = ": allowed is a text of one line that is not empty";
-  const std::string unknown = ": there is no such parameter; the nearest is ";
-  const std::string one = ": allowed is the whole number 1";
+  const std::string values = " must be a text, a number, true or false";
+  const std::string texts = " must be a text of one line that is not empty";
+  const std::string one = "1: version must be the whole number 1, not ";
   for (const auto& [text, says] : {
-           std::pair<std::string, std::string>{"radus = \"4px\"\n",
-                                               "1: radus" + unknown + "radius"},
-           {"sides = 5\n\nverson = 1\n", "3: verson" + unknown + "version"},
+           std::pair<std::string, std::string>{
+               "radus = \"4px\"\n", "1: unknown parameter \"radus\"; did you mean \"radius\"?"},
+           {"sides = 5\n\nverson = 1\n",
+            "3: unknown parameter \"verson\"; did you mean \"version\"?"},
            {"sides = [5]\n", "1: sides" + values},
            {"[sides]\nx = 1\n", "1: sides" + values},
            {"sides.x = 1\n", "1: sides" + values},
            {"sides = 1979-05-27\n", "1: sides" + values},
            {"\nshape = \"\"\n", "2: shape" + texts},
            {"shape = \"a\\nb\"\n", "1: shape" + texts},
-           {"\"a\\nb\" = 1\n", "1: a b" + unknown + "shape"},
-           {"version = 2\n", "1: version 2" + one},
-           {"version = 1.0\n", "1: version 1" + one},
-           {"version = \"1\"\n", "1: version 1" + one},
-           {"version = true\n", "1: version on" + one},
-           {"\nalpha = \"straight\"\n", "2: alpha straight: allowed is premultiplied or as-is"},
+           {"\"a\\nb\" = 1\n", "1: unknown parameter \"a b\"; did you mean \"shape\"?"},
+           {"version = 2\n", one + "2"},
+           {"version = 1.0\n", one + "1"},
+           {"version = \"1\"\n", one + "1"},
+           {"version = true\n", one + "on"},
+           {"\nalpha = \"straight\"\n", "2: alpha must be premultiplied or as-is, not straight"},
        }) {
     EXPECT_EQ(says, WrongUse(text)) << text;
   }
-  EXPECT_TRUE(WrongUse("pixel-aspect = \"16\"\n").starts_with("1: pixel-aspect 16: allowed is "));
+  EXPECT_TRUE(WrongUse("pixel-aspect = \"16\"\n").starts_with("1: pixel-aspect must be A:B"));
 }
 
 TEST_F(ParameterFile, NamesTheLineInJsonToo) {
-  const std::string values = ": allowed is a text, a number, true or false";
-  const std::string object = ": allowed is an object of values, {\"version\": 1, ...}";
+  const std::string values = " must be a text, a number, true or false";
+  const std::string object = ": must be an object of values, {\"version\": 1, ...}";
   for (const auto& [text, says] : {
            std::pair<std::string, std::string>{
                "{\"version\": 1,\n\"radus\": 4}",
-               "2: radus: there is no such parameter; the nearest is radius"},
-           {"{\"version\": 1,\n\"sides\": 5,\n\"sides\": 5}",
-            "3: sides: allowed is each name once"},
+               "2: unknown parameter \"radus\"; did you mean \"radius\"?"},
+           {"{\"version\": 1,\n\"sides\": 5,\n\"sides\": 5}", "3: sides: given twice"},
            {"{\"version\": 1,\n\n\"sides\": null}", "3: sides" + values},
            {"{\"sides\": [5]}", "1: sides" + values},
            {"{\"sides\":\n{}}", "1: sides" + values},
-           {"{\"version\": 2}", "1: version 2: allowed is the whole number 1"},
+           {"{\"version\": 2}", "1: version must be the whole number 1, not 2"},
            {"[1]", "1" + object},
            {"\n5", "2" + object},
            {"{\"sides\": 5\n,\"sids\": 5\n}",
-            "2: sids: there is no such parameter; the nearest is sides"},
-           {"{}", " version is missing; allowed is \"version\": 1"},
+            "2: unknown parameter \"sids\"; did you mean \"sides\"?"},
+           {"{}", " version is missing; \"version\": 1 must be there"},
        }) {
     EXPECT_EQ(says, WrongUse(text, "film.json")) << text;
   }
@@ -181,18 +184,18 @@ TEST_F(ParameterFile, NamesTheLineInJsonToo) {
 
 TEST_F(ParameterFile, RefusesWithItsNameTheValueAndWhatIsAllowed) {
   const std::string file = (folder / "film.toml").string();
-  EXPECT_EQ(file + ": sides 2: allowed is a whole number from 3 to 50", Refusal("sides = 2\n"));
-  EXPECT_EQ(file + ": match 2: allowed is on or off", Refusal("match = 2\n"));
-  EXPECT_EQ(file + ": set PRM_Sids: there is no such parameter; the nearest is PRM_Sides",
+  EXPECT_EQ(file + ": sides must be a whole number from 3 to 50, not 2", Refusal("sides = 2\n"));
+  EXPECT_EQ(file + ": match must be on or off, not 2", Refusal("match = 2\n"));
+  EXPECT_EQ(file + ": set: unknown parameter \"PRM_Sids\"; did you mean \"PRM_Sides\"?",
             Refusal("PRM_Sids = 5\n"));
-  EXPECT_EQ(file + ": rotation inf: allowed is a number from -3600 to 3600",
+  EXPECT_EQ(file + ": rotation must be a number from -3600 to 3600, not inf",
             Refusal("rotation = inf\n"));
-  EXPECT_EQ(file + ": sides 1e+300: allowed is a whole number from 3 to 50",
+  EXPECT_EQ(file + ": sides must be a whole number from 3 to 50, not 1e+300",
             Refusal("sides = 1e300\n"));
 }
 
 TEST_F(ParameterFile, FailsWithTheLineWhereItIsNoneOfItsFormat) {
-  const std::string why = " it cannot be read as parameters: ";
+  const std::string why = " cannot be read as a look: ";
   for (const auto& [text, line] : {std::pair<std::string, std::string>{"a = 1\nsides 5\n", "2:"},
                                    {"sides = 5\n\nsides = 5\n", "3:"},
                                    {"sides = 99999999999999999999\n", "1:"},
@@ -211,17 +214,17 @@ TEST_F(ParameterFile, FailsWithTheLineWhereItIsNoneOfItsFormat) {
 }
 
 TEST_F(ParameterFile, FailsWhereThereIsNothingToRead) {
-  EXPECT_EQ(" there is no such file", Complaint<glimmerhost::MissingInput>("none.toml"));
+  EXPECT_EQ(" not found", Complaint<glimmerhost::MissingInput>("none.toml"));
   std::filesystem::create_directory(folder / "folder.toml");
-  EXPECT_EQ(" it is not a file", Complaint<glimmerhost::Failure>("folder.toml"));
-  EXPECT_EQ(" it is empty", Unreadable(""));
+  EXPECT_EQ(" not a file", Complaint<glimmerhost::Failure>("folder.toml"));
+  EXPECT_EQ(" empty", Unreadable(""));
 }
 
 // A hundred million bytes, of which the system keeps none.
 TEST_F(ParameterFile, FailsWithoutReadingWhereItIsLarge) {
   Write("x");
   std::filesystem::resize_file(folder / "film.toml", 100'000'000);
-  EXPECT_EQ(" it is no parameter file: it has more than a million bytes",
+  EXPECT_EQ(" not a parameter file: larger than a million bytes",
             Complaint<glimmerhost::Failure>("film.toml"));
 }
 
@@ -234,13 +237,13 @@ std::string Times(int count, const std::string& text) {
 }
 
 TEST_F(ParameterFile, EndsInOneLineHoweverDeepItIsNested) {
-  const std::string why = " it cannot be read as parameters: ";
+  const std::string why = " cannot be read as a look: ";
   EXPECT_TRUE(Unreadable("a = " + Times(400'000, "[") + "\n").starts_with("1:" + why));
   EXPECT_TRUE(Unreadable("a = " + Times(100'000, "{a=") + "\n").starts_with("1:" + why));
   EXPECT_EQ(why + "its names have dots without end", Unreadable(Times(400'000, "a.") + "a = 1\n"));
-  EXPECT_TRUE(WrongUse(Times(400'000, "[") + "\n", "film.json").starts_with("1: allowed is"));
+  EXPECT_TRUE(WrongUse(Times(400'000, "[") + "\n", "film.json").starts_with("1: must be"));
   EXPECT_TRUE(WrongUse("{\"sides\":" + Times(200'000, "{\"a\":"), "film.json")
-                  .starts_with("1: sides: allowed is"));
+                  .starts_with("1: sides must be"));
 }
 
 // Neither texts nor comments do.
@@ -249,7 +252,7 @@ TEST_F(ParameterFile, IsNotHiddenDotsByWhatStandsBeforeThem) {
   for (const char* before :
        {"a = \"\\\"\"\n", "a = 'b\\'\n", "# \"\n", "# '''\n", "a = \"\"\n", "a = ''\n",
         "a = \"\"\"\n\"'\\\"\"\"\"\n", "a = '''\n\"'''\n", "a = \"b\" # '\n"}) {
-    EXPECT_EQ(" it cannot be read as parameters: its names have dots without end",
+    EXPECT_EQ(" cannot be read as a look: its names have dots without end",
               Unreadable(before + dots))
         << before;
   }
@@ -265,7 +268,7 @@ TEST_F(ParameterFile, MayHaveAnyNumberOfDotsInTexts) {
                                     {"\"\"\"\n", "\"\"\""},
                                     {"'''\n", "'''"}}) {
     const std::string text = std::string("emphasis = ") + open + dots + close + " # " + dots;
-    EXPECT_EQ(dots, ReadParameterFile(Write(text)).values.emphasis) << open;
+    EXPECT_EQ(dots, ReadParameterFile(page, Write(text)).At("emphasis")) << open;
   }
 }
 

@@ -16,6 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using glimmerhost::Look;
+using glimmerhost::Page;
 using glimmerhost::ReadParameterFile;
 using glimmerhost::SaveParameters;
 
@@ -28,100 +29,103 @@ class SavedParameters : public testing::Test {
   }
 
   lx_test::ScratchFolder folder;
+  const Page page = Page::Load(PAGE);
 };
 
 Look FullLook() {
   Look look;
-  look.values.shape = "polygon";
-  look.values.radius = "0=40px; 24~=4%; -1|=0.1";
-  look.values.radiusY = "1e-3";
-  look.values.match = "off";
-  look.values.sides = "7";
-  look.values.rotation = "-0";
-  look.values.emphasis = "+50";
-  look.values.emphAlpha = "true";
-  look.values.center = "25%,100px";
-  look.values.radiusPsf1 = "0.1";
-  look.values.radiusPsf2 = "007";
-  look.values.set = {"PRM_Sides=0=3; 4=5", "PRM_Precision=on"};
-  look.pixelAspect = "16:15";
-  look.alpha = "as-is";
+  look["shape"] = "polygon";
+  look["radius"] = "0=40px; 24~=4%; -1|=0.1";
+  look["radius-y"] = "1e-3";
+  look["match"] = "off";
+  look["sides"] = "7";
+  look["rotation"] = "-0";
+  look["emphasis"] = "+50";
+  look["emph-alpha"] = "true";
+  look["center"] = "25%,100px";
+  look["radius-psf1"] = "0.1";
+  look["radius-psf2"] = "007";
+  look.set = {"PRM_Sides=0=3; 4=5", "PRM_Precision=on"};
+  look["pixel-aspect"] = "16:15";
+  look["alpha"] = "as-is";
   return look;
 }
 
 TEST_F(SavedParameters, ReadBackAsTheyWereTyped) {
   for (const char* name : {"look.toml", "look.json"}) {
-    SaveParameters(folder / name, FullLook(), false);
+    SaveParameters(page, folder / name, FullLook(), false);
 
-    Look read = ReadParameterFile(folder / name);
-    std::sort(read.values.set.rbegin(), read.values.set.rend());
+    Look read = ReadParameterFile(page, folder / name);
+    std::sort(read.set.rbegin(), read.set.rend());
     EXPECT_EQ(FullLook(), read) << TextOf(name);
   }
 }
 
 TEST_F(SavedParameters, AreWrittenForHandsAndForMachines) {
   Look look;
-  look.values.shape = "circle";
-  look.values.radius = "40px";
-  look.values.match = "on";
-  look.values.sides = "5";
-  look.values.emphasis = "0.5";
-  look.values.set = {"PRM_Precision=off"};
+  look["shape"] = "circle";
+  look["radius"] = "40px";
+  look["match"] = "on";
+  look["sides"] = "5";
+  look["emphasis"] = "0.5";
+  look.set = {"PRM_Precision=off"};
 
-  SaveParameters(folder / "look.toml", look, false);
-  SaveParameters(folder / "look.json", look, false);
+  SaveParameters(page, folder / "look.toml", look, false);
+  SaveParameters(page, folder / "look.json", look, false);
 
   EXPECT_EQ(
-      "# What glimmerhost --params reads.\nversion = 1\nshape = \"circle\"\nradius = \"40px\"\n"
-      "match = true\nsides = 5\nemphasis = 0.5\nPRM_Precision = false\n",
+      "# What glimmerhost --params reads.\nversion = 1\nshape = \"circle\"\nmatch = true\n"
+      "radius = \"40px\"\nsides = 5\nemphasis = 0.5\nPRM_Precision = false\n",
       TextOf("look.toml"));
   EXPECT_EQ(
-      "{\n  \"version\": 1,\n  \"shape\": \"circle\",\n  \"radius\": \"40px\",\n"
-      "  \"match\": true,\n  \"sides\": 5,\n  \"emphasis\": 0.5,\n  \"PRM_Precision\": false\n}\n",
+      "{\n  \"version\": 1,\n  \"shape\": \"circle\",\n  \"match\": true,\n"
+      "  \"radius\": \"40px\",\n  \"sides\": 5,\n  \"emphasis\": 0.5,\n  \"PRM_Precision\": "
+      "false\n}\n",
       TextOf("look.json"));
 }
 
 TEST_F(SavedParameters, NameAPictureFromTheirOwnFolder) {
   const fs::path name = u8"h '1' \u00f6.####.png";
   Look look;
-  look.spread = (folder / "hearts" / name).string();
+  look["spread"] = (folder / "hearts" / name).string();
 
-  SaveParameters(folder / "look.toml", look, false);
-  EXPECT_EQ(look.spread, ReadParameterFile(folder / "look.toml").spread);
+  SaveParameters(page, folder / "look.toml", look, false);
+  EXPECT_EQ(look.At("spread"), ReadParameterFile(page, folder / "look.toml").At("spread"));
   fs::create_directory(folder / "moved");
   fs::rename(folder / "look.toml", folder / "moved" / "look.toml");
   EXPECT_EQ((folder / "moved" / "hearts" / name).string(),
-            ReadParameterFile(folder / "moved" / "look.toml").spread);
+            ReadParameterFile(page, folder / "moved" / "look.toml").At("spread"));
 
   // One that lies elsewhere, by its whole name.
-  SaveParameters(folder / "moved" / "other.json", look, false);
+  SaveParameters(page, folder / "moved" / "other.json", look, false);
   fs::rename(folder / "moved" / "other.json", folder / "other.json");
-  EXPECT_EQ(look.spread, ReadParameterFile(folder / "other.json").spread);
+  EXPECT_EQ(look.At("spread"), ReadParameterFile(page, folder / "other.json").At("spread"));
 }
 
 TEST_F(SavedParameters, ReplaceAFileOnlyWhereTheyMay) {
-  SaveParameters(folder / "look.toml", FullLook(), false);
-  EXPECT_THROW(SaveParameters(folder / "look.toml", {}, false), glimmerhost::Failure);
-  EXPECT_EQ("polygon", ReadParameterFile(folder / "look.toml").values.shape);
+  SaveParameters(page, folder / "look.toml", FullLook(), false);
+  EXPECT_THROW(SaveParameters(page, folder / "look.toml", {}, false), glimmerhost::Failure);
+  EXPECT_EQ("polygon", ReadParameterFile(page, folder / "look.toml").At("shape"));
 
-  SaveParameters(folder / "look.toml", {}, true);
-  EXPECT_EQ("", ReadParameterFile(folder / "look.toml").values.shape);
+  SaveParameters(page, folder / "look.toml", {}, true);
+  EXPECT_EQ("", ReadParameterFile(page, folder / "look.toml").At("shape"));
 }
 
 TEST_F(SavedParameters, LeaveNothingWhereTheyCannotBeSaved) {
   Look twoLines;
-  twoLines.spread = (folder / "a\nb.png").string();
+  twoLines["spread"] = (folder / "a\nb.png").string();
   Look noUtf8;
-  noUtf8.values.shape = "\xff";
+  noUtf8["shape"] = "\xff";
   // The same key twice: one would be lost.
   Look twice;
-  twice.values.set = {"PRM_Sides=3", "PRM_Sides=4"};
+  twice.set = {"PRM_Sides=3", "PRM_Sides=4"};
   for (const Look& look : {twoLines, noUtf8, twice}) {
-    EXPECT_THROW(SaveParameters(folder / "look.toml", look, false), glimmerhost::Failure);
-    EXPECT_THROW(SaveParameters(folder / "look.json", look, false), glimmerhost::Failure);
+    EXPECT_THROW(SaveParameters(page, folder / "look.toml", look, false), glimmerhost::Failure);
+    EXPECT_THROW(SaveParameters(page, folder / "look.json", look, false), glimmerhost::Failure);
   }
-  EXPECT_THROW(SaveParameters(folder / "none" / "look.toml", {}, false), glimmerhost::Failure);
-  EXPECT_THROW(SaveParameters(folder / "look.txt", {}, false), glimmerhost::UsageError);
+  EXPECT_THROW(SaveParameters(page, folder / "none" / "look.toml", {}, false),
+               glimmerhost::Failure);
+  EXPECT_THROW(SaveParameters(page, folder / "look.txt", {}, false), glimmerhost::UsageError);
   EXPECT_EQ(0, folder.FileCount());
 }
 

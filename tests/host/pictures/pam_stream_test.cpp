@@ -148,12 +148,12 @@ TEST(PamReader, RefusesInOneLineWhatIsBroken) {
       {"P7\nWIDTH\n", "from 1 to 65535"},
       {"P7\nDEPTH 5\n", "from 1 to 4"},
       {"P7\nMAXVAL 65536\n", "from 1 to 65535"},
-      {"P7\nCOLOUR 1\n", "allowed is WIDTH, HEIGHT"},
+      {"P7\nCOLOUR 1\n", "it must have WIDTH, HEIGHT"},
       {Header(1, 1, 3, 255, "GRAYSCALE"), "GRAYSCALE of depth 3"},
       {Header(1, 1, 4, 255, "CMYK"), "CMYK of depth 4"},
-      {Header(65535, 65535, 4, 65535, "RGB_ALPHA") + "xyz", "cut short, in row 1 of 65535"},
-      {good, "cut short, in row 1 of 2"},
-      {good + "\x01\x02\x03", "cut short, in row 2 of 2"},
+      {Header(65535, 65535, 4, 65535, "RGB_ALPHA") + "xyz", "cut short in row 1 of 65535"},
+      {good, "cut short in row 1 of 2"},
+      {good + "\x01\x02\x03", "cut short in row 2 of 2"},
   };
   for (const auto& [bytes, says] : cases) {
     const std::string line = Refusal(bytes);
@@ -166,7 +166,7 @@ TEST(PamReader, RefusesInOneLineWhatIsBroken) {
 TEST(PamReader, NamesThePictureThatIsBroken) {
   const std::string good = Header(1, 1, 1, 255, "GRAYSCALE") + "\x01";
   EXPECT_TRUE(Refusal(good + good + good.substr(0, good.size() - 1))
-                  .starts_with("INPUT -: picture 3: it is cut short"));
+                  .starts_with("INPUT -: picture 3: cut short"));
   EXPECT_TRUE(Refusal(good + "\n" + good).starts_with("INPUT -: picture 2: it begins with"));
 }
 

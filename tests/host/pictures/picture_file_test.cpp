@@ -110,7 +110,7 @@ TEST(PictureFile, SaysWhatIsWrongWithAnInput) {
     EXPECT_EQ(std::string::npos, line.find('\n')) << line;
     return line;
   };
-  EXPECT_NE(std::string::npos, starts(folder / "missing.png").find("no such file"));
+  EXPECT_NE(std::string::npos, starts(folder / "missing.png").find("not found"));
   EXPECT_NE(std::string::npos, starts(folder / ".").find("not a file"));
   std::ofstream(folder / "empty.png");
   EXPECT_NE(std::string::npos, starts(folder / "empty.png").find("empty"));

@@ -78,9 +78,11 @@ TEST(RangeMapping, RefusesOtherTextsAndSaysWhatIsAllowed) {
       RangeMapping::Parse(text);
       ADD_FAILURE() << text;
     } catch (const glimmerhost::UsageError& fault) {
-      EXPECT_EQ(std::string("--range ") + text +
-                    ": allowed is clip, scale:MAX or log:MAX, with MAX above 0 and up to 65504",
-                fault.what());
+      const std::string quote = std::string(text).find_first_of(" ") < 99 || *text == 0 ? "\"" : "";
+      EXPECT_EQ(
+          "--range must be clip, scale:MAX or log:MAX, with MAX above 0 and up to 65504, not " +
+              quote + text + quote,
+          fault.what());
     }
   }
 }

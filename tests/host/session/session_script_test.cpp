@@ -75,29 +75,29 @@ TEST_F(Script, TakesEveryStepInItsForm) {
 }
 
 TEST_F(Script, RefusesWhatIsNoStep) {
-  EXPECT_EQ("there is no such step; the nearest is press", Refusal("pres 1 2"));
-  EXPECT_EQ("there is no such step; the nearest is render", Refusal("RENDER"));
+  EXPECT_EQ("unknown step \"pres\"; did you mean \"press\"?", Refusal("pres 1 2"));
+  EXPECT_EQ("unknown step \"RENDER\"; did you mean \"render\"?", Refusal("RENDER"));
 }
 
 TEST_F(Script, RefusesStepsOfAnotherForm) {
-  EXPECT_EQ("expected is press X Y", Refusal("press 1"));
-  EXPECT_EQ("expected is press X Y", Refusal("press 1 2 3"));
-  EXPECT_EQ("expected is draw", Refusal("draw now"));
-  EXPECT_EQ("expected is load PICTURE", Refusal("load"));
-  EXPECT_EQ("expected is show source or show result", Refusal("show me"));
-  EXPECT_EQ("expected is print page", Refusal("print values"));
+  EXPECT_EQ("a step must be press X Y", Refusal("press 1"));
+  EXPECT_EQ("a step must be press X Y", Refusal("press 1 2 3"));
+  EXPECT_EQ("a step must be draw", Refusal("draw now"));
+  EXPECT_EQ("a step must be load PICTURE", Refusal("load"));
+  EXPECT_EQ("a step must be show source or show result", Refusal("show me"));
+  EXPECT_EQ("a step must be print page", Refusal("print values"));
   for (const char* line :
        {"expect PRM_Sides", "expect PRM_Sides 5 within", "expect row PRM_Sides 5",
         "expect PRM_Sides 5 about 1", "expect PRM_Sides 5 within -1",
         "expect PRM_Shape image within 1", "expect same"}) {
-    EXPECT_EQ(0U, Refusal(line).find("expected is expect KEY VALUE [within TOLERANCE]")) << line;
+    EXPECT_EQ(0U, Refusal(line).find("a step must be expect KEY VALUE [within TOLERANCE]")) << line;
   }
 }
 
 TEST_F(Script, RefusesValuesThatThePageDoesNotAllow) {
-  EXPECT_EQ("PRM_Side: there is no such parameter; the nearest is PRM_Sides",
+  EXPECT_EQ("unknown parameter \"PRM_Side\"; did you mean \"PRM_Sides\"?",
             Refusal("set PRM_Side 5"));
-  EXPECT_EQ("PRM_Sides 2: allowed is a whole number from 3 to 50", Refusal("set PRM_Sides 2"));
+  EXPECT_EQ("PRM_Sides must be a whole number from 3 to 50, not 2", Refusal("set PRM_Sides 2"));
   EXPECT_NE("", Refusal("set PRM_Shape square"));
   EXPECT_NE("", Refusal("expect PRM_Shape square"));
   EXPECT_NE("", Refusal("expect PRM_Sides many"));
@@ -117,8 +117,8 @@ TEST_F(Script, BeginsWithAPicture) {
 }
 
 TEST_F(Script, ShowsNoResultBeforeThereIsOne) {
-  EXPECT_EQ("there is no result before a render", Refusal("show result"));
-  EXPECT_EQ("there is no result before a render",
+  EXPECT_EQ("a result needs a render before it", Refusal("show result"));
+  EXPECT_EQ("a result needs a render before it",
             RefusalOf("load a.png\nrender\nload b.png\nshow result\n", ":4: show result: "));
 }
 

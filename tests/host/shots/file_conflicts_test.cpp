@@ -30,7 +30,7 @@ std::string Refusal(const ShotNames& names) {
 
 TEST(FileConflicts, AreRefusedBetweenAStillAndAnotherFramesOutput) {
   EXPECT_EQ(
-      "-o out.0003.png: allowed are names that no other frame reads; this one is of frame 3, and "
+      "-o out.0003.png: no frame may write what another reads; this one is of frame 3, and "
       "frame 1 reads it",
       Refusal({"out.0003.png", "out.#.png", "", "1-5", ""}));
   EXPECT_NE("", Refusal({"in.#.png", "out.#.png", "out.0002.png", "1-5", ""}));
@@ -78,7 +78,7 @@ TEST(FileConflicts, AreRefusedBetweenAFileBesideAndAFrames) {
         {"in.#.png", "out.#.png", "lens.png", "1-3", "", {{"--manifest", manifest, true}}});
   };
   EXPECT_EQ(
-      "--manifest in.0002.png: allowed is a file of its own; this one is a picture that frame 2 "
+      "--manifest in.0002.png must be a file of its own; this one is a picture that frame 2 "
       "reads",
       refusal("in.0002.png"));
   EXPECT_NE(std::string::npos, refusal("./lens.png").find("frame 1 reads"));
@@ -98,7 +98,7 @@ TEST(FileConflicts, AreRefusedBetweenFilesBeside) {
                      {"--save-params", save, true},
                      {"--params", "look.toml", false}}});
   };
-  EXPECT_EQ("--manifest a.toml: allowed is a file of its own; this one is --save-params's",
+  EXPECT_EQ("--manifest a.toml must be a file of its own; this one is --save-params's",
             refusal("a.toml", "a.toml"));
   EXPECT_NE("", refusal("", "look.toml"));
   EXPECT_EQ("", refusal("look.toml", "shot.jsonl"));

@@ -67,7 +67,7 @@ TEST(FileSequence, RefusesTwoPlacesAndOneInAFolder) {
       const FileSequence refused("-o", name);
       ADD_FAILURE() << name;
     } catch (const glimmerhost::UsageError& fault) {
-      EXPECT_EQ(0U, std::string(fault.what()).find("-o " + std::string(name) + ": allowed is"));
+      EXPECT_EQ(0U, std::string(fault.what()).find("-o " + std::string(name) + ": "));
     }
   }
 }
@@ -95,7 +95,7 @@ TEST(FileSequence, RefusesANumberThatNoFrameHas) {
       (void)FileSequence("INPUT", (folder / "a.@.png").string()).Scan();
       ADD_FAILURE() << name;
     } catch (const glimmerhost::Failure& fault) {
-      EXPECT_NE(std::string::npos, std::string(fault.what()).find("its number is none of a frame"))
+      EXPECT_NE(std::string::npos, std::string(fault.what()).find("its frame number must be"))
           << fault.what();
     }
   }

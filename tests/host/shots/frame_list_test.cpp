@@ -45,8 +45,7 @@ TEST(FrameList, RefusesWhatIsNone) {
       Parse(text);
       ADD_FAILURE() << text;
     } catch (const glimmerhost::UsageError& fault) {
-      EXPECT_EQ(0U,
-                std::string(fault.what()).find("--frames " + std::string(text) + ": allowed is"));
+      EXPECT_EQ(0U, std::string(fault.what()).find("--frames must be "));
     }
   }
 }

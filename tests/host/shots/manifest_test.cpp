@@ -116,8 +116,8 @@ TEST_F(Manifests, TellWhatIsMissingAndWhatHasChanged) {
 
   const std::string two = (folder / "out2").string();
   const std::string three = (folder / "out3").string();
-  EXPECT_EQ((Lines{"no line for frames 4-5", "frame 2: " + two + ": it is not what was written",
-                   "frame 3: " + three + ": there is no such file"}),
+  EXPECT_EQ((Lines{"no line for frames 4-5", "frame 2: " + two + ": changed since it was written",
+                   "frame 3: " + three + ": not found"}),
             faults);
 }
 
@@ -128,7 +128,7 @@ TEST_F(Manifests, AreRefusedWithTheLineThatIsNone) {
     glimmerhost::ReadManifest(file);
     FAIL();
   } catch (const glimmerhost::Failure& fault) {
-    EXPECT_EQ(file.string() + ":2: it is no line of a manifest", fault.what());
+    EXPECT_EQ(file.string() + ":2: not a line of a manifest", fault.what());
   }
 }
 

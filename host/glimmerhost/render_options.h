@@ -1,23 +1,23 @@
-// glimmerhost render: pictures through the effect, one or a shot of them.
+// What render and submit are asked for, and the options that say it.
 #pragma once
 
-#include <iosfwd>
 #include <string>
 
 #include "host/glimmerhost/colour_options.h"
+#include "host/glimmerhost/option_set.h"
 #include "host/glimmerhost/run_options.h"
-#include "host/render/shot_render.h"
+#include "host/looks/page.h"
 
 namespace glimmerhost {
 
-// Without a pixel aspect the file's own counts. Input, output and spread may be names of sequences.
+// As it was typed. Input, output and spread may be names of sequences.
 struct RenderOptions : RunOptions {
   std::string input;
   std::string bits;  // 8, 16, or empty for the input's
   std::string range = "clip";
   ColourOptions colours;
   std::string frames;  // a list; empty for what the input's name or its folder says
-  std::string chunk;   // K/N
+  std::string chunk;   // K/N; for submit the most frames of a chunk, or empty
   bool keepGoing = false;
   bool skipExisting = false;
   bool carryPsf = false;
@@ -28,11 +28,9 @@ struct RenderOptions : RunOptions {
   std::string saveParams;  // a file for what was used; empty for none
 };
 
-// What is the same for all frames. Throws UsageError, and what reading parameter files throws.
-ShotSettings ParseSettings(const RenderOptions& options);
+// All but --chunk and --engine, which the two commands mean differently.
+void AddRenderOptions(OptionSet* options, const Page& page, RenderOptions* render);
 
-// Renders, or only tells what would be done. Returns the program's exit code. Throws Failure or
-// UsageError; of a frame that failed there is no output, and nothing is left of one.
-int RunRender(const RenderOptions& options, std::ostream& out);
+inline constexpr const char* kShotGroup = "Shot";
 
 }  // namespace glimmerhost

@@ -1,0 +1,102 @@
+#include "host/glimmerhost/render_options.h"
+
+#include "host/pictures/colour_config.h"
+#include "host/pictures/picture_formats.h"
+
+namespace glimmerhost {
+namespace {
+
+// What of a shot is rendered, and what becomes of frames that fail.
+void AddShot(OptionSet* options, RenderOptions* render) {
+  options->Value("--frames", &render->frames,
+                 {kShotGroup, "LIST",
+                  "1-10,20-30, 1-100x5 (every fifth), 100-1 (backwards); default: the list in the "
+                  "input's name (shot.1-100#.tif), or the frames that its folder has"});
+  options->Switch("--skip-existing", &render->skipExisting, kShotGroup,
+                  "Leave out frames whose output exists");
+  options->Switch("--keep-going", &render->keepGoing, kShotGroup,
+                  "Render the rest where a frame fails; the program still fails in the end");
+  options->Switch("--carry-psf", &render->carryPsf, kShotGroup,
+                  "Use one instance of the effect for all frames. It keeps an aperture for values "
+                  "that are near enough, so a frame may depend on those before it");
+  options->Switch("--explain", &render->explain, kShotGroup,
+                  "Render nothing; print grids, memory and how often the aperture is built");
+  options->Switch("--dry-run", &render->dryRun, kShotGroup,
+                  "Render nothing; list the files that would be read and written");
+}
+
+void AddPixels(OptionSet* options, RenderOptions* render) {
+  options->Value(std::string("--") + kAlpha, &render->look[kAlpha],
+                 {kPixelsGroup,
+                  "MODE",
+                  "premultiplied (default): colour of a file with straight alpha is multiplied by "
+                  "it on the way in and divided on the way out; as-is: samples are left alone",
+                  {"premultiplied", "as-is"}});
+  options->Value("--bits", &render->bits,
+                 {kPixelsGroup,
+                  "COUNT",
+                  "8 or 16 (default: the input's; 16 for floating point)",
+                  {"8", "16"}});
+  AddPixelAspect(options, "the file's", render);
+  options->Value("--range", &render->range,
+                 {kPixelsGroup,
+                  "RANGE",
+                  "How floating point comes into 0 to 1, and back where the output is floating "
+                  "point, too: clip (default), scale:MAX or log:MAX",
+                  {"clip", "scale:", "log:"}});
+}
+
+void AddColours(OptionSet* options, ColourOptions* colours) {
+  const std::string group = "Colour spaces";
+  options->Value("--colour-in", &colours->in,
+                 {group,
+                  "SPACE",
+                  "The space that the input's colours are in; the effect works in scene_linear",
+                  {},
+                  kHasColourManagement});
+  options->Value("--colour-out", &colours->out,
+                 {group,
+                  "SPACE",
+                  "The space of the output (default: the input's). If it is given alone, the input "
+                  "is in scene_linear",
+                  {},
+                  kHasColourManagement});
+  options->Value("--colour-config", &colours->config,
+                 {group,
+                  "FILE",
+                  "The OpenColorIO configuration that names them (default: what OCIO in the "
+                  "environment names)",
+                  {},
+                  kHasColourManagement});
+}
+
+}  // namespace
+
+void AddRenderOptions(OptionSet* options, const Page& page, RenderOptions* render) {
+  options->Argument("INPUT", &render->input,
+                    std::string("The picture, a sequence (shot.####.tif), or with render - for PAM "
+                                "pictures on the standard input: ") +
+                        kReadableFormats);
+  AddOutput(options, render);
+  AddLook(options, page, true, render);
+  AddShot(options, render);
+  AddLookFiles(options, render);
+  options->Value("--save-params", &render->saveParams,
+                 {kLookGroup, "FILE",
+                  "Write the look that is used, defaults included, to a look file for --params"});
+  AddPixels(options, render);
+  AddColours(options, &render->colours);
+  AddThreads(options, &render->threads);
+  options->Value("--manifest", &render->manifest,
+                 {kFilesGroup, "FILE",
+                  "Write a line of JSON a frame to this file: hashes of input and output, values, "
+                  "versions, seconds"});
+  options->Value("--progress", &render->progress,
+                 {kRunningGroup,
+                  "FORM",
+                  "auto (default: bar on a terminal, lines elsewhere), bar, lines or json",
+                  {"auto", "bar", "lines", "json"}});
+  AddRunning(options, render);
+}
+
+}  // namespace glimmerhost

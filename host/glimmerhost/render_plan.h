@@ -1,0 +1,37 @@
+// RenderPlan: all that was typed, turned once into what is done. Behind it nobody reads options.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "host/glimmerhost/render_options.h"
+#include "host/looks/page.h"
+#include "host/module/module_choice.h"
+#include "host/render/shot_render.h"
+#include "host/render/shot_report.h"
+#include "host/shots/shot_plan.h"
+
+namespace glimmerhost {
+
+struct RenderPlan {
+  ShotPlan shot;          // which files
+  ShotSettings settings;  // which values, and how files are read and written
+  ShotReport::Form report = ShotReport::Form::kLines;
+  ModuleChoice module;              // its engine is null where nothing but files is asked for
+  std::filesystem::path manifest;   // empty for none
+  std::filesystem::path savedLook;  // a file for the look that is used; empty for none
+  bool explain = false;             // only tell what would be done
+  bool dryRun = false;              // only list the files
+};
+
+// For render. Throws UsageError, and what reading look files, listing frames and choosing a module
+// throws.
+RenderPlan PlanRender(const Page& page, const RenderOptions& options);
+
+// For submit, whose chunks plan their own part: the whole shot, and no file beside it.
+RenderPlan PlanSubmit(const Page& page, const RenderOptions& options);
+
+// Writes the look where that was asked for. Throws Failure, and UsageError for the file's name.
+void SaveLook(const Page& page, const RenderPlan& plan);
+
+}  // namespace glimmerhost
