@@ -38,9 +38,8 @@ class KeyframedValues::Setter {
     const std::string name = origin_ + option.name;
     for (const std::string& key : option.keys) {
       const Parameter& parameter = page_.Find(key);
-      Put(parameter, name, text, [&](const std::string& value) {
-        return ValueOf(parameter, name, value, width, height);
-      });
+      Put(parameter, name, text,
+          [&](const std::string& value) { return ValueOf(parameter, name, value, width, height); });
     }
   }
 
