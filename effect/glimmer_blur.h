@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "effect/glimmer_blur_info.h"
+#include "effect/psf_key.h"
 #include "fftlib/fftlib.h"
 #include "library/overlay_lx.h"
 #include "library/plugin_lx.h"
@@ -36,33 +37,15 @@ class GlimmerBlur : public PluginLX, public OverlayLX, public GlimmerBlurInfo {
   // Passes the event to all three overlays, whatever the shape.
   void HandleEvent(std::int32_t event, float x, float y) override;
 
-  // The PsfKey: the values of the previous frame, which decide whether its PSF is kept.
-  float aspectX = 0.0F;  // of the current frame
-  float aspectY = 0.0F;
-  float prevRadiusX = 0.0F;  // pixels
-  float prevRadiusY = 0.0F;
-  float prevRotation = 0.0F;
-  std::int32_t prevShape = 0;
-  std::int32_t prevSides = 0;
-  float prevAspectX = 0.0F;
-  float prevAspectY = 0.0F;
-  std::int32_t prevWidth = 0;
-  std::int32_t prevHeight = 0;
+  PsfKey psfKey;          // of the previous frame
   bool psfValid = false;  // a build has been asked for
 
   DefocusEngine* engine = nullptr;  // owned
 
  private:
-  struct Radii {
-    float x;
-    float y;
-  };
-
-  Radii RadiiInPixels(std::int32_t width) const;
-  bool KeepsPsf(std::int32_t width, std::int32_t height, const Radii& radii) const;
-  ImageRec* BuildPsf(std::int32_t width, std::int32_t height, const Radii& radii);
+  PsfKey KeyOfFrame() const;
+  ImageRec* BuildPsf(const PsfKey& key);
   ImageRec* BuildPsfFromImage(std::int32_t width, std::int32_t height);
-  void StorePsfKey(std::int32_t width, std::int32_t height, const Radii& radii);
   void DrawRingOf(const SizeControlLX& radius, bool dashed, CircleOverlayLX* ring);
   void RunPassRows(std::int32_t first, std::int32_t last);
   static void ParallelFor(void* context, PassFunction pass, std::int32_t count,

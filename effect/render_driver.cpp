@@ -1,5 +1,4 @@
 // RenderFrame: one frame from the ports' images and the controls' values to the result.
-#include <cmath>
 #include <cstdint>
 #include <utility>
 
@@ -17,11 +16,7 @@ constexpr std::int32_t kPolygonOutline = 2;
 constexpr std::int32_t kSidesOfEllipse = 6;  // not looked at
 
 constexpr float kSmallestRadius = 0.5F;
-constexpr double kTolerance = 0.01;
 constexpr std::uint32_t kColourMask = kBitLuma | kBitCr | kBitCb;
-
-// Strict, and not a number is never near anything.
-bool IsNear(double value, double previous) { return std::fabs(value - previous) < kTolerance; }
 
 std::int32_t NeverCancel(void* /*context*/) { return 0; }
 
@@ -53,11 +48,7 @@ void GlimmerBlur::RenderFrame() {
   }
   LXImage* input = sourcePort.image;
   LXImage* output = outputPort.image;
-  const std::int32_t width = input->width;
-  const std::int32_t height = input->height;
-  aspectX = NarrowToFloat(output->aspectX);
-  aspectY = NarrowToFloat(output->aspectY);
-  Radii radii{};
+  const PsfKey key = KeyOfFrame();
   {
     FrameImages images;
     images.source = ImageFromLX(input);
@@ -67,10 +58,9 @@ void GlimmerBlur::RenderFrame() {
     }
     engine->SetParallelFor(this, ParallelFor);
     engine->SetCancelQuery(this, NeverCancel);
-    radii = RadiiInPixels(width);
-    engine->SetPixelAspect(aspectX, aspectY);
-    if (!KeepsPsf(width, height, radii)) {
-      images.psf = BuildPsf(width, height, radii);
+    engine->SetPixelAspect(key.aspectX, key.aspectY);
+    if (!psfValid || !SharesPsf(key, psfKey)) {
+      images.psf = BuildPsf(key);
       // Intended: also after a build that failed or that no shape asked for. It is tried
       // again when a value of the key changes.
       psfValid = true;
@@ -90,55 +80,53 @@ void GlimmerBlur::RenderFrame() {
   if (!alphaEnabled) {
     output->CopyAlphaFrom(input);
   }
-  StorePsfKey(width, height, radii);
+  // Intended: the key of this frame, also where the PSF is of an earlier one, so a slow drift never
+  // rebuilds.
+  psfKey = key;
 }
 
 // Radii in pixels follow from the width alone, for X and for Y.
-GlimmerBlur::Radii GlimmerBlur::RadiiInPixels(std::int32_t width) const {
+PsfKey GlimmerBlur::KeyOfFrame() const {
+  PsfKey key;
+  key.shape = shape.value;
+  key.width = sourcePort.image->width;
+  key.height = sourcePort.image->height;
+  key.rotation = rotation.value;
+  key.psfRotation = NarrowToFloat(rotation.value);
   bool matched = false;
   GetCheckboxValue(match, kNoTime, &matched);
-  const bool ownY = shape.value == kEllipse || (shape.value == kPolygon && !matched);
-  const double x = ToPixels(radiusX.value, width);
-  const double y = ownY ? ToPixels(radiusY.value, width) : x;
-  Radii radii{NarrowToFloat(x), NarrowToFloat(y)};
+  const bool ownY = key.shape == kEllipse || (key.shape == kPolygon && !matched);
+  const double x = ToPixels(radiusX.value, key.width);
+  const double y = ownY ? ToPixels(radiusY.value, key.width) : x;
+  key.radiusX = NarrowToFloat(x);
+  key.radiusY = NarrowToFloat(y);
   // Written so that a radius that is not a number stays what it is.
-  if (radii.x < kSmallestRadius) {
-    radii.x = kSmallestRadius;
+  if (key.radiusX < kSmallestRadius) {
+    key.radiusX = kSmallestRadius;
   }
   if (y < kSmallestRadius) {
-    radii.y = kSmallestRadius;
+    key.radiusY = kSmallestRadius;
   }
-  return radii;
-}
-
-// Intended: the comparison is with the previous frame and not with the frame that the PSF
-// was built for, so a slow drift never rebuilds; and every value counts in every shape.
-bool GlimmerBlur::KeepsPsf(std::int32_t width, std::int32_t height, const Radii& radii) const {
-  std::int32_t sideCount = 0;
-  GetIntegerValue(sides, kNoTime, &sideCount);
-  return psfValid && shape.value == prevShape && shape.value != kImage && width == prevWidth &&
-         height == prevHeight && IsNear(rotation.value, prevRotation) &&
-         IsNear(radii.x, prevRadiusX) && IsNear(radii.y, prevRadiusY) && sideCount == prevSides &&
-         IsNear(aspectX, prevAspectX) && IsNear(aspectY, prevAspectY);
+  GetIntegerValue(sides, kNoTime, &key.sides);
+  key.aspectX = NarrowToFloat(outputPort.image->aspectX);
+  key.aspectY = NarrowToFloat(outputPort.image->aspectY);
+  return key;
 }
 
 // The picture that the PSF was cut from, if any; it lives until the frame is done.
-ImageRec* GlimmerBlur::BuildPsf(std::int32_t width, std::int32_t height, const Radii& radii) {
-  const float degrees = NarrowToFloat(rotation.value);
-  switch (shape.value) {
+ImageRec* GlimmerBlur::BuildPsf(const PsfKey& key) {
+  switch (key.shape) {
     case kCircle:
     case kEllipse:
-      engine->BuildShapePsf(width, height, kEllipticOutline, radii.x, radii.y, degrees,
-                            kSidesOfEllipse);
+      engine->BuildShapePsf(key.width, key.height, kEllipticOutline, key.radiusX, key.radiusY,
+                            key.psfRotation, kSidesOfEllipse);
       return nullptr;
-    case kPolygon: {
-      std::int32_t sideCount = 0;
-      GetIntegerValue(sides, kNoTime, &sideCount);
-      engine->BuildShapePsf(width, height, kPolygonOutline, radii.x, radii.y, degrees, sideCount);
+    case kPolygon:
+      engine->BuildShapePsf(key.width, key.height, kPolygonOutline, key.radiusX, key.radiusY,
+                            key.psfRotation, key.sides);
       return nullptr;
-    }
     case kImage:
-      return BuildPsfFromImage(width, height);
+      return BuildPsfFromImage(key.width, key.height);
     default:
       return nullptr;
   }
@@ -158,18 +146,6 @@ ImageRec* GlimmerBlur::BuildPsfFromImage(std::int32_t width, std::int32_t height
                           NarrowToFloat(static_cast<double>(outer) - inner));
   }
   return picture;
-}
-
-void GlimmerBlur::StorePsfKey(std::int32_t width, std::int32_t height, const Radii& radii) {
-  prevRotation = NarrowToFloat(rotation.value);
-  prevRadiusX = radii.x;
-  prevRadiusY = radii.y;
-  prevShape = shape.value;
-  GetIntegerValue(sides, kNoTime, &prevSides);
-  prevAspectX = aspectX;
-  prevAspectY = aspectY;
-  prevWidth = width;
-  prevHeight = height;
 }
 
 // The engine's passes on the pool. The pass in flight stands in two members, so one object

@@ -72,7 +72,7 @@ TEST(Effect, StartsWithItsInitialValues) {
   EXPECT_EQ(0, effect.sides.value);
   EXPECT_FALSE(effect.match.value);
   EXPECT_FALSE(effect.psfValid);
-  EXPECT_EQ(0, effect.prevWidth);
+  EXPECT_EQ(0, effect.psfKey.width);
   EXPECT_NE(nullptr, effect.engine);
 }
 

@@ -304,7 +304,7 @@ TEST_F(RenderDriver, ReturnsAtOnceWithoutAnEngine) {
   EXPECT_TRUE(Render().empty());
 
   EXPECT_EQ(77, output->data[0]);
-  EXPECT_EQ(0.0F, effect.aspectX);
+  EXPECT_EQ(0.0F, effect.psfKey.aspectX);
   EXPECT_FALSE(effect.psfValid);
 }
 

@@ -252,8 +252,8 @@ TEST_F(RenderAdapter, HandsThePixelAspectOn) {
 
   EXPECT_EQ(16.0F, render->effect.aspectNum);
   EXPECT_EQ(15.0F, render->effect.aspectDen);
-  EXPECT_EQ(static_cast<float>(16.0 / 15.0), render->effect.aspectX);
-  EXPECT_EQ(1.0F, render->effect.aspectY);
+  EXPECT_EQ(static_cast<float>(16.0 / 15.0), render->effect.psfKey.aspectX);
+  EXPECT_EQ(1.0F, render->effect.psfKey.aspectY);
 }
 
 // The output image stays in its port where there is no source frame, and can be looked at.
@@ -299,7 +299,7 @@ TEST_F(RenderAdapter, SurvivesAnAspectOverZero) {
 
   render->renderFrame(1, 0, 0);
 
-  EXPECT_TRUE(std::isinf(render->effect.aspectX));
+  EXPECT_TRUE(std::isinf(render->effect.psfKey.aspectX));
 }
 
 TEST_F(RenderAdapter, LeavesNoImageInItsPorts) {
