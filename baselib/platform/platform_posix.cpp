@@ -12,11 +12,11 @@
 #include <cstring>
 #include <ctime>
 
+#include "baselib/platform/console.h"
 #include "baselib/platform/float_control.h"
 #include "baselib/platform/platform.h"
-#include "baselib/platform/posix_console.h"
-#include "baselib/platform/posix_settings.h"
-#include "baselib/platform/posix_threads.h"
+#include "baselib/platform/settings.h"
+#include "baselib/platform/threads.h"
 
 namespace lx {
 namespace {
@@ -131,7 +131,7 @@ void AdviseHugePages(void* block, std::size_t bytes) {
 }  // namespace
 
 const Platform& SystemPlatform() {
-  static constexpr Platform kTable = {
+  static const Platform kTable = {
       .allocate = Allocate,
       .reallocate = Reallocate,
       .release = Release,
@@ -145,9 +145,9 @@ const Platform& SystemPlatform() {
       .pathSeparator = '/',
       .defaultHome = "/opt/Vantrell",
       .settingsRoot = "",
-      .openSettings = posix::OpenSettings,
-      .querySetting = posix::QuerySetting,
-      .closeSettings = posix::CloseSettings,
+      .openSettings = native::OpenSettings,
+      .querySetting = native::QuerySetting,
+      .closeSettings = native::CloseSettings,
       .processId = ProcessId,
       .openFile = std::fopen,
       .closeFile = CloseFile,
@@ -156,40 +156,40 @@ const Platform& SystemPlatform() {
       .isDirectory = IsDirectory,
       .makeDirectory = MakeDirectory,
       .setWritable = SetWritable,
-      .localDaySeconds = posix::LocalDaySeconds,
-      .sleep = posix::Sleep,
-      .consoleHasTitle = posix::ConsoleHasTitle,
-      .consoleCreate = posix::ConsoleCreate,
-      .consoleIgnoreBreak = posix::ConsoleIgnoreBreak,
-      .consoleSetTitle = posix::ConsoleSetTitle,
-      .consoleOutput = posix::ConsoleOutput,
-      .consoleRaise = posix::ConsoleRaise,
-      .consoleWrite = posix::ConsoleWrite,
+      .localDaySeconds = native::LocalDaySeconds,
+      .sleep = native::Sleep,
+      .consoleHasTitle = native::ConsoleHasTitle,
+      .consoleCreate = native::ConsoleCreate,
+      .consoleIgnoreBreak = native::ConsoleIgnoreBreak,
+      .consoleSetTitle = native::ConsoleSetTitle,
+      .consoleOutput = native::ConsoleOutput,
+      .consoleRaise = native::ConsoleRaise,
+      .consoleWrite = native::ConsoleWrite,
       .tickCount = TickCount,
       .lastError = LastError,
       .errorText = ErrorText,
-      .beginThread = posix::BeginThread,
-      .endThread = posix::EndThread,
-      .terminateThread = posix::TerminateThread,
-      .closeThread = posix::CloseThread,
-      .currentThread = posix::CurrentThread,
-      .threadPriority = posix::ThreadPriority,
-      .setThreadPriority = posix::SetThreadPriority,
-      .setThreadPriorityBoost = posix::SetThreadPriorityBoost,
-      .allocateThreadSlot = posix::AllocateThreadSlot,
-      .releaseThreadSlot = posix::ReleaseThreadSlot,
-      .setThreadSlot = posix::SetThreadSlot,
-      .threadSlot = posix::ThreadSlot,
-      .createEvent = posix::CreateEvent,
-      .destroyEvent = posix::DestroyEvent,
-      .setEvent = posix::SetEvent,
-      .resetEvent = posix::ResetEvent,
-      .waitForEvents = posix::WaitForEvents,
-      .lockBytes = posix::kLockBytes,
-      .initializeLock = posix::InitializeLock,
-      .destroyLock = posix::DestroyLock,
-      .enterLock = posix::EnterLock,
-      .leaveLock = posix::LeaveLock,
+      .beginThread = native::BeginThread,
+      .endThread = native::EndThread,
+      .terminateThread = native::TerminateThread,
+      .closeThread = native::CloseThread,
+      .currentThread = native::CurrentThread,
+      .threadPriority = native::ThreadPriority,
+      .setThreadPriority = native::SetThreadPriority,
+      .setThreadPriorityBoost = native::SetThreadPriorityBoost,
+      .allocateThreadSlot = native::AllocateThreadSlot,
+      .releaseThreadSlot = native::ReleaseThreadSlot,
+      .setThreadSlot = native::SetThreadSlot,
+      .threadSlot = native::ThreadSlot,
+      .createEvent = native::MakeEvent,
+      .destroyEvent = native::DestroyEvent,
+      .setEvent = native::SetEvent,
+      .resetEvent = native::ResetEvent,
+      .waitForEvents = native::WaitForEvents,
+      .lockBytes = native::kLockBytes,
+      .initializeLock = native::InitializeLock,
+      .destroyLock = native::DestroyLock,
+      .enterLock = native::EnterLock,
+      .leaveLock = native::LeaveLock,
       .floatControl = FloatControl,
       .setFloatControl = SetFloatControl,
       .extendFloatPrecision = ExtendFloatPrecision,

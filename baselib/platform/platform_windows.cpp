@@ -5,12 +5,12 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "baselib/platform/console.h"
 #include "baselib/platform/float_control.h"
 #include "baselib/platform/platform.h"
+#include "baselib/platform/settings.h"
+#include "baselib/platform/threads.h"
 #include "baselib/platform/windows_api.h"
-#include "baselib/platform/windows_console.h"
-#include "baselib/platform/windows_settings.h"
-#include "baselib/platform/windows_threads.h"
 
 namespace lx {
 namespace {
@@ -119,7 +119,7 @@ void AdviseHugePages(void* /*block*/, std::size_t /*bytes*/) {}
 }  // namespace
 
 const Platform& SystemPlatform() {
-  static constexpr Platform kTable = {
+  static const Platform kTable = {
       .allocate = Allocate,
       .reallocate = Reallocate,
       .release = Release,
@@ -133,9 +133,9 @@ const Platform& SystemPlatform() {
       .pathSeparator = '\\',
       .defaultHome = "C:\\Program Files\\Vantrell",
       .settingsRoot = "",
-      .openSettings = windows::OpenSettings,
-      .querySetting = windows::QuerySetting,
-      .closeSettings = windows::CloseSettings,
+      .openSettings = native::OpenSettings,
+      .querySetting = native::QuerySetting,
+      .closeSettings = native::CloseSettings,
       .processId = ProcessId,
       .openFile = std::fopen,
       .closeFile = CloseFile,
@@ -144,40 +144,40 @@ const Platform& SystemPlatform() {
       .isDirectory = IsDirectory,
       .makeDirectory = MakeDirectory,
       .setWritable = SetWritable,
-      .localDaySeconds = windows::LocalDaySeconds,
-      .sleep = windows::Sleep,
-      .consoleHasTitle = windows::ConsoleHasTitle,
-      .consoleCreate = windows::ConsoleCreate,
-      .consoleIgnoreBreak = windows::ConsoleIgnoreBreak,
-      .consoleSetTitle = windows::ConsoleSetTitle,
-      .consoleOutput = windows::ConsoleOutput,
-      .consoleRaise = windows::ConsoleRaise,
-      .consoleWrite = windows::ConsoleWrite,
+      .localDaySeconds = native::LocalDaySeconds,
+      .sleep = native::Sleep,
+      .consoleHasTitle = native::ConsoleHasTitle,
+      .consoleCreate = native::ConsoleCreate,
+      .consoleIgnoreBreak = native::ConsoleIgnoreBreak,
+      .consoleSetTitle = native::ConsoleSetTitle,
+      .consoleOutput = native::ConsoleOutput,
+      .consoleRaise = native::ConsoleRaise,
+      .consoleWrite = native::ConsoleWrite,
       .tickCount = TickCount,
       .lastError = LastError,
       .errorText = ErrorText,
-      .beginThread = windows::BeginThread,
-      .endThread = windows::EndThread,
-      .terminateThread = windows::TerminateThread,
-      .closeThread = windows::CloseThread,
-      .currentThread = windows::CurrentThread,
-      .threadPriority = windows::ThreadPriority,
-      .setThreadPriority = windows::SetThreadPriority,
-      .setThreadPriorityBoost = windows::SetThreadPriorityBoost,
-      .allocateThreadSlot = windows::AllocateThreadSlot,
-      .releaseThreadSlot = windows::ReleaseThreadSlot,
-      .setThreadSlot = windows::SetThreadSlot,
-      .threadSlot = windows::ThreadSlot,
-      .createEvent = windows::MakeEvent,
-      .destroyEvent = windows::DestroyEvent,
-      .setEvent = windows::SetEvent,
-      .resetEvent = windows::ResetEvent,
-      .waitForEvents = windows::WaitForEvents,
-      .lockBytes = windows::kLockBytes,
-      .initializeLock = windows::InitializeLock,
-      .destroyLock = windows::DestroyLock,
-      .enterLock = windows::EnterLock,
-      .leaveLock = windows::LeaveLock,
+      .beginThread = native::BeginThread,
+      .endThread = native::EndThread,
+      .terminateThread = native::TerminateThread,
+      .closeThread = native::CloseThread,
+      .currentThread = native::CurrentThread,
+      .threadPriority = native::ThreadPriority,
+      .setThreadPriority = native::SetThreadPriority,
+      .setThreadPriorityBoost = native::SetThreadPriorityBoost,
+      .allocateThreadSlot = native::AllocateThreadSlot,
+      .releaseThreadSlot = native::ReleaseThreadSlot,
+      .setThreadSlot = native::SetThreadSlot,
+      .threadSlot = native::ThreadSlot,
+      .createEvent = native::MakeEvent,
+      .destroyEvent = native::DestroyEvent,
+      .setEvent = native::SetEvent,
+      .resetEvent = native::ResetEvent,
+      .waitForEvents = native::WaitForEvents,
+      .lockBytes = native::kLockBytes,
+      .initializeLock = native::InitializeLock,
+      .destroyLock = native::DestroyLock,
+      .enterLock = native::EnterLock,
+      .leaveLock = native::LeaveLock,
       .floatControl = FloatControl,
       .setFloatControl = SetFloatControl,
       .extendFloatPrecision = ExtendFloatPrecision,

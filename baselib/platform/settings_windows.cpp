@@ -1,8 +1,7 @@
-#include "baselib/platform/windows_settings.h"
-
+#include "baselib/platform/settings.h"
 #include "baselib/platform/windows_api.h"
 
-namespace lx::windows {
+namespace lx::native {
 namespace {
 
 static_assert(kSettingText == REG_SZ && kSettingExpandable == REG_EXPAND_SZ);
@@ -33,4 +32,4 @@ bool QuerySetting(SettingsHandle settings, const char* name, std::uint32_t* type
 
 void CloseSettings(SettingsHandle settings) { ::RegCloseKey(KeyOf(settings)); }
 
-}  // namespace lx::windows
+}  // namespace lx::native

@@ -1,9 +1,9 @@
-#include "baselib/platform/posix_console.h"
-
 #include <cstdio>
 #include <ctime>
 
-namespace lx::posix {
+#include "baselib/platform/console.h"
+
+namespace lx::native {
 
 bool ConsoleHasTitle() { return false; }
 void ConsoleCreate() {}
@@ -28,4 +28,4 @@ double LocalDaySeconds() {
   return (local.tm_hour * 60 + local.tm_min) * 60 + local.tm_sec;
 }
 
-}  // namespace lx::posix
+}  // namespace lx::native

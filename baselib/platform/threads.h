@@ -1,13 +1,12 @@
-// Threads, events and locks of Windows, as the platform's table wants them.
+// Threads, events and locks of the system, as the platform's table has them.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
 #include "baselib/platform/platform.h"
-#include "baselib/platform/windows_api.h"  // the size of a critical section
 
-namespace lx::windows {
+namespace lx::native {
 
 ThreadHandle BeginThread(std::uint32_t stackBytes, ThreadStart start, void* argument,
                          std::uint32_t flags, std::uint32_t* threadId);
@@ -30,10 +29,10 @@ void SetEvent(EventHandle event);
 void ResetEvent(EventHandle event);
 bool WaitForEvents(std::uint32_t count, const EventHandle* events);
 
-inline constexpr std::size_t kLockBytes = sizeof(CRITICAL_SECTION);
+extern const std::size_t kLockBytes;
 void InitializeLock(void* lock);
 void DestroyLock(void* lock);
 void EnterLock(void* lock);
 void LeaveLock(void* lock);
 
-}  // namespace lx::windows
+}  // namespace lx::native

@@ -1,16 +1,16 @@
-#include "baselib/platform/posix_threads.h"
-
 #include <pthread.h>
 
 #include <atomic>
 #include <cerrno>
 #include <new>
 
+#include "baselib/platform/threads.h"
+
 #if defined(__x86_64__)
 #include <immintrin.h>
 #endif
 
-namespace lx::posix {
+namespace lx::native {
 namespace {
 
 // A manual-reset event. Most waits of a pool are short, so a waiter looks at the flag for
@@ -195,7 +195,7 @@ bool SetThreadSlot(std::uint32_t slot, void* value) {
 
 void* ThreadSlot(std::uint32_t slot) { return pthread_getspecific(slot); }
 
-EventHandle CreateEvent() { return new (std::nothrow) Event; }
+EventHandle MakeEvent() { return new (std::nothrow) Event; }
 
 void DestroyEvent(EventHandle handle) { delete static_cast<Event*>(handle); }
 
@@ -218,6 +218,8 @@ bool WaitForEvents(std::uint32_t count, const EventHandle* events) {
   return true;
 }
 
+const std::size_t kLockBytes = sizeof(pthread_mutex_t);
+
 void InitializeLock(void* lock) {
   pthread_mutexattr_t attributes;
   pthread_mutexattr_init(&attributes);
@@ -230,4 +232,4 @@ void DestroyLock(void* lock) { pthread_mutex_destroy(MutexAt(lock)); }
 void EnterLock(void* lock) { pthread_mutex_lock(MutexAt(lock)); }
 void LeaveLock(void* lock) { pthread_mutex_unlock(MutexAt(lock)); }
 
-}  // namespace lx::posix
+}  // namespace lx::native

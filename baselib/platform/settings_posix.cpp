@@ -1,5 +1,3 @@
-#include "baselib/platform/posix_settings.h"
-
 #include <pwd.h>
 #include <unistd.h>
 
@@ -12,7 +10,9 @@
 #include <system_error>
 #include <vector>
 
-namespace lx::posix {
+#include "baselib/platform/settings.h"
+
+namespace lx::native {
 namespace {
 
 namespace fs = std::filesystem;
@@ -123,4 +123,4 @@ bool QuerySetting(SettingsHandle settings, const char* name, std::uint32_t* type
 
 void CloseSettings(SettingsHandle /*settings*/) {}
 
-}  // namespace lx::posix
+}  // namespace lx::native

@@ -1,11 +1,12 @@
-#include "baselib/platform/windows_threads.h"
-
 #include <process.h>
 
 #include <atomic>
 #include <new>
 
-namespace lx::windows {
+#include "baselib/platform/threads.h"
+#include "baselib/platform/windows_api.h"
+
+namespace lx::native {
 namespace {
 
 // What a thread is at, as far as it matters to whoever ends it.
@@ -148,9 +149,11 @@ bool WaitForEvents(std::uint32_t count, const EventHandle* events) {
   return answer != WAIT_FAILED;
 }
 
+const std::size_t kLockBytes = sizeof(CRITICAL_SECTION);
+
 void InitializeLock(void* lock) { ::InitializeCriticalSection(SectionAt(lock)); }
 void DestroyLock(void* lock) { ::DeleteCriticalSection(SectionAt(lock)); }
 void EnterLock(void* lock) { ::EnterCriticalSection(SectionAt(lock)); }
 void LeaveLock(void* lock) { ::LeaveCriticalSection(SectionAt(lock)); }
 
-}  // namespace lx::windows
+}  // namespace lx::native

@@ -1,9 +1,10 @@
-// What stands for a console window where there is none: the standard error stream.
+// The debug console and the time of its lines, as the platform's table has them. Where the system
+// has no console window, the standard error stream takes its place.
 #pragma once
 
 #include <cstdint>
 
-namespace lx::posix {
+namespace lx::native {
 
 bool ConsoleHasTitle();
 void ConsoleCreate();
@@ -16,4 +17,4 @@ void ConsoleWrite(void* output, const char* text);
 void Sleep(std::uint32_t milliseconds);
 double LocalDaySeconds();
 
-}  // namespace lx::posix
+}  // namespace lx::native

@@ -1,11 +1,10 @@
-#include "baselib/platform/windows_console.h"
-
 #include <cstring>
 #include <ctime>
 
+#include "baselib/platform/console.h"
 #include "baselib/platform/windows_api.h"
 
-namespace lx::windows {
+namespace lx::native {
 namespace {
 
 // Every event counts as dealt with, the closing of the window too.
@@ -61,4 +60,4 @@ double LocalDaySeconds() {
   return (local.tm_hour * 60 + local.tm_min) * 60 + local.tm_sec;
 }
 
-}  // namespace lx::windows
+}  // namespace lx::native
