@@ -1,20 +1,37 @@
-// The debug console and the time of its lines, as the platform's table has them. Where the system
-// has no console window, the standard error stream takes its place.
+// The platform's debug console. Where the system has no console window, the standard error stream
+// takes its place.
 #pragma once
 
-#include <cstdint>
+namespace lx {
 
-namespace lx::native {
+namespace native {
 
+// Whether the process has a console with a title.
 bool ConsoleHasTitle();
+
 void ConsoleCreate();
+
+// Keeps the process alive when its console is closed or interrupted. False where that cannot be.
 bool ConsoleIgnoreBreak();
+
 void ConsoleSetTitle(const char* title);
-void* ConsoleOutput();
+void* ConsoleOutput();  // what is written to; null where there is nothing
+
+// Puts the window of that title above all others. False where it is not there yet.
 bool ConsoleRaise(const char* title);
+
 void ConsoleWrite(void* output, const char* text);
 
-void Sleep(std::uint32_t milliseconds);
-double LocalDaySeconds();
+}  // namespace native
 
-}  // namespace lx::native
+struct ConsoleOperations {
+  decltype(native::ConsoleHasTitle)* consoleHasTitle = native::ConsoleHasTitle;
+  decltype(native::ConsoleCreate)* consoleCreate = native::ConsoleCreate;
+  decltype(native::ConsoleIgnoreBreak)* consoleIgnoreBreak = native::ConsoleIgnoreBreak;
+  decltype(native::ConsoleSetTitle)* consoleSetTitle = native::ConsoleSetTitle;
+  decltype(native::ConsoleOutput)* consoleOutput = native::ConsoleOutput;
+  decltype(native::ConsoleRaise)* consoleRaise = native::ConsoleRaise;
+  decltype(native::ConsoleWrite)* consoleWrite = native::ConsoleWrite;
+};
+
+}  // namespace lx

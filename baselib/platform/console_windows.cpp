@@ -1,5 +1,4 @@
 #include <cstring>
-#include <ctime>
 
 #include "baselib/platform/console.h"
 #include "baselib/platform/windows_api.h"
@@ -49,15 +48,6 @@ bool ConsoleRaise(const char* title) {
 void ConsoleWrite(void* output, const char* text) {
   DWORD written = 0;
   ::WriteConsoleA(output, text, static_cast<DWORD>(std::strlen(text)), &written, nullptr);
-}
-
-void Sleep(std::uint32_t milliseconds) { ::Sleep(milliseconds); }
-
-double LocalDaySeconds() {
-  const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  localtime_s(&local, &now);
-  return (local.tm_hour * 60 + local.tm_min) * 60 + local.tm_sec;
 }
 
 }  // namespace lx::native

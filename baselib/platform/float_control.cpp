@@ -6,7 +6,7 @@
 #include <xmmintrin.h>
 #endif
 
-namespace lx {
+namespace lx::native {
 
 #if defined(__x86_64__)
 
@@ -63,4 +63,4 @@ void ExtendFloatPrecision() {}
 
 #endif
 
-}  // namespace lx
+}  // namespace lx::native

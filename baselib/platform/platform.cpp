@@ -10,6 +10,11 @@ std::atomic<const Platform*> inForce{nullptr};
 
 }  // namespace
 
+const Platform& SystemPlatform() {
+  static const Platform table;
+  return table;
+}
+
 const Platform& GetPlatform() {
   const Platform* table = inForce.load(std::memory_order_acquire);
   return table != nullptr ? *table : SystemPlatform();

@@ -10,6 +10,7 @@
 #include <system_error>
 #include <vector>
 
+#include "baselib/platform/platform.h"
 #include "baselib/platform/settings.h"
 
 namespace lx::native {

@@ -409,15 +409,15 @@ TEST(PoolFloatControl, IsMendedWithOneWarningAPassWhereTheHostChangedIt) {
   platform.SetProcessors(3);
   lx::mp_num_ways();
   EmptyPass();
-  const std::uint32_t saved = lx::FloatControl();
+  const std::uint32_t saved = lx::native::FloatControl();
   constexpr std::uint32_t kFlushToZero = 0x8000;
   for (int pass = 0; pass < 2; ++pass) {
-    lx::SetFloatControl(saved ^ kFlushToZero);
-    ASSERT_NE(saved, lx::FloatControl());
+    lx::native::SetFloatControl(saved ^ kFlushToZero);
+    ASSERT_NE(saved, lx::native::FloatControl());
     CaptureStderr();
     EmptyPass();
     EXPECT_EQ("(LX LIB) WARN : FPU setup changed un-expected..\n", LoggedLines());
-    EXPECT_EQ(saved, lx::FloatControl());
+    EXPECT_EQ(saved, lx::native::FloatControl());
   }
   CaptureStderr();
   EmptyPass();
@@ -429,12 +429,12 @@ TEST(PoolFloatControl, IsTheSavedOneOnEveryWay) {
   platform.SetProcessors(4);
   lx::mp_num_ways();
   EmptyPass();
-  const std::uint32_t saved = lx::FloatControl();
+  const std::uint32_t saved = lx::native::FloatControl();
   std::uint32_t words[4] = {};
   const auto spoil = [](PoolWord to, PoolWord, PoolWord, PoolWord, PoolWord, PoolWord) {
-    reinterpret_cast<std::uint32_t*>(to)[lx::mp_worker_index()] = lx::FloatControl();
+    reinterpret_cast<std::uint32_t*>(to)[lx::mp_worker_index()] = lx::native::FloatControl();
     // What a row function leaves behind is mended before the next one.
-    lx::SetFloatControl(lx::FloatControl() ^ 0x8000U);
+    lx::native::SetFloatControl(lx::native::FloatControl() ^ 0x8000U);
     return 0;
   };
   CaptureStderr();
@@ -445,15 +445,15 @@ TEST(PoolFloatControl, IsTheSavedOneOnEveryWay) {
     }
   }
   LoggedLines();
-  lx::SetFloatControl(saved);
+  lx::native::SetFloatControl(saved);
 }
 
 TEST(PoolFloatControl, IsNotChangedByWhatArithmeticRaises) {
-  const std::uint32_t before = lx::FloatControl();
+  const std::uint32_t before = lx::native::FloatControl();
   volatile double three = 3.0;
   volatile double third = 1.0 / three;
   EXPECT_GT(third, 0.0);
-  EXPECT_EQ(before, lx::FloatControl());
+  EXPECT_EQ(before, lx::native::FloatControl());
 }
 
 // --- The start ---
