@@ -33,7 +33,7 @@ class GatheredColumns {
   GatheredColumns(const GatheredColumns&) = delete;
   GatheredColumns& operator=(const GatheredColumns&) = delete;
 
-  bool AreThere() const { return lines_ != nullptr; }
+  bool IsAllocated() const { return lines_ != nullptr; }
   T* Line(std::int32_t column) const { return &lines_[column * stride_].re; }
 
   void Load(std::int32_t x, std::int32_t count) const {
@@ -86,7 +86,7 @@ void RowLines<T>::operator()(Rows& rows, std::int32_t first, std::int32_t last) 
 template <class T>
 void ColumnLines<T>::operator()(Rows& rows, std::int32_t first, std::int32_t last) const {
   const GatheredColumns<T> columns(grid);
-  if (!columns.AreThere()) {
+  if (!columns.IsAllocated()) {
     rows.SetStatus(kStatusNoMemory);
     return;
   }

@@ -34,7 +34,7 @@ class FilterLines {
   FilterLines(const FilterLines&) = delete;
   FilterLines& operator=(const FilterLines&) = delete;
 
-  bool AreThere() const { return block_ != nullptr; }
+  bool IsAllocated() const { return block_ != nullptr; }
   float* Kernel() const { return block_; }
   float* Line() const { return block_ + length_; }
 
@@ -140,7 +140,7 @@ struct FilterPass {
 
 void FilterPass::operator()(Rows& rows, std::int32_t first, std::int32_t last) const {
   const FilterLines lines(padded);
-  if (!lines.AreThere()) {
+  if (!lines.IsAllocated()) {
     rows.SetStatus(kStatusNoMemory);
     return;
   }
