@@ -9,14 +9,14 @@
 
 #include "fftlib/planes/emphasis_curve.h"
 #include "fftlib/planes/power.h"
-#include "fftlib/planes/row_kernels.h"
+#include "fftlib/planes/row_operations.h"
 
 namespace lx {
 
 template <class Lanes>
 class CurveRows {
  public:
-  // What RowKernels has under these names.
+  // What RowOperations has under these names.
   static void Apply(const EmphasisCurve& curve, std::int32_t width, double* row) {
     const EmphasisCurve own = curve;  // which no store into the row can change
     const std::int32_t end = width - width % kStep;
@@ -30,7 +30,7 @@ class CurveRows {
         RaisePiece(own.apply, count, piece);
       }
     }
-    PlainRowKernels().applyCurve(curve, width - end, row + end);
+    PlainRowOperations().applyCurve(curve, width - end, row + end);
   }
 
   static void Undo(const EmphasisCurve& curve, const double* plane, double scale,
@@ -50,7 +50,7 @@ class CurveRows {
         Store(1.0 - CurveHyperbola(Load(piece + x), own), piece + x);
       }
     }
-    PlainRowKernels().undoCurve(curve, plane + end, scale, width - end, row + end);
+    PlainRowOperations().undoCurve(curve, plane + end, scale, width - end, row + end);
   }
 
  private:

@@ -94,13 +94,13 @@ void StoreToFloatPicture(const PlaneRow& planes, RowPiece piece, ImageRec* dest)
 
 void ApplyOpenCurve(const EmphasisCurve& curve, std::int32_t count, double* values) {
   OnTop(SlopeAtOne(curve), count, values, [&](std::int32_t width, double* piece) {
-    GetRowKernels().applyCurve(curve, width, piece);
+    GetRowOperations().applyCurve(curve, width, piece);
   });
 }
 
 void UndoOpenCurve(const EmphasisCurve& curve, std::int32_t count, double* values) {
   OnTop(1.0 / SlopeAtOne(curve), count, values, [&](std::int32_t width, double* piece) {
-    GetRowKernels().undoCurve(curve, piece, 1.0, width, piece);
+    GetRowOperations().undoCurve(curve, piece, 1.0, width, piece);
   });
 }
 

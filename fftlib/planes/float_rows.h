@@ -5,7 +5,7 @@
 
 #include "fftlib/planes/emphasis_curve.h"
 #include "fftlib/planes/picture_rows.h"
-#include "fftlib/planes/row_kernels.h"
+#include "fftlib/planes/row_operations.h"
 #include "imagelib/imagelib.h"
 
 namespace lx {

@@ -50,13 +50,13 @@ void FillAlpha(const Sample* pixels, std::int32_t width, std::int32_t channels, 
   }
 }
 
-// Which kernel makes a plane.
-RowKernels::Fill FrameKernel(std::uint32_t channelBit) {
-  const RowKernels& kernels = GetRowKernels();
-  return channelBit == kBitLuma ? kernels.luma
-         : channelBit == kBitCr ? kernels.cr
-         : channelBit == kBitCb ? kernels.cb
-                                : kernels.alpha;
+// What fills a plane.
+RowOperations::Fill FrameFill(std::uint32_t channelBit) {
+  const RowOperations& operations = GetRowOperations();
+  return channelBit == kBitLuma ? operations.luma
+         : channelBit == kBitCr ? operations.cr
+         : channelBit == kBitCb ? operations.cb
+                                : operations.alpha;
 }
 
 template <class Sample>
@@ -64,7 +64,7 @@ void FillPlane(const Sample* pixels, std::uint32_t channelBit, std::int32_t widt
                std::int32_t channels, double* row) {
   if constexpr (std::is_same_v<Sample, std::uint16_t>) {
     if (channels == 4) {
-      FrameKernel(channelBit)(pixels, width, row);
+      FrameFill(channelBit)(pixels, width, row);
       return;
     }
   }
@@ -111,7 +111,7 @@ void StoreRow(const PlaneRow& planes, const PlaneScale& scale, std::int32_t widt
               std::int32_t channels, double full32, Sample* pixels) {
   if constexpr (std::is_same_v<Sample, std::uint16_t>) {
     if (channels == 4) {
-      GetRowKernels().store(planes, scale, width, pixels);
+      GetRowOperations().store(planes, scale, width, pixels);
       return;
     }
   }

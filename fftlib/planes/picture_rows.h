@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "fftlib/core/run.h"
-#include "fftlib/planes/row_kernels.h"
+#include "fftlib/planes/row_operations.h"
 #include "imagelib/imagelib.h"
 
 namespace lx {

@@ -5,7 +5,7 @@
 
 #include "fftlib/planes/float_rows.h"
 #include "fftlib/planes/picture_rows.h"
-#include "fftlib/planes/row_kernels.h"
+#include "fftlib/planes/row_operations.h"
 #include "fftlib/planes/sample_types.h"
 
 namespace lx {
@@ -54,7 +54,7 @@ void Finish(const FastFrame& frame, const FinishedPlane& plane, bool isFloat, st
   if (isFloat) {
     UndoOpenCurve(plane.curve, numbers, buffer);
   } else {
-    GetRowKernels().undoCurve(plane.curve, buffer, 1.0, numbers, buffer);
+    GetRowOperations().undoCurve(plane.curve, buffer, 1.0, numbers, buffer);
   }
 }
 
@@ -122,7 +122,7 @@ void FillBuffers(const FastFrame& frame, std::span<const PicturePlane> planes, s
     if (plane.curve.on && isFloat) {
       ApplyOpenCurve(plane.curve, width * kLines, buffers[p]);
     } else if (plane.curve.on) {
-      GetRowKernels().applyCurve(plane.curve, width * kLines, buffers[p]);
+      GetRowOperations().applyCurve(plane.curve, width * kLines, buffers[p]);
     }
   }
 }

@@ -6,7 +6,7 @@
 
 #include "fftlib/planes/edge_rows.h"
 #include "fftlib/planes/picture_rows.h"
-#include "fftlib/planes/row_kernels.h"
+#include "fftlib/planes/row_operations.h"
 #include "fftlib/planes/sample_types.h"
 
 namespace lx {
@@ -41,7 +41,7 @@ void InputRow(const PlaneInput& plane, std::int32_t y) {
   const std::int32_t width = place.frame.width;
   FillFromPicture(*plane.source, plane.channelBit, {0, y, width}, frameRow);
   if (plane.curve.on) {
-    GetRowKernels().applyCurve(plane.curve, width, frameRow);
+    GetRowOperations().applyCurve(plane.curve, width, frameRow);
   }
   if (plane.edgeMode == kEdgeReplicate) {
     PadColumns(place, gridRow, frameRow[0], frameRow[width - 1]);
@@ -62,7 +62,7 @@ void OutputRow(const PictureOutput& output, std::int32_t y) {
                     output.alpha != nullptr ? output.alpha + start : nullptr};
     PlaneScale by{scale, scale, scale};
     const auto uncurve = [&](const double*& plane, double& planeScale, double* piece) {
-      GetRowKernels().undoCurve(curve, plane, planeScale, width, piece);
+      GetRowOperations().undoCurve(curve, plane, planeScale, width, piece);
       plane = piece;
       planeScale = 1.0;
     };
@@ -126,7 +126,7 @@ void PlaneInput::operator()(Rows& rows, std::int32_t first, std::int32_t last) c
 }
 
 void MultiplySpectra::operator()(Rows& /*rows*/, std::int32_t first, std::int32_t last) const {
-  const auto multiply = GetRowKernels().multiply;
+  const auto multiply = GetRowOperations().multiply;
   for (std::int32_t y = first; y <= last; ++y) {
     const std::ptrdiff_t start = static_cast<std::ptrdiff_t>(y) * count;
     multiply(psf + start, work + start, count);

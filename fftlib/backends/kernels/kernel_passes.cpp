@@ -10,7 +10,7 @@
 #include "fftlib/planes/emphasis.h"
 #include "fftlib/planes/emphasis_curve.h"
 #include "fftlib/planes/picture_rows.h"
-#include "fftlib/planes/row_kernels.h"
+#include "fftlib/planes/row_operations.h"
 
 namespace lx {
 namespace {
@@ -68,7 +68,7 @@ struct Curve {
         values[i] = ApplyEmphasis(NarrowToFloat(values[i]), g);
       }
     } else if (curve.on) {
-      GetRowKernels().applyCurve(curve, count, values);
+      GetRowOperations().applyCurve(curve, count, values);
     }
   }
 
@@ -78,7 +78,7 @@ struct Curve {
         values[i] = UndoEmphasis(NarrowToFloat(values[i]), g);
       }
     } else if (curve.on) {
-      GetRowKernels().undoCurve(curve, values, 1.0, count, values);
+      GetRowOperations().undoCurve(curve, values, 1.0, count, values);
     }
   }
 

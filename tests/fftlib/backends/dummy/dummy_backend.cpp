@@ -10,7 +10,7 @@
 #include "fftlib/planes/edge_rows.h"
 #include "fftlib/planes/emphasis_curve.h"
 #include "fftlib/planes/picture_rows.h"
-#include "fftlib/planes/row_kernels.h"
+#include "fftlib/planes/row_operations.h"
 #include "fftlib/planes/sample_types.h"
 #include "fftlib/psf/normalise.h"
 #include "tests/fftlib/backends/dummy/dummy_footprint.h"
@@ -112,7 +112,7 @@ class DummyBackend final : public lx::Backend {
       const auto fill = [&](std::int32_t y, double* row) {
         lx::FillFromPicture(*run.source, bit, {0, y, run.source->width}, row);
         if (curve.on && lx::HasCurve(bit, look)) {
-          lx::PlainRowKernels().applyCurve(curve, run.source->width, row);
+          lx::PlainRowOperations().applyCurve(curve, run.source->width, row);
         }
       };
       const std::int32_t summed = SumPlane(run.place, look, fill, &planes_[c], rows);
@@ -124,8 +124,8 @@ class DummyBackend final : public lx::Backend {
                 const std::ptrdiff_t start = run.place.FrameStart(y);
                 for (int c = 0; c < (withAlpha ? 4 : 3); ++c) {
                   if (curve.on && lx::HasCurve(1U << static_cast<unsigned>(c), look)) {
-                    lx::PlainRowKernels().undoCurve(curve, planes_[c] + start, 1.0, run.dest->width,
-                                                    planes_[c] + start);
+                    lx::PlainRowOperations().undoCurve(curve, planes_[c] + start, 1.0,
+                                                       run.dest->width, planes_[c] + start);
                   }
                 }
                 lx::StoreToPicture({planes_[0] + start, planes_[1] + start, planes_[2] + start,

@@ -1,4 +1,4 @@
-#include "fftlib/planes/row_kernels.h"
+#include "fftlib/planes/row_operations.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@
 
 namespace {
 
-using lx::RowKernels;
+using lx::RowOperations;
 
 // Every 16-bit value in every channel, and a width that leaves a rest.
 constexpr int kWidth = 65536 + 3;
@@ -21,12 +21,12 @@ constexpr lx::PlaneScale kScale{0.75, 0.5, 0.625};
 
 struct Build {
   const char* name;
-  const RowKernels* (*kernels)();
+  const RowOperations* (*operations)();
 };
 
-class RowKernelBuilds : public testing::TestWithParam<Build> {
+class RowOperationBuilds : public testing::TestWithParam<Build> {
  public:
-  RowKernelBuilds() : plain(lx::PlainRowKernels()), vector(GetParam().kernels()) {
+  RowOperationBuilds() : plain(lx::PlainRowOperations()), vector(GetParam().operations()) {
     if (vector == nullptr) {
       return;
     }
@@ -53,7 +53,7 @@ class RowKernelBuilds : public testing::TestWithParam<Build> {
     }
   }
 
-  void ExpectSameFill(RowKernels::Fill RowKernels::*fill) {
+  void ExpectSameFill(RowOperations::Fill RowOperations::*fill) {
     for (const int width : {kWidth, 1, 4, 7}) {
       std::vector<double> a(static_cast<std::size_t>(width));
       std::vector<double> b(static_cast<std::size_t>(width));
@@ -82,8 +82,8 @@ class RowKernelBuilds : public testing::TestWithParam<Build> {
     }
   }
 
-  const RowKernels& plain;
-  const RowKernels* vector;
+  const RowOperations& plain;
+  const RowOperations* vector;
   std::vector<std::uint16_t> pixels;
   std::vector<double> luma;
   std::vector<double> cr;
@@ -91,31 +91,31 @@ class RowKernelBuilds : public testing::TestWithParam<Build> {
   std::vector<double> alpha;
 };
 
-TEST_P(RowKernelBuilds, FillTheSameBits) {
+TEST_P(RowOperationBuilds, FillTheSameBits) {
   if (vector == nullptr) {
     GTEST_SKIP() << "this processor has no " << GetParam().name;
   }
-  ExpectSameFill(&RowKernels::luma);
-  ExpectSameFill(&RowKernels::cr);
-  ExpectSameFill(&RowKernels::cb);
-  ExpectSameFill(&RowKernels::alpha);
+  ExpectSameFill(&RowOperations::luma);
+  ExpectSameFill(&RowOperations::cr);
+  ExpectSameFill(&RowOperations::cb);
+  ExpectSameFill(&RowOperations::alpha);
 }
 
-TEST_P(RowKernelBuilds, StoreTheSameSamplesAlsoForWhatIsNoNumber) {
+TEST_P(RowOperationBuilds, StoreTheSameSamplesAlsoForWhatIsNoNumber) {
   if (vector == nullptr) {
     GTEST_SKIP() << "this processor has no " << GetParam().name;
   }
   ExpectSameStore(alpha.data());
 }
 
-TEST_P(RowKernelBuilds, LeaveTheSameAlphaAlone) {
+TEST_P(RowOperationBuilds, LeaveTheSameAlphaAlone) {
   if (vector == nullptr) {
     GTEST_SKIP() << "this processor has no " << GetParam().name;
   }
   ExpectSameStore(nullptr);
 }
 
-TEST_P(RowKernelBuilds, MultiplyToTheSameBits) {
+TEST_P(RowOperationBuilds, MultiplyToTheSameBits) {
   if (vector == nullptr) {
     GTEST_SKIP() << "this processor has no " << GetParam().name;
   }
@@ -136,7 +136,7 @@ TEST_P(RowKernelBuilds, MultiplyToTheSameBits) {
   EXPECT_EQ(a, b);
 }
 
-TEST_P(RowKernelBuilds, CurveToTheSameBits) {
+TEST_P(RowOperationBuilds, CurveToTheSameBits) {
   if (vector == nullptr) {
     GTEST_SKIP() << "this processor has no " << GetParam().name;
   }
@@ -159,17 +159,17 @@ TEST_P(RowKernelBuilds, CurveToTheSameBits) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, RowKernelBuilds,
-                         testing::Values(Build{"AVX2", lx::Avx2RowKernels},
-                                         Build{"AVX512", lx::Avx512RowKernels}),
+INSTANTIATE_TEST_SUITE_P(Of, RowOperationBuilds,
+                         testing::Values(Build{"AVX2", lx::Avx2RowOperations},
+                                         Build{"AVX512", lx::Avx512RowOperations}),
                          [](const auto& build) { return build.param.name; });
 
-TEST(RowKernels, StoreWhatIsNoNumberAsZeroAndClampTheRest) {
+TEST(RowOperations, StoreWhatIsNoNumberAsZeroAndClampTheRest) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const double half = 0.5;
   for (const double luma : {nan, -3.0, 7.0, 0.25}) {
     std::uint16_t pixel[4] = {1, 2, 3, 4};
-    lx::PlainRowKernels().store({&luma, &half, &half, nullptr}, {1.0, 1.0, 1.0}, 1, pixel);
+    lx::PlainRowOperations().store({&luma, &half, &half, nullptr}, {1.0, 1.0, 1.0}, 1, pixel);
     const int expected = luma == 7.0 ? 65535 : luma == 0.25 ? 16384 : 0;
     EXPECT_EQ(expected, pixel[0]) << luma;
     EXPECT_EQ(4, pixel[3]);

@@ -24,7 +24,7 @@ struct PlaneScale {
   double alpha;
 };
 
-struct RowKernels {
+struct RowOperations {
   // One plane of a row of pixels, without emphasis.
   using Fill = void (*)(const std::uint16_t* pixels, std::int32_t width, double* row);
   Fill luma;
@@ -46,13 +46,13 @@ struct RowKernels {
   void (*multiply)(const double (*psf)[2], double (*work)[2], std::int32_t count);
 };
 
-const RowKernels& PlainRowKernels();
+const RowOperations& PlainRowOperations();
 
 // Null where the processor, or the build, does not have them.
-const RowKernels* Avx2RowKernels();
-const RowKernels* Avx512RowKernels();
+const RowOperations* Avx2RowOperations();
+const RowOperations* Avx512RowOperations();
 
 // The fastest that the processor has.
-const RowKernels& GetRowKernels();
+const RowOperations& GetRowOperations();
 
 }  // namespace lx

@@ -1,6 +1,6 @@
 // Compiled for AVX2 alone, and entered only where the processor has it. The order of
 // operations is that of the plain loops, rounding for rounding.
-#include "fftlib/planes/row_kernels.h"
+#include "fftlib/planes/row_operations.h"
 
 #if defined(__AVX2__)
 
@@ -55,7 +55,7 @@ void FillLuma(const std::uint16_t* pixels, std::int32_t width, double* row) {
     const __m256d bg = _mm256_add_pd(Times(kLumaB, Unit<2>(four)), Times(kLumaG, Unit<1>(four)));
     _mm256_storeu_pd(row + x, _mm256_add_pd(bg, Times(kLumaR, Unit<0>(four))));
   }
-  PlainRowKernels().luma(pixels + 4 * x, width - x, row + x);
+  PlainRowOperations().luma(pixels + 4 * x, width - x, row + x);
 }
 
 __m256d Chroma(__m256i four, double r, double g, double b) {
@@ -69,7 +69,7 @@ void FillCr(const std::uint16_t* pixels, std::int32_t width, double* row) {
   for (; x + kStep <= width; x += kStep) {
     _mm256_storeu_pd(row + x, Chroma(LoadPixels(pixels + 4 * x), kCrR, kCrG, kCrB));
   }
-  PlainRowKernels().cr(pixels + 4 * x, width - x, row + x);
+  PlainRowOperations().cr(pixels + 4 * x, width - x, row + x);
 }
 
 void FillCb(const std::uint16_t* pixels, std::int32_t width, double* row) {
@@ -77,7 +77,7 @@ void FillCb(const std::uint16_t* pixels, std::int32_t width, double* row) {
   for (; x + kStep <= width; x += kStep) {
     _mm256_storeu_pd(row + x, Chroma(LoadPixels(pixels + 4 * x), kCbR, kCbG, kCbB));
   }
-  PlainRowKernels().cb(pixels + 4 * x, width - x, row + x);
+  PlainRowOperations().cb(pixels + 4 * x, width - x, row + x);
 }
 
 void FillAlpha(const std::uint16_t* pixels, std::int32_t width, double* row) {
@@ -85,7 +85,7 @@ void FillAlpha(const std::uint16_t* pixels, std::int32_t width, double* row) {
   for (; x + kStep <= width; x += kStep) {
     _mm256_storeu_pd(row + x, Unit<3>(LoadPixels(pixels + 4 * x)));
   }
-  PlainRowKernels().alpha(pixels + 4 * x, width - x, row + x);
+  PlainRowOperations().alpha(pixels + 4 * x, width - x, row + x);
 }
 
 // Clamped and rounded, as four 32-bit numbers. The first operand of max is the one that
@@ -126,7 +126,7 @@ void Store(const PlaneRow& planes, const PlaneScale& scale, std::int32_t width,
   }
   const PlaneRow rest{planes.luma + x, planes.cr + x, planes.cb + x,
                       planes.alpha != nullptr ? planes.alpha + x : nullptr};
-  PlainRowKernels().store(rest, scale, width - x, pixels + 4 * x);
+  PlainRowOperations().store(rest, scale, width - x, pixels + 4 * x);
 }
 
 void Multiply(const double (*psf)[2], double (*work)[2], std::int32_t count) {
@@ -138,16 +138,16 @@ void Multiply(const double (*psf)[2], double (*work)[2], std::int32_t count) {
     const __m256d byImaginary = _mm256_mul_pd(_mm256_permute_pd(p, 0xF), _mm256_permute_pd(w, 0x5));
     _mm256_storeu_pd(&work[k][0], _mm256_addsub_pd(byReal, byImaginary));
   }
-  PlainRowKernels().multiply(psf + k, work + k, count - k);
+  PlainRowOperations().multiply(psf + k, work + k, count - k);
 }
 
 }  // namespace
 
-const RowKernels* Avx2RowKernels() {
-  static constexpr RowKernels kKernels{
+const RowOperations* Avx2RowOperations() {
+  static constexpr RowOperations kOperations{
       FillLuma, FillCr, FillCb, FillAlpha, Store, CurveRows<Lanes4>::Apply, CurveRows<Lanes4>::Undo,
       Multiply};
-  return __builtin_cpu_supports("avx2") != 0 ? &kKernels : nullptr;
+  return __builtin_cpu_supports("avx2") != 0 ? &kOperations : nullptr;
 }
 
 }  // namespace lx
@@ -156,7 +156,7 @@ const RowKernels* Avx2RowKernels() {
 
 namespace lx {
 
-const RowKernels* Avx2RowKernels() { return nullptr; }
+const RowOperations* Avx2RowOperations() { return nullptr; }
 
 }  // namespace lx
 

@@ -1,4 +1,4 @@
-#include "fftlib/planes/row_kernels.h"
+#include "fftlib/planes/row_operations.h"
 
 #include <cstdint>
 #include <initializer_list>
@@ -83,22 +83,22 @@ void Multiply(const double (*psf)[2], double (*work)[2], std::int32_t count) {
 
 }  // namespace
 
-const RowKernels& PlainRowKernels() {
-  static constexpr RowKernels kKernels{FillLuma, FillCr,          FillCb,         FillAlpha,
-                                       Store,    ApplyCurveToRow, UndoCurveOfRow, Multiply};
-  return kKernels;
+const RowOperations& PlainRowOperations() {
+  static constexpr RowOperations kOperations{FillLuma, FillCr,          FillCb,         FillAlpha,
+                                             Store,    ApplyCurveToRow, UndoCurveOfRow, Multiply};
+  return kOperations;
 }
 
-const RowKernels& GetRowKernels() {
-  static const RowKernels* const kernels = [] {
-    for (const RowKernels* vector : {Avx512RowKernels(), Avx2RowKernels()}) {
+const RowOperations& GetRowOperations() {
+  static const RowOperations* const operations = [] {
+    for (const RowOperations* vector : {Avx512RowOperations(), Avx2RowOperations()}) {
       if (vector != nullptr) {
         return vector;
       }
     }
-    return &PlainRowKernels();
+    return &PlainRowOperations();
   }();
-  return *kernels;
+  return *operations;
 }
 
 }  // namespace lx

@@ -1,6 +1,6 @@
 // Compiled for AVX-512 alone, and entered only where the processor has it: the emphasis
 // curve, which is arithmetic throughout. The other loops wait for memory, and are AVX2's.
-#include "fftlib/planes/row_kernels.h"
+#include "fftlib/planes/row_operations.h"
 
 #if defined(__AVX512F__) && defined(__AVX512DQ__)
 
@@ -17,19 +17,19 @@ struct LaneBits<Lanes8> {
   using Type = std::uint64_t __attribute__((vector_size(64)));
 };
 
-const RowKernels* Avx512RowKernels() {
-  const RowKernels* avx2 = Avx2RowKernels();
+const RowOperations* Avx512RowOperations() {
+  const RowOperations* avx2 = Avx2RowOperations();
   if (avx2 == nullptr || __builtin_cpu_supports("avx512f") == 0 ||
       __builtin_cpu_supports("avx512dq") == 0) {
     return nullptr;
   }
-  static const RowKernels kernels = [avx2] {
-    RowKernels mixed = *avx2;
+  static const RowOperations operations = [avx2] {
+    RowOperations mixed = *avx2;
     mixed.applyCurve = CurveRows<Lanes8>::Apply;
     mixed.undoCurve = CurveRows<Lanes8>::Undo;
     return mixed;
   }();
-  return &kernels;
+  return &operations;
 }
 
 }  // namespace lx
@@ -38,7 +38,7 @@ const RowKernels* Avx512RowKernels() {
 
 namespace lx {
 
-const RowKernels* Avx512RowKernels() { return nullptr; }
+const RowOperations* Avx512RowOperations() { return nullptr; }
 
 }  // namespace lx
 
