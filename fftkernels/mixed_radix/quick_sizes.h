@@ -15,8 +15,8 @@ inline constexpr std::int32_t kLargestRadix = 10;
 // memory, the last one, which has no twiddles, and those between. The sum for a length of some 1000
 // is about 200.
 //
-// From 5,148 measurements of LineKernels::convolveColumns: all ways of taking apart 560, 588, 980,
-// 1000, 1024, 1050, 1080, 1120, 1125, 1134, 1152, 1280, 1296, 1372 and 2000 into up to five
+// From 5,148 measurements of LineOperations::convolveColumns: all ways of taking apart 560, 588,
+// 980, 1000, 1024, 1050, 1080, 1120, 1125, 1134, 1152, 1280, 1296, 1372 and 2000 into up to five
 // radices, by AVX-512 and by AVX2. Least squares of the time of a point as a sum of stages, over
 // ways up to half as slow again as the best one; both forms count alike. By it the way chosen is
 // within 7 % of the best for either form, but for 560 by AVX-512.

@@ -62,7 +62,7 @@ std::int32_t FastBackend::Load(const ImageRec& mask, const GridPlace& place, Row
   }
   aperture_ = MakeAperture(mask, grids_.MaskBits());
   MarkMask(mask, aperture_.extent, grids_.MaskBits());
-  leastWeight_ = LoadSpectrum(mask, aperture_.extent, &grids_, kernels_, rows);
+  leastWeight_ = LoadSpectrum(mask, aperture_.extent, &grids_, operations_, rows);
   isLoaded_ = true;
   return kStatusOk;
 }
@@ -70,7 +70,7 @@ std::int32_t FastBackend::Load(const ImageRec& mask, const GridPlace& place, Row
 FastFrame FastBackend::MakeFrame(const Look& look) {
   PlaceFrameRows(grids_.Layout(), Down(aperture_).before, look.edgeMode == kEdgeReplicate,
                  grids_.FrameSource());
-  return {&grids_, &kernels_, look.edgeMode, Across(aperture_).before};
+  return {&grids_, &operations_, look.edgeMode, Across(aperture_).before};
 }
 
 std::int32_t FastBackend::PreparePlanes(std::size_t count) {
@@ -85,7 +85,7 @@ std::int32_t FastBackend::PreparePlanes(std::size_t count) {
 
 void FastBackend::ConvolveColumns(const std::array<double*, FastLayout::kPlanes>& planes,
                                   std::size_t count, Rows* rows) {
-  rows->Run(ConvolvePass{&grids_, &kernels_, planes, count}, grids_.Layout().Blocks());
+  rows->Run(ConvolvePass{&grids_, &operations_, planes, count}, grids_.Layout().Blocks());
 }
 
 bool FastBackend::ConvolveBands(const FastFrame& frame, const PicturePlane& from,

@@ -26,9 +26,10 @@ namespace lx {
 
 class FastBackend final : public Backend {
  public:
-  // Works by the fastest kernels that the processor has, or by those given, which must outlive it.
-  FastBackend() : FastBackend(GetLineKernels()) {}
-  explicit FastBackend(const LineKernels& kernels) : kernels_(kernels) {}
+  // Works by the fastest operations that the processor has, or by those given, which must outlive
+  // it.
+  FastBackend() : FastBackend(GetLineOperations()) {}
+  explicit FastBackend(const LineOperations& operations) : operations_(operations) {}
 
   std::string_view Name() const override { return FastFootprint::kName; }
   GridSides GridFor(Size frame, std::int32_t margin) const override {
@@ -64,7 +65,7 @@ class FastBackend final : public Backend {
   void ConvolveColumns(const std::array<double*, FastLayout::kPlanes>& planes, std::size_t count,
                        Rows* rows);
 
-  const LineKernels& kernels_;
+  const LineOperations& operations_;
   FastGrids grids_;
   Aperture aperture_{};
   double leastWeight_ = 0.0;  // of its weights but 0, of a sum of 1

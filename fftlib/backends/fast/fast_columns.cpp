@@ -15,8 +15,8 @@ void ConvolvePass::operator()(Rows& /*rows*/, std::int32_t first, std::int32_t l
   for (std::ptrdiff_t b = first; b <= last; ++b) {
     const double* spectrum = grids->Spectrum() + b * layout.SpectrumBlock();
     for (std::size_t p = 0; p < count; ++p) {
-      kernels->convolveColumns(grids->Columns(), columnRows, spectrum,
-                               planes[p] + b * layout.PlaneBlock(), scratch.Data());
+      operations->convolveColumns(grids->Columns(), columnRows, spectrum,
+                                  planes[p] + b * layout.PlaneBlock(), scratch.Data());
     }
   }
 }
@@ -25,8 +25,9 @@ void SpectrumPass::operator()(Rows& /*rows*/, std::int32_t first, std::int32_t l
   const FastLayout& layout = grids->Layout();
   const ColumnRows columnRows{grids->MaskSource(), 0};
   for (std::ptrdiff_t b = first; b <= last; ++b) {
-    kernels->forwardColumns(grids->Columns(), columnRows, grids->Plane(0) + b * layout.PlaneBlock(),
-                            grids->Spectrum() + b * layout.SpectrumBlock());
+    operations->forwardColumns(grids->Columns(), columnRows,
+                               grids->Plane(0) + b * layout.PlaneBlock(),
+                               grids->Spectrum() + b * layout.SpectrumBlock());
   }
 }
 

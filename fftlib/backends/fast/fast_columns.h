@@ -14,7 +14,7 @@ namespace lx {
 // after another, while the PSF's is at hand.
 struct ConvolvePass {
   FastGrids* grids;
-  const LineKernels* kernels;
+  const LineOperations* operations;
   std::array<double*, FastLayout::kPlanes> planes;
   std::size_t count;
 
@@ -24,7 +24,7 @@ struct ConvolvePass {
 // The row spectra of a mask, in the first plane, to the PSF's spectrum.
 struct SpectrumPass {
   FastGrids* grids;
-  const LineKernels* kernels;
+  const LineOperations* operations;
 
   void operator()(Rows& rows, std::int32_t first, std::int32_t last) const;
 };

@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "fftlib/backends/fast/fast_layout.h"
-#include "fftlib/backends/fast/line_kernels.h"
+#include "fftlib/backends/fast/line_operations.h"
 #include "fftlib/backends/fast/scratch_slots.h"
 
 namespace lx {

@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "fftkernels/mixed_radix/line_plan.h"
-#include "fftlib/backends/fast/line_kernels.h"
+#include "fftlib/backends/fast/line_operations.h"
 #include "fftlib/backends/fast/reach.h"
 #include "fftlib/core/grid.h"
 

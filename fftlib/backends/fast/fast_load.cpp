@@ -28,7 +28,7 @@ struct MaskPass {
   MaskExtent extent;
   double scale;
   FastGrids* grids;
-  const LineKernels* kernels;
+  const LineOperations* operations;
 
   void operator()(Rows& rows, std::int32_t first, std::int32_t last) const {
     if (first > last) {
@@ -63,9 +63,9 @@ struct MaskPass {
         buffer[std::ptrdiff_t{at} * kLines + (y - from)] = row[x - extent.left] * scale;
       }
     }
-    kernels->forwardRows(grids->Rows(), buffer);
-    kernels->spread(buffer, layout.Columns(), to - from + 1, layout.PlaneBlock(),
-                    grids->Plane(0) + std::ptrdiff_t{from - extent.top} * kStride);
+    operations->forwardRows(grids->Rows(), buffer);
+    operations->spread(buffer, layout.Columns(), to - from + 1, layout.PlaneBlock(),
+                       grids->Plane(0) + std::ptrdiff_t{from - extent.top} * kStride);
   }
 };
 
@@ -90,7 +90,7 @@ Weights WeighMask(const ImageRec& mask, const MaskExtent& extent, double* row) {
 }  // namespace
 
 double LoadSpectrum(const ImageRec& mask, const MaskExtent& extent, FastGrids* grids,
-                    const LineKernels& kernels, Rows* rows) {
+                    const LineOperations& operations, Rows* rows) {
   const FastLayout& layout = grids->Layout();
   Weights weights;
   {
@@ -100,13 +100,13 @@ double LoadSpectrum(const ImageRec& mask, const MaskExtent& extent, FastGrids* g
   // Rows forward double what they are given, of the mask as of the frame, and back they do so once
   // more; half a row's length and the columns' length multiply too.
   const double scale = 1.0 / (4.0 * layout.width * layout.height * weights.sum);
-  rows->Run(MaskPass{&mask, extent, scale, grids, &kernels}, mask.height);
+  rows->Run(MaskPass{&mask, extent, scale, grids, &operations}, mask.height);
   std::int32_t* source = grids->MaskSource();
   std::fill_n(source, layout.height, -1);
   for (std::int32_t y = extent.top; y <= extent.bottom; ++y) {
     source[Around(y - MaskMiddle(mask.height), layout.height)] = y - extent.top;
   }
-  rows->Run(SpectrumPass{grids, &kernels}, layout.Blocks());
+  rows->Run(SpectrumPass{grids, &operations}, layout.Blocks());
   return weights.least / weights.sum;
 }
 

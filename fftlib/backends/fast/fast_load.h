@@ -15,6 +15,6 @@ namespace lx {
 // The smallest of its weights but 0, of a sum of 1.
 // Intended: a mask of zeros makes every number of the spectrum not-a-number.
 double LoadSpectrum(const ImageRec& mask, const MaskExtent& extent, FastGrids* grids,
-                    const LineKernels& kernels, Rows* rows);
+                    const LineOperations& operations, Rows* rows);
 
 }  // namespace lx

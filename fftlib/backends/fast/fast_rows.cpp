@@ -11,7 +11,7 @@
 namespace lx {
 namespace {
 
-// Whether the kernels read and write its pixels all planes at once.
+// Whether the operations read and write its pixels all planes at once.
 bool IsPacked(const ImageRec& image) {
   return image.sampleType == kSampleU16 && image.channels == 4;
 }
@@ -85,15 +85,15 @@ void TransformRows(const FastFrame& frame, std::int32_t count, double* buffer, d
   repeat(layout.width - frame.before, layout.width, 0);
   const std::ptrdiff_t columns = frame.grids->Rows().Columns();
   std::fill(buffer + columns * kStride, buffer + layout.RowBuffer(), 0.0);
-  frame.kernels->forwardRows(frame.grids->Rows(), buffer);
-  frame.kernels->spread(buffer, layout.Columns(), count, layout.PlaneBlock(), to);
+  frame.operations->forwardRows(frame.grids->Rows(), buffer);
+  frame.operations->spread(buffer, layout.Columns(), count, layout.PlaneBlock(), to);
 }
 
 void TransformRowsBack(const FastFrame& frame, const double* from, std::int32_t count,
                        double* buffer) {
   const FastLayout& layout = frame.grids->Layout();
-  frame.kernels->gather(from, layout.Columns(), count, layout.PlaneBlock(), buffer);
-  frame.kernels->inverseRows(frame.grids->Rows(), buffer);
+  frame.operations->gather(from, layout.Columns(), count, layout.PlaneBlock(), buffer);
+  frame.operations->inverseRows(frame.grids->Rows(), buffer);
 }
 
 void FillBuffers(const FastFrame& frame, std::span<const PicturePlane> planes, std::int32_t y,
@@ -107,7 +107,7 @@ void FillBuffers(const FastFrame& frame, std::span<const PicturePlane> planes, s
     for (std::size_t p = 0; p < planes.size(); ++p) {
       byChannel[static_cast<std::size_t>(std::countr_zero(planes[p].channelBit))] = buffers[p];
     }
-    frame.kernels->readPixels(RowsAt(source, y, count), width, byChannel);
+    frame.operations->readPixels(RowsAt(source, y, count), width, byChannel);
   }
   for (std::size_t p = 0; p < planes.size(); ++p) {
     const PicturePlane& plane = planes[p];
@@ -187,7 +187,7 @@ void PicturePass::operator()(Rows& rows, std::int32_t first, std::int32_t last) 
       Finish(frame, planes[p], isFloat, y, count, buffers[p]);
     }
     if (IsPacked(*dest)) {
-      frame.kernels->writePixels(buffers, dest->width, count, RowsAt(*dest, y, count));
+      frame.operations->writePixels(buffers, dest->width, count, RowsAt(*dest, y, count));
     } else {
       StoreByPieces(buffers, y, count);
     }
@@ -200,7 +200,7 @@ void PicturePass::StoreByPieces(const PlaneBuffers& buffers, std::int32_t y,
   for (std::int32_t x = 0; x < dest->width; x += kPiece) {
     const std::int32_t pixels = std::min<std::int32_t>(kPiece, dest->width - x);
     for (std::size_t p = 0; p < (withAlpha ? 4 : 3); ++p) {
-      frame.kernels->unpack(buffers[p] + std::ptrdiff_t{x} * kLines, kPiece, pixels, pieces[p]);
+      frame.operations->unpack(buffers[p] + std::ptrdiff_t{x} * kLines, kPiece, pixels, pieces[p]);
     }
     for (std::int32_t r = 0; r < count; ++r) {
       const std::ptrdiff_t at = std::ptrdiff_t{r} * kPiece;

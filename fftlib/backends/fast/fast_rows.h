@@ -21,7 +21,7 @@ namespace lx {
 // What all passes of a frame work in.
 struct FastFrame {
   FastGrids* grids;
-  const LineKernels* kernels;
+  const LineOperations* operations;
   std::int32_t edgeMode;
   std::int32_t before;  // columns that the aperture needs to the left of the frame
 
@@ -129,7 +129,7 @@ void PackRows(const FastFrame& frame, std::int32_t y, std::int32_t count, double
     for (std::int32_t r = 0; r < count; ++r) {
       fill(RowPiece{x, y + r, pixels}, rows + r * kPiece);
     }
-    frame.kernels->pack(rows, kPiece, pixels, buffer + std::ptrdiff_t{x} * kLines);
+    frame.operations->pack(rows, kPiece, pixels, buffer + std::ptrdiff_t{x} * kLines);
   }
 }
 
@@ -141,7 +141,7 @@ void UnpackRows(const FastFrame& frame, const double* buffer, std::int32_t y, st
   const std::int32_t width = frame.grids->Layout().frame.width;
   for (std::int32_t x = 0; x < width; x += kPiece) {
     const std::int32_t pixels = std::min(kPiece, width - x);
-    frame.kernels->unpack(buffer + std::ptrdiff_t{x} * kLines, kPiece, pixels, rows);
+    frame.operations->unpack(buffer + std::ptrdiff_t{x} * kLines, kPiece, pixels, rows);
     for (std::int32_t r = 0; r < count; ++r) {
       take(RowPiece{x, y + r, pixels}, rows + r * kPiece);
     }

@@ -1,5 +1,5 @@
-// One set of bits, whatever blurs: every form of the kernels, any number of ways, any processor and
-// system. What they are stands here, so that machines agree that never meet.
+// One set of bits, whatever blurs: every form of the operations, any number of ways, any processor
+// and system. What they are stands here, so that machines agree that never meet.
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -80,7 +80,7 @@ Image Render(const HashedFrame& f, const LineForm& form, int ways, bool onThread
   c.channels = 4;
   c.emphasis = f.emphasis;
   c.gamma = c.gain = 1.0F;
-  lx::DefocusEngine engine(std::make_unique<lx::FastBackend>(*form.kernels));
+  lx::DefocusEngine engine(std::make_unique<lx::FastBackend>(*form.operations));
   lx_test::DividedPasses passes(ways, onThreads);
   if (ways > 1) {
     passes.Attach(&engine);

@@ -1,17 +1,17 @@
-// The forms of the line kernels that this machine has.
+// The forms of the line operations that this machine has.
 #pragma once
 
 #include <ostream>
 #include <string>
 #include <vector>
 
-#include "fftlib/backends/fast/line_kernels.h"
+#include "fftlib/backends/fast/line_operations.h"
 
 namespace lx_test {
 
 struct LineForm {
   std::string name;
-  const lx::LineKernels* kernels;
+  const lx::LineOperations* operations;
 };
 
 inline std::ostream& operator<<(std::ostream& out, const LineForm& form) {
@@ -20,11 +20,12 @@ inline std::ostream& operator<<(std::ostream& out, const LineForm& form) {
 
 // Plain numbers first.
 inline std::vector<LineForm> LineForms() {
-  std::vector<LineForm> forms{{"plain", &lx::PlainLineKernels()},
-                              {"128", &lx::Vector128LineKernels()}};
-  const LineForm wide[] = {{"avx2", lx::Avx2LineKernels()}, {"avx512", lx::Avx512LineKernels()}};
+  std::vector<LineForm> forms{{"plain", &lx::PlainLineOperations()},
+                              {"128", &lx::Vector128LineOperations()}};
+  const LineForm wide[] = {{"avx2", lx::Avx2LineOperations()},
+                           {"avx512", lx::Avx512LineOperations()}};
   for (const LineForm& each : wide) {
-    if (each.kernels != nullptr) {
+    if (each.operations != nullptr) {
       forms.push_back(each);
     }
   }

@@ -9,14 +9,14 @@
 #include <cstdint>
 
 #include "fftkernels/fftkernels/vectors.h"
-#include "fftlib/backends/fast/line_kernels.h"
+#include "fftlib/backends/fast/line_operations.h"
 #include "fftlib/planes/colour_transform.h"
 #include "fftlib/planes/sample_types.h"
 
 namespace lx {
 
 template <class Form, int lanes>
-class PixelKernelsOf {
+class PixelOperationsOf {
  public:
   static void Read(const PixelRows& rows, std::int32_t width, const PlaneBuffers& buffers) {
     const std::int32_t whole = width - width % lanes;

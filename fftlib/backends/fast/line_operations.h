@@ -57,7 +57,7 @@ using PlaneBuffers = std::array<double*, 4>;
 // from some row that exists, and not written.
 using PixelRows = std::array<std::uint16_t*, kLines>;
 
-struct LineKernels {
+struct LineOperations {
   // Between pixels and planes, without any curve. They take the steps of FillFromPicture and
   // StoreToPicture, rounding for rounding.
   //   width    pixels of a row
@@ -96,14 +96,14 @@ struct LineKernels {
                          double* spectrum);
 };
 
-const LineKernels& PlainLineKernels();
-const LineKernels& Vector128LineKernels();  // every processor of the families has these
+const LineOperations& PlainLineOperations();
+const LineOperations& Vector128LineOperations();  // every processor of the families has these
 
 // Null where the processor, or the build, does not have them.
-const LineKernels* Avx2LineKernels();
-const LineKernels* Avx512LineKernels();
+const LineOperations* Avx2LineOperations();
+const LineOperations* Avx512LineOperations();
 
 // The fastest that the processor has.
-const LineKernels& GetLineKernels();
+const LineOperations& GetLineOperations();
 
 }  // namespace lx

@@ -1,4 +1,4 @@
-// The line kernels of one form: for the sources that are compiled for one instruction set each.
+// The line operations of one form: for the sources that are compiled for one instruction set each.
 //
 // Form is a type of the source's own, and lanes how many doubles its vectors hold.
 #pragma once
@@ -9,17 +9,17 @@
 
 #include "fftkernels/fftkernels/vectors.h"
 #include "fftkernels/mixed_radix/radices.h"
-#include "fftlib/backends/fast/line_kernels.h"
-#include "fftlib/backends/fast/pixel_kernels_of.h"
+#include "fftlib/backends/fast/line_operations.h"
+#include "fftlib/backends/fast/pixel_operations_of.h"
 
 namespace lx {
 
 template <class Form, int lanes>
-class LineKernelsOf {
+class LineOperationsOf {
  public:
-  static constexpr LineKernels Table() {
-    return {PixelKernelsOf<Form, lanes>::Read,
-            PixelKernelsOf<Form, lanes>::Write,
+  static constexpr LineOperations Table() {
+    return {PixelOperationsOf<Form, lanes>::Read,
+            PixelOperationsOf<Form, lanes>::Write,
             ForwardRows,
             InverseRows,
             Spread,

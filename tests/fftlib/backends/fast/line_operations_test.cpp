@@ -1,5 +1,5 @@
-// The line kernels: against the definition of what they do, and one form against the other.
-#include "fftlib/backends/fast/line_kernels.h"
+// The line operations: against the definition of what they do, and one form against the other.
+#include "fftlib/backends/fast/line_operations.h"
 
 #include <gtest/gtest.h>
 
@@ -77,12 +77,12 @@ double BoundOf(std::int32_t length) {
   return 4e-16 * std::sqrt(length) * std::log2(length + 2) * 2;
 }
 
-class LineKernels : public testing::TestWithParam<LineForm> {
+class LineOperations : public testing::TestWithParam<LineForm> {
  protected:
-  const lx::LineKernels& Kernels() const { return *GetParam().kernels; }
+  const lx::LineOperations& Operations() const { return *GetParam().operations; }
 };
 
-TEST_P(LineKernels, TransformRowsToTwiceTheirSpectraInThePlansOrder) {
+TEST_P(LineOperations, TransformRowsToTwiceTheirSpectraInThePlansOrder) {
   for (std::int32_t half : Lengths(360)) {
     const std::int32_t width = 2 * half;
     const auto grids = MakeGrids(width, 2);
@@ -92,7 +92,7 @@ TEST_P(LineKernels, TransformRowsToTwiceTheirSpectraInThePlansOrder) {
     Numbers buffer(BufferSize(width), kGuard);
     std::copy(rows.begin(), rows.end(), buffer.begin());
 
-    Kernels().forwardRows(plan, buffer.data());
+    Operations().forwardRows(plan, buffer.data());
 
     const auto circle = Circle(width);
     for (std::int32_t p = 0; p <= half; ++p) {
@@ -115,7 +115,7 @@ TEST_P(LineKernels, TransformRowsToTwiceTheirSpectraInThePlansOrder) {
   }
 }
 
-TEST_P(LineKernels, TransformSpectraBackToRowsTimesTwiceTheirLength) {
+TEST_P(LineOperations, TransformSpectraBackToRowsTimesTwiceTheirLength) {
   for (std::int32_t half : Lengths(2500)) {
     const std::int32_t width = 2 * half;
     const auto grids = MakeGrids(width, 2);
@@ -123,8 +123,8 @@ TEST_P(LineKernels, TransformSpectraBackToRowsTimesTwiceTheirLength) {
     Numbers buffer(BufferSize(width), kGuard);
     std::copy(rows.begin(), rows.end(), buffer.begin());
 
-    Kernels().forwardRows(grids->Rows(), buffer.data());
-    Kernels().inverseRows(grids->Rows(), buffer.data());
+    Operations().forwardRows(grids->Rows(), buffer.data());
+    Operations().inverseRows(grids->Rows(), buffer.data());
 
     for (std::size_t i = 0; i < rows.size(); ++i) {
       ASSERT_NEAR(rows[i], buffer[i] / (2.0 * width), 1e-14) << width << ", " << i;
@@ -144,7 +144,7 @@ struct Column {
   std::vector<std::int32_t> source;
 };
 
-TEST_P(LineKernels, TransformColumnsOfTheRowsThatTheyAreReadFrom) {
+TEST_P(LineOperations, TransformColumnsOfTheRowsThatTheyAreReadFrom) {
   constexpr std::int32_t kRows = 11;
   const Numbers block = Noise(BlockSize(kRows), 3);
   for (const std::int32_t height : Lengths(360)) {
@@ -152,8 +152,8 @@ TEST_P(LineKernels, TransformColumnsOfTheRowsThatTheyAreReadFrom) {
     const Column column(height, kRows);
     Numbers spectrum(BlockSize(height) + 1, kGuard);
 
-    Kernels().forwardColumns(grids->Columns(), {column.source.data(), 0}, block.data(),
-                             spectrum.data());
+    Operations().forwardColumns(grids->Columns(), {column.source.data(), 0}, block.data(),
+                                spectrum.data());
 
     const auto circle = Circle(height);
     for (std::int32_t p = 0; p < height; ++p) {
@@ -181,7 +181,7 @@ TEST_P(LineKernels, TransformColumnsOfTheRowsThatTheyAreReadFrom) {
 }
 
 // A spectrum that turns frequency k by a whole number of places moves a column down by as many.
-TEST_P(LineKernels, ConvolveColumnsAndStoreTheRowsThatAreWantedAlone) {
+TEST_P(LineOperations, ConvolveColumnsAndStoreTheRowsThatAreWantedAlone) {
   for (const std::int32_t height : Lengths(2500)) {
     const auto grids = MakeGrids(2, height);
     const std::int32_t moved = height / 3;
@@ -203,8 +203,8 @@ TEST_P(LineKernels, ConvolveColumnsAndStoreTheRowsThatAreWantedAlone) {
     Numbers block = before;
     Numbers scratch(BlockSize(height) + 1, kGuard);
 
-    Kernels().convolveColumns(grids->Columns(), {source.data(), stored}, spectrum.data(),
-                              block.data(), scratch.data());
+    Operations().convolveColumns(grids->Columns(), {source.data(), stored}, spectrum.data(),
+                                 block.data(), scratch.data());
 
     for (std::int32_t y = 0; y < height; ++y) {
       const std::int32_t from = (y - moved + height) % height;
@@ -222,7 +222,7 @@ TEST_P(LineKernels, ConvolveColumnsAndStoreTheRowsThatAreWantedAlone) {
   }
 }
 
-TEST_P(LineKernels, SpreadRowsOverBlocksAndNothingBesideThem) {
+TEST_P(LineOperations, SpreadRowsOverBlocksAndNothingBesideThem) {
   for (const std::int32_t columns : {1, 2, 7, 8, 9, 16, 23}) {
     const std::int32_t blocks = (columns + kLines - 1) / kLines;
     const Numbers buffer = Noise(static_cast<std::size_t>(blocks) * kLines * kStride, 5);
@@ -232,8 +232,8 @@ TEST_P(LineKernels, SpreadRowsOverBlocksAndNothingBesideThem) {
       const std::ptrdiff_t blockStride = kRows * kStride;
       Numbers plane(static_cast<std::size_t>(blocks * blockStride), kGuard);
 
-      Kernels().spread(buffer.data(), columns, count, blockStride,
-                       plane.data() + kBefore * kStride);
+      Operations().spread(buffer.data(), columns, count, blockStride,
+                          plane.data() + kBefore * kStride);
 
       for (std::int32_t b = 0; b < blocks; ++b) {
         for (std::int32_t y = 0; y < kRows; ++y) {
@@ -255,7 +255,7 @@ TEST_P(LineKernels, SpreadRowsOverBlocksAndNothingBesideThem) {
   }
 }
 
-TEST_P(LineKernels, GatherTheRowsThatWereSpread) {
+TEST_P(LineOperations, GatherTheRowsThatWereSpread) {
   for (const std::int32_t columns : {1, 2, 7, 8, 9, 16, 23}) {
     const std::int32_t blocks = (columns + kLines - 1) / kLines;
     const std::size_t size = static_cast<std::size_t>(blocks) * kLines * kStride;
@@ -263,10 +263,10 @@ TEST_P(LineKernels, GatherTheRowsThatWereSpread) {
     for (std::int32_t count = 1; count <= kLines; ++count) {
       const std::ptrdiff_t blockStride = (kLines + 1) * kStride;
       Numbers plane(static_cast<std::size_t>(blocks * blockStride), std::nan(""));
-      Kernels().spread(buffer.data(), columns, count, blockStride, plane.data());
+      Operations().spread(buffer.data(), columns, count, blockStride, plane.data());
       Numbers gathered(size + 1, kGuard);
 
-      Kernels().gather(plane.data(), columns, count, blockStride, gathered.data());
+      Operations().gather(plane.data(), columns, count, blockStride, gathered.data());
 
       for (std::size_t i = 0; i < static_cast<std::size_t>(columns) * kStride; ++i) {
         if (static_cast<std::int32_t>(i) % kLines < count) {
@@ -281,15 +281,15 @@ TEST_P(LineKernels, GatherTheRowsThatWereSpread) {
   }
 }
 
-TEST_P(LineKernels, PackRowsAndUnpackThemAndNothingBesideThem) {
+TEST_P(LineOperations, PackRowsAndUnpackThemAndNothingBesideThem) {
   constexpr std::int32_t kLongest = 24;
   const Numbers rows = Noise(static_cast<std::size_t>(kLines) * kLongest, 7);
   for (std::int32_t count = 0; count <= kLongest; ++count) {
     Numbers buffer(static_cast<std::size_t>(kLongest) * kLines, kGuard);
     Numbers back(rows.size(), kGuard);
 
-    Kernels().pack(rows.data(), kLongest, count, buffer.data());
-    Kernels().unpack(buffer.data(), kLongest, count, back.data());
+    Operations().pack(rows.data(), kLongest, count, buffer.data());
+    Operations().unpack(buffer.data(), kLongest, count, back.data());
 
     for (std::int32_t x = 0; x < kLongest; ++x) {
       for (std::int32_t y = 0; y < kLines; ++y) {
@@ -321,22 +321,22 @@ Numbers NoiseBesideBlack(std::size_t count, std::uint32_t seed) {
   return numbers;
 }
 
-Made Make(const lx::LineKernels& kernels, std::int32_t length) {
+Made Make(const lx::LineOperations& operations, std::int32_t length) {
   const auto grids = MakeGrids(2 * length, length);
   Made made;
   made.spectra = NoiseBesideBlack(BufferSize(2 * length), 8);
-  kernels.forwardRows(grids->Rows(), made.spectra.data());
+  operations.forwardRows(grids->Rows(), made.spectra.data());
   made.rows = made.spectra;
-  kernels.inverseRows(grids->Rows(), made.rows.data());
+  operations.inverseRows(grids->Rows(), made.rows.data());
   const Column column(length, length);
   const Numbers block = NoiseBesideBlack(BlockSize(length), 9);
   made.columnSpectra.resize(BlockSize(length));
-  kernels.forwardColumns(grids->Columns(), {column.source.data(), 0}, block.data(),
-                         made.columnSpectra.data());
+  operations.forwardColumns(grids->Columns(), {column.source.data(), 0}, block.data(),
+                            made.columnSpectra.data());
   made.columns = block;
   Numbers scratch(BlockSize(length));
-  kernels.convolveColumns(grids->Columns(), {column.source.data(), length - 1},
-                          made.columnSpectra.data(), made.columns.data(), scratch.data());
+  operations.convolveColumns(grids->Columns(), {column.source.data(), length - 1},
+                             made.columnSpectra.data(), made.columns.data(), scratch.data());
   return made;
 }
 
@@ -345,10 +345,10 @@ std::uint64_t HashOf(const Numbers& numbers) {
 }
 
 // -0 and 0 are not the same bits either.
-TEST_P(LineKernels, GiveTheBitsOfThePlainOnesForEveryLength) {
+TEST_P(LineOperations, GiveTheBitsOfThePlainOnesForEveryLength) {
   for (const std::int32_t length : Lengths(4100)) {
-    const Made plain = Make(lx::PlainLineKernels(), length);
-    const Made made = Make(Kernels(), length);
+    const Made plain = Make(lx::PlainLineOperations(), length);
+    const Made made = Make(Operations(), length);
     ASSERT_EQ(HashOf(plain.spectra), HashOf(made.spectra)) << length;
     ASSERT_EQ(HashOf(plain.rows), HashOf(made.rows)) << length;
     ASSERT_EQ(HashOf(plain.columnSpectra), HashOf(made.columnSpectra)) << length;
@@ -390,9 +390,9 @@ constexpr HashedLength kHashes[] = {
 };
 // clang-format on
 
-TEST_P(LineKernels, GiveTheBitsThatAreWrittenDown) {
+TEST_P(LineOperations, GiveTheBitsThatAreWrittenDown) {
   for (const HashedLength& expected : kHashes) {
-    const Made made = Make(Kernels(), expected.length);
+    const Made made = Make(Operations(), expected.length);
     const HashedLength got{expected.length, HashOf(made.rows), HashOf(made.columns)};
     EXPECT_EQ(expected.rows, got.rows) << "    " << got;
     EXPECT_EQ(expected.columns, got.columns) << "    " << got;
@@ -401,6 +401,6 @@ TEST_P(LineKernels, GiveTheBitsThatAreWrittenDown) {
 
 std::string NameOf(const testing::TestParamInfo<LineForm>& form) { return form.param.name; }
 
-INSTANTIATE_TEST_SUITE_P(Forms, LineKernels, testing::ValuesIn(lx_test::LineForms()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Forms, LineOperations, testing::ValuesIn(lx_test::LineForms()), NameOf);
 
 }  // namespace
