@@ -131,9 +131,9 @@ class DefocusEngine {
   bool ImportWisdom();
   bool ExportWisdom();
 
-  // Lines of an image through a kernel. What the arguments mean stands with SeparableFilter. False
-  // on failure.
-  bool SetSeparableKernel(const float* kernel, std::int32_t count);
+  // Lines of an image times a filter's weights. What the arguments mean stands with
+  // SeparableFilter. False on failure.
+  bool SetSeparableKernel(const float* weights, std::int32_t count);
   bool MakeFilterKernel(std::int32_t type, float radius, float parameter, float spare);
   bool PrepareSeparable(const ImageRec* image);
   bool FilterSeparable(ImageRec* dest, std::uint32_t channelMask, std::uint32_t direction);

@@ -5,13 +5,13 @@
 
 namespace lx {
 
-bool DefocusEngine::SetSeparableKernel(const float* kernel, std::int32_t count) {
-  return Finish(separable_.SetKernel(kernel, count));
+bool DefocusEngine::SetSeparableKernel(const float* weights, std::int32_t count) {
+  return Finish(separable_.SetWeights(weights, count));
 }
 
 bool DefocusEngine::MakeFilterKernel(std::int32_t type, float radius, float parameter,
                                      float /*spare*/) {
-  return Finish(separable_.MakeKernel(type, radius, parameter));
+  return Finish(separable_.MakeWeights(type, radius, parameter));
 }
 
 bool DefocusEngine::PrepareSeparable(const ImageRec* image) {

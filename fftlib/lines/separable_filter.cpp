@@ -35,7 +35,7 @@ class FilterLines {
   FilterLines& operator=(const FilterLines&) = delete;
 
   bool IsAllocated() const { return block_ != nullptr; }
-  float* Kernel() const { return block_; }
+  float* Filter() const { return block_; }
   float* Line() const { return block_ + length_; }
 
  private:
@@ -43,15 +43,15 @@ class FilterLines {
   float* block_;
 };
 
-// The kernel and its mirror image in a line of zeros, with sum 1.
+// The weights and their mirror image in a line of zeros, with sum 1.
 // Intended: the mirror image lies one place short of where a circle would have it, and the last
 // place stays 0. A sum of 0 or below is multiplied by itself.
-void FillKernelLine(const float* kernel, std::int32_t kernelLength, std::int32_t length,
+void FillFilterLine(const float* weights, std::int32_t weightCount, std::int32_t length,
                     float* line) {
-  const std::int32_t count = std::min(kernelLength, length);
-  std::copy_n(kernel, count, line);
+  const std::int32_t count = std::min(weightCount, length);
+  std::copy_n(weights, count, line);
   for (std::int32_t i = 1; i < count && i < length; ++i) {
-    line[length - 1 - i] = kernel[i];
+    line[length - 1 - i] = weights[i];
   }
   const double sum = std::accumulate(line, line + length, 0.0);
   const double factor = sum > 0.0 ? 1.0 / sum : sum;
@@ -103,8 +103,8 @@ void StoreLine(const float* line, std::int32_t length, const Samples<Sample>& to
 struct FilterPass {
   const ImageRec* source;
   ImageRec* dest;
-  const float* kernel;
-  std::int32_t kernelLength;
+  const float* weights;
+  std::int32_t weightCount;
   std::uint32_t channelMask;
   std::int32_t edgeMode;
   bool alongRows;
@@ -131,7 +131,7 @@ struct FilterPass {
     LoadLine(LineOf(static_cast<const Sample*>(source->data), source->channels, channel, index),
              edgeMode, padded, lines.Line());
     transforms->forward(lines.Line());
-    transforms->multiply(lines.Line(), lines.Kernel());
+    transforms->multiply(lines.Line(), lines.Filter());
     transforms->inverse(lines.Line());
     StoreLine(lines.Line(), padded,
               LineOf(static_cast<Sample*>(dest->data), dest->channels, channel, index));
@@ -144,10 +144,10 @@ void FilterPass::operator()(Rows& rows, std::int32_t first, std::int32_t last) c
     rows.SetStatus(kStatusNoMemory);
     return;
   }
-  FillKernelLine(kernel, kernelLength, padded, lines.Kernel());
+  FillFilterLine(weights, weightCount, padded, lines.Filter());
   if (const LineTransforms<float>* transforms = FindRealLineTransforms(padded)) {
-    transforms->forward(lines.Kernel());
-    transforms->scale(lines.Kernel());
+    transforms->forward(lines.Filter());
+    transforms->scale(lines.Filter());
   }
   using Filter = void (FilterPass::*)(std::int32_t, std::int32_t, const FilterLines&) const;
   constexpr Filter kFilters[] = {
@@ -165,36 +165,36 @@ void FilterPass::operator()(Rows& rows, std::int32_t first, std::int32_t last) c
 }  // namespace
 
 SeparableFilter::~SeparableFilter() {
-  kernel_.reset();
+  weights_.reset();
   ImageFree(work_);
 }
 
-std::int32_t SeparableFilter::SetKernel(const float* kernel, std::int32_t count) {
-  kernel_.reset();
-  kernelLength_ = 0;
-  if (kernel == nullptr || count < 1) {
+std::int32_t SeparableFilter::SetWeights(const float* weights, std::int32_t count) {
+  weights_.reset();
+  weightCount_ = 0;
+  if (weights == nullptr || count < 1) {
     return kRefused;
   }
-  kernel_ = AllocateFloats(count);
-  if (kernel_ == nullptr) {
+  weights_ = AllocateFloats(count);
+  if (weights_ == nullptr) {
     return kStatusNoMemory;
   }
-  std::copy_n(kernel, count, kernel_.get());
-  kernelLength_ = count;
+  std::copy_n(weights, count, weights_.get());
+  weightCount_ = count;
   return kStatusOk;
 }
 
-std::int32_t SeparableFilter::MakeKernel(std::int32_t type, float radius, float parameter) {
-  const std::int32_t length = FilterKernelLength(type, radius);
+std::int32_t SeparableFilter::MakeWeights(std::int32_t type, float radius, float parameter) {
+  const std::int32_t length = FilterWeightCount(type, radius);
   if (length == 0) {
     return kRefused;
   }
-  const Floats kernel = AllocateFloats(length);
-  if (kernel == nullptr) {
+  const Floats weights = AllocateFloats(length);
+  if (weights == nullptr) {
     return kStatusNoMemory;
   }
-  FillFilterKernel(type, radius, parameter, length, kernel.get());
-  return SetKernel(kernel.get(), length);
+  FillFilterWeights(type, radius, parameter, length, weights.get());
+  return SetWeights(weights.get(), length);
 }
 
 std::int32_t SeparableFilter::Prepare(const ImageRec* image) {
@@ -203,9 +203,9 @@ std::int32_t SeparableFilter::Prepare(const ImageRec* image) {
     return kStatusSizeRange;
   }
   size_ = {image->width, image->height};
-  // Before any kernel its length is below 0, which must not make a line shorter than the image's.
-  const std::int64_t width = PaddedSide(size_.width, kernelLength_);
-  const std::int64_t height = PaddedSide(size_.height, kernelLength_);
+  // Before any weights their count is below 0, which must not make a line shorter than the image's.
+  const std::int64_t width = PaddedSide(size_.width, weightCount_);
+  const std::int64_t height = PaddedSide(size_.height, weightCount_);
   if (!IsGridSide(width, kLargestPaddedSize) || !IsGridSide(height, kLargestPaddedSize)) {
     return kStatusSizeRange;
   }
@@ -221,7 +221,7 @@ std::int32_t SeparableFilter::Prepare(const ImageRec* image) {
 
 std::int32_t SeparableFilter::Filter(ImageRec* dest, std::uint32_t channelMask,
                                      std::uint32_t direction, std::int32_t edgeMode, Rows* rows) {
-  if (kernel_ == nullptr || source_ == nullptr) {
+  if (weights_ == nullptr || source_ == nullptr) {
     return kStatusNotLoaded;
   }
   if (dest == nullptr || dest->width != size_.width || dest->height != size_.height ||
@@ -233,7 +233,7 @@ std::int32_t SeparableFilter::Filter(ImageRec* dest, std::uint32_t channelMask,
   }
   const bool alongRows = (direction & kAlongRows) != 0;
   const bool alongColumns = (direction & kAlongColumns) != 0;
-  FilterPass pass{source_,     dest,     kernel_.get(),      kernelLength_,
+  FilterPass pass{source_,     dest,     weights_.get(),     weightCount_,
                   channelMask, edgeMode, /*alongRows=*/true, padded_.width};
   if (alongRows) {
     pass.dest = alongColumns ? work_ : dest;

@@ -96,8 +96,8 @@ class EngineInside {
   std::int32_t separableHeight() const { return engine_.separable_.ImageSize().height; }
   std::int32_t separablePaddedWidth() const { return engine_.separable_.PaddedSize().width; }
   std::int32_t separablePaddedHeight() const { return engine_.separable_.PaddedSize().height; }
-  const float* separableKernel() const { return engine_.separable_.Kernel(); }
-  std::int32_t separableKernelLength() const { return engine_.separable_.KernelLength(); }
+  const float* separableKernel() const { return engine_.separable_.Weights(); }
+  std::int32_t separableKernelLength() const { return engine_.separable_.WeightCount(); }
 
   // The blocks' table of frequencies.
   std::int32_t* frequencyTable() const { return engine_.blocks_.Table(); }

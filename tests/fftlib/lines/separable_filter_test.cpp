@@ -26,32 +26,32 @@ using lx_test::Samples;
 constexpr std::uint32_t kAlongRows = 1;
 constexpr std::uint32_t kAlongColumns = 2;
 
-constexpr int kWidth = 13;  // with a kernel of 3, lines of 32
+constexpr int kWidth = 13;  // with 3 weights, lines of 32
 constexpr int kHeight = 6;  // and columns of 16
 
-bool SetKernel(DefocusEngine* engine, const std::vector<float>& kernel) {
-  return engine->SetSeparableKernel(kernel.data(), static_cast<std::int32_t>(kernel.size()));
+bool SetWeights(DefocusEngine* engine, const std::vector<float>& weights) {
+  return engine->SetSeparableKernel(weights.data(), static_cast<std::int32_t>(weights.size()));
 }
 
-std::vector<float> KernelOf(const DefocusEngine& engine) {
+std::vector<float> WeightsOf(const DefocusEngine& engine) {
   return {Inside(engine).separableKernel(),
           Inside(engine).separableKernel() + Inside(engine).separableKernelLength()};
 }
 
 // One line through the filter by a plain cyclic sum.
 //
-// The filter's line holds the kernel, and mirrored one place short of its circle: kernel[i] stands
-// at i and at padded - 1 - i. The transforms take a line's even places as its first half and the
-// odd ones as its second: lines are brought into that order, summed, and brought back.
+// The filter's line holds the weights, and mirrored one place short of its circle: weights[i]
+// stands at i and at padded - 1 - i. The transforms take a line's even places as its first half and
+// the odd ones as its second: lines are brought into that order, summed, and brought back.
 class LineModel {
  public:
-  LineModel(const std::vector<float>& kernel, int padded) : filter_(padded, 0.0) {
-    const int count = std::min<int>(padded, static_cast<int>(kernel.size()));
+  LineModel(const std::vector<float>& weights, int padded) : filter_(padded, 0.0) {
+    const int count = std::min<int>(padded, static_cast<int>(weights.size()));
     for (int i = 0; i < count; ++i) {
-      filter_[i] = kernel[i];
+      filter_[i] = weights[i];
     }
     for (int i = 1; i < count; ++i) {
-      filter_[padded - 1 - i] = kernel[i];
+      filter_[padded - 1 - i] = weights[i];
     }
     double sum = 0.0;
     for (const double value : filter_) {
@@ -117,8 +117,8 @@ std::vector<double> LineOf(const Image& image, std::uint32_t direction, int k, i
 // A channel that one direction was filtered in. Whole numbers are cut, never rounded: half of
 // them would else lie above the sum.
 void ExpectFiltered(const Image& source, const Image& got, std::uint32_t direction, int channel,
-                    const std::vector<float>& kernel, int padded, std::int32_t edgeMode) {
-  const LineModel model(kernel, padded);
+                    const std::vector<float>& weights, int padded, std::int32_t edgeMode) {
+  const LineModel model(weights, padded);
   const bool whole = source->sampleType != lx::kSampleFloat;
   const double largest = lx_test::LargestSample(source->sampleType);
   const double noise = model.Tolerance(largest);
@@ -134,53 +134,53 @@ void ExpectFiltered(const Image& source, const Image& got, std::uint32_t directi
   }
 }
 
-const std::vector<float>& Kernel() {
-  static const std::vector<float> kernel{1.0F, 0.6F, 0.25F};
-  return kernel;
+const std::vector<float>& Weights() {
+  static const std::vector<float> weights{1.0F, 0.6F, 0.25F};
+  return weights;
 }
 
-TEST(SeparableKernel, IsACopy) {
+TEST(SeparableWeights, AreACopy) {
   DefocusEngine engine;
-  std::vector<float> kernel = Kernel();
+  std::vector<float> weights = Weights();
 
-  ASSERT_TRUE(SetKernel(&engine, kernel));
-  kernel[1] = 9.0F;
+  ASSERT_TRUE(SetWeights(&engine, weights));
+  weights[1] = 9.0F;
 
-  EXPECT_EQ(Kernel(), KernelOf(engine));
+  EXPECT_EQ(Weights(), WeightsOf(engine));
 }
 
-TEST(SeparableKernel, ReplacesTheOldOneAndFreesIt) {
+TEST(SeparableWeights, ReplaceTheOldOnesAndFreeThem) {
   lx_test::HeapFaults heap;
   DefocusEngine engine;
-  SetKernel(&engine, Kernel());
+  SetWeights(&engine, Weights());
   const int alive = heap.Alive();
 
-  ASSERT_TRUE(SetKernel(&engine, {2.0F, 1.0F}));
+  ASSERT_TRUE(SetWeights(&engine, {2.0F, 1.0F}));
 
   EXPECT_EQ(alive, heap.Alive());
-  EXPECT_EQ((std::vector<float>{2.0F, 1.0F}), KernelOf(engine));
+  EXPECT_EQ((std::vector<float>{2.0F, 1.0F}), WeightsOf(engine));
 }
 
-TEST(SeparableKernel, IsNoneWithoutMemory) {
+TEST(SeparableWeights, AreNoneWithoutMemory) {
   lx_test::HeapFaults heap;
   DefocusEngine engine;
   const int alive = heap.Alive();
-  SetKernel(&engine, Kernel());
+  SetWeights(&engine, Weights());
   heap.Refuse(1);
 
-  EXPECT_FALSE(SetKernel(&engine, {2.0F, 1.0F}));
+  EXPECT_FALSE(SetWeights(&engine, {2.0F, 1.0F}));
 
   EXPECT_EQ(lx::kStatusNoMemory, engine.GetStatus());
   EXPECT_EQ(nullptr, Inside(engine).separableKernel());
   EXPECT_EQ(alive, heap.Alive());
 }
 
-TEST(SeparableKernel, IsNoneForACountBelowOne) {
+TEST(SeparableWeights, AreNoneForACountBelowOne) {
   const float value = 1.0F;
   const Image image = NoiseImage(kWidth, kHeight, 1, lx::kSampleU8, 3);
   for (const std::int32_t count : {0, -1, std::numeric_limits<std::int32_t>::min()}) {
     DefocusEngine engine;
-    SetKernel(&engine, Kernel());
+    SetWeights(&engine, Weights());
     engine.SetEdgeMode(0);  // a status of its own
     ASSERT_TRUE(engine.PrepareSeparable(image.get()));
 
@@ -192,7 +192,7 @@ TEST(SeparableKernel, IsNoneForACountBelowOne) {
   }
 }
 
-TEST(FilterKernel, RefusesTypesThatAreNone) {
+TEST(FilterWeights, AreRefusedForTypesThatAreNone) {
   for (const std::int32_t type : {-1, 0, 7, 8, 10, 100}) {
     DefocusEngine engine;
     EXPECT_FALSE(engine.MakeFilterKernel(type, 2.0F, 0.0F, 0.0F)) << type;
@@ -202,7 +202,7 @@ TEST(FilterKernel, RefusesTypesThatAreNone) {
 }
 
 // Worked out by hand for the radius 2, whose values lie at 0, 0.5, 1, 1.5 and 2 radii.
-TEST(FilterKernel, FollowsEachTypesFormula) {
+TEST(FilterWeights, FollowEachTypesFormula) {
   struct {
     const char* name;
     std::int32_t type;
@@ -225,7 +225,7 @@ TEST(FilterKernel, FollowsEachTypesFormula) {
   for (const auto& one : cases) {
     DefocusEngine engine;
     ASSERT_TRUE(engine.MakeFilterKernel(one.type, 2.0F, one.parameter, 77.0F)) << one.name;
-    const std::vector<float> got = KernelOf(engine);
+    const std::vector<float> got = WeightsOf(engine);
     ASSERT_EQ(one.expected.size(), got.size()) << one.name;
     for (std::size_t i = 0; i < got.size(); ++i) {
       // Seven digits above, and pi in single precision, which leaves 1e-7 of a sine of it.
@@ -234,7 +234,7 @@ TEST(FilterKernel, FollowsEachTypesFormula) {
   }
 }
 
-TEST(FilterKernel, HasALengthByTypeAndRadius) {
+TEST(FilterWeights, HaveACountByTypeAndRadius) {
   struct {
     std::int32_t type;
     float radius;
@@ -249,20 +249,20 @@ TEST(FilterKernel, HasALengthByTypeAndRadius) {
   }
 }
 
-TEST(FilterKernel, EndsInsideAFractionalRadius) {
+TEST(FilterWeights, EndInsideAFractionalRadius) {
   DefocusEngine engine;
 
   engine.MakeFilterKernel(1, 2.5F, 0.0F, 0.0F);
-  EXPECT_EQ((std::vector<float>{1.0F, 1.0F, 1.0F}), KernelOf(engine));
+  EXPECT_EQ((std::vector<float>{1.0F, 1.0F, 1.0F}), WeightsOf(engine));
 
   engine.MakeFilterKernel(2, 2.5F, 0.0F, 0.0F);
-  const std::vector<float> triangle = KernelOf(engine);
+  const std::vector<float> triangle = WeightsOf(engine);
   EXPECT_NEAR(0.6, triangle[1], 1e-7);
   EXPECT_NEAR(0.2, triangle[2], 1e-7);
 }
 
 // Of the radius 1.5 the last values lie at 2 and 2.67 radii: only the Gaussian has no end.
-TEST(FilterKernel, IsZeroFromTwoRadiiOnButForAGaussian) {
+TEST(FilterWeights, AreZeroFromTwoRadiiOnButForAGaussian) {
   for (const std::int32_t type : {4, 5, 6, 9}) {
     DefocusEngine engine;
     ASSERT_TRUE(engine.MakeFilterKernel(type, 1.5F, 0.0F, 0.0F));
@@ -277,22 +277,22 @@ TEST(FilterKernel, IsZeroFromTwoRadiiOnButForAGaussian) {
   EXPECT_NEAR(1.266417e-14, Inside(engine).separableKernel()[4], 1e-19);
 }
 
-TEST(FilterKernel, RaisesSmallRadii) {
+TEST(FilterWeights, RaiseSmallRadii) {
   for (const float radius : {0.0F, -5.0F, 0.005F}) {
     DefocusEngine engine;
     EXPECT_TRUE(engine.MakeFilterKernel(1, radius, 0.0F, 0.0F));
-    EXPECT_EQ((std::vector<float>{1.0F, 0.0F}), KernelOf(engine)) << radius;  // as of 1
+    EXPECT_EQ((std::vector<float>{1.0F, 0.0F}), WeightsOf(engine)) << radius;  // as of 1
     EXPECT_TRUE(engine.MakeFilterKernel(2, radius, 0.0F, 0.0F));
-    EXPECT_EQ((std::vector<float>{1.0F}), KernelOf(engine)) << radius;  // as of 0.01
+    EXPECT_EQ((std::vector<float>{1.0F}), WeightsOf(engine)) << radius;  // as of 0.01
     EXPECT_TRUE(engine.MakeFilterKernel(3, radius, 0.0F, 0.0F));
-    EXPECT_EQ((std::vector<float>{1.0F, 0.0F, 0.0F}), KernelOf(engine)) << radius;
+    EXPECT_EQ((std::vector<float>{1.0F, 0.0F, 0.0F}), WeightsOf(engine)) << radius;
   }
   DefocusEngine engine;
   EXPECT_TRUE(engine.MakeFilterKernel(1, 0.5F, 0.0F, 0.0F));
   EXPECT_EQ(2, Inside(engine).separableKernelLength());
 }
 
-TEST(FilterKernel, RefusesARadiusThatNoLineHolds) {
+TEST(FilterWeights, AreRefusedForARadiusThatNoLineHolds) {
   const float radii[] = {8192.0F, 1e9F, 1e30F, std::numeric_limits<float>::infinity(),
                          std::numeric_limits<float>::quiet_NaN()};
   for (const std::int32_t type : {1, 2, 3, 4, 5, 6, 9}) {
@@ -303,7 +303,7 @@ TEST(FilterKernel, RefusesARadiusThatNoLineHolds) {
   }
 }
 
-TEST(FilterKernel, HasNoMemoryForItsCopy) {
+TEST(FilterWeights, HaveNoMemoryForTheirCopy) {
   lx_test::HeapFaults heap;
   DefocusEngine engine;
   heap.RefuseAll();
@@ -313,9 +313,9 @@ TEST(FilterKernel, HasNoMemoryForItsCopy) {
   EXPECT_EQ(lx::kStatusNoMemory, engine.GetStatus());
 }
 
-TEST(PrepareSeparable, PadsEachSideByTheKernelTwice) {
+TEST(PrepareSeparable, PadsEachSideByTheWeightsTwice) {
   DefocusEngine engine;
-  SetKernel(&engine, Kernel());
+  SetWeights(&engine, Weights());
   const Image image = NoiseImage(kWidth, kHeight, 1, lx::kSampleU8, 3);
 
   ASSERT_TRUE(engine.PrepareSeparable(image.get()));
@@ -328,7 +328,7 @@ TEST(PrepareSeparable, PadsEachSideByTheKernelTwice) {
 }
 
 // Two more than a power of two, so that a length of -1 would bring a line to less than the image's.
-TEST(PrepareSeparable, NeverMakesALineShorterThanTheImagesBeforeAnyKernel) {
+TEST(PrepareSeparable, NeverMakesALineShorterThanTheImagesBeforeAnyWeights) {
   constexpr int kLong = 66;
   DefocusEngine engine;
   const Image image = NoiseImage(kLong, kLong, 1, lx::kSampleFloat, 5);
@@ -338,7 +338,7 @@ TEST(PrepareSeparable, NeverMakesALineShorterThanTheImagesBeforeAnyKernel) {
 
   EXPECT_EQ(128, Inside(engine).separablePaddedWidth());
   EXPECT_EQ(128, Inside(engine).separablePaddedHeight());
-  SetKernel(&engine, {1.0F});
+  SetWeights(&engine, {1.0F});
   ASSERT_TRUE(engine.FilterSeparable(dest.get(), 1, 3));
   for (std::size_t i = 0; i < kLong * kLong; ++i) {
     ASSERT_NEAR(Samples<float>(image)[i], Samples<float>(dest)[i], 1e-5F) << i;
@@ -347,11 +347,11 @@ TEST(PrepareSeparable, NeverMakesALineShorterThanTheImagesBeforeAnyKernel) {
 
 TEST(PrepareSeparable, RefusesPaddedSidesOutOfRange) {
   struct {
-    int width, height, kernel;
+    int width, height, weights;
   } const cases[] = {{8000, 4, 97}, {4, 8000, 97}, {8191, 1, 1}};
   for (const auto& one : cases) {
     DefocusEngine engine;
-    SetKernel(&engine, std::vector<float>(one.kernel, 1.0F));
+    SetWeights(&engine, std::vector<float>(one.weights, 1.0F));
     const Image fits = NoiseImage(4, 4, 1, lx::kSampleU8, 3);
     ASSERT_TRUE(engine.PrepareSeparable(fits.get()));
     const Image image = MakeImage(one.width, one.height, 1, lx::kSampleU8);
@@ -365,7 +365,7 @@ TEST(PrepareSeparable, RefusesPaddedSidesOutOfRange) {
 
 TEST(PrepareSeparable, TakesTheLargestPaddedSide) {
   DefocusEngine engine;
-  SetKernel(&engine, {1.0F});
+  SetWeights(&engine, {1.0F});
   const Image image = MakeImage(8190, 1, 1, lx::kSampleU8);
   lx_test::Fill<std::uint8_t>(image, 1);
 
@@ -377,7 +377,7 @@ TEST(PrepareSeparable, TakesTheLargestPaddedSide) {
 
 TEST(PrepareSeparable, HasNoSourceWithoutMemoryForItsClone) {
   DefocusEngine engine;
-  SetKernel(&engine, Kernel());
+  SetWeights(&engine, Weights());
   const Image image = NoiseImage(kWidth, kHeight, 1, lx::kSampleU8, 3);
   lx_test::HeapFaults heap;
   heap.RefuseAll();
@@ -393,7 +393,7 @@ TEST(PrepareSeparable, ClonesOnEachCallAndLetsTheOldCloneGo) {
   lx_test::HeapFaults heap;
   {
     DefocusEngine engine;
-    SetKernel(&engine, Kernel());
+    SetWeights(&engine, Weights());
     const Image image = NoiseImage(kWidth, kHeight, 2, lx::kSampleU16, 3);
     ASSERT_TRUE(engine.PrepareSeparable(image.get()));
     const int alive = heap.Alive();
@@ -411,8 +411,8 @@ TEST(PrepareSeparable, ClonesOnEachCallAndLetsTheOldCloneGo) {
 
 class SeparableFilter : public testing::Test {
  protected:
-  void Prepare(const Image& source, const std::vector<float>& kernel = Kernel()) {
-    ASSERT_TRUE(SetKernel(&engine, kernel));
+  void Prepare(const Image& source, const std::vector<float>& weights = Weights()) {
+    ASSERT_TRUE(SetWeights(&engine, weights));
     ASSERT_TRUE(engine.PrepareSeparable(source.get()));
   }
 
@@ -426,10 +426,10 @@ class SeparableFilter : public testing::Test {
   DefocusEngine engine;
 };
 
-// A kernel of two ones weighs a third in three places. From an even place of the padded line a
+// Weights of two ones weigh a third in three places. From an even place of the padded line a
 // sample reaches its neighbours, as the transforms' order makes it, and from an odd one the place
 // before and, by the short mirror, the one three before.
-TEST_F(SeparableFilter, MirrorsTheKernelOnePlaceShort) {
+TEST_F(SeparableFilter, MirrorsTheWeightsOnePlaceShort) {
   constexpr float kExpected[4][4] = {{1, 1, 0, 0}, {1, 1, 0, 0}, {0, 1, 1, 1}, {1, 0, 1, 1}};
   engine.SetEdgeMode(lx::kEdgeZero);
   const Image source = MakeImage(4, 4, 1, lx::kSampleFloat);
@@ -454,7 +454,7 @@ TEST_F(SeparableFilter, MatchesAPlainSumInEitherDirection) {
     for (const std::int32_t edgeMode : {lx::kEdgeZero, lx::kEdgeReplicate}) {
       DefocusEngine one;
       one.SetEdgeMode(edgeMode);
-      SetKernel(&one, Kernel());
+      SetWeights(&one, Weights());
       const Image source = NoiseImage(kWidth, kHeight, 2, type, 3);
       const Image dest = MakeImage(kWidth, kHeight, 2, type);
       ASSERT_TRUE(one.PrepareSeparable(source.get()));
@@ -462,9 +462,9 @@ TEST_F(SeparableFilter, MatchesAPlainSumInEitherDirection) {
       SCOPED_TRACE(testing::Message() << "type " << type << " edge " << edgeMode);
       for (int c = 0; c < 2; ++c) {
         ASSERT_TRUE(one.FilterSeparable(dest.get(), 3, kAlongRows));
-        ExpectFiltered(source, dest, kAlongRows, c, Kernel(), 32, edgeMode);
+        ExpectFiltered(source, dest, kAlongRows, c, Weights(), 32, edgeMode);
         ASSERT_TRUE(one.FilterSeparable(dest.get(), 3, kAlongColumns));
-        ExpectFiltered(source, dest, kAlongColumns, c, Kernel(), 16, edgeMode);
+        ExpectFiltered(source, dest, kAlongColumns, c, Weights(), 16, edgeMode);
       }
     }
   }
@@ -477,8 +477,8 @@ TEST_F(SeparableFilter, GoesByItsWorkImageFromRowsToColumns) {
   const Image dest = Filter(source, 1, kAlongRows | kAlongColumns);
 
   const Image between(lx::ImageClone(Inside(engine).separableWork()));
-  ExpectFiltered(source, between, kAlongRows, 0, Kernel(), 32, lx::kEdgeReplicate);
-  ExpectFiltered(between, dest, kAlongColumns, 0, Kernel(), 16, lx::kEdgeReplicate);
+  ExpectFiltered(source, between, kAlongRows, 0, Weights(), 32, lx::kEdgeReplicate);
+  ExpectFiltered(between, dest, kAlongColumns, 0, Weights(), 16, lx::kEdgeReplicate);
 }
 
 TEST_F(SeparableFilter, LeavesTheWorkImageInOneDirection) {
@@ -518,13 +518,13 @@ TEST_F(SeparableFilter, KeepsAConstantImageWithRepeatedEdges) {
 
 // 1 - 2 - 2 = -3, by which the filter is multiplied: its sum is 9 then. Of a sum of 0 nothing
 // is left.
-TEST_F(SeparableFilter, MultipliesAKernelOfNoPositiveSumByIt) {
+TEST_F(SeparableFilter, MultipliesWeightsOfNoPositiveSumByIt) {
   const Image source = MakeImage(kWidth, kHeight, 1, lx::kSampleFloat);
   lx_test::Fill<float>(source, 0.5F);
 
   Prepare(source, {1.0F, -2.0F});
   const Image nine = Filter(source, 1, kAlongRows);
-  ASSERT_TRUE(SetKernel(&engine, {2.0F, -1.0F}));
+  ASSERT_TRUE(SetWeights(&engine, {2.0F, -1.0F}));
   const Image none = Filter(source, 1, kAlongRows);
 
   for (std::size_t i = 0; i < lx_test::SampleCount(source); ++i) {
@@ -533,7 +533,7 @@ TEST_F(SeparableFilter, MultipliesAKernelOfNoPositiveSumByIt) {
   }
 }
 
-// Three times three times too much, and by a kernel with a negative side too little.
+// Three times three times too much, and by weights with a negative side too little.
 TEST_F(SeparableFilter, ClampsWholeNumbersToTheRangeOfTheirType) {
   for (const std::uint32_t type : {lx::kSampleU8, lx::kSampleU16, lx::kSampleU32}) {
     const double largest = lx_test::LargestSample(type);
@@ -544,7 +544,7 @@ TEST_F(SeparableFilter, ClampsWholeNumbersToTheRangeOfTheirType) {
       lx_test::SetSample(source, i, largest / 2.0);
     }
     const Image dest = MakeImage(4, 1, 1, type);
-    SetKernel(&one, {1.0F, -2.0F});
+    SetWeights(&one, {1.0F, -2.0F});
     ASSERT_TRUE(one.PrepareSeparable(source.get()));
 
     // The line's second sample stands at the odd place 3, and gets -3 of itself and 6 of the
@@ -553,7 +553,7 @@ TEST_F(SeparableFilter, ClampsWholeNumbersToTheRangeOfTheirType) {
     EXPECT_EQ(largest, lx_test::SampleAt(dest, 1)) << type;
 
     // 1 - 0.4 - 0.4 = 0.2: a lone sample weighs 5, its neighbours -2 of it.
-    SetKernel(&one, {1.0F, -0.4F});
+    SetWeights(&one, {1.0F, -0.4F});
     lx_test::SetSample(source, 1, 0.0);
     ASSERT_TRUE(one.FilterSeparable(dest.get(), 1, kAlongRows));
     EXPECT_EQ(0.0, lx_test::SampleAt(dest, 1)) << type;
@@ -577,7 +577,7 @@ TEST_F(SeparableFilter, WritesTheChannelsOfTheMaskThatBothImagesHave) {
 
   ASSERT_TRUE(engine.FilterSeparable(dest.get(), 0xC, kAlongRows));  // 2 and 3
 
-  const LineModel model(Kernel(), 32);
+  const LineModel model(Weights(), 32);
   const auto sums = model.Filter(LineOf(source, kAlongRows, 2, 2), lx::kEdgeReplicate);
   for (int x = 0; x < kWidth; ++x) {
     const auto* pixel = Samples<std::uint16_t>(dest) + (2 * kWidth + x) * 3;
@@ -599,7 +599,7 @@ TEST_F(SeparableFilter, WritesIntoItsOwnSource) {
   }
 }
 
-TEST_F(SeparableFilter, ChecksKernelAndSourceThenDestination) {
+TEST_F(SeparableFilter, ChecksWeightsAndSourceThenDestination) {
   const Image source = NoiseImage(kWidth, kHeight, 1, lx::kSampleU16, 3);
   const Image small = MakeImage(4, kHeight, 1, lx::kSampleU16);
   const Image low = MakeImage(kWidth, 4, 1, lx::kSampleU16);
@@ -607,7 +607,7 @@ TEST_F(SeparableFilter, ChecksKernelAndSourceThenDestination) {
 
   EXPECT_FALSE(engine.FilterSeparable(small.get(), 1, kAlongRows));
   EXPECT_EQ(lx::kStatusNotLoaded, engine.GetStatus());
-  SetKernel(&engine, Kernel());
+  SetWeights(&engine, Weights());
   engine.SetEdgeMode(0);
   EXPECT_FALSE(engine.FilterSeparable(small.get(), 1, kAlongRows));
   EXPECT_EQ(lx::kStatusNotLoaded, engine.GetStatus());
@@ -619,22 +619,22 @@ TEST_F(SeparableFilter, ChecksKernelAndSourceThenDestination) {
   }
 }
 
-// In 8 samples a kernel of 5 meets its own mirror image; a longer one has no place for all.
-TEST_F(SeparableFilter, TakesWhatTheLineHoldsOfAKernelThatBecameLonger) {
+// In 8 samples 5 weights meet their own mirror image; more of them have no place.
+TEST_F(SeparableFilter, TakesWhatTheLineHoldsOfWeightsThatBecameMore) {
   const Image source = NoiseImage(6, 6, 1, lx::kSampleFloat, 3);
   Prepare(source, {1.0F});
   ASSERT_EQ(8, Inside(engine).separablePaddedWidth());
   for (const std::size_t count : {5U, 8U, 9U, 100U, 9000U}) {
-    std::vector<float> kernel;
+    std::vector<float> weights;
     for (std::size_t i = 0; i < count; ++i) {
-      kernel.push_back(1.0F + static_cast<float>(i % 7));
+      weights.push_back(1.0F + static_cast<float>(i % 7));
     }
-    ASSERT_TRUE(SetKernel(&engine, kernel));
+    ASSERT_TRUE(SetWeights(&engine, weights));
 
     SCOPED_TRACE(count);
-    ExpectFiltered(source, Filter(source, 1, kAlongRows), kAlongRows, 0, kernel, 8,
+    ExpectFiltered(source, Filter(source, 1, kAlongRows), kAlongRows, 0, weights, 8,
                    lx::kEdgeReplicate);
-    ExpectFiltered(source, Filter(source, 1, kAlongColumns), kAlongColumns, 0, kernel, 8,
+    ExpectFiltered(source, Filter(source, 1, kAlongColumns), kAlongColumns, 0, weights, 8,
                    lx::kEdgeReplicate);
   }
 }

@@ -1,4 +1,4 @@
-#include "fftlib/lines/separable_kernels.h"
+#include "fftlib/lines/filter_weights.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,7 +9,7 @@
 namespace lx {
 namespace {
 
-constexpr std::int32_t kLongestKernel = 8192;
+constexpr std::int32_t kMostWeights = 8192;
 
 constexpr float kPi = 3.1415927F;
 constexpr float kHalfPi = 1.5707964F;
@@ -89,7 +89,7 @@ double FilterValue(std::int32_t type, std::int32_t i, double radius, double a) {
   }
 }
 
-// The radius that a kernel of that type is made for.
+// The radius that weights of that type are made for.
 double RaiseRadius(std::int32_t type, float radius) {
   const float least = type == kBox ? 1.0F : 0.01F;
   return static_cast<double>(radius < least ? least : radius);
@@ -104,7 +104,7 @@ Floats AllocateFloats(std::int32_t count) {
                     : static_cast<float*>(lx_malloc(static_cast<std::uint32_t>(bytes))));
 }
 
-std::int32_t FilterKernelLength(std::int32_t type, float radius) {
+std::int32_t FilterWeightCount(std::int32_t type, float radius) {
   if (!IsFilterType(type)) {
     return 0;
   }
@@ -112,15 +112,15 @@ std::int32_t FilterKernelLength(std::int32_t type, float radius) {
   const bool endsAtOnce = type == kBox || type == kTriangle;
   const std::int64_t whole = TruncateToInt32(endsAtOnce ? r : std::ceil(r));
   const std::int64_t length = endsAtOnce ? whole + 1 : 2 * whole + 1;
-  return length < 1 || length > kLongestKernel ? 0 : static_cast<std::int32_t>(length);
+  return length < 1 || length > kMostWeights ? 0 : static_cast<std::int32_t>(length);
 }
 
-void FillFilterKernel(std::int32_t type, float radius, float parameter, std::int32_t length,
-                      float* kernel) {
+void FillFilterWeights(std::int32_t type, float radius, float parameter, std::int32_t length,
+                       float* weights) {
   const double r = RaiseRadius(type, radius);
   const double a = parameter == 0.0F ? -0.75 : static_cast<double>(parameter);
   for (std::int32_t i = 0; i < length; ++i) {
-    kernel[i] = NarrowToFloat(FilterValue(type, i, r, a));
+    weights[i] = NarrowToFloat(FilterValue(type, i, r, a));
   }
 }
 
