@@ -19,6 +19,7 @@ LinePlan MakeLinePlan(std::int32_t length, double* table) {
     for (std::int32_t j = 0; j < part && !isLast; ++j) {
       for (std::int32_t k = 1; k < radix; ++k) {
         const Root root = RootOfUnity(std::int64_t{j} * k % rest, rest);
+        // Roots turn forward, twiddles back: the exponent has the negative sign.
         *table++ = root.cosine;
         *table++ = -root.sine;
       }

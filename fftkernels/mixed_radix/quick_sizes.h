@@ -1,7 +1,7 @@
 // The lengths that transforms of mixed radix are quick at, and how each is taken apart.
 //
-// A length is a product of radices of 2 to 10, one a stage. All that decides is here, so that a
-// length is always taken apart in the same way: nothing is tried out while the program runs.
+// A length is a product of radices of 2 to 10, one a stage. All that decides is here: a length is
+// always taken apart in the same way, and nothing is tried out while the program runs.
 #pragma once
 
 #include <array>
@@ -83,6 +83,7 @@ constexpr Radices TakeApart(std::int32_t length) {
   }
   for (std::int32_t first = kLargestRadix; first >= 1; --first) {
     for (std::int32_t last = kLargestRadix; last >= 1; --last) {
+      // A stage of 1 only fills up lengths that one radix takes whole.
       if (length % (first * last) != 0 || (first == 1 && length > kLargestRadix) ||
           (last == 1 && length > kLargestRadix)) {
         continue;

@@ -109,6 +109,8 @@ ImageRec* DefocusEngine::PrepareMask(Size frame) {
 void DefocusEngine::BuildShapePsf(std::int32_t width, std::int32_t height, std::int32_t shape,
                                   float radiusX, float radiusY, float rotation,
                                   std::int32_t sides) {
+  // Intended: from the radii as they arrive. Neither their raise to 1 nor the pixel aspect, which
+  // may widen the outline, changes the margin.
   const std::int32_t margin = OutlineMargin(radiusX > radiusY ? radiusX : radiusY);
   ImageRec* mask = PrepareMask({width, height});
   if (mask == nullptr) {
@@ -145,10 +147,12 @@ void DefocusEngine::BuildImagePsf(const ImageRec* image, std::int32_t centreX, s
   if (image == nullptr) {
     return;
   }
+  // Raised before it divides, and before the margin is made of it.
   if (falloff < 1.0F) {
     falloff = 1.0F;
   }
   const std::int32_t margin = OutlineMargin(static_cast<double>(innerRadius) + falloff);
+  // The mask takes the top byte of a sample, and a float has none that means anything.
   if (image->sampleType == kSampleFloat) {
     Fail(kStatusFloatImage);
     return;
@@ -173,8 +177,10 @@ bool DefocusEngine::LoadPsf(ImageRec* mask, std::int32_t margin) {
   if (psfSoftness_ > kLeastSoftness) {
     constexpr std::int32_t kAllChannels = -1;
     ImageBlur(mask, psfSoftness_, psfSoftness_, kAllChannels);
+    // A soft mask reaches further.
     wholeMargin += std::int64_t{TruncateToInt32(std::ceil(psfSoftness_))} + 1;
   }
+  // After the blur: the mask is softened even where nothing will load it.
   if (backend_ == nullptr) {
     return false;
   }
@@ -190,6 +196,7 @@ bool DefocusEngine::LoadPsf(ImageRec* mask, std::int32_t margin) {
     return Fail(kStatusSizeRange);
   }
   const Size grid{static_cast<std::int32_t>(sides.width), static_cast<std::int32_t>(sides.height)};
+  // Blocks may have moved place_.grid on without the buffers, so both are compared.
   if (grid != place_.grid || grid != loadedGrid_) {
     backend_->FreeGrids();
     loadedGrid_ = grid;
@@ -277,6 +284,7 @@ bool DefocusEngine::Finish(std::int32_t code) {
 
 void DefocusEngine::DivideRows(void* owner, std::int32_t count) {
   auto* engine = static_cast<DefocusEngine*>(owner);
+  // Intended: a function without a context is not called, and the caller does all rows.
   if (engine->parallelFor_ != nullptr && engine->rows_.Context() != nullptr) {
     engine->parallelFor_(engine->rows_.Context(), RunRange, count, engine);
   } else {

@@ -19,6 +19,7 @@ std::string_view NameOfMode(std::int32_t mode) {
     case kModeNone:
       return "none";
     case kModeFftw:
+    // 5 is no mode of its own, and counts as 4.
     case 5:
       return "exact";
     default:
@@ -31,6 +32,8 @@ std::string_view NameOfMode(std::int32_t mode) {
 DefocusEngine::DefocusEngine() : DefocusEngine(kModeFftw) {}
 
 DefocusEngine::DefocusEngine(std::int32_t mode) : DefocusEngine(MakeBackend(NameOfMode(mode))) {
+  // An engine by number holds the transform library in every mode: its threads are started, and its
+  // wisdom read and written, also where nothing is transformed by it.
   if (Library() == nullptr) {
     library_ = std::unique_ptr<FftLibrary>(new (std::nothrow) FftLibrary);
     Finish(library_ != nullptr && library_->HasThreads() ? kStatusOk : kStatusNoThreads);

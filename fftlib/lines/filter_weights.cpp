@@ -27,6 +27,7 @@ enum FilterType : std::int32_t {
 };
 
 bool IsFilterType(std::int32_t type) {
+  // 7 and 8 have no formula.
   return type >= kBox && type <= kSincSinc && type != 7 && type != 8;
 }
 
@@ -91,6 +92,7 @@ double FilterValue(std::int32_t type, std::int32_t i, double radius, double a) {
 
 // The radius that weights of that type are made for.
 double RaiseRadius(std::int32_t type, float radius) {
+  // Written so that a radius that is not a number stays what it is, and gives no length.
   const float least = type == kBox ? 1.0F : 0.01F;
   return static_cast<double>(radius < least ? least : radius);
 }

@@ -170,6 +170,7 @@ SeparableFilter::~SeparableFilter() {
 }
 
 std::int32_t SeparableFilter::SetWeights(const float* weights, std::int32_t count) {
+  // The old ones go first, also where the new ones are refused.
   weights_.reset();
   weightCount_ = 0;
   if (weights == nullptr || count < 1) {

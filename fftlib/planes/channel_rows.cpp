@@ -56,6 +56,7 @@ void OnSamples(const ImageRec& image, std::int32_t channel, RowPiece piece, Func
 }  // namespace
 
 ChannelGamma MakeChannelGamma(const Gamma& gamma, bool emphasisAlpha, std::int32_t channel) {
+  // Channels count as the bits of a mask do, so channel 35 is alpha too.
   const bool isAlpha = (channel & 31) == kAlphaChannel;
   return {gamma.active && gamma.gamma != 1.0F && (!isAlpha || emphasisAlpha),
           static_cast<double>(gamma.gamma), static_cast<double>(gamma.offset),

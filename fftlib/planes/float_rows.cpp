@@ -83,6 +83,7 @@ void StoreToFloatPicture(const PlaneRow& planes, RowPiece piece, ImageRec* dest)
     const double y = planes.luma[x];
     const double cr = planes.cr[x] - 0.5;
     const double cb = planes.cb[x] - 0.5;
+    // Nothing is clamped: floats may lie above 1 and below 0.
     pixels[0] = NarrowToFloat(y + kRCr * cr);
     pixels[1] = NarrowToFloat(kGY * y - kGCr * cr - kGCb * cb);
     pixels[2] = NarrowToFloat(kBY * y + kBCb * cb);

@@ -114,6 +114,7 @@ void Store(const PlaneRow& planes, const PlaneScale& scale, std::int32_t width,
     if (planes.alpha != nullptr) {
       a = ToSamples(Times(scale.alpha, _mm256_loadu_pd(planes.alpha + x)));
     } else {
+      // The alpha that is there: the upper half of each pixel's second 32 bits.
       const __m128i odd = _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(_mm_loadu_si128(to)),
                                                           _mm_castsi128_ps(_mm_loadu_si128(to + 1)),
                                                           _MM_SHUFFLE(3, 1, 3, 1)));

@@ -39,6 +39,7 @@ void CutDisc(const ImageRec& image, const MaskDisc& disc, std::uint8_t* mask) {
   const std::int32_t width = image.width;
   const std::int32_t height = image.height;
   for (std::int32_t y = 0; y < height; ++y) {
+    // Wide numbers, since the centre may lie anywhere.
     const std::int64_t dy = std::int64_t{y} - disc.centreY;
     const std::int64_t targetY = dy + height / 2;
     if (targetY < 0 || targetY >= height) {

@@ -42,6 +42,7 @@ class Walker {
     if (!AtBottom()) {
       const PolygonVertex from = Vertex(current_);
       const PolygonVertex to = Vertex(next_);
+      // Kept as a float: the last bits of a mask depend on it.
       const float slope = NarrowToFloat((static_cast<double>(to.x) - from.x) /
                                         (static_cast<double>(to.y) - from.y));
       *crossing = NarrowToFloat((line - from.y) * slope + from.x);
@@ -62,7 +63,8 @@ class Walker {
   std::int32_t next_;
 };
 
-// The three runs of one pixel row, as columns, both ends inclusive.
+// The two runs of a pixel row that edges may cross, as columns, both ends inclusive. What lies
+// between them is solid.
 struct RowRuns {
   std::int32_t leftFirst;
   std::int32_t leftLast;
@@ -77,9 +79,11 @@ std::int32_t ToColumn(double x, std::int32_t width) {
 }
 
 RowRuns MakeRuns(Extent left, Extent right, std::int32_t width) {
+  // A polygon may wind either way, so either chain may be the left one.
   if (right.min < left.min) {
     std::swap(left, right);
   }
+  // Where both chains reach the same columns, as in the row of a vertex, the right run has them.
   if (left.max > right.min) {
     left.max = right.min;
   }
@@ -87,6 +91,7 @@ RowRuns MakeRuns(Extent left, Extent right, std::int32_t width) {
   double leftMax = std::floor(static_cast<double>(left.max));
   const double rightMin = std::floor(static_cast<double>(right.min));
   const double rightMax = std::floor(static_cast<double>(right.max));
+  // A column that both chains cross is the right run's alone.
   if (leftMax == rightMin) {
     leftMax -= 1.0;
   }
@@ -141,6 +146,7 @@ OutsideCounts CountOutside(const ClipPolygon& polygon, const ClipBox& box) {
 }
 
 void Append(ClipPolygon* polygon, PolygonVertex vertex) {
+  // A convex outline never gets there. One that rounding has bent must not write past the end.
   if (polygon->count < kClipVertices) {
     polygon->vertices[polygon->count++] = vertex;
   }
@@ -210,9 +216,11 @@ void FillConvexPolygon(ImageRec* mask, const PsfPolygon& polygon, CoverageFuncti
       DrawRow(pixels + static_cast<std::ptrdiff_t>(y) * width, MakeRuns(left, right, width), y,
               polygon, coverage);
     }
+    // Asked after drawing: the bottom vertex lies in the row just drawn, or on its upper edge.
     if (leftWalker.AtBottom() && rightWalker.AtBottom()) {
       return;
     }
+    // The next row begins where the edges leave this one.
     left = {leftX, leftX};
     right = {rightX, rightX};
     line += 1.0;
@@ -220,6 +228,7 @@ void FillConvexPolygon(ImageRec* mask, const PsfPolygon& polygon, CoverageFuncti
 }
 
 float PixelCoverage(const PsfPolygon& polygon, std::int32_t x, std::int32_t y) {
+  // Clipping overwrites its polygon.
   ClipPolygon clip = MakeClipPolygon(polygon);
   const ClipBox box{static_cast<float>(x), static_cast<float>(x + 1), static_cast<float>(y),
                     static_cast<float>(y + 1)};
@@ -250,6 +259,7 @@ ClipResult ClipToBox(ClipPolygon* polygon, const ClipBox& box) {
     float sign;
     float k;
   };
+  // A lower bound has sign -1 and its k negated: -x - (-xMin) <= 0 says x >= xMin.
   const Side sides[] = {{outside.xMin, 0, -1.0F, -box.xMin},
                         {outside.xMax, 0, +1.0F, box.xMax},
                         {outside.yMin, 1, -1.0F, -box.yMin},
@@ -284,6 +294,7 @@ void ClipToHalfSpace(const ClipPolygon& source, ClipPolygon* target, std::int32_
   if (source.count == 0) {
     return;
   }
+  // The edge that closes the polygon comes first.
   PolygonVertex u = source.vertices[source.count - 1];
   float tu = distance(u);
   for (std::int32_t i = 0; i < source.count; ++i) {

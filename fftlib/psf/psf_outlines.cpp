@@ -41,6 +41,7 @@ PsfPolygon MakeEllipticOutline(const OutlineFrame& frame, std::int32_t count, do
 }
 
 PsfPolygon MakeRectangleOutline(const OutlineFrame& frame, bool moved) {
+  // Intended: rectangles turn the other way round than ellipses.
   const double theta = frame.rotation * -kDegree;
   const double s = std::sin(theta);
   const double c = std::cos(theta);
@@ -80,6 +81,7 @@ PsfPolygon MakeEllipse(const OutlineFrame& frame) {
 
 PsfPolygon MakeRegularPolygon(const OutlineFrame& frame, std::int32_t sides) {
   const std::int32_t count = std::clamp(sides, 3, kPolygonVertices);
+  // A float's division: the vertices' last bits follow from how it rounds.
   const float step = kFullTurn / static_cast<float>(count);
   return MakeEllipticOutline(frame, count, step);
 }

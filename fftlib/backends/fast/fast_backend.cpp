@@ -43,6 +43,7 @@ std::unique_ptr<Backend> FastFootprint::Make() {
 // What wraps around must not reach the frame.
 GridSides FastBackend::GridOf(const ImageRec& mask, std::int32_t margin) const {
   const Aperture aperture = MakeAperture(mask, nullptr);
+  // A margin stands at both ends: half of what is reached is enough, rounded up.
   const auto needed = [](MaskReach reach) { return (reach.before + reach.after + 1) / 2; };
   return GridFor({mask.width, mask.height},
                  std::max({margin, needed(Across(aperture)), needed(Down(aperture))}));

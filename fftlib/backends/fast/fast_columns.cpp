@@ -35,6 +35,8 @@ void PlaceFrameRows(const FastLayout& layout, std::int32_t above, bool repeats,
                     std::int32_t* source) {
   const std::int32_t rows = layout.frame.height;
   for (std::int32_t y = 0; y < layout.height; ++y) {
+    // The grid comes round: its last rows lie above the frame and repeat the frame's first one, the
+    // others below it repeat the last.
     const std::int32_t outside = y < layout.height - above ? rows - 1 : 0;
     source[y] = y < rows ? y : repeats ? outside : -1;
   }

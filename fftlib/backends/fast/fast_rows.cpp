@@ -62,6 +62,7 @@ void Finish(const FastFrame& frame, const FinishedPlane& plane, bool isFloat, st
 
 std::int32_t AskFor(const Rows& rows, std::int32_t count) {
   std::int32_t granted = 0;
+  // Once for each row, though eight are worked on at once.
   while (granted < count && !rows.Cancelled()) {
     ++granted;
   }

@@ -29,6 +29,8 @@ MaskExtent Find(const ImageRec& mask) {
     found = {std::min(found.left, first), std::min(found.top, y), std::max(found.right, last), y,
              false};
   }
+  // An empty mask has the pixel in its middle as its extent, so that whoever goes through it finds
+  // one.
   if (found.right < 0) {
     const std::int32_t x = std::min(MaskMiddle(mask.width), mask.width - 1);
     const std::int32_t y = std::min(MaskMiddle(mask.height), mask.height - 1);

@@ -102,6 +102,7 @@ class PixelOperationsOf {
     const V one = zero + 1.0;
     const V low = value > 0.0 ? value : zero;
     const V raised = (low < 1.0 ? low : one) * kFull + 0.5;
+    // Rounded down: the sum with 2^52 drops the fraction, to the nearest whole number.
     const V nearest = (raised + kBig) - kBig;
     const V whole = nearest > raised ? nearest - 1.0 : nearest;
     return std::bit_cast<P>(whole + kBig) & 0xFFFFU;

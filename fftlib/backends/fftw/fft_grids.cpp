@@ -83,7 +83,7 @@ std::int32_t FftGrids::PreparePsf(std::int32_t side, FftLibrary* library) {
   const std::int32_t made = MakePlan(&psfPlan, library, [&](unsigned flags) {
     return GetFftCalls().planForward(side, side, psfSpatial, psfSpectrum, flags);
   });
-  // The PSF relies on the zeros outside the frame's rectangle.
+  // Measuring overwrites the grids, and the PSF relies on the zeros outside the frame's rectangle.
   if (library->Measures()) {
     std::memset(psfSpatial, 0, GridBytes(side));
     std::memset(psfSpectrum, 0, SpectrumBytes(side));

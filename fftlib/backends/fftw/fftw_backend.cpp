@@ -87,6 +87,7 @@ std::int32_t FftwBackend::Convolve(const RunImages& run, const Look& look, Rows*
       kept = *results[c];
     }
   }
+  // No input pass comes behind the last plane to keep it. Alpha is read where it is.
   KeepRows(grids_.workSpatial, run.place, 0, run.place.frame.height - 1, kept);
   rows->Run(PictureOutput{grids_.lumaResult, grids_.crResult, grids_.cbResult,
                           withAlpha ? grids_.workSpatial : nullptr, run.place,

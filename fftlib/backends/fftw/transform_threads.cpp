@@ -99,6 +99,7 @@ void RunTransformJobs(Work work, char* jobs, std::size_t bytes, int count, void*
   Helper* hired = nullptr;
   for (int i = 0; i < count; ++i) {
     char* job = jobs + static_cast<std::size_t>(i) * bytes;
+    // The caller does the last job itself, and each that finds no thread.
     Helper* helper = i < count - 1 ? Hire() : nullptr;
     if (helper == nullptr) {
       work(job);

@@ -57,6 +57,7 @@ bool WriteWisdomFile() {
   const Platform& platform = GetPlatform();
   Path path;
   BuildWisdomPath(path);
+  // Room for the process's number and the ending.
   char part[kPathBytes + 32];
   BuildPartPath(path, part, sizeof part);
   std::FILE* file = platform.openFile(part, "w+");

@@ -139,7 +139,7 @@ std::int32_t KernelBackend<T>::Convolve(const RunImages& run, const Look& look, 
   for (std::int32_t c = 0; c < planes; ++c) {
     const std::uint32_t bit = 1U << static_cast<std::uint32_t>(c);
     if (look.edgeMode == kEdgeZero && (bit == kBitCr || bit == kBitCb)) {
-      // Chroma's zero.
+      // Chroma's zero. Intended: the transform library's back-end pads with 0 here too.
       std::for_each_n(work.samples, SampleCount(size),
                       [](ComplexSample<T>& sample) { sample.re = static_cast<T>(0.5); });
     }
