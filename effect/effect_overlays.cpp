@@ -41,6 +41,7 @@ void GlimmerBlur::DrawRingOf(const SizeControlLX& radius, bool dashed, CircleOve
   ring->x = NarrowToFloat(center.x);
   ring->y = NarrowToFloat(center.y);
   ring->sizeX = NarrowToFloat(radius.value);
+  // Both sizes are fractions of the width, so the pixel aspect makes the ring round to the eye.
   ring->sizeY = NarrowToFloat(static_cast<double>(aspect) * radius.value);
   ring->rotation = 0.0F;
   ring->lockAspect = 1;

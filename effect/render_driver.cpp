@@ -100,7 +100,8 @@ PsfKey GlimmerBlur::KeyOfFrame() const {
   const double y = ownY ? ToPixels(radiusY.value, key.width) : x;
   key.radiusX = NarrowToFloat(x);
   key.radiusY = NarrowToFloat(y);
-  // Written so that a radius that is not a number stays what it is.
+  // Written so that not-a-number stays what it is. Intended: Y is compared before it is narrowed, X
+  // after.
   if (key.radiusX < kSmallestRadius) {
     key.radiusX = kSmallestRadius;
   }

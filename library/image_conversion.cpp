@@ -69,6 +69,7 @@ bool ImageCopyFromLX(ImageRec* destination, const LXImage* source) {
   if (destination->sampleType == kSampleU16) {
     auto* to = static_cast<std::uint16_t*>(destination->data);
     for (std::ptrdiff_t i = 0; i < count; ++i) {
+      // The lowest bit stays 0: the way back drops it.
       to[i] = static_cast<std::uint16_t>(from[i] * 2U);
     }
     return true;

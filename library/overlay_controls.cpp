@@ -86,6 +86,7 @@ void CrosshairOverlayLX::ApplyEvent(std::int32_t event, float pointerX, float po
 }
 
 std::int32_t CircleOverlayLX::HandleUnder(float pointerX, float pointerY) const {
+  // Handles may lie on one another. The lowest number wins.
   for (std::int32_t part = 1; part <= 3; ++part) {
     if ((part == 2 || lockAspect == 0) &&
         Hits(handleX[part - 1], handleY[part - 1], pointerX, pointerY)) {
@@ -116,6 +117,7 @@ void CircleOverlayLX::Resize(float pointerX, float pointerY) {
       sizeX = NarrowToFloat(2.0 * distance / width);
       break;
     case 3:
+      // By the width as well: both sizes are fractions of it.
       sizeY = NarrowToFloat(2.0 * distance / width);
       break;
     default:

@@ -91,11 +91,13 @@ void OverlayLX::DrawHandle(float x, float y, bool filled) {
   } else {
     data->draw->frameRect(square, data->colour);
   }
+  // A black frame around it shows the handle on a picture of its own colour.
   data->draw->frameRect(Square(left - 1.0, upper - 1.0, 2.0 * (half + 1.0)),
                         quantel::cColour::kBlack);
 }
 
 void OverlayLX::DrawCrosshair(float x, float y, bool diagonals) {
+  // Divided by the zoom, so that the arms keep their length on the screen.
   const auto from = static_cast<float>(10.0 / static_cast<double>(zoom));
   const auto to = static_cast<float>(25.0 / static_cast<double>(zoom));
   DrawLine(x + from, y, x + to, y);

@@ -48,12 +48,14 @@ double LargestSample(std::uint32_t sampleType) {
 // so after three it stands in second and first holds the state after two.
 void RepeatedBox(double* first, double* second, std::int32_t length, std::int32_t radius,
                  double limit) {
+  // A radius with a fraction asks for one more than its limit.
   radius = std::min(radius, length / 2);
   const double weight = 1.0 / (2.0 * radius + 1.0);
   const std::int32_t lastIndex = length - 1;
   double* from = first;
   double* to = second;
   for (int iteration = 0; iteration < kIterations; ++iteration) {
+    // The line's ends repeat: the box at the first sample holds it radius times more.
     double sum = radius * from[0];
     for (std::int32_t k = 0; k <= radius; ++k) {
       sum += from[std::min(k, lastIndex)];
@@ -66,6 +68,7 @@ void RepeatedBox(double* first, double* second, std::int32_t length, std::int32_
     }
     for (std::int32_t k = 0; k < length; ++k) {
       to[k] *= weight;
+      // Rounding can lift a line of full samples above full.
       if (to[k] > limit) {
         to[k] = limit;
       }
