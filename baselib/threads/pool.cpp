@@ -17,7 +17,7 @@ namespace {
 constexpr std::int32_t kIdlePriority = -15;
 
 // Ends the workers when the module is unloaded, and gives back what a failed start left.
-// Made when the pool starts, so that it goes before every static that is older.
+// Made when the pool starts, so it goes before every older static.
 struct PoolEndsAtUnload {
   ~PoolEndsAtUnload() { mp_end_workers(); }
 };
@@ -49,8 +49,8 @@ bool StartWorker(MPWorker& worker, std::int32_t i) {
   return true;
 }
 
-// What was made stays: nothing asks for it any more, and workers that is not null keeps a
-// second start from being tried.
+// What was made stays. Nothing asks for it any more, and as long as workers is not null no second
+// start is tried.
 bool StaySingleWay() {
   pool_state().ways = 1;
   return false;
@@ -179,6 +179,7 @@ std::int32_t mp_worker_loop(PoolWord record) {
       log_message(kLogError, "MP %d: Missing processing entry..\n", worker->index);
       continue;
     }
+    // Put back without a word: only the dispatcher warns.
     (void)CheckFloatControl();
     CallEntry(worker->entry, worker->args);
     worker->entry = nullptr;

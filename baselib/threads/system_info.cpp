@@ -14,6 +14,7 @@ std::uint32_t get_processor_count() {
 std::int32_t get_page_size() {
   std::atomic<std::int32_t>& size = system_state().pageSize;
   if (size < 0) {
+    // Blocks are aligned to it, which a size of 0 would not survive.
     size = std::max(GetPlatform().pageSize(), 512);
   }
   return size;

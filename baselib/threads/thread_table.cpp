@@ -14,8 +14,8 @@ namespace {
 
 constexpr std::uint32_t kStackBytes = 0x100000;
 
-// A thread that ends by itself takes the table's lock to give its row back, and whoever
-// kills it waits for it with that lock in hand. One of the two gets the row.
+// A thread that ends by itself takes the table's lock to give its row back. Whoever kills it waits
+// for it with the lock in hand. So one of the two gets the row.
 enum Fate : std::int32_t { kRuns, kEnds, kKilled };
 
 bool Decide(MPThreadSlot& row, Fate fate) {
@@ -114,6 +114,7 @@ bool mp_setup() {
     mp_undo_setup();
     return false;
   }
+  // Ahead of the reading, so that workers get this precision.
   platform.extendFloatPrecision();
   pool.floatControl = platform.floatControl();
   pool.defaultWays = std::max(platform.processorCount(), 1);

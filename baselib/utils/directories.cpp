@@ -87,6 +87,7 @@ const char* get_environment_setting(const char* name, bool machine) {
   }
   std::uint32_t size = 0;
   platform.querySetting(settings, name, nullptr, nullptr, &size);
+  // One byte of the buffer is kept for the end.
   if (size == 0 || size >= kBytes) {
     platform.closeSettings(settings);
     return nullptr;

@@ -321,6 +321,7 @@ void* lx_aligned_malloc(std::uint32_t size, std::int32_t alignment, bool image) 
     return nullptr;
   }
   auto* base = static_cast<unsigned char*>(block);
+  // From 9 to 8 + step bytes: a block that lies right moves on by a whole step all the same.
   const auto distance =
       static_cast<std::uint32_t>(kHeaderBytes - ((Address(base) + kHeaderBytes) % step) + step);
   unsigned char* result = base + distance;

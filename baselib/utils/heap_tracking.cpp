@@ -102,6 +102,8 @@ void hm_forget() {
   state.imageReady = false;
 }
 
+// "One at a time" of R. J. Jenkins, "Hash functions", Dr. Dobb's Journal, September 1997; each
+// shift and sum is written as one product.
 std::uint32_t hm_hash(const unsigned char* bytes, std::size_t count) {
   std::uint32_t h = 0;
   for (std::size_t i = 0; i < count; ++i) {

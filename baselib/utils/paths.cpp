@@ -73,6 +73,7 @@ const char* path_component(const char* path, std::int32_t index, char* out) {
   while (*rest != '\0' && *rest != separator) {
     text.Add(*rest++);
   }
+  // A drive alone stands for the directory that is current on it; with a separator, for its root.
   if (index == 0 && text.Last() == ':') {
     text.Add(separator);
   }
@@ -101,6 +102,7 @@ std::int32_t make_directory_path(const char* path) {
       text.Add(separator);
     }
     text.Add(component);
+    // A server and its share are no directories that could be made.
     const bool isShare = isNetwork && index < 2;
     if (!isShare && !is_directory(prefix) && !GetPlatform().makeDirectory(prefix)) {
       return 0;

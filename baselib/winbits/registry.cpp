@@ -18,6 +18,7 @@ char* get_registry_string(const char* key, const char* value) {
   std::uint32_t size = 0;
   std::uint32_t type = 0;
   platform.querySetting(settings, value, &type, nullptr, &size);
+  // The largest size has no room for one byte more.
   if (size == 0 || size == 0xFFFFFFFFU || (type != kSettingText && type != kSettingExpandable)) {
     return nullptr;
   }
