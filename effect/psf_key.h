@@ -20,7 +20,7 @@ struct PsfKey {
 
 // Whether a frame can take the PSF of the frame before it. Every value counts in every shape, also
 // where the PSF would come out the same. The image shape shares none: its picture may be another
-// one. A value that is not a number is like no other.
+// one. Not-a-number is like no value, itself included.
 bool SharesPsf(const PsfKey& frame, const PsfKey& previous);
 
 }  // namespace lx

@@ -1,8 +1,8 @@
 // OverlayLX: what an effect draws over the picture, and where mouse events go.
 //
 // Points count in picture pixels with y upwards from the picture's bottom. The host's
-// surface counts y downwards, so every drawing operation turns y over against the height
-// that the view gives at that moment, or 0 without a view. One thread, the page's.
+// surface counts y downwards, so every drawing operation turns y over. It asks the view for the
+// height each time; without a view the height is 0. One thread, the page's.
 #pragma once
 
 #include <cstdint>

@@ -14,8 +14,7 @@ extern const char* const kDefaultHome;
 // False if anything of what was written was lost.
 bool CloseFile(std::FILE* file);
 
-// Takes the place of a file that is there already, unless this process may not read and write
-// that one.
+// Replaces an existing file, unless this process may not read and write it.
 bool MoveOver(const char* from, const char* to);
 
 void RemoveNamed(const char* path);

@@ -16,9 +16,9 @@ std::uint32_t ProcessId();
 // Whether the environment has a variable of that name, an empty one included.
 bool HasEnvironmentVariable(const char* name);
 
-// Keeps the shared library that holds a function in the process for good, also when
-// everything that uses it is unloaded. False, with nothing done, where it cannot be found
-// or is this module itself, which must be able to go.
+// Keeps the shared library of a function in the process for good, also when all its users are
+// unloaded. False, with nothing done, where the library cannot be found or is this module itself,
+// which must be able to go.
 bool KeepLoaded(void (*function)());
 
 // The calling thread's last error of the system, 0 for none, and the text of an error:

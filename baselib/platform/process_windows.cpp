@@ -46,7 +46,7 @@ bool KeepLoaded(void (*function)()) {
 
 std::uint32_t LastError() { return ::GetLastError(); }
 
-// The system refuses a buffer that is too small, where a text that is cut says more.
+// The system refuses a buffer that is too small. A text cut short says more than none.
 void ErrorText(std::uint32_t error, char* text, std::size_t size) {
   constexpr DWORD kFlags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
   constexpr DWORD kLanguage = MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT);

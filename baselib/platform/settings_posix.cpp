@@ -18,8 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A place of settings. Handles point at one of these, so that one that is never closed costs
-// nothing.
+// A place of settings. Handles point at one of these, so a handle left open costs nothing.
 struct Place {
   SettingsRoot root;
   const char* key;

@@ -1,6 +1,5 @@
-// The debug console: a window of its own that comes with the first line that it must show
-// and is never closed. Where there are no such windows, its lines go to the standard error
-// stream.
+// The debug console: a window of its own. It opens with the first line to show and is never
+// closed. Where there are no such windows, its lines go to the standard error stream.
 #pragma once
 
 namespace lx {

@@ -6,8 +6,8 @@
 namespace lx {
 namespace {
 
-// exp(2 pi i k / block), from an angle of at most an eighth of the circle, so that the numbers
-// that should be equal are.
+// exp(2 pi i k / block), from an angle of at most an eighth of the circle, so that equal
+// numbers come out equal.
 std::pair<long double, long double> CosineAndSine(int k, int block) {
   constexpr long double kFullCircle = 6.283185307179586476925286766559005768L;
   const int quarter = block / 4;

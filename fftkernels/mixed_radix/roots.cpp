@@ -109,7 +109,7 @@ Root Eighth(std::int64_t k, std::int64_t n) {
 
 }  // namespace
 
-// By symmetry from the first eighth, so that numbers that should be equal are.
+// By symmetry from the first eighth, so that equal numbers come out equal.
 Root RootOfUnity(std::int64_t k, std::int64_t n) {
   const std::int64_t quadrant = 4 * k / n;
   const std::int64_t rest = 4 * k - quadrant * n;  // of a quarter, in units of n

@@ -9,8 +9,8 @@
 namespace lx {
 
 // For an input pass that has done the rows first to last of the frame: repeats the frame's
-// first and last grid row beyond it. They go with the range that holds them, so that the
-// ways share them and no row is read before it is written.
+// first and last grid row beyond it. They go with the range that holds that row: the
+// ways share them, and no row is read before it is written.
 //   grid  of place.grid's size
 template <class Sample>
 void RepeatEdgeRows(Sample* grid, const GridPlace& place, std::int32_t first, std::int32_t last) {

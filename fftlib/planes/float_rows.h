@@ -19,8 +19,8 @@ void FillFromFloatPicture(const ImageRec& source, std::uint32_t channelBit, RowP
 // Pixels from planes.
 void StoreToFloatPicture(const PlaneRow& planes, RowPiece piece, ImageRec* dest);
 
-// The emphasis curve without its upper end, in place: above 1 it goes on as a straight line of the
-// slope that it has there, so that a highlight keeps how bright it is. Below 0 it stays at 0. For a
+// The emphasis curve without its upper end, in place: above 1 it goes on as a straight line, of
+// the slope that it has there. So a highlight keeps how bright it is. Below 0 it stays at 0. For a
 // curve that is on.
 void ApplyOpenCurve(const EmphasisCurve& curve, std::int32_t count, double* values);
 void UndoOpenCurve(const EmphasisCurve& curve, std::int32_t count, double* values);

@@ -50,8 +50,8 @@ float PixelCoverage(const PsfPolygon& polygon, std::int32_t x, std::int32_t y);
 using CoverageFunction = float (*)(const PsfPolygon& polygon, std::int32_t x, std::int32_t y);
 
 // Fills the polygon. Writes only pixels of the rows that it spans, and never clears.
-// Does nothing for a mask that is null, has no samples or is not 8-bit with one channel,
-// and for a polygon with fewer than 3 vertices, more than 50, or one that is not finite.
+// Does nothing for a mask that is null, has no samples or is not 8-bit with one channel. Nor for a
+// polygon of fewer than 3 vertices or more than 50, or with a vertex that is not finite.
 //   coverage  how much of a pixel the polygon covers; another one than PixelCoverage
 //             shows which pixels are asked for: those that an edge may cross
 void FillConvexPolygon(ImageRec* mask, const PsfPolygon& polygon,

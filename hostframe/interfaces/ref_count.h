@@ -10,8 +10,8 @@ namespace quantel {
 
 // Base of every counted object. It has no virtual operations and holds one
 // 32-bit count and nothing else. An object starts at 0: its first cPtr makes it 1,
-// so a cPtr must never be made to an object that lives on the stack or that is
-// still in its constructor, or the end of that cPtr deletes it.
+// and the end of its last one deletes it. So never make a cPtr to an object on the stack,
+// or to one that is still in its constructor.
 // Any thread may count.
 class QTL_BORDER cRefCount {
  public:

@@ -235,8 +235,8 @@ class LineOperationsOf {
     return kTable.of[stage.radix - 1];
   }
 
-  // Calls function(line, length of a line) for the lines that the first stage makes, each of which
-  // the stages that follow go through while it is in the nearest cache.
+  // Calls function(line, length of a line) for each line of the first stage. All later stages go
+  // through a line while it is in the nearest cache.
   template <class Function>
   LX_ALWAYS_INLINE static void EachPart(const LinePlan& plan, Function function) {
     const std::int32_t part = plan.stages[1].length;

@@ -101,8 +101,8 @@ void KeepRows(const double* grid, const GridPlace& place, std::int32_t first, st
   }
 }
 
-// The grid still holds the plane before. A row that a cancelled pass does not reach, and
-// margins of zero, are therefore cleared here, by the range that they belong to.
+// The grid still holds the plane before. So each range clears its margins of zero here, and its
+// rows that a cancelled pass does not reach.
 void PlaneInput::operator()(Rows& rows, std::int32_t first, std::int32_t last) const {
   if (first > last) {
     return;
