@@ -199,8 +199,7 @@ TEST_F(SlurmEngine, IsMissedWhereThereIsNoSlurm) {
 TEST_F(SlurmEngine, HasTheMemoryNamedWhereNoPictureIsThereYet) {
   const Outcome outcome = Submit("--frames 1-3");
   EXPECT_EQ(3, outcome.code);
-  EXPECT_NE(std::string::npos, outcome.text.find("in.1.png: not found, so the"))
-      << outcome.text;
+  EXPECT_NE(std::string::npos, outcome.text.find("in.1.png: not found, so the")) << outcome.text;
   EXPECT_EQ(0, Submit("--frames 1-3 --sbatch --mem=4G").code);
   EXPECT_TRUE(WasCalled("sbatch.2"));
 }

@@ -1,12 +1,12 @@
-// What the README tells a new user to type, as it stands there.
+// What the page on farms tells a new user to type, as it stands there.
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "tests/host/farm/slurm_cluster.h"
+#include "tests/host/glimmerhost/page_commands.h"
 #include "tests/host/glimmerhost/shot_program.h"
 #include "tests/support/scratch_folder.h"
 
@@ -15,21 +15,9 @@ namespace {
 namespace fs = std::filesystem;
 using farm_test::SlurmCluster;
 using host_test::Bytes;
-
-// The commands of a section, which are its indented lines.
-std::string CommandsOf(const std::string& section) {
-  std::ifstream in(fs::path(SOURCES) / "README.md");
-  std::string commands;
-  bool isWithin = false;
-  for (std::string line; std::getline(in, line);) {
-    if (line.starts_with("#")) {
-      isWithin = line.ends_with(" " + section);
-    } else if (isWithin && line.starts_with("    ")) {
-      commands += line.substr(4) + "\n";
-    }
-  }
-  return commands;
-}
+using host_test::CommandsOf;
+using host_test::FillClone;
+using host_test::WriteScript;
 
 std::size_t Count(const std::string& text, const std::string& part) {
   std::size_t count = 0;
@@ -39,23 +27,17 @@ std::size_t Count(const std::string& text, const std::string& part) {
   return count;
 }
 
-TEST(Readme, TakesAShotToAFarm) {
+TEST(FarmPage, TakesAShotToAFarm) {
   if (const std::string lacks = SlurmCluster::Lacks(); !lacks.empty()) {
     GTEST_SKIP() << lacks;
   }
   const SlurmCluster cluster(SLURM_NOTE);
   std::string why;
   ASSERT_TRUE(cluster.IsUp(&why)) << why;
-  // As a clone would be, with the program built.
   const lx_test::ScratchFolder clone;
-  fs::create_directory(clone / "scripts");
-  fs::create_symlink(PROGRAM, clone / "scripts/glimmerhost");
-  for (const char* folder : {"examples", "docs"}) {
-    fs::create_directory_symlink(fs::path(SOURCES) / folder, clone / folder);
-  }
-  const std::string commands = CommandsOf("From a shot to a farm");
-  std::ofstream(clone / "commands") << "set -eo pipefail\ncd '" << clone.Path().string() << "'\n"
-                                    << commands;
+  FillClone(clone);
+  const std::string commands = CommandsOf("docs/farm.md", "From a shot to a farm");
+  WriteScript(clone, commands);
 
   const lx_test::Outcome outcome = cluster.Run("/bin/bash", {(clone / "commands").string()});
 
