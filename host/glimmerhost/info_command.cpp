@@ -15,13 +15,19 @@
 namespace glimmerhost {
 namespace {
 
+const char* Absence(const lx::Footprint& engine) {
+  std::error_code error;
+  if (std::filesystem::exists(ModuleFileOf(engine), error)) {
+    return "";
+  }
+  return IsInBuild(engine) ? "; not installed" : "; not in this build, which has no FFTW";
+}
+
 void ListEngines(const lx::Footprint& used, std::ostream& out) {
   out << "\nEngines\n";
   for (const lx::Footprint& engine : lx::kFootprints) {
-    std::error_code error;
     out << "  " << std::left << std::setw(16) << engine.name << engine.description
-        << (&engine == &used ? "; the one in use" : "")
-        << (std::filesystem::exists(ModuleFileOf(engine), error) ? "" : "; not installed") << '\n';
+        << (&engine == &used ? "; the one in use" : "") << Absence(engine) << '\n';
   }
 }
 

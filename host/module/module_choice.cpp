@@ -19,6 +19,9 @@ namespace fs = std::filesystem;
 
 const lx::Footprint& Exact() { return *lx::FindFootprint("exact"); }
 
+// False in a build without the library that exact transforms by.
+constexpr bool kHasExact = GLIMMERHOST_HAS_EXACT != 0;
+
 // The engine whose marker stands in some bytes, or null.
 const lx::Footprint* EngineIn(std::string_view bytes) {
   for (const lx::Footprint& engine : lx::kFootprints) {
@@ -43,6 +46,10 @@ constexpr std::size_t kOverlap = 64;
 void CheckModuleOptions(const std::string& engine, const std::string& module) {
   if (!engine.empty() && lx::FindFootprint(engine) == nullptr) {
     throw MustBe("--engine", EngineNames(), engine);
+  }
+  if (!engine.empty() && !IsInBuild(*lx::FindFootprint(engine))) {
+    throw UsageError("engine " + engine + ": not in this build, which has no FFTW; must be " +
+                     EngineNames());
   }
   if (!engine.empty() && !module.empty()) {
     throw UsageError("--engine " + engine + " and --module " + module +
@@ -86,10 +93,14 @@ const lx::Footprint& EngineOfFile(const fs::path& file) {
   return Exact();
 }
 
+bool IsInBuild(const lx::Footprint& engine) { return kHasExact || &engine != &Exact(); }
+
 std::vector<std::string> EngineList() {
   std::vector<std::string> names;
   for (const lx::Footprint& engine : lx::kFootprints) {
-    names.emplace_back(engine.name);
+    if (IsInBuild(engine)) {
+      names.emplace_back(engine.name);
+    }
   }
   return names;
 }

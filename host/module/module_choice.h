@@ -17,8 +17,8 @@ struct ModuleChoice {
   const lx::Footprint* engine;  // never null
 };
 
-// Throws UsageError for an engine that is none, and for an engine and a module file at once. Either
-// may be empty.
+// Throws UsageError for an engine that is none or not in this build, and for an engine and a module
+// file at once. Either may be empty.
 void CheckModuleOptions(const std::string& engine, const std::string& module);
 
 // The module of an engine, where build and installation put it from the program's folder, or the
@@ -35,7 +35,12 @@ std::filesystem::path ModuleFileOf(const lx::Footprint& engine);
 // be read, and for one that this program does not know. None needs more.
 const lx::Footprint& EngineOfFile(const std::filesystem::path& file);
 
-// The names of all engines, the default first; and in a sentence, "fast, exact, double or single".
+// Whether this build has a module of that engine. Without FFTW it has none of exact. A file of one
+// may be named all the same: what a frame takes in it is known.
+bool IsInBuild(const lx::Footprint& engine);
+
+// The names of this build's engines, the default first; and in a sentence, "fast, exact, double or
+// single".
 std::vector<std::string> EngineList();
 std::string EngineNames();
 
