@@ -16,11 +16,20 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
-# The build tree looks like the installed one: what is run in bin, the host's libraries
-# beside the modules' folder in lib.
+# The build tree looks like the installed one: what is run in bin, modules in a folder of their own
+# in lib.
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR})
-set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}" "$ORIGIN/..")
+
+# The host's two libraries stand in a folder that only our own files look into: a host that is
+# installed beside us brings its own, under the same names.
+set(LX_HOST_LIBRARY_FOLDER ${CMAKE_INSTALL_LIBDIR}/glimmerblur/host)
+
+# lx_find_host_libraries(target folder): an installed file of that folder finds them from where it is.
+function(lx_find_host_libraries target folder)
+  cmake_path(RELATIVE_PATH LX_HOST_LIBRARY_FOLDER BASE_DIRECTORY ${folder} OUTPUT_VARIABLE path)
+  set_target_properties(${target} PROPERTIES INSTALL_RPATH $ORIGIN/${path})
+endfunction()
 
 # One library a folder: lx_library(name SOURCES ... LINKS ...), linked by others as
 # lx::name.

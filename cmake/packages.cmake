@@ -26,7 +26,7 @@ else()
   set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
   set(CPACK_DEBIAN_PACKAGE_SECTION video)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/${LX_HOST_LIBRARY_FOLDER})
   set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
       "Every frame is convolved, in double precision, with the shape of an aperture:
 a circle, an ellipse, a polygon or a picture. Highlights can be made to
