@@ -99,3 +99,16 @@ function(lx_check_headers name)
   add_library(${name} OBJECT ${sources})
   target_link_libraries(${name} PRIVATE lx_flags ${ARG_LINKS})
 endfunction()
+
+# Installs headers for authors of hosts, in the folders that they include them from. Not in the zip for
+# Windows, which is for who runs the program.
+function(lx_install_headers)
+  if(WIN32)
+    return()
+  endif()
+  foreach(header IN LISTS ARGN)
+    cmake_path(GET header PARENT_PATH folder)
+    install(FILES ${PROJECT_SOURCE_DIR}/${header} COMPONENT development
+            DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/glimmerblur/${folder})
+  endforeach()
+endfunction()

@@ -48,8 +48,7 @@ void CheckModuleOptions(const std::string& engine, const std::string& module) {
     throw MustBe("--engine", EngineNames(), engine);
   }
   if (!engine.empty() && !IsInBuild(*lx::FindFootprint(engine))) {
-    throw UsageError("engine " + engine + ": not in this build, which has no FFTW; must be " +
-                     EngineNames());
+    throw MustBe("--engine", EngineNames() + " (this build has no FFTW)", engine);
   }
   if (!engine.empty() && !module.empty()) {
     throw UsageError("--engine " + engine + " and --module " + module +
