@@ -26,3 +26,5 @@ install(
         ${PROJECT_BINARY_DIR}/packaging/GlimmerBlurConfigVersion.cmake
   DESTINATION ${folder}
   COMPONENT development)
+install(DIRECTORY examples/host DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/glimmerblur-dev/examples
+        COMPONENT development)
