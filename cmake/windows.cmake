@@ -8,6 +8,11 @@ set(CMAKE_C_COMPILER ${triple}-gcc-posix)
 set(CMAKE_CXX_COMPILER ${triple}-g++-posix)
 set(CMAKE_RC_COMPILER ${triple}-windres)
 
+# The linker would write the time into each file, and no two builds were the same.
+foreach(kind EXE MODULE SHARED)
+  set(CMAKE_${kind}_LINKER_FLAGS_INIT -Wl,--no-insert-timestamp)
+endforeach()
+
 # Libraries built for the target that no package brings, installed below one folder.
 set(LX_TARGET_PREFIX "" CACHE PATH "Where libraries for the target system are installed")
 set(CMAKE_FIND_ROOT_PATH /usr/${triple} ${LX_TARGET_PREFIX})

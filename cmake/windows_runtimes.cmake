@@ -12,12 +12,14 @@ endforeach()
 
 # Those of Debian's packages as they stand on this machine; those of what is built from source
 # packages were kept by that build.
-foreach(package gcc-mingw-w64-base libcli11-dev libtomlplusplus-dev libz-mingw-w64-dev
+install(FILES LICENSE DESTINATION licences RENAME glimmerblur.txt)
+foreach(package gcc-mingw-w64-base libcli11-dev libtomlplusplus-dev libxxhash-dev libz-mingw-w64-dev
                 mingw-w64-x86-64-dev nlohmann-json3-dev)
   install(FILES /usr/share/doc/${package}/copyright DESTINATION licences RENAME ${package}.txt)
 endforeach()
 install(DIRECTORY ${LX_TARGET_PREFIX}/share/licences/ DESTINATION licences)
-foreach(licence GPL-2 GPL-3)
+# Those that the texts above refer to by name.
+foreach(licence Apache-2.0 Artistic GFDL-1.2 GPL-2 GPL-3 LGPL-2 LGPL-2.1)
   install(FILES /usr/share/common-licenses/${licence} DESTINATION licences RENAME ${licence}.txt)
 endforeach()
 

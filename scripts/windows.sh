@@ -72,22 +72,28 @@ fetch_sources() {
   done
 }
 
+# without_place SOURCE: the option by which files compiled from there name no folder of this machine, as
+# their checks would where they fail.
+without_place() { echo "-ffile-prefix-map=$1=${1##*/}"; }
+
 # build_fftw SOURCE BUILD PREFIX OPTION...: not by its CMake files, which let the compiler use every
 # wanted instruction set throughout, so that no processor could do without. Nor as a whole: its tests
-# and tools take a third of the time.
+# and tools take a third of the time. What configure is told stands in the library, as a text, and so
+# the option with the folder comes later.
 build_fftw() {
-  local source=$1 build=$2 prefix=$3 part
+  local source=$1 build=$2 prefix=$3 part flags
   shift 3
+  flags="$windows_flags $(without_place "$source")"
   mkdir -p "$build"
   cd "$build"
   "$source/configure" --host=x86_64-w64-mingw32 --prefix="$prefix" --disable-shared \
     --enable-static --enable-threads --with-our-malloc --disable-fortran --disable-doc \
     --disable-dependency-tracking CC=x86_64-w64-mingw32-gcc-posix CFLAGS="$windows_flags" "$@"
   for part in support kernel simd-support dft rdft reodft api; do
-    make -j "$(nproc)" -C "$part"
+    make -j "$(nproc)" -C "$part" CFLAGS="$flags"
   done
-  make install-libLTLIBRARIES install-pkgconfigDATA
-  make -j "$(nproc)" -C threads install-libLTLIBRARIES
+  make install-libLTLIBRARIES install-pkgconfigDATA CFLAGS="$flags"
+  make -j "$(nproc)" -C threads install-libLTLIBRARIES CFLAGS="$flags"
   make -C api install-includeHEADERS
 }
 
@@ -97,7 +103,8 @@ build_by_cmake() {
   shift 3
   cmake -G Ninja -S "$source" -B "$build" --toolchain "$root/cmake/windows.cmake" \
     -DLX_TARGET_PREFIX="$prefix" -DCMAKE_INSTALL_PREFIX="$prefix" \
-    -DCMAKE_BUILD_TYPE=Release -DCMAKE_C_FLAGS_RELEASE="$windows_flags" "$@"
+    -DCMAKE_BUILD_TYPE=Release \
+    -DCMAKE_C_FLAGS_RELEASE="$windows_flags $(without_place "$source")" "$@"
   cmake --build "$build" --target install
 }
 
@@ -151,7 +158,7 @@ keep_windows_libraries() {
 build_windows_libraries() {
   local recipe
   recipe=$(dpkg-query -W g++-mingw-w64-x86-64-posix mingw-w64-x86-64-dev libz-mingw-w64-dev &&
-    { declare -f make_windows_libraries build_fftw build_by_cmake; echo "$windows_flags"; } | sha256sum)
+    { declare -f make_windows_libraries build_fftw build_by_cmake without_place; echo "$windows_flags"; } | sha256sum)
   [ "$recipe" != "$(cat "$windows_libraries/recipe" 2>/dev/null)" ] || return 0
   rm -rf "$windows_libraries"
   mkdir -p "$root/build"
