@@ -35,7 +35,7 @@ endforeach()
 install(FILES packaging/README.md DESTINATION ${documents})
 # This one is Debian's; the project's own is for people.
 install(FILES CHANGELOG.md DESTINATION ${documents} OPTIONAL)
-install_compressed(docs/glimmerhost.1 ${CMAKE_INSTALL_MANDIR}/man1 program)
+install_compressed(${PROJECT_BINARY_DIR}/glimmerhost.1 ${CMAKE_INSTALL_MANDIR}/man1 program)
 install(FILES host/completion/glimmerhost.bash
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME glimmerhost)
 
