@@ -5,7 +5,7 @@
 
 #include "fftlib/backends/footprint.h"
 #include "host/looks/page.h"
-#include "host/render/shot_render.h"
+#include "host/render/shot_settings.h"
 #include "host/shots/shot_plan.h"
 
 namespace glimmerhost {

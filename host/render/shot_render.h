@@ -10,10 +10,8 @@
 #include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "host/looks/keyframed_values.h"
-#include "host/looks/look_layers.h"
 #include "host/looks/page.h"
 #include "host/module/effect_module.h"
 #include "host/module/frame_renderer.h"
@@ -21,24 +19,12 @@
 #include "host/pictures/picture.h"
 #include "host/pictures/picture_file.h"
 #include "host/render/shot_report.h"
+#include "host/render/shot_settings.h"
 #include "host/shots/manifest.h"
 #include "host/shots/shot_plan.h"
 #include "host/support/channel.h"
 
 namespace glimmerhost {
-
-struct ShotSettings {
-  std::vector<LookLayer> layers;
-  ReadOptions reading;
-  bool premultiplied = true;
-  int bits = 0;                       // 0 for the input's
-  quantel::cSize2 pixelAspect{0, 0};  // 0:0 for the file's
-  bool overwrite = false;
-  bool skipExisting = false;
-  bool keepGoing = false;
-  bool carryPsf = false;
-  std::map<std::string, std::string> versions;  // for the manifest
-};
 
 class ShotRender {
  public:

@@ -1,0 +1,28 @@
+// ShotSettings: what is the same for all frames of a shot, and decides what becomes of them.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "host/looks/look_layers.h"
+#include "host/pictures/read_report.h"
+#include "hostframe/interfaces/geometry.h"
+
+namespace glimmerhost {
+
+// Made once from what was typed, and only passed down from there: nobody below looks at options.
+struct ShotSettings {
+  std::vector<LookLayer> layers;
+  ReadOptions reading;
+  bool premultiplied = true;
+  int bits = 0;                       // 0 for the input's
+  quantel::cSize2 pixelAspect{0, 0};  // 0:0 for the file's
+  bool overwrite = false;
+  bool skipExisting = false;
+  bool keepGoing = false;
+  bool carryPsf = false;
+  std::map<std::string, std::string> versions;  // for the manifest
+};
+
+}  // namespace glimmerhost
