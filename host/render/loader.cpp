@@ -1,0 +1,160 @@
+#include "host/render/loader.h"
+
+#include <variant>
+
+#include "host/module/frame_checks.h"
+#include "host/module/second_clip.h"
+#include "host/looks/keys.h"
+#include "host/pictures/alpha.h"
+#include "host/shots/file_hash.h"
+#include "host/shots/steady_file.h"
+#include "host/support/failure.h"
+#include "host/support/text.h"
+
+namespace glimmerhost {
+
+namespace fs = std::filesystem;
+
+Loader::Loader(const Page& page, const ShotSettings& settings, const ShotPlan& plan,
+               const lx::Footprint& engine, bool hashed, PamReader* pipe)
+    : page_(page),
+      settings_(settings),
+      plan_(plan),
+      engine_(engine),
+      hashed_(hashed),
+      pipe_(pipe) {}
+
+void Loader::Run(FrameChannel* loaded) {
+  const ClosedAtEnd end(nullptr, loaded);
+  for (std::size_t place = 0;; ++place) {
+    const std::optional<FrameFiles> files = FilesAt(place);
+    if (!files) {
+      return;
+    }
+    auto work = std::make_unique<FrameWork>();
+    work->files = *files;
+    work->report.frame = files->frame;
+    work->report.output = files->output.string();
+    bool isFrame = true;
+    DoPart(work.get(), [&] { isFrame = Load(work.get()); });
+    const bool isLast = IsLastFrame(*work, settings_.keepGoing);
+    if (!isFrame || !loaded->Put(std::move(work)) || isLast) {
+      return;
+    }
+  }
+}
+
+bool Loader::LeavesPictures() {
+  return taken_ > 0 && taken_ == plan_.files.size() && !pipe_->IsAtEnd();
+}
+
+std::optional<FrameFiles> Loader::FilesAt(std::size_t place) const {
+  if (plan_.filesOf) {
+    return plan_.filesOf(static_cast<int>(place) + 1);
+  }
+  return place < plan_.files.size() ? std::optional(plan_.files[place]) : std::nullopt;
+}
+
+// False where a pipe without a list of frames has come to its end.
+bool Loader::Load(FrameWork* work) {
+  // Before anything is skipped: a picture of the pipe stands between this frame and the next.
+  if (work->files.input == kPipe && !TakeFromPipe(work)) {
+    return false;
+  }
+  if (settings_.skipExisting && OutputExists(work->files)) {
+    work->report.state = FrameState::kSkipped;
+    return true;
+  }
+  if (work->files.output != kPipe) {
+    work->output = std::make_unique<PictureOutput>(work->files.output, settings_.overwrite);
+  }
+  TakePicture(work);
+  SettleInput(work);
+  return true;
+}
+
+bool Loader::TakeFromPipe(FrameWork* work) {
+  // Behind what is broken no next picture can be found.
+  work->isLast = true;
+  std::optional<Picture> picture = pipe_->Next();
+  if (!picture) {
+    // A pipe that holds no picture at all is a mistake, whatever was asked for.
+    if (plan_.filesOf && taken_ > 0) {
+      return false;
+    }
+    throw MissingInput(pipe_->Name() +
+                       (taken_ == 0 ? ": it holds no picture"
+                                    : ": it ends after " + std::to_string(taken_) + " pictures"));
+  }
+  ++taken_;
+  work->isLast = false;
+  work->picture = std::move(*picture);
+  return true;
+}
+
+void Loader::TakePicture(FrameWork* work) {
+  const fs::path& file = work->files.input;
+  if (file == kPipe) {
+    work->inputHash = hashed_ ? SamplesHash(work->picture.samples) : "";
+    return;
+  }
+  ReadOptions options = settings_.reading;
+  options.keptFor = work->output ? KeptFor(work->output->Format()) : kNoFormat;
+  ReadSteadily(file, [&] {
+    work->picture = ReadPicture(file, options, &work->found);
+    work->inputHash = hashed_ ? FileHash(file) : "";
+  });
+  work->report.remarks = work->found.lines;
+  work->report.notCarried = work->found.notCarried;
+}
+
+void Loader::SettleInput(FrameWork* work) {
+  Picture& picture = work->picture;
+  FrameInput& input = work->input;
+  input.frame = work->files.frame;
+  input.values = ValuesOf(work->files.frame, picture);
+  input.pixelAspect =
+      settings_.pixelAspect.first == 0 ? picture.pixelAspect : settings_.pixelAspect;
+  input.spread = SpreadOf(work);
+  WarnOfNoise(work);
+  work->alphaBefore = picture.alpha;
+  if (settings_.premultiplied) {
+    Premultiply(&picture);
+  }
+  input.source = quantel::cPtr<FrameImage>(new FrameImage(picture));
+}
+
+// Once for the shot: a thousand frames would say the same.
+void Loader::WarnOfNoise(FrameWork* work) {
+  const double emphasis = std::get<double>(work->input.values.at(kEmphasisKey));
+  if (ShowsNoise(engine_, emphasis) && !warnedOfNoise_) {
+    warnedOfNoise_ = true;
+    work->report.remarks.push_back("an emphasis of " + Shortest(emphasis) +
+                                   " shows rounding noise in dark areas; up to 75, and with the "
+                                   "engine fast at any, none can be seen");
+  }
+}
+
+std::map<std::string, Value> Loader::ValuesOf(int frame, const Picture& picture) {
+  const std::pair<int, int> size{picture.width, picture.height};
+  if (!values_ || valuesSize_ != size) {
+    values_ = std::make_unique<KeyframedValues>(page_, settings_.layers, picture.width,
+                                                picture.height, SpanOf(plan_));
+    valuesSize_ = size;
+  }
+  return values_->At(frame);
+}
+
+quantel::cPtr<FrameImage> Loader::SpreadOf(FrameWork* work) {
+  const fs::path& file = work->files.spread;
+  const std::pair<int, int> size{work->picture.width, work->picture.height};
+  if (!spread_ || file != spreadFile_ || size != spreadSize_) {
+    spread_ =
+        OpenSpread(file, size.first, size.second, settings_.premultiplied, &work->report.remarks);
+    spreadFile_ = file;
+    spreadSize_ = size;
+  }
+  return spread_;
+}
+
+}  // namespace glimmerhost

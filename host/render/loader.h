@@ -1,0 +1,72 @@
+// Loader: reads the frames of a shot, one after another, and settles what the effect is given.
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "fftlib/backends/footprint.h"
+#include "host/looks/keyframed_values.h"
+#include "host/looks/page.h"
+#include "host/module/border_pictures.h"
+#include "host/pictures/pam_stream.h"
+#include "host/pictures/picture.h"
+#include "host/render/frame_work.h"
+#include "host/render/shot_settings.h"
+#include "host/shots/shot_plan.h"
+
+namespace glimmerhost {
+
+// The values of the store and the frame of the second clip are its own: it keeps both for as long
+// as pictures have one size. What can be refused before there is a picture is refused here, so
+// that the effect does not work for an output that cannot be written.
+class Loader {
+ public:
+  // All must outlive it.
+  //   engine  of the module that will render
+  //   hashed  whether inputs are hashed, for a manifest
+  //   pipe    pictures of frames whose input is kPipe
+  Loader(const Page& page, const ShotSettings& settings, const ShotPlan& plan,
+         const lx::Footprint& engine, bool hashed, PamReader* pipe);
+
+  // Puts the plan's frames, until one is the last or nobody takes them, and closes the channel.
+  // The loop of a thread, called once.
+  void Run(FrameChannel* loaded);
+
+  // Whether the pipe holds more than the plan asked for. Waits until that is known, so call it when
+  // all is written: whoever fills the pipe may keep it open, and wait for the last picture. Any
+  // thread may, after Run has returned.
+  bool LeavesPictures();
+
+ private:
+  std::optional<FrameFiles> FilesAt(std::size_t place) const;
+  bool Load(FrameWork* work);
+  bool TakeFromPipe(FrameWork* work);
+  void TakePicture(FrameWork* work);
+  void SettleInput(FrameWork* work);
+  void WarnOfNoise(FrameWork* work);
+  std::map<std::string, Value> ValuesOf(int frame, const Picture& picture);
+  quantel::cPtr<FrameImage> SpreadOf(FrameWork* work);
+
+  const Page& page_;
+  const ShotSettings& settings_;
+  const ShotPlan& plan_;
+  const lx::Footprint& engine_;
+  bool hashed_;
+  PamReader* pipe_;
+  std::size_t taken_ = 0;  // pictures of the pipe
+
+  // Values for pictures of one size, and a still for all frames.
+  std::unique_ptr<KeyframedValues> values_;
+  std::pair<int, int> valuesSize_;
+  std::filesystem::path spreadFile_;
+  std::pair<int, int> spreadSize_;
+  quantel::cPtr<FrameImage> spread_;
+  bool warnedOfNoise_ = false;
+};
+
+}  // namespace glimmerhost

@@ -1,0 +1,41 @@
+#include "host/render/renderer.h"
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "host/module/frame_checks.h"
+
+namespace glimmerhost {
+
+Renderer::Renderer(const EffectModule& module, const ShotSettings& settings)
+    : settings_(settings), engine_(module.Engine()), renderer_(module, settings.carryPsf) {}
+
+void Renderer::Run(FrameChannel* loaded, FrameChannel* rendered) {
+  const ClosedAtEnd end(loaded, rendered);
+  while (std::optional<std::unique_ptr<FrameWork>> taken = loaded->Take()) {
+    FrameWork* const work = taken->get();
+    DoPart(work, [&] {
+      if (work->report.state == FrameState::kDone) {
+        Render(work);
+      }
+    });
+    const bool isLast = IsLastFrame(*work, settings_.keepGoing);
+    if (!rendered->Put(std::move(*taken)) || isLast) {
+      return;
+    }
+  }
+}
+
+void Renderer::Render(FrameWork* work) {
+  // Not earlier: the frame before has given back by now what it took.
+  CheckGrid(engine_, work->input.values, work->picture.width, work->picture.height,
+            renderer_.HeldBytes());
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point start = Clock::now();
+  work->result = renderer_.Render(work->input);
+  work->report.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+}  // namespace glimmerhost

@@ -1,0 +1,119 @@
+#include "host/render/writer.h"
+
+#include <exception>
+#include <memory>
+#include <optional>
+
+#include "host/module/frame_checks.h"
+#include "host/pictures/alpha.h"
+#include "host/pictures/pam_stream.h"
+#include "host/shots/file_hash.h"
+#include "host/support/failure.h"
+
+namespace glimmerhost {
+namespace {
+
+// What a PAM picture holds.
+const OutputFormat kPamFormat{"pam", true, true, false, false};
+
+}  // namespace
+
+Writer::Writer(const Page& page, const ShotSettings& settings, const lx::Footprint& engine,
+               Manifest* manifest, ShotReport* report, std::FILE* pipe)
+    : page_(page),
+      settings_(settings),
+      engine_(engine),
+      manifest_(manifest),
+      report_(report),
+      pipe_(pipe) {}
+
+void Writer::Run(FrameChannel* rendered) {
+  const ClosedAtEnd end(rendered, nullptr);
+  while (const std::optional<std::unique_ptr<FrameWork>> taken = rendered->Take()) {
+    FrameWork& work = **taken;
+    DoPart(&work, [&] { Finish(&work); });
+    if (work.usage) {
+      std::rethrow_exception(work.usage);
+    }
+    report_->Add(work.report);
+    if (IsLastFrame(work, settings_.keepGoing)) {
+      return;
+    }
+  }
+}
+
+void Writer::Finish(FrameWork* work) const {
+  if (work->report.state == FrameState::kDone) {
+    Write(work);
+  }
+  // Not instead: while it was to be written, another program may have made the file.
+  if (work->report.state == FrameState::kSkipped) {
+    NoteFound(*work);
+  }
+}
+
+void Writer::Write(FrameWork* work) const {
+  CheckRendered(work->input, work->result.Object());
+  Picture& picture = work->picture;
+  work->result->CopyTo(&picture);
+  const bool toPipe = !work->output;
+  if (settings_.premultiplied) {
+    SettleAlpha(toPipe ? kPamFormat : work->output->Format(), work->alphaBefore, &picture);
+  }
+  if (toPipe) {
+    WritePam(picture, pipe_, "standard output");
+  } else if (!WriteFile(work)) {
+    work->report.state = FrameState::kSkipped;
+    return;
+  }
+  if (manifest_ != nullptr) {
+    Note(*work);
+  }
+}
+
+// False if another program has made the file since it was looked for, and existing files are
+// skipped.
+bool Writer::WriteFile(FrameWork* work) const {
+  const Picture& picture = work->picture;
+  try {
+    work->output->Write(picture, settings_.bits == 0 ? picture.bits : settings_.bits,
+                        &work->report.notCarried);
+  } catch (const Failure&) {
+    if (!settings_.skipExisting || settings_.overwrite || !OutputExists(work->files)) {
+      throw;
+    }
+    return false;
+  }
+  return true;
+}
+
+void Writer::Note(const FrameWork& work) const {
+  ManifestEntry entry;
+  entry.frame = work.files.frame;
+  entry.input = work.files.input.string();
+  entry.inputHash = work.inputHash;
+  entry.output = work.files.output.string();
+  entry.outputHash = FileHash(work.files.output);
+  for (const auto& [key, value] : work.input.values) {
+    entry.parameters[key] = page_.Find(key).Show(value);
+  }
+  entry.engine = engine_.name;
+  entry.versions = settings_.versions;
+  entry.seconds = work.report.seconds;
+  entry.clippedSamples = work.found.cut + work.found.infinite;
+  entry.notNumbers = work.found.notNumbers;
+  manifest_->Add(entry);
+}
+
+// A run may have been killed between an output and its line, or had no manifest.
+void Writer::NoteFound(const FrameWork& work) const {
+  if (manifest_ != nullptr && !manifest_->Has(work.files.frame)) {
+    ManifestEntry entry;
+    entry.frame = work.files.frame;
+    entry.output = work.files.output.string();
+    entry.outputHash = FileHash(work.files.output);
+    manifest_->Add(entry);
+  }
+}
+
+}  // namespace glimmerhost

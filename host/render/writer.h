@@ -1,0 +1,46 @@
+// Writer: writes rendered frames, notes them in the manifest and tells what became of each.
+#pragma once
+
+#include <cstdio>
+
+#include "fftlib/backends/footprint.h"
+#include "host/looks/page.h"
+#include "host/render/frame_work.h"
+#include "host/render/shot_report.h"
+#include "host/render/shot_settings.h"
+#include "host/shots/manifest.h"
+
+namespace glimmerhost {
+
+// Manifest and report are its own while it runs, as every output is: nobody else writes a file of
+// the shot.
+class Writer {
+ public:
+  // All must outlive it.
+  //   engine    of the module that renders
+  //   manifest  null where none is asked for
+  //   pipe      takes the pictures of frames whose output is kPipe
+  Writer(const Page& page, const ShotSettings& settings, const lx::Footprint& engine,
+         Manifest* manifest, ShotReport* report, std::FILE* pipe);
+
+  // Takes each frame, writes it unless it has failed or is skipped, and reports it, until one is
+  // the last. Then the channel is abandoned. The loop of a thread, called once. Throws the
+  // UsageError that a frame brings; that frame is not reported.
+  void Run(FrameChannel* rendered);
+
+ private:
+  void Finish(FrameWork* work) const;
+  void Write(FrameWork* work) const;
+  bool WriteFile(FrameWork* work) const;
+  void Note(const FrameWork& work) const;
+  void NoteFound(const FrameWork& work) const;
+
+  const Page& page_;
+  const ShotSettings& settings_;
+  const lx::Footprint& engine_;
+  Manifest* manifest_;
+  ShotReport* report_;
+  std::FILE* pipe_;
+};
+
+}  // namespace glimmerhost
