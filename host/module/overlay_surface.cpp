@@ -27,7 +27,7 @@ struct Span {
   int last;
 };
 
-void PaintPixel(Picture* picture, double x, double y, const std::array<std::uint16_t, 3>& colour) {
+void PaintPixel(Picture* picture, double x, double y, const OverlayColour& colour) {
   if (x >= 0.0 && x < picture->width && y >= 0.0 && y < picture->height) {
     const std::size_t pixel =
         static_cast<std::size_t>(y) * static_cast<std::size_t>(picture->width) +
@@ -80,42 +80,7 @@ bool IsFinite(const quantel::cRect4& rect) {
          std::isfinite(rect.fourth);
 }
 
-}  // namespace
-
-void OverlaySurface::beginDraw(bool /*alwaysTrue*/, int /*alwaysOne*/) { strokes_.clear(); }
-
-void OverlaySurface::drawLine(quantel::cPoint2 from, quantel::cPoint2 to, quantel::cColour colour) {
-  strokes_.emplace_back(Line{from, to, ColourOf(colour)});
-}
-
-void OverlaySurface::fillRect(quantel::cRect4 rect, quantel::cColour colour,
-                              quantel::cColour /*same*/) {
-  strokes_.emplace_back(Rectangle{rect, ColourOf(colour), true});
-}
-
-void OverlaySurface::frameRect(quantel::cRect4 rect, quantel::cColour colour) {
-  strokes_.emplace_back(Rectangle{rect, ColourOf(colour), false});
-}
-
-OverlaySurface::Colour OverlaySurface::ColourOf(const quantel::cColour& colour) {
-  std::array<float, 3> parts{};
-  std::memcpy(parts.data(), colour.toRGB().words, sizeof parts);
-  Colour samples{};
-  std::transform(parts.begin(), parts.end(), samples.begin(), [](float part) {
-    // Not a number is black.
-    const float unit = part > 0.0F ? std::min(part, 1.0F) : 0.0F;
-    return static_cast<std::uint16_t>(unit * 65535.0F + 0.5F);
-  });
-  return samples;
-}
-
-void OverlaySurface::PaintOn(Picture* picture) const {
-  for (const auto& stroke : strokes_) {
-    std::visit([picture](const auto& one) { Paint(one, picture); }, stroke);
-  }
-}
-
-void OverlaySurface::Paint(const Line& line, Picture* picture) {
+void Paint(const OverlayLine& line, Picture* picture) {
   Point from{Snap(line.from.x), Snap(line.from.y)};
   Point to{Snap(line.to.x), Snap(line.to.y)};
   if (!std::isfinite(from.x + from.y) || !std::isfinite(to.x + to.y) ||
@@ -131,7 +96,7 @@ void OverlaySurface::Paint(const Line& line, Picture* picture) {
   }
 }
 
-void OverlaySurface::Paint(const Rectangle& rectangle, Picture* picture) {
+void Paint(const OverlayRectangle& rectangle, Picture* picture) {
   const quantel::cRect4& rect = rectangle.rect;
   if (!IsFinite(rect)) {
     return;
@@ -144,6 +109,41 @@ void OverlaySurface::Paint(const Rectangle& rectangle, Picture* picture) {
     for (int column = x.first; column <= x.last; column += stride) {
       PaintPixel(picture, column, row, rectangle.colour);
     }
+  }
+}
+
+OverlayColour ColourOf(const quantel::cColour& colour) {
+  std::array<float, 3> parts{};
+  std::memcpy(parts.data(), colour.toRGB().words, sizeof parts);
+  OverlayColour samples{};
+  std::transform(parts.begin(), parts.end(), samples.begin(), [](float part) {
+    // Not a number is black.
+    const float unit = part > 0.0F ? std::min(part, 1.0F) : 0.0F;
+    return static_cast<std::uint16_t>(unit * 65535.0F + 0.5F);
+  });
+  return samples;
+}
+
+}  // namespace
+
+void OverlaySurface::beginDraw(bool /*alwaysTrue*/, int /*alwaysOne*/) { strokes_.clear(); }
+
+void OverlaySurface::drawLine(quantel::cPoint2 from, quantel::cPoint2 to, quantel::cColour colour) {
+  strokes_.emplace_back(OverlayLine{from, to, ColourOf(colour)});
+}
+
+void OverlaySurface::fillRect(quantel::cRect4 rect, quantel::cColour colour,
+                              quantel::cColour /*same*/) {
+  strokes_.emplace_back(OverlayRectangle{rect, ColourOf(colour), true});
+}
+
+void OverlaySurface::frameRect(quantel::cRect4 rect, quantel::cColour colour) {
+  strokes_.emplace_back(OverlayRectangle{rect, ColourOf(colour), false});
+}
+
+void OverlaySurface::PaintOn(Picture* picture) const {
+  for (const OverlayStroke& stroke : strokes_) {
+    std::visit([picture](const auto& one) { Paint(one, picture); }, stroke);
   }
 }
 

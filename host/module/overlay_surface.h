@@ -1,5 +1,12 @@
 // OverlaySurface: what a module draws over the picture, kept so that it can be painted onto a
-// picture whenever one is looked at.
+// picture, or shown by others, whenever one is looked at.
+//
+// Coordinates are picture pixels from the top left, y downwards, and count the edges of pixels: the
+// middle of the first pixel is (0.5, 0.5).
+//
+//   (0, 0) +-----------> x   of a picture of 4 x 2, whose bottom right corner is (4, 2)
+//          | . . . .
+//        y v . . . .
 #pragma once
 
 #include <array>
@@ -13,7 +20,27 @@
 
 namespace glimmerhost {
 
-// A drawing pass replaces the one before.
+// Red, green, blue, cut to 0..65535; what is not a number is 0.
+using OverlayColour = std::array<std::uint16_t, 3>;
+
+// As the module gave it: it may lie outside the picture, have no length or not be a number.
+struct OverlayLine {
+  quantel::cPoint2 from;
+  quantel::cPoint2 to;
+  OverlayColour colour;
+};
+
+// Filled, or its outline alone. Nothing is drawn for one without a size.
+struct OverlayRectangle {
+  quantel::cRect4 rect;  // left, top, width, height
+  OverlayColour colour;
+  bool filled;
+};
+
+using OverlayStroke = std::variant<OverlayLine, OverlayRectangle>;
+
+// A drawing pass replaces the one before. A module draws within the host's calls on it: all
+// operations belong on the thread that makes these.
 class OverlaySurface final : public qplugin::iQpluginOverlaySurface, public quantel::cRefCount {
  public:
   void beginDraw(bool alwaysTrue, int alwaysOne) override;
@@ -21,6 +48,10 @@ class OverlaySurface final : public qplugin::iQpluginOverlaySurface, public quan
   void drawLine(quantel::cPoint2 from, quantel::cPoint2 to, quantel::cColour colour) override;
   void fillRect(quantel::cRect4 rect, quantel::cColour colour, quantel::cColour same) override;
   void frameRect(quantel::cRect4 rect, quantel::cColour colour) override;
+
+  // The strokes of the last pass in the order of drawing, where a later one covers those before;
+  // of a pass that has not ended, those so far. Good until the module draws again.
+  const std::vector<OverlayStroke>& Strokes() const { return strokes_; }
 
   bool IsEmpty() const { return strokes_.empty(); }
 
@@ -31,24 +62,7 @@ class OverlaySurface final : public qplugin::iQpluginOverlaySurface, public quan
   void PaintOn(Picture* picture) const;
 
  private:
-  using Colour = std::array<std::uint16_t, 3>;  // red, green, blue
-
-  struct Line {
-    quantel::cPoint2 from;
-    quantel::cPoint2 to;
-    Colour colour;
-  };
-  struct Rectangle {
-    quantel::cRect4 rect;
-    Colour colour;
-    bool filled;
-  };
-
-  static Colour ColourOf(const quantel::cColour& colour);
-  static void Paint(const Line& line, Picture* picture);
-  static void Paint(const Rectangle& rectangle, Picture* picture);
-
-  std::vector<std::variant<Line, Rectangle>> strokes_;  // in the order of drawing
+  std::vector<OverlayStroke> strokes_;
 };
 
 }  // namespace glimmerhost
