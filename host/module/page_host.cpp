@@ -46,4 +46,10 @@ const Widget* Dialog::Find(const std::string& name) const {
   return have == widgets_.end() ? nullptr : &*have;
 }
 
+void PageResult::update() {
+  if (listener_) {
+    listener_();
+  }
+}
+
 }  // namespace glimmerhost

@@ -1,7 +1,9 @@
 // The host's side of a page: its widgets, its timeline, and what a module reaches them by.
 #pragma once
 
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/module/border_pictures.h"
@@ -52,8 +54,7 @@ class Timeline final : public qplugin::iQpluginTimeline, public quantel::cRefCou
   int frames_;
 };
 
-// Hands out the same objects for as long as it lives. An update changes nothing here: a
-// player draws and renders when it is told to.
+// Hands out the same objects for as long as it lives.
 class PageResult final : public qplugin::iQpluginUIResult2, public quantel::cRefCount {
  public:
   PageResult(const quantel::cPtr<qplugin::iQpluginOverlaySurface>& surface,
@@ -61,7 +62,17 @@ class PageResult final : public qplugin::iQpluginUIResult2, public quantel::cRef
              const quantel::cPtr<qplugin::iQpluginTimeline>& timeline)
       : surface_(surface), dialog_(dialog), timeline_(timeline) {}
 
-  void update() override {}
+  // Has somebody told of each update, by which the module says that something must be shown or
+  // rendered again; it does not say which. Null, as at first: nobody. A player needs none, since it
+  // draws and renders when it is told to.
+  //
+  // The listener is called once an update, on the thread that called the module and before that
+  // call returns. The instance is in the midst of its work then: note that it must be shown, and
+  // call the instance when its call has returned. What the listener throws passes through the
+  // module to whoever called it. It must not be exchanged while it is called.
+  void ListenToUpdates(std::function<void()> listener) { listener_ = std::move(listener); }
+
+  void update() override;
   quantel::cPtr<qplugin::iQpluginOverlaySurface> overlaySurface() override { return surface_; }
   quantel::cPtr<qplugin::iQpluginDialog> dialog() override { return dialog_; }
   quantel::cPtr<qplugin::iQpluginFormat> format() override { return format_; }
@@ -75,6 +86,7 @@ class PageResult final : public qplugin::iQpluginUIResult2, public quantel::cRef
   quantel::cPtr<qplugin::iQpluginDialog> dialog_;
   quantel::cPtr<qplugin::iQpluginFormat> format_;
   quantel::cPtr<qplugin::iQpluginTimeline> timeline_;
+  std::function<void()> listener_;
 };
 
 }  // namespace glimmerhost
