@@ -4,19 +4,10 @@
 #include <cstddef>
 #include <iomanip>
 #include <sstream>
+#include <variant>
 
 namespace glimmerhost {
 namespace {
-
-// A page has no room for all digits of a double that was a float.
-std::string Display(const Parameter& parameter, const Value& value) {
-  if (const double* number = std::get_if<double>(&value)) {
-    std::ostringstream out;
-    out << *number;
-    return out.str();
-  }
-  return parameter.Show(value);
-}
 
 std::size_t Widest(const std::vector<PageRow>& rows, std::string PageRow::*column) {
   std::size_t widest = 0;
@@ -26,7 +17,29 @@ std::size_t Widest(const std::vector<PageRow>& rows, std::string PageRow::*colum
   return widest;
 }
 
+PageRow RowOf(const Widget& widget) {
+  const bool isButton = !widget.label.empty();
+  PageRow row{};
+  row.name = widget.name;
+  row.label = isButton ? widget.label : "Colour box";
+  row.shown = widget.visible;
+  row.enabled = true;
+  row.key = widget.key;
+  row.kind = isButton ? RowKind::kButton : RowKind::kColourBox;
+  return row;
+}
+
 }  // namespace
+
+// A page has no room for all digits of a double that was a float.
+std::string PageText(const Parameter& parameter, const Value& value) {
+  if (const double* number = std::get_if<double>(&value)) {
+    std::ostringstream out;
+    out << *number;
+    return out.str();
+  }
+  return parameter.Show(value);
+}
 
 std::vector<PageRow> PageRows(const Page& page, const std::map<std::string, Value>& values,
                               const Dialog& dialog) {
@@ -34,24 +47,28 @@ std::vector<PageRow> PageRows(const Page& page, const std::map<std::string, Valu
   for (const Parameter& parameter : page.Parameters()) {
     const auto value = values.find(parameter.key);
     rows.push_back({parameter.key, parameter.label,
-                    Display(parameter, value == values.end() ? parameter.initial : value->second),
+                    PageText(parameter, value == values.end() ? parameter.initial : value->second),
                     parameter.Offered(), parameter.shown.Holds(values),
                     parameter.enabled.Holds(values),
-                    parameter.noteShown.Holds(values) ? parameter.note : ""});
+                    parameter.noteShown.Holds(values) ? parameter.note : "", parameter.key});
   }
   for (const Widget& widget : dialog.Widgets()) {
-    const bool isButton = !widget.label.empty();
-    rows.push_back({widget.name, isButton ? "[" + widget.label + "]" : "Colour box", "", "",
-                    widget.visible, true, ""});
+    rows.push_back(RowOf(widget));
   }
   return rows;
 }
 
 void PrintPage(const std::vector<PageRow>& rows, std::ostream& out) {
+  std::vector<PageRow> printed = rows;
+  for (PageRow& row : printed) {
+    if (row.kind == RowKind::kButton) {
+      row.label = "[" + row.label + "]";
+    }
+  }
   const auto column = [&](const PageRow& row, std::string PageRow::*part) {
-    out << std::left << std::setw(static_cast<int>(Widest(rows, part)) + 2) << row.*part;
+    out << std::left << std::setw(static_cast<int>(Widest(printed, part)) + 2) << row.*part;
   };
-  for (const PageRow& row : rows) {
+  for (const PageRow& row : printed) {
     column(row, &PageRow::label);
     column(row, &PageRow::value);
     column(row, &PageRow::range);

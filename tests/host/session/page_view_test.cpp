@@ -10,6 +10,7 @@ namespace {
 
 using glimmerhost::Page;
 using glimmerhost::PageRow;
+using glimmerhost::RowKind;
 using glimmerhost::Value;
 
 // The page after the module has set its switches for a shape (0 circle to 3 image) and for
@@ -103,23 +104,47 @@ TEST_F(PageView, EndsWithTheModulesWidgets) {
 
   ASSERT_EQ(15U, rows.size());
   EXPECT_EQ("W1", rows[13].name);
-  EXPECT_EQ("[Press me]", rows[13].label);
+  EXPECT_EQ("Press me", rows[13].label);
   EXPECT_FALSE(rows[13].shown);
   EXPECT_EQ("Colour box", rows[14].label);
   EXPECT_TRUE(rows[14].shown);
 }
 
+// By the name alone nobody could press a button: the module knows its key.
+TEST_F(PageView, TellsWhatEachRowIsAndWhatTheModuleIsToldOf) {
+  dialog.addButton(u"W1", u"K1", {}, u"Press me");
+  dialog.addColourBox(u"W2", u"K2", {}, quantel::cColour::kWhite);
+
+  const auto rows = Rows(0, false);
+
+  ASSERT_EQ(15U, rows.size());
+  EXPECT_EQ(RowKind::kParameter, rows[0].kind);
+  EXPECT_EQ("PRM_Shape", rows[0].key);
+  EXPECT_EQ(RowKind::kButton, rows[13].kind);
+  EXPECT_EQ("K1", rows[13].key);
+  EXPECT_EQ(RowKind::kColourBox, rows[14].kind);
+  EXPECT_EQ("K2", rows[14].key);
+}
+
+TEST_F(PageView, GivesTheTextOfAValueBeforeItIsInTheStore) {
+  EXPECT_EQ("0.333333", PageText(page.Find("PRM_RadiusX"), 1.0 / 3.0));
+  EXPECT_EQ("polygon", PageText(page.Find("PRM_Shape"), 2));
+  EXPECT_EQ("off", PageText(page.Find("PRM_Match"), false));
+}
+
 TEST_F(PageView, PrintsRowsInColumns) {
   std::ostringstream out;
 
-  glimmerhost::PrintPage({{"A", "Long label", "1", "0 to 10", true, false, "a note"},
-                          {"B", "B", "22", "", false, true, ""}},
+  glimmerhost::PrintPage({{"A", "Long label", "1", "0 to 10", true, false, "a note", "A"},
+                          {"B", "B", "22", "", false, true, "", "B"},
+                          {"C", "Press me", "", "", true, true, "", "K", RowKind::kButton}},
                          out);
 
   EXPECT_EQ(
       "Long label  1   0 to 10  shown   disabled\n"
       "  a note\n"
-      "B           22           hidden  enabled\n",
+      "B           22           hidden  enabled\n"
+      "[Press me]               shown   enabled\n",
       out.str());
 }
 
