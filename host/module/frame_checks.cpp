@@ -125,6 +125,7 @@ void CheckRendered(const FrameInput& input, FrameImage* result) {
       !HasEdges(source)) {
     return;
   }
+  // An aperture cut out of black, or out of one point of light, rightly leaves a frame as it is.
   const bool ofPicture = ShapeOf(input.values) == Shape::kImage;
   const Samples aperture = input.spread ? SamplesOf(input.spread.Object()) : source;
   if (ofPicture && !IsLitDisc(input.values, aperture)) {

@@ -28,7 +28,7 @@ bool FrameRenderer::MayKeep(const Aperture& now) const {
   if (!render_ || carryPsf_) {
     return static_cast<bool>(render_);
   }
-  // A picture may be another one under the same values.
+  // The image shape is built from pixels, and equal values say nothing of these.
   return ShapeOf(now.values) != Shape::kImage && now.values == before_.values &&
          Same(now.size, before_.size) && Same(now.pixelAspect, before_.pixelAspect);
 }

@@ -105,6 +105,7 @@ void Paint(const OverlayRectangle& rectangle, Picture* picture) {
   const Span y = Covered(Snap(rect.second), Snap(rect.fourth), picture->height);
   for (int row = y.first; row <= y.last; ++row) {
     const bool whole = rectangle.filled || row == y.first || row == y.last;
+    // Between its first and its last row a frame is two pixels, which may be the same one.
     const int stride = whole ? 1 : std::max(x.last - x.first, 1);
     for (int column = x.first; column <= x.last; column += stride) {
       PaintPixel(picture, column, row, rectangle.colour);

@@ -2,9 +2,9 @@
 
 #include <variant>
 
+#include "host/looks/keys.h"
 #include "host/module/frame_checks.h"
 #include "host/module/second_clip.h"
-#include "host/looks/keys.h"
 #include "host/pictures/alpha.h"
 #include "host/shots/file_hash.h"
 #include "host/shots/steady_file.h"
