@@ -79,7 +79,7 @@ class ShotStage : public testing::Test {
 
   // The look of a parameter file with these lines.
   void Use(const std::string& lines) {
-    settings.layers = {{"a.toml: ", glimmerhost::ParseParameters("a.toml", lines)}};
+    settings.layers = {{"a.toml: ", glimmerhost::ParseParameters(page, "a.toml", lines)}};
   }
 
   // What waits in a channel that has been closed, or is closed by somebody else.
