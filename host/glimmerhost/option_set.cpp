@@ -1,5 +1,7 @@
 #include "host/glimmerhost/option_set.h"
 
+#include <utility>
+
 namespace glimmerhost {
 
 void OptionSet::List(const std::string& name, const OptionText& text, bool required,
@@ -26,6 +28,12 @@ void OptionSet::Arguments(const std::string& name, std::vector<std::string>* val
 
 void OptionSet::Value(const std::string& name, std::string* value, const OptionText& text) {
   app_->add_option(name, *value);
+  List(name, text, false, false);
+}
+
+void OptionSet::ReadValue(const std::string& name, std::function<void(const std::string&)> read,
+                          const OptionText& text) {
+  app_->add_option_function<std::string>(name, std::move(read));
   List(name, text, false, false);
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,10 @@ class OptionSet {
   void Arguments(const std::string& name, std::vector<std::string>* values,
                  const std::string& help);
   void Value(const std::string& name, std::string* value, const OptionText& text);
+
+  // One that is understood at once: the reader is given the text, and throws UsageError.
+  void ReadValue(const std::string& name, std::function<void(const std::string&)> read,
+                 const OptionText& text);
   void NeededValue(const std::string& name, std::string* value, const OptionText& text);
   void Values(const std::string& name, std::vector<std::string>* values, const OptionText& text);
   void Switch(const std::string& name, bool* value, const std::string& group,

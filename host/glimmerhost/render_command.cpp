@@ -50,7 +50,7 @@ class RenderCommand final : public Command {
 
   // Of a frame that failed there is no output, and nothing is left of one.
   int Run(std::ostream& out) override {
-    const RenderPlan plan = PlanRender(page_, options_);
+    const RenderPlan plan = PlanRender(options_, ReadLookOf(page_, options_));
     if (plan.dryRun) {
       ListFiles(plan.shot, out);
       return kExitDone;

@@ -2,9 +2,17 @@
 
 #include "host/pictures/colour_config.h"
 #include "host/pictures/picture_formats.h"
+#include "host/support/failure.h"
 
 namespace glimmerhost {
 namespace {
+
+int ParseBits(const std::string& text) {
+  if (text == "8" || text == "16") {
+    return text == "8" ? 8 : 16;
+  }
+  throw MustBe("--bits", "8 or 16", text);
+}
 
 // What of a shot is rendered, and what becomes of frames that fail.
 void AddShot(OptionSet* options, RenderOptions* render) {
@@ -32,18 +40,19 @@ void AddPixels(OptionSet* options, RenderOptions* render) {
                   "premultiplied (default): colour of a file with straight alpha is multiplied by "
                   "it on the way in and divided on the way out; as-is: samples are left alone",
                   {"premultiplied", "as-is"}});
-  options->Value("--bits", &render->bits,
-                 {kPixelsGroup,
-                  "COUNT",
-                  "8 or 16 (default: the input's; 16 for floating point)",
-                  {"8", "16"}});
+  options->ReadValue("--bits", [render](const auto& text) { render->bits = ParseBits(text); },
+                     {kPixelsGroup,
+                      "COUNT",
+                      "8 or 16 (default: the input's; 16 for floating point)",
+                      {"8", "16"}});
   AddPixelAspect(options, "the file's", render);
-  options->Value("--range", &render->range,
-                 {kPixelsGroup,
-                  "RANGE",
-                  "How floating point comes into 0 to 1, and back where the output is floating "
-                  "point, too: clip (default), scale:MAX or log:MAX",
-                  {"clip", "scale:", "log:"}});
+  options->ReadValue("--range",
+                     [render](const auto& text) { render->range = RangeMapping::Parse(text); },
+                     {kPixelsGroup,
+                      "RANGE",
+                      "How floating point comes into 0 to 1, and back where the output is floating "
+                      "point, too: clip (default), scale:MAX or log:MAX",
+                      {"clip", "scale:", "log:"}});
 }
 
 void AddColours(OptionSet* options, ColourOptions* colours) {
@@ -91,11 +100,13 @@ void AddRenderOptions(OptionSet* options, const Page& page, RenderOptions* rende
                  {kFilesGroup, "FILE",
                   "Write a line of JSON a frame to this file: hashes of input and output, values, "
                   "versions, seconds"});
-  options->Value("--progress", &render->progress,
-                 {kRunningGroup,
-                  "FORM",
-                  "auto (default: bar on a terminal, lines elsewhere), bar, lines or json",
-                  {"auto", "bar", "lines", "json"}});
+  options->ReadValue(
+      "--progress",
+      [render](const auto& text) { render->report = ShotReport::ParseForm(text, false); },
+      {kRunningGroup,
+       "FORM",
+       "auto (default: bar on a terminal, lines elsewhere), bar, lines or json",
+       {"auto", "bar", "lines", "json"}});
   AddRunning(options, render);
 }
 

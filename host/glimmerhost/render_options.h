@@ -7,14 +7,16 @@
 #include "host/glimmerhost/option_set.h"
 #include "host/glimmerhost/run_options.h"
 #include "host/looks/page.h"
+#include "host/pictures/range.h"
+#include "host/render/shot_report.h"
 
 namespace glimmerhost {
 
-// As it was typed. Input, output and spread may be names of sequences.
+// Input, output and spread may be names of sequences. Texts are as they were typed.
 struct RenderOptions : RunOptions {
   std::string input;
-  std::string bits;  // 8, 16, or empty for the input's
-  std::string range = "clip";
+  int bits = 0;  // 8, 16, or 0 for the input's
+  RangeMapping range;
   ColourOptions colours;
   std::string frames;  // a list; empty for what the input's name or its folder says
   std::string chunk;   // K/N; for submit the most frames of a chunk, or empty
@@ -23,8 +25,8 @@ struct RenderOptions : RunOptions {
   bool carryPsf = false;
   bool explain = false;
   bool dryRun = false;
-  std::string progress = "auto";
-  std::string manifest;    // a file; empty for none
+  ShotReport::Form report = ShotReport::ParseForm("auto", false);  // --quiet goes over it
+  std::string manifest;                                            // a file; empty for none
   std::string saveParams;  // a file for what was used; empty for none
 };
 

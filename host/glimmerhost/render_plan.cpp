@@ -1,7 +1,5 @@
 #include "host/glimmerhost/render_plan.h"
 
-#include <utility>
-
 #include "host/looks/parameter_file.h"
 #include "host/looks/units.h"
 #include "host/pictures/alpha.h"
@@ -10,16 +8,6 @@
 
 namespace glimmerhost {
 namespace {
-
-int ParseBits(const std::string& text) {
-  if (text.empty()) {
-    return 0;
-  }
-  if (text == "8" || text == "16") {
-    return text == "8" ? 8 : 16;
-  }
-  throw MustBe("--bits", "8 or 16", text);
-}
 
 // What cannot be done where pictures come one after another and are gone then.
 void CheckPipes(const RenderOptions& options) {
@@ -37,30 +25,33 @@ void CheckPipes(const RenderOptions& options) {
     // A gap would give all frames behind it other numbers.
     refuse(options.keepGoing, "--keep-going", "-o");
     refuse(!options.manifest.empty(), "--manifest", "-o");
-    refuse(options.bits == "8", "--bits 8", "-o");
+    refuse(options.bits == 8, "--bits 8", "-o");
   }
 }
 
-// All but the files.
-//   look  what is decided beside the values of the store
-RenderPlan PlanWithoutFiles(const RenderOptions& options, std::vector<LookLayer> layers,
-                            const PictureLook& look) {
-  CheckModuleOptions(options.engine, options.module);
-  RenderPlan plan;
-  ShotSettings& settings = plan.settings;
-  settings.layers = std::move(layers);
-  settings.premultiplied = ParsePremultiplied("--alpha", look.alpha);
-  settings.bits = ParseBits(options.bits);
-  settings.reading.range = RangeMapping::Parse(options.range);
-  settings.reading.colours = ParseColours(options.colours);
-  if (!look.pixelAspect.empty()) {
-    settings.pixelAspect = ParseRatio("--pixel-aspect", look.pixelAspect);
+// What looks and colour spaces say, too.
+ShotSettings SettingsOf(const RenderOptions& options, const ReadLook& read) {
+  ShotSettings settings;
+  settings.layers = read.layers;
+  settings.premultiplied = ParsePremultiplied("--alpha", read.pictures.alpha);
+  if (!read.pictures.pixelAspect.empty()) {
+    settings.pixelAspect = ParseRatio("--pixel-aspect", read.pictures.pixelAspect);
   }
+  settings.reading.colours = read.colours;
+  settings.reading.range = options.range;
+  settings.bits = options.bits;
   settings.overwrite = options.overwrite;
   settings.skipExisting = options.skipExisting;
   settings.keepGoing = options.keepGoing;
   settings.carryPsf = options.carryPsf;
-  plan.report = ShotReport::ParseForm(options.progress, options.quiet);
+  return settings;
+}
+
+// All but files and the module.
+RenderPlan PlanOf(const RenderOptions& options, const ReadLook& read) {
+  RenderPlan plan;
+  plan.settings = SettingsOf(options, read);
+  plan.report = options.quiet ? ShotReport::Form::kQuiet : options.report;
   plan.manifest = Utf8Path(options.manifest);
   plan.savedLook = Utf8Path(options.saveParams);
   plan.explain = options.explain;
@@ -70,14 +61,20 @@ RenderPlan PlanWithoutFiles(const RenderOptions& options, std::vector<LookLayer>
 
 }  // namespace
 
-RenderPlan PlanRender(const Page& page, const RenderOptions& options) {
-  std::vector<LookLayer> layers = ReadLayers(page, options.look);
-  const PictureLook look = PictureLookOf(page, layers);
-  RenderPlan plan = PlanWithoutFiles(options, std::move(layers), look);
+ReadLook ReadLookOf(const Page& page, const RenderOptions& options) {
+  ReadLook read;
+  read.layers = ReadLayers(page, options.look);
+  read.pictures = PictureLookOf(page, read.layers);
+  read.colours = ParseColours(options.colours);
+  return read;
+}
+
+RenderPlan PlanRender(const RenderOptions& options, const ReadLook& read) {
   CheckPipes(options);
+  RenderPlan plan = PlanOf(options, read);
   plan.shot = PlanShot({options.input,
                         options.output,
-                        look.spread,
+                        read.pictures.spread,
                         options.frames,
                         options.chunk,
                         {{"--manifest", options.manifest, true},
@@ -88,17 +85,13 @@ RenderPlan PlanRender(const Page& page, const RenderOptions& options) {
     throw UsageError("--skip-existing cannot be used where -o is INPUT: of " + options.output +
                      " every frame exists");
   }
-  if (!plan.dryRun) {
-    plan.module = ChooseModule(options.engine, options.module);
-  }
+  plan.module = ChooseModule(options.engine, options.module);
   return plan;
 }
 
-RenderPlan PlanSubmit(const Page& page, const RenderOptions& options) {
-  std::vector<LookLayer> layers = ReadLayers(page, options.look);
-  const PictureLook look = PictureLookOf(page, layers);
-  RenderPlan plan = PlanWithoutFiles(options, std::move(layers), look);
-  plan.shot = PlanShot({options.input, options.output, look.spread, options.frames, ""});
+RenderPlan PlanSubmit(const RenderOptions& options, const ReadLook& read) {
+  RenderPlan plan = PlanOf(options, read);
+  plan.shot = PlanShot({options.input, options.output, read.pictures.spread, options.frames, ""});
   plan.module = ChooseModule(options.engine, options.module);
   return plan;
 }

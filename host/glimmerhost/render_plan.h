@@ -2,9 +2,11 @@
 #pragma once
 
 #include <filesystem>
-#include <string>
+#include <memory>
+#include <vector>
 
 #include "host/glimmerhost/render_options.h"
+#include "host/looks/look_layers.h"
 #include "host/looks/page.h"
 #include "host/module/module_choice.h"
 #include "host/render/shot_render.h"
@@ -17,19 +19,28 @@ struct RenderPlan {
   ShotPlan shot;          // which files
   ShotSettings settings;  // which values, and how files are read and written
   ShotReport::Form report = ShotReport::Form::kLines;
-  ModuleChoice module;              // its engine is null where nothing but files is asked for
+  ModuleChoice module{};
   std::filesystem::path manifest;   // empty for none
   std::filesystem::path savedLook;  // a file for the look that is used; empty for none
   bool explain = false;             // only tell what would be done
   bool dryRun = false;              // only list the files
 };
 
-// For render. Throws UsageError, and what reading look files, listing frames and choosing a module
-// throws.
-RenderPlan PlanRender(const Page& page, const RenderOptions& options);
+// What the files behind the options say: presets, look files and colour configurations.
+struct ReadLook {
+  std::vector<LookLayer> layers;
+  PictureLook pictures;
+  std::shared_ptr<const ColourPath> colours;  // null for samples as they are
+};
+
+// Throws what reading these files throws.
+ReadLook ReadLookOf(const Page& page, const RenderOptions& options);
+
+// For render. Throws UsageError, and what listing frames and choosing a module throws.
+RenderPlan PlanRender(const RenderOptions& options, const ReadLook& read);
 
 // For submit, whose chunks plan their own part: the whole shot, and no file beside it.
-RenderPlan PlanSubmit(const Page& page, const RenderOptions& options);
+RenderPlan PlanSubmit(const RenderOptions& options, const ReadLook& read);
 
 // Writes the look where that was asked for. Throws Failure, and UsageError for the file's name.
 void SaveLook(const Page& page, const RenderPlan& plan);

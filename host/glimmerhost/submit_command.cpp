@@ -330,7 +330,7 @@ class SubmitCommand final : public Command {
   int Run(std::ostream& out) override {
     RefuseStrangers(options_);
     options_.engine = PartEngines(options_.engines).module;
-    const RenderPlan plan = PlanSubmit(page_, options_);
+    const RenderPlan plan = PlanSubmit(options_, ReadLookOf(page_, options_));
     if (plan.explain) {
       Explain(*plan.module.engine, page_, plan.settings, plan.shot, out);
       return kExitDone;

@@ -41,26 +41,24 @@ constexpr std::size_t kBlock = 0x10000;
 // More than the longest marker, as one may begin in a block and end in the next.
 constexpr std::size_t kOverlap = 64;
 
+//   name  empty for the default
+const lx::Footprint& FindEngine(const std::string& name) {
+  const lx::Footprint* const engine = lx::FindFootprint(name.empty() ? kDefaultEngine : name);
+  if (engine == nullptr || !IsInBuild(*engine)) {
+    throw MustBe("--engine", EngineNames() + (engine == nullptr ? "" : " (this build has no FFTW)"),
+                 name);
+  }
+  return *engine;
+}
+
 }  // namespace
 
-void CheckModuleOptions(const std::string& engine, const std::string& module) {
-  if (!engine.empty() && lx::FindFootprint(engine) == nullptr) {
-    throw MustBe("--engine", EngineNames(), engine);
-  }
-  if (!engine.empty() && !IsInBuild(*lx::FindFootprint(engine))) {
-    throw MustBe("--engine", EngineNames() + " (this build has no FFTW)", engine);
-  }
+ModuleChoice ChooseModule(const std::string& engine, const std::string& module) {
   if (!engine.empty() && !module.empty()) {
     throw UsageError("--engine " + engine + " and --module " + module +
                      " cannot be given together: a module file has its own engine");
   }
-}
-
-ModuleChoice ChooseModule(const std::string& engine, const std::string& module) {
-  CheckModuleOptions(engine, module);
-  const fs::path file =
-      module.empty() ? ModuleFileOf(*lx::FindFootprint(engine.empty() ? kDefaultEngine : engine))
-                     : Utf8Path(module);
+  const fs::path file = module.empty() ? ModuleFileOf(FindEngine(engine)) : Utf8Path(module);
   std::error_code error;
   if (!fs::exists(file, error)) {
     throw Failure(file.string() + ": not found");

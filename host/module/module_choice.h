@@ -17,15 +17,12 @@ struct ModuleChoice {
   const lx::Footprint* engine;  // never null
 };
 
-// Throws UsageError for an engine that is none or not in this build, and for an engine and a module
-// file at once. Either may be empty.
-void CheckModuleOptions(const std::string& engine, const std::string& module);
-
 // The module of an engine, where build and installation put it from the program's folder, or the
 // file that is named. By which engine a file works is what the file itself says.
 //   engine  its name; empty for the default
 //   module  a module file; empty for none
-// Throws as CheckModuleOptions does, and Failure where there is no such file.
+// Throws UsageError for an engine that is none or not in this build, and for an engine and a module
+// file at once; Failure where there is no such file.
 ModuleChoice ChooseModule(const std::string& engine, const std::string& module);
 
 // The file of an engine's module, whether or not it is there.
