@@ -65,7 +65,7 @@ class LoaderAlone : public render_test::ShotStage {
     return std::get<double>(values.at(key));
   }
 
-  std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe{std::tmpfile(), std::fclose};
+  render_test::PipeFile pipe = OpenPipe();
   std::unique_ptr<PamReader> reader;
   std::unique_ptr<Loader> loader;
 };

@@ -5,9 +5,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -28,6 +31,9 @@ using glimmerhost::FrameState;
 using glimmerhost::FrameWork;
 using glimmerhost::Picture;
 namespace fs = std::filesystem;
+
+// A file that stands for a pipe: written, and read from its beginning.
+using PipeFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 using Works = std::vector<std::unique_ptr<FrameWork>>;
 
@@ -75,6 +81,10 @@ class ShotStage : public testing::Test {
   std::string TextOf(const std::string& name) const {
     std::ifstream in(folder / name, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
+  }
+
+  PipeFile OpenPipe() const {
+    return {std::fopen((folder / "pipe.pam").string().c_str(), "wb+"), std::fclose};
   }
 
   // The look of a parameter file with these lines.

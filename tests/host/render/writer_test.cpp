@@ -97,7 +97,7 @@ class WriterAlone : public render_test::ShotStage {
   FrameChannel rendered{render_test::kRoom};
   ShotReport report{ShotReport::Form::kQuiet, 3, true};
   std::optional<Manifest> manifest;
-  std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe{std::tmpfile(), std::fclose};
+  render_test::PipeFile pipe = OpenPipe();
   std::string text;
 };
 
