@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a frame costs in one engine, against the eight transforms of mode 4.
 //
 //   build/release/bin/engine_benchmark --engine exact --size 1920x1080 --radius 20

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The fixed-size transforms against FFTW's own best, size by size.
 //
 //   build/release/bin/fft_kernel_benchmark [FORM]

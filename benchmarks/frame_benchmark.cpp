@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a frame costs against its own transforms.
 //
 //   build/release/bin/frame_benchmark --benchmark_repetitions=5

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the allocator costs.
 //
 //   build/release/bin/heap_benchmark --benchmark_repetitions=5

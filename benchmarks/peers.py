@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: BSD-3-Clause
 """Times GlimmerBlur beside others who blur the same picture, and draws time against radius.
 
     apt-get install python3-scipy python3-matplotlib gegl gmic ffmpeg

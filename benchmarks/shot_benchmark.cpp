@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a shot takes beside the effect's own work, and what a program's start takes.
 //
 //   build/release/bin/shot_benchmark [FRAMES]

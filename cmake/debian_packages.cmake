@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # The Debian packages: glimmerblur, and glimmerblur-dev for authors of hosts.
 
 # install_compressed(file folder component [name]): under its own name or another, with .gz behind it.

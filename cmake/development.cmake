@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # What authors of hosts find by find_package(GlimmerBlur); GlimmerBlurConfig.cmake.in says what that is.
 # Without a line of our own build's: its warnings and folders are not theirs.
 add_library(host_interfaces INTERFACE)

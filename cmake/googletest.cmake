@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # GoogleTest: the machine's own, or built from its package's source where what we build does not
 # run on the machine itself.
 if(CMAKE_CROSSCOMPILING)

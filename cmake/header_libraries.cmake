@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # Libraries of headers alone, for the program: CLI11, JSON, toml++ and xxHash. The machine's own serve every
 # target, but a target of another system may see nothing else of the folder that they lie in.
 add_library(header_libraries INTERFACE)

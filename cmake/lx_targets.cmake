@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # The repetition of the folders' build files.
 
 # What every target of the tree is compiled with. -ffp-contract=off: a fused multiply

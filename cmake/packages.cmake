@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # What a package has beside the targets, and the packages by CPack: a zip for Windows, Debian
 # packages elsewhere, one of the program and one for authors of hosts.
 set(documents ${CMAKE_INSTALL_DATADIR}/doc/glimmerblur)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # Read by CTest: the suites of a program as tests.
 #   program     its file
 #   prefix      goes before names

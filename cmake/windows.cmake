@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # Builds for 64-bit Windows with mingw-w64, in the flavour whose standard library has threads,
 # and runs what was built, tests included, under Wine.
 set(CMAKE_SYSTEM_NAME Windows)

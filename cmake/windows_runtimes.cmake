@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # What programs for Windows bring along: the compiler's shared runtimes, without which none of them
 # starts, and the licences of all that is linked in or shipped.
 foreach(runtime libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)

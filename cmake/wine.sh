@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: BSD-3-Clause
 # Runs a program built for Windows, with the compiler's shared runtimes at hand.
 #
 #   wine.sh program [argument...]

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: BSD-3-Clause
 # Renders a shot in chunks by GNU parallel, and checks it. Takes the arguments of glimmerhost render:
 #
 #   farm-with-parallel.sh shot.####.exr -o out.####.exr --frames 1001-1100 --radius 20px

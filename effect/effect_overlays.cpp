@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the effect draws on the picture, and what it hears of the mouse.
 #include <cstdint>
 

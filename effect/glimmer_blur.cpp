@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "effect/glimmer_blur.h"
 
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // GlimmerBlur: the effect object that both adapters are built around.
 #pragma once
 

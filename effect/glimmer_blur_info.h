@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // GlimmerBlurInfo: the ports, handles and parameters of the effect.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The engine of a module's instances, and what a module's file says of it.
 //
 // A module links one source of effect/engines/, which defines both.

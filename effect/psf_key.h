@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // PsfKey: the values that a frame's PSF is made from, and whether two frames share one.
 #pragma once
 

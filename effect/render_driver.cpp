@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // RenderFrame: one frame from the ports' images and the controls' values to the result.
 #include <cstdint>
 #include <utility>

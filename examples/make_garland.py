@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: BSD-3-Clause
 """Makes garland.png: strings of small bulbs over a garden at dusk.
 
     python3 examples/make_garland.py examples/garland.png

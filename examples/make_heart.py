@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: BSD-3-Clause
 """Makes heart.png: a white heart on black, an aperture for the image shape.
 
     python3 examples/make_heart.py examples/heart.png

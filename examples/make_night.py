@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: BSD-3-Clause
 """Makes night.png: a town at night across water, with many small saturated lights.
 
     python3 examples/make_night.py examples/night.png

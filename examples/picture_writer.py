@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 """What the scripts that make the example pictures share: 16-bit PNG files."""
 
 import struct

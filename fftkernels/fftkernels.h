@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Transforms of the thirteen sizes 2, 4, 8 .. 8192, in place, for convolutions.
 //
 // The spectrum stays in the order in which it falls out, which saves the pass that would put it

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // DefocusEngine: convolves frames with a point-spread function (PSF).
 //
 // Before the first run: load a PSF (BuildShapePsf, BuildImagePsf or LoadPsf), then give

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // cClassCtor: what the factory holds of a class, to make its instances.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The two input clips of an instance, as both adapters take them from the host.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "hostframe/colour_widgets.h"
 
 namespace allplugins {

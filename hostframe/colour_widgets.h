@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The colour box of the page, and the button that closes it: two widgets that drive nothing.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // One source for all of them: across sources the language gives no order of making.
 #include "hostframe/module_statics.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The objects that the module holds from load to unload.
 //
 // They are made by static initialisers in the order in which they stand here, before a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "hostframe/render_adapter.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // cGlimmerBlurRender: the class that a host makes to render pictures.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "hostframe/store_reading.h"
 
 #include "baselib/utils/convert.h"

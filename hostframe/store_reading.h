@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // How both adapters read the host's parameters into the effect's controls.
 #pragma once
 

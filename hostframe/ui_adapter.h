@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // cGlimmerBlurUI: the class that a host makes for the effect's page and on-screen work.
 //
 // It keeps the controls of its own effect object equal to the host's store, tells the page

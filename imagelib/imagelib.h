@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // ImageRec: the plain record of one image, and the operations on it.
 //
 //   data -> row 0:  s0 s1 .. s(channels-1) | s0 s1 ..      width pixels, no gap

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "library/controls.h"
 
 #include "baselib/utils/convert.h"

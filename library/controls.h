@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Controls: values that mirror one parameter of the host each.
 //
 // The adapters read the host's value into the public members. Commit hands a value back,

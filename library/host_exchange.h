@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Frames across the host's border.
 //
 //   host frame                     LXImage

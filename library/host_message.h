@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Texts for the user, through the host's message sink.
 #pragma once
 

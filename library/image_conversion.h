@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Between the two image types: LXImage with 15-bit samples, ImageRec with full ones.
 // Channels keep their order. A false result leaves the destination as it was.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // ImagePort: one image slot of an effect.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // LXImage: one frame on its way between host and effect.
 //
 // Four 16-bit samples a pixel, of which 15 bits are used: 0 to 32767, 32767 being full

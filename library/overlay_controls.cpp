@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "library/overlay_controls.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Overlay controls: what a person drags on the picture to set a parameter.
 //
 // A control is joined by its adapter, drawn by an OverlayLX, and told of the mouse. It

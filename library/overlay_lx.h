@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // OverlayLX: what an effect draws over the picture, and where mouse events go.
 //
 // Points count in picture pixels with y upwards from the picture's bottom. The host's

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // PluginLX: the frame of an effect. An adapter fills its members and calls its
 // operations; it knows nothing of the host's classes.
 #pragma once

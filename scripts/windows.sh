@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # What building and running for Windows needs; sourced after common.sh, not run.
 
 windows_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev cmake ninja-build pkg-config make

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The platform's counters, its wall clock and its sleep.
 #pragma once
 

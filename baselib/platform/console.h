@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The platform's debug console. Where the system has no console window, the standard error stream
 // takes its place.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include <cstdio>
 
 #include "baselib/platform/console.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include <cstring>
 
 #include "baselib/platform/console.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include <direct.h>
 #include <io.h>
 #include <sys/stat.h>

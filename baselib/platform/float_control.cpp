@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "baselib/platform/float_control.h"
 
 #include <cstdint>

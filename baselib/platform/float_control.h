@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The floating-point control word of the calling thread, by processor: rounding, precision,
 // exception masks and flushing of denormals as one word. Flags that arithmetic raises are not in
 // it.

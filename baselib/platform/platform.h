@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The platform seam: every operation that the base services ask of the system.
 //
 // Each group of operations has a header of its own, with their contracts, and behind it one source

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the platform tells of the process and its processors.
 #pragma once
 

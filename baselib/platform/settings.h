@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The machine's persistent settings, by the keys of a registry.
 //
 // Texts are in the system's code page, and a 64-bit process sees the 64-bit view. A system without

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "baselib/platform/settings.h"
 #include "baselib/platform/windows_api.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The platform's threads, thread slots, events and locks.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The clock of the base services.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the base services keep for the whole process. For their own sources, and for tests
 // that want to begin anew.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "baselib/threads/parallel_rows.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Row passes: one member function over all rows of a piece of work, on every way of the pool.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Passes, and the workers that run them.
 #include "baselib/threads/pool.h"
 

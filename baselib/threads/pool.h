@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The pool: one function on every way at once.
 //
 // A pass runs a function on the calling thread, which is way 0, and on the resident

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the pool's sources share: its one-time set-up.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The pool's set-up and its table of threads.
 #include <algorithm>
 #include <cstdint>

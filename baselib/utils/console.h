@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The debug console: a window of its own. It opens with the first line to show and is never
 // closed. Where there are no such windows, its lines go to the standard error stream.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // From doubles to integers, with a defined result for every double.
 #pragma once
 

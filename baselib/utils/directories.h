@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Where the system keeps its files: one home directory, found from the machine's settings,
 // and a few directories below it.
 //

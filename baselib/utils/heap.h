@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The allocator of the whole system: ordinary blocks, image-sized blocks, and an
 // aligned pair on top of both.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the allocator keeps for the whole process. For its own two sources, and for tests that
 // look whether the lock is held.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the allocator can do beside allocating: keep account of every block, report misuse
 // instead of carrying it out, write a line for each operation, and hand the work to somebody
 // else's allocator. Everything is off until a debugging build or a test turns it on.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "baselib/utils/log.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The log that the base services report through. Lines go to the standard error stream:
 //
 //   (LX LIB) 14:03:07.25 WARN : MP: Can't set idle priority: access denied

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the log keeps for the whole process. For its own sources, and for tests, which may
 // change any of it: nothing else does.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Paths, in the form of this system: parted by the platform's separator.
 #pragma once
 

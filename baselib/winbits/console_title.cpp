@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "baselib/winbits/console_title.h"
 
 #include "baselib/platform/platform.h"

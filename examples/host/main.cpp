@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A host for the module: it renders one point of light and looks at the disc that comes out.
 //
 //   minimal_host MODULE

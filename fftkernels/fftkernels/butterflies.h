@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Transforms of up to 16 values that lie in registers, as real and imaginary parts.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The bodies of fftkernels.h: small sizes in place, large ones by the processor's table.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // For the sources that are each compiled for one kind of processor.
 #pragma once
 

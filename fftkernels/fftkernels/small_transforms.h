@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The transforms of up to 16 numbers, which a caller takes in whole.
 #pragma once
 

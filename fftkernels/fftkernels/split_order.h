@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // How a transform falls apart, and the order of frequencies that comes of it.
 //
 // A transform of n splits into two halves. The first takes the even frequencies 2s, the second

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "fftkernels/fftkernels/transform_table.h"
 
 namespace lx {

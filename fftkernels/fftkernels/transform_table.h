@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The larger transforms of one kind of processor, and choosing among the kinds.
 #pragma once
 

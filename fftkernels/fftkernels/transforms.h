@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The transforms of all sizes, for every width of vectors.
 //
 // A block of n is split by passes over the whole of it, radix parts at a time, until its parts are

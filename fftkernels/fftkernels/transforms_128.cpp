@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Vectors of 16 bytes: SSE2 and NEON, which every x86-64 and every arm64 has.
 #include "fftkernels/fftkernels/transform_table.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Compiled for AVX2 and fused multiply-add alone, and entered only where the processor has them.
 #include "fftkernels/fftkernels/transform_table.h"
 

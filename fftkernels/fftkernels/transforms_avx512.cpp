@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Compiled for AVX-512 alone, and entered only where the processor has it.
 #include "fftkernels/fftkernels/transform_table.h"
 

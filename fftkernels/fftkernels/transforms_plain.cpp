@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Plain numbers, for any processor, and for comparing the others with.
 #include "fftkernels/fftkernels/make_table.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The turns between the levels of a transform.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Small vectors in a way that every processor's compiler knows; of one lane, a plain number.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "fftkernels/mixed_radix/line_plan.h"
 
 #include "fftkernels/mixed_radix/roots.h"

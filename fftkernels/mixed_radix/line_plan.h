@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // How a line of complex numbers is transformed: its stages, their twiddles, and where each
 // frequency comes to lie.
 //

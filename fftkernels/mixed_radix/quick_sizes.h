@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The lengths that transforms of mixed radix are quick at, and how each is taken apart.
 //
 // A length is a product of radices of 2 to 10, one a stage. All that decides is here: a length is

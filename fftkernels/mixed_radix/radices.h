@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The smallest transforms, of 1 to 10 complex numbers, each lane one of its own: forward, with
 // exp(-2 pi i), in place and in order. Backward is forward with real and imaginary parts exchanged.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Roots of unity, with the same bits on every system.
 #pragma once
 

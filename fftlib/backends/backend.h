@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a back-end is: the way from a mask to a PSF, and from frames to blurred frames.
 //
 // It holds one grid and one PSF, and serves one thread at a time. The engine in front of it checks

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Back-ends by name.
 #pragma once
 

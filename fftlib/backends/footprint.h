@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // THE list of back-ends, and what a frame takes in each of them, known without linking any:
 // whoever plans a render asks here, and the back-ends themselves are built on the same rules.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The library that a back-end may transform by, as far as an engine's owner can tell.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the grids of the kernel modes hold.
 #pragma once
 

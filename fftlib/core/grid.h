@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The padded grid of a transform, and the place of the frame in it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Rows: how a pass over rows (or columns) is run, ended early, and how it fails.
 //
 // A pass is a value with the operator

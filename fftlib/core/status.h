@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What an operation of the engine, and every step below it, comes to.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Limits, the order of calls, statuses, and whose mask it is. The work is the back-end's.
 #include <algorithm>
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The operations on lines: the separable filter, and square blocks.
 #include <cstdint>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Engines by the integers that name back-ends. Apart from the rest: who is built on one back-end
 // and asks for no integer links no other.
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Square blocks of real numbers through the fixed-size transforms, in whose order frequencies stay,
 // and back without scaling: size * size times the block. And where the frequencies are.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A grid of complex samples, and the passes that take its rows and columns through the fixed-size
 // transforms. A length that no transform has is left alone.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The weights of the separable filter: their right half, the middle first.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "fftlib/lines/line_transforms.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The fixed-size transforms by the length of a line.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "fftlib/lines/separable_filter.h"
 
 #include <algorithm>

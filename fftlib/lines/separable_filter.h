@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The separable filter: lines of an image times weights, by real transforms of fftkernels.
 //
 // The weights are mirrored about the first one, their sum made 1, and lines are multiplied by them.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Stored channels of a picture, one by one, without colour transform: a piece of a row at a time.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The colour transform between red, green, blue and luma, Cr, Cb.
 //
 // Single-precision constants, widened. The Cb row differs from the usual one: it is built

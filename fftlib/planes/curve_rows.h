@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The emphasis curve over rows of samples, on vectors of doubles. For the sources that are
 // compiled for one instruction set each.
 //

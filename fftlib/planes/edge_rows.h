@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The grid's rows above and below the frame.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The highlight emphasis: a curve that presses everything but the highlights down, and
 // its exact inverse. Both map 0..1 to 0..1, fix its ends, and clamp what lies beyond;
 // not-a-number stays what it is.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The emphasis curve of one g, made ready for rows of samples: on one double or on several
 // lanes, with the same bits.
 #pragma once

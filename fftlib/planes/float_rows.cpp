@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "fftlib/planes/float_rows.h"
 
 #include <algorithm>

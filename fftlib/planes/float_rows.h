@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Planes of a picture of floats, and a picture of floats from its planes: not limited to 0 to 1.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Planes of a picture, and a picture from its planes, a piece of a row at a time.
 #pragma once
 

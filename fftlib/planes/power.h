@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Powers of numbers from 0 to 1, on any number of lanes with the same bits.
 //
 // The C library's pow gives other bits on another system, and takes one number at a time.

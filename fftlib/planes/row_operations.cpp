@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "fftlib/planes/row_operations.h"
 
 #include <cstdint>

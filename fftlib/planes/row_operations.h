@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The inner loops over rows of 16-bit pixels with four channels, which is what frames are,
 // and over rows of a spectrum. They stand in builds that give the same bits: plain loops,
 // AVX2, and AVX-512 for what gains by it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Compiled for AVX2 alone, and entered only where the processor has it. The order of
 // operations is that of the plain loops, rounding for rounding.
 #include "fftlib/planes/row_operations.h"

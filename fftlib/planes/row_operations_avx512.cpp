@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Compiled for AVX-512 alone, and entered only where the processor has it: the emphasis
 // curve, which is arithmetic throughout. The other loops wait for memory, and are AVX2's.
 #include "fftlib/planes/row_operations.h"

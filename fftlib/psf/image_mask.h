@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A soft disc cut out of a picture becomes a PSF mask.
 #pragma once
 

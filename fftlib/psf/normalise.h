@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A PSF becomes one of sum 1 whose middle is sample (0, 0).
 #pragma once
 

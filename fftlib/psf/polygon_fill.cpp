@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "fftlib/psf/polygon_fill.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Convex polygons into 8-bit masks, with exact area antialiasing.
 //
 // Coordinates are continuous: pixel (i, j) covers the unit square from (i, j) to

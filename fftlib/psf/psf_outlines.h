@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The outlines of apertures, as polygons in the pixels of a mask.
 #pragma once
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # Completion of glimmerhost's command line in bash. Commands, options and their values are the
 # program's word.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // ChunkReport: the chunks of a shot on this machine, told as one shot.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // FarmEngine: where the chunks of a job are rendered.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // FarmJob: a shot cut into chunks, each rendered by a process of its own, and then checked.
 #pragma once
 

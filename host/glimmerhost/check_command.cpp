@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // glimmerhost check: whether the outputs of a manifest are all there, and what was written.
 #include <filesystem>
 

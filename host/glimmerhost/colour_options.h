@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The options about colour spaces.
 #pragma once
 

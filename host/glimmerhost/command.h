@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A command of the program, and the list of all of them.
 #pragma once
 

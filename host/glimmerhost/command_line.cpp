@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/glimmerhost/command_line.h"
 
 #include <CLI/CLI.hpp>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What --help and completion print.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // glimmerhost info: which engines there are, what the module registered, and the parameters of its
 // page.
 #include <filesystem>

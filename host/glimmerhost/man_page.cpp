@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/glimmerhost/man_page.h"
 
 #include <CLI/CLI.hpp>

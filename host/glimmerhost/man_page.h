@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The manual, from the list of commands and their options.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Writes the manual while the program is built: man_page FRAME OUTPUT.
 #include <fstream>
 #include <iostream>

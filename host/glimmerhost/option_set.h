@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // OptionSet: the options of one command, once for the parser and once for everything that tells of
 // them: --help, completion and the manual.
 #pragma once

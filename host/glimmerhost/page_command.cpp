@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // glimmerhost page: a picture with the effect's handles on it.
 #include <ostream>
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // glimmerhost presets: the looks that come with the program.
 #include <algorithm>
 #include <cstddef>

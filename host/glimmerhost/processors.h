@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // How many processors the process works on.
 #pragma once
 

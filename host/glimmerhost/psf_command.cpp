@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // glimmerhost psf: what a point of light becomes, as a picture to look at.
 #include <algorithm>
 #include <cmath>

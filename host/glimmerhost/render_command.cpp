@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // glimmerhost render: pictures through the effect, one or a shot of them.
 #include <optional>
 #include <ostream>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/glimmerhost/render_options.h"
 
 #include "host/pictures/colour_config.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What render and submit are asked for, and the options that say it.
 #pragma once
 

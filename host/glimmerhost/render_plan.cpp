@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/glimmerhost/render_plan.h"
 
 #include "host/looks/parameter_file.h"

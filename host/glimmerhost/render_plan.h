@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // RenderPlan: all that was typed, turned once into what is done. Behind it nobody reads options.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What every command that renders is asked for, and the options that say it.
 #pragma once
 

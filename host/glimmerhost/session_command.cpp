@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // glimmerhost session: a person at the effect's page, played from a script.
 #include <filesystem>
 #include <string>

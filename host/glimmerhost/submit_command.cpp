@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // glimmerhost submit: a shot in chunks, by processes on this machine or by the jobs of a farm.
 #include <algorithm>
 #include <charconv>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/glimmerhost/typed_arguments.h"
 
 namespace glimmerhost {

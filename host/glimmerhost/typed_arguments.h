@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The options of a command as they were typed, for another process that is to be given the same.
 #pragma once
 

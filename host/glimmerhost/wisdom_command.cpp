@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // glimmerhost wisdom: where plans of the transforms are kept, and measuring them ahead.
 #include <algorithm>
 #include <chrono>

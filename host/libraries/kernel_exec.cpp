@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "hostframe/interfaces/factory.h"
 
 namespace quantel {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a frame will take, known before it is rendered.
 #pragma once
 

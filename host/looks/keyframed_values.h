@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The store's values over a shot: constant, or by keyframes.
 #pragma once
 

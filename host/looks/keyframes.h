@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Values that change over a shot, as people write them: "0=50; 24~=60; -1=220".
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The keys of the module's store that this host knows by name. All others are the page's alone.
 #pragma once
 

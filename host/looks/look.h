@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Look: everything that decides what becomes of a frame, as it is typed. Look files hold it.
 #pragma once
 

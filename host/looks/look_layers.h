@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The looks that a render is put together from, one over the other.
 #pragma once
 

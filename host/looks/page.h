@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The page: which parameters the effect has, when a person sees them, and by which options they are
 // typed.
 //

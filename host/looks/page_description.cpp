@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/looks/page_description.h"
 
 #include <algorithm>

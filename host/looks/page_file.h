@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Where this host's page of the effect lies.
 #pragma once
 

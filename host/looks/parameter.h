@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A parameter of the effect: its kind, its range and its default.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The entries of a parameter file, before anything is known of what they mean.
 #pragma once
 

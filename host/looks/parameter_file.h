@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Files with looks: TOML for hands, JSON for machines, by the file's ending .json.
 //
 // A key is an option without its dashes (shape = "image", radius-psf1 = "20px", match = true,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // TOML from a file, whatever letters its name has.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The TOML library, as every file of the program must see it.
 #pragma once
 

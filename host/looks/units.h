@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Values with units, as they are typed on the command line.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/module/border_pictures.h"
 
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What this host offers of clips and targets: frames over pictures in memory.
 #pragma once
 

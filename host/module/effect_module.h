@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // EffectModule: a loaded module with its classes, as this host uses them.
 #pragma once
 

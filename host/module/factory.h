@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Factory: where modules register their classes, and what hands out this host's services.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the module would keep to itself: it says nothing of a frame that it could not work on, and
 // leaves it as a copy of its source.
 #pragma once

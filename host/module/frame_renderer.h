@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // FrameRenderer: frames through the effect's border, one after another.
 #pragma once
 

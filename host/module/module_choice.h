@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Which module a command runs, and by which engine that one works.
 #pragma once
 

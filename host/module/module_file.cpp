@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/module/module_file.h"
 
 #include "host/support/failure.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // ModuleFile: a plug-in module's library, loaded and unloaded.
 #pragma once
 

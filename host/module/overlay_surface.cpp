@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/module/overlay_surface.h"
 
 #include <algorithm>

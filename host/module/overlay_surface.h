@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // OverlaySurface: what a module draws over the picture, kept so that it can be painted onto a
 // picture, or shown by others, whenever one is looked at.
 //

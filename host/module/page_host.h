@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The host's side of a page: its widgets, its timeline, and what a module reaches them by.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // ParameterStore: the values that a module reads and writes, under their keys.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/module/second_clip.h"
 
 #include <algorithm>

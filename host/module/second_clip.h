@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The frame of the second clip, which the image shape takes its aperture from.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Between straight and premultiplied alpha.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // BeyondReader: a picture that this program's own readers leave to the plug-in.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Between the channels of a file and the four of a Picture.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // ColourConfig: colour spaces by their names, from a configuration of OpenColorIO.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/pictures/colour_path.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // ColourPath: what becomes of a file's colours on their way into a picture, and on their way out.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // FileBytes: the bytes of a file, for libraries written in C.
 //
 // Opened by whatever name the system allows, and no operation throws: an exception must not

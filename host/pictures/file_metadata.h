@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a PNG or TIFF file says beside its samples, as both formats can pass it on.
 #pragma once
 

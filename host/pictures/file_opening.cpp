@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Apart from the rest of FileBytes: the plug-in for pictures has the rest, and must not have a list
 // of temporary files of its own.
 #include <mutex>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Between the floats of a file and the 16 bits of a Picture.
 #pragma once
 

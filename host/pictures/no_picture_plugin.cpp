@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A system whose programs have PNG and TIFF alone.
 #include <stdexcept>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a file says or holds and its successor does not.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Pictures one after another on a pipe, in the PAM format: a short text, then the samples.
 //
 //   P7

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Picture: one picture in memory, as the effect sees it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Pictures from and to files, in the formats that this build knows.
 #pragma once
 

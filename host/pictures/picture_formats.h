@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The file formats that this build reads and writes: PNG and TIFF by itself, others by a plug-in
 // where the system has it. Of PNG and TIFF the plug-in does what the program itself would do with
 // a loss.

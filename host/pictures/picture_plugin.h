@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What program and picture plug-in are to each other: the formats and the colour spaces that need
 // large libraries, in a file of their own, which is opened when a command has use for one.
 //

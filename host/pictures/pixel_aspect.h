@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Pixel aspects: files hold a number, the effect wants two whole ones.
 #pragma once
 

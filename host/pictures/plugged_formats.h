@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Formats that the program has not itself, by a plug-in where the system has one.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // QuietStderr: nothing that a thread says reaches stderr for the length of a scope.
 //
 // Libraries under the picture library write lines of their own when a file is broken; this

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // RangeMapping: how the values of a floating-point file, which have no upper end, come into the
 // 0 to 1 that the effect works on, and back.
 #pragma once

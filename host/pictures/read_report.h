@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a person may choose about the reading of a picture, and what is to be said of it.
 #pragma once
 

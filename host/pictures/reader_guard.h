@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What is looked for in a file before a library reads it that would not survive it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/frame_work.h"
 
 #include <filesystem>

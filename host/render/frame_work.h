@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // FrameWork: one frame on its way through a render.
 //
 //   Loader  --Put-->  loaded  --Take-->  Renderer  --Put-->  rendered  --Take-->  Writer

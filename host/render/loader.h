@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Loader: reads the frames of a shot, one after another, and settles what the effect is given.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Renderer: takes loaded frames through the effect, one after another.
 #pragma once
 

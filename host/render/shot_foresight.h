@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the frames of a shot will take, all together.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/shot_render.h"
 
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A shot through the effect, frame by frame. While the effect works on one, the next is read and
 // the one before is written.
 #pragma once

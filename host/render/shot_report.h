@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // ShotReport: what a person, or a machine, is told while a shot is rendered. All on stderr.
 #pragma once
 

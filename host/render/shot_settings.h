@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // ShotSettings: what is the same for all frames of a shot, and decides what becomes of them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Writer: writes rendered frames, notes them in the manifest and tells what became of each.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // PageSession: a person at the effect's page and its handles, without a window.
 //
 // It calls a UI instance in the order in which a host does, and renders by an instance of its

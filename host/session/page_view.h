@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The page as a person sees it: row by row, with what is shown and what can be changed.
 #pragma once
 

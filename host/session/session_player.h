@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // SessionPlayer: carries out the steps of a session.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A session's script: one step a line, checked as a whole before anything is done.
 #pragma once
 

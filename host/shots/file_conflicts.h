@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Files of a shot that are one and the same, where that would lose one of them or let a frame
 // depend on those before it.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What tells whether a file is the same: XXH3 of 128 bits, as "xxh128:" and 32 digits. It finds
 // accidents; it is no proof against somebody who wants another file to pass.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Names of files with a place for the frame's number: shot.####.exr, shot.%04d.exr.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Lists of frames, as people write them: "1-10,20-30", "1-100x5", "100-1", "-5-5".
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A manifest: for each frame of a shot a line of JSON that says what went in and what came out.
 #pragma once
 

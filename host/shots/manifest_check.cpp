@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/shots/manifest_check.h"
 
 #include <iostream>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Manifests held against the outputs that they tell of.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a render of a shot reads and writes, frame by frame, before anything is rendered.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Reading of a file that another program may not have finished.
 #pragma once
 

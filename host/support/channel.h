@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Channel: hands things from one thread to the next, in order.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // ChildProcess: another program, started by this one and read from while it runs.
 //
 // All of them are in one list, so that a signal that ends this program (ending.h) ends them too.

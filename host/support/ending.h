@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What happens when somebody ends the program before its work is done.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include <pthread.h>
 #include <signal.h>
 #include <unistd.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // How the program ends when it cannot do what was asked.
 #pragma once
 

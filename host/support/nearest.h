@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The nearest of some names to a mistyped one.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Progress: one line on a terminal that says what is being done.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the program asks of the system beyond the C++ library. One source a system defines it.
 #pragma once
 

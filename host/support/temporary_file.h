@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // TemporaryFile: an output that is not whole yet, under a name of its own beside its place.
 //
 // The name, .shot.0001.HOST-PID.part.exr for shot.0001.exr, keeps the ending, which libraries

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Between the border's 16-bit text and the program's UTF-8, and between text and numbers.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Names of files between texts, which are UTF-8 throughout this program, and the library's paths.
 #pragma once
 

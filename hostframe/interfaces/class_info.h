@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // cClassInfo: what a class of the border says of itself, and the descriptions of the
 // interfaces that host and modules share.
 #pragma once

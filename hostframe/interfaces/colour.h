@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // cColour: the host's colour value, from the library Quantel_KernelMedia.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The host's factory: classes go in as constructor objects, instances come out.
 //
 // Operations named reserved… are the host's own, here and in the other interfaces: they hold

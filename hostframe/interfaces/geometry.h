@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Small values of the border, all passed and returned by value.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // cGuid: a 128-bit identity with a descriptive text, parsed from one wide string.
 //
 //   {260FF26F-E1F4-4EA4-AB7A-F90E7B6D3FB4} // Qplugin GUI Interface

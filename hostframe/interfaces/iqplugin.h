@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // iQplugin: where a module's texts for the user go.
 #pragma once
 

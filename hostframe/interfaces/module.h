@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a module exports, and what it is handed when it is loaded.
 #pragma once
 

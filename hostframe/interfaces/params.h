@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // iQpluginParams: the host's store of parameter values.
 #pragma once
 

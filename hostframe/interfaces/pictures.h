@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Frames, the clips that they come from, and the target that they go to.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a host calls on the render instance of an effect.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // cPtr: the counted pointer of the host's border.
 //
 // Two words: the object, and the count inside the same object. They travel

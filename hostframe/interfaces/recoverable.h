@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The exceptions of the border: cRecoverable and its three kinds.
 //
 // They are thrown by value and caught by reference, on either side of the border.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The count that a cPtr shares with the object it points at.
 #pragma once
 

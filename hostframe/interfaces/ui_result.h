@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The host's side of one user-interface instance: page, overlay surface, timeline.
 #pragma once
 

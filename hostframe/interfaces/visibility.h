@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // How names cross a library border.
 //
 // QTL_BORDER marks a type that two libraries share: its run-time type

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A small bounded formatter for 16-bit text.
 //
 // Conversions: %s takes text, %c one character, %d an int, %% is a percent sign.

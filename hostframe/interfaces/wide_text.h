@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The text of the border: strings of 16-bit characters on every system.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The least that a host offers a module to render a still: a start for authors of hosts.
 //
 // Each class answers one interface of the border. Whoever writes a real host replaces them one by

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "imagelib/imagelib/row_dispatch.h"
 
 namespace lx {

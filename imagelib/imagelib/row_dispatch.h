@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Row work of this library, through the dispatcher's slot.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "baselib/threads/clock.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "baselib/utils/console.h"
 
 #include <gtest/gtest.h>

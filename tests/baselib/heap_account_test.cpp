@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The account of blocks by itself. 0x1430, 0x2980 and 0x4270 share a bucket (12007) where
 // pointers have eight bytes.
 #include <gtest/gtest.h>

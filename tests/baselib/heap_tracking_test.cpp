@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The allocator under its switches: what it does, what it enters, what it says.
 #include "baselib/utils/heap_tracking.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the system's platform promises to the services above it.
 #include "baselib/platform/platform.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the platform does with processors, devices and modes that only a POSIX system has.
 #include <dlfcn.h>
 #include <gtest/gtest.h>

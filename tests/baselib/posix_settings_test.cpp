@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The settings of a system without a registry.
 #include <gtest/gtest.h>
 #include <pwd.h>

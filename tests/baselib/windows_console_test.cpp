@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The debug console, as a real one.
 #define WIN32_LEAN_AND_MEAN
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The platform's promises, held against what the system itself says.
 #define WIN32_LEAN_AND_MEAN
 #include <gtest/gtest.h>

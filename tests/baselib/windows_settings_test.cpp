@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The machine's settings, in the real registry. What stood there comes back.
 #define WIN32_LEAN_AND_MEAN
 #include <gtest/gtest.h>

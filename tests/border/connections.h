@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a host connects to a render instance: one clip, one target, the parameters.
 #pragma once
 

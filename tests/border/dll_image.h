@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A DLL's own tables, read from where the system has mapped it.
 #pragma once
 

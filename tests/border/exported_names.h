@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a library exports, as its file tells it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Frames whose outputs are kept in golden/, so that every system can be held to the same ones.
 //
 // A file holds width and height and then the samples row by row, all as 16 bits with the low byte

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The module's file, loaded for the length of a scope.
 #pragma once
 

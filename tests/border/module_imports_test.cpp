@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What has to be on a machine for the module to load there.
 #include <gtest/gtest.h>
 

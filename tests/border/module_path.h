@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The module's file that the tests are about, by its engine.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Lets the loaded module see one processor for the length of a scope.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Where the transform library is one of its own, which the module brings into the process.
 #include <gtest/gtest.h>
 

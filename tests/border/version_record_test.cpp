@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a person reads in the properties of the module's file.
 #define WIN32_LEAN_AND_MEAN
 #include <gtest/gtest.h>

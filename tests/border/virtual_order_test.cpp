@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The order of virtual operations, by slot number: a host built elsewhere calls by place and
 // not by name. A class with a virtual destructor has two slots for it here.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # Looks at the compile commands of a build: of options that replace each other the last one counts.
 #
 #   cmake -D COMMANDS=FILE -D OPTIMISATION=-O1 -D TESTS_OPTIMISATION=-O1 -D DEBUGGING=-g1

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: BSD-3-Clause
 # What a person sees who starts scripts/glimmerhost in a fresh clone, with a build of 25 steps in place of
 # ours: CMake is a stand-in that calls ninja, and all packages are installed.
 #

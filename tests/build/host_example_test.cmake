@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # Builds the example of a host as its author would, against an installation, and has it render.
 #
 #   cmake -D INSTALLED=FOLDER -D BUILD=FOLDER -P host_example_test.cmake

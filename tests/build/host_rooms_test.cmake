@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # Fails where a room of the program includes from one that stands above it, links one, or has become
 # too large to be looked through.
 #   ROOT  the tree

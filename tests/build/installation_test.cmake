@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # Installs a build as a package would, and looks at what is where.
 #
 #   cmake -D BUILD=FOLDER -D LIBRARIES=lib/x86_64-linux-gnu -D INSTALLED=FOLDER -P installation_test.cmake

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # Fails where a room of the engine includes from one that it must not know.
 #   ROOT  the tree
 # Link order alone would let a header through.

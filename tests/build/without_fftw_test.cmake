@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # Builds modules and program without FFTW, and looks for anything of it that came in all the same.
 #
 #   cmake -D SOURCE=FOLDER -D BUILD=FOLDER -D LAUNCHER=PROGRAM -P without_fftw_test.cmake

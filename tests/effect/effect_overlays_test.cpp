@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the effect draws on the picture and hears of the mouse.
 #include <gtest/gtest.h>
 

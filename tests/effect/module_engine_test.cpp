@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The engine that the module has, against what its footprint tells of it.
 #include "effect/module_engine.h"
 

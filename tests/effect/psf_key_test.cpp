@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "effect/psf_key.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "tests/effect/recording_engine.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // An engine that computes nothing and records what it is asked.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What every system's C library has. The operators have other names where a size is another type.
 #include "tests/fftkernels/counted_heap.h"
 

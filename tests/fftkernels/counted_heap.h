@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Every allocation that the linked program makes, counted. The linker puts a counting twin in the
 // place of each function that allocates; which they are differs between systems.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The same transforms by FFTW, in the kernels' orders: the measure of how little a transform of a
 // width can err on average.
 #pragma once

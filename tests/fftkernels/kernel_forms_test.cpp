@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Each form that the machine has, called by name: the kernels themselves run only the fastest.
 #include <gtest/gtest.h>
 

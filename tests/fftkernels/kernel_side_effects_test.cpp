@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a call may not do or need: every operation of every size.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The kernels as tables of functions, for tests that go over all thirteen sizes.
 #pragma once
 

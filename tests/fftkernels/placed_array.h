@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // An array at a chosen distance from an aligned address, between numbers that nobody may touch.
 #pragma once
 

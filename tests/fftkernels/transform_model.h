@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the transforms must give: the plain sum over all samples in long double, and how far from
 // it they may be. Nothing here is taken from the kernels.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "hostframe/interfaces/guid.h"
 
 #include <gtest/gtest.h>

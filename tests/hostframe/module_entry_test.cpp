@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "hostframe/module_entry.h"
 
 #include <gtest/gtest.h>

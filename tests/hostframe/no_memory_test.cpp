@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the module does where an object cannot be allocated. The program's operator new is
 // replaced here, in the form that answers null.
 #include <gtest/gtest.h>

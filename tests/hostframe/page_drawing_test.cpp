@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a page draws on the picture, as whole logs.
 #include <gtest/gtest.h>
 

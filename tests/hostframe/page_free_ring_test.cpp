@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A ring with all its handles, which no page shows.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Press, drag and release through a page, as whole logs.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A whole render with every block in the account.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The mouse on the picture, through a UI instance. A picture of 720 x 576, in which the
 // host's points count y downwards.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The page: which calls a UI instance makes on the host's store, dialog and result, in which
 // order.
 #include <gtest/gtest.h>

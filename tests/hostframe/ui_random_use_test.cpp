@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Any use of a page, for as long as it takes: what was handed out comes back.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "library/host_exchange.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Press, drag and release on the handles. A picture of 200 x 100, events with y upwards.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What overlays draw, call by call. A picture of 200 x 100; y of the effect counts upwards,
 // y of the surface downwards.
 #include <gtest/gtest.h>

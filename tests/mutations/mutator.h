@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What happens to files and command lines on their way, decided by a seed alone.
 #pragma once
 

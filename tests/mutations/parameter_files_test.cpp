@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Parameter files that anything has happened to.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Pictures that something has happened to, as the input of a render.
 #include <gtest/gtest.h>
 

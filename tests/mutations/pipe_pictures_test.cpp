@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Streams of pictures that something has happened to.
 #include <gtest/gtest.h>
 

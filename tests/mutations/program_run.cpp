@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "tests/mutations/program_run.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Runs of the program in this process, in a folder of files that are there again before each.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What holds for every run, whatever it was given.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "tests/mutations/seed_files.h"
 
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The files that mutations begin with: small ones, so that a run is short.
 #pragma once
 

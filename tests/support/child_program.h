@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Another program, run to its end.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "tests/support/colour_recorder.h"
 
 namespace lx_test {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Which colours are asked for their red, green and blue.
 //
 // A program that links test_colour before the host's library has the toRGB of the recorder,

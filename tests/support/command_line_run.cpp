@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "tests/support/command_line_run.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The program's command line, run in this process.
 //
 // By the function that main calls, exit codes included. A process of its own would take a hundred

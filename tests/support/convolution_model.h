@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the engine computes, by its definition and with none of its code.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Divides an engine's passes as a test asks, and notes them.
 #pragma once
 

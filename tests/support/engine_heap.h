@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What an engine takes of memory, whichever heaps its kind takes it from.
 #pragma once
 

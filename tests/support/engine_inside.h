@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a test may see of an engine beyond its operations: the one place that knows where it is
 // kept.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A host that records every call on its interfaces, and answers what a test gives it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The host's side of a page, recorded: result, dialog, overlay surface, timeline.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "tests/support/fft_recorder.h"
 
 #include <algorithm>

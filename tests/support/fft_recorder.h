@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The transform library with a log of its calls and faults on demand.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "tests/support/fresh_services.h"
 
 #include "baselib/threads/module_state.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The base services as a process finds them at its start: no pool, no cached answers.
 #pragma once
 

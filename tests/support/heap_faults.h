@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A heap that counts and can refuse, in place of the system's for the length of a scope.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Small frames and masks for the engine's kernel modes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the kernel modes compute, by plain sums in double and with none of the engine's code.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the log wrote while the standard error stream was captured.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Looks as they come to the store.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A picture to draw handles on and to drag them over: surface, view and store, recorded.
 #pragma once
 

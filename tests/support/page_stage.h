@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A UI instance among recorded host objects, which go on with it as a host would.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The system's platform with a log of what the services ask of it and faults on demand.
 #pragma once
 

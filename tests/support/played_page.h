@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A page played as a host plays it, and the calls that the host should see of it, written
 // down beforehand. All numbers are worked out by hand.
 #pragma once

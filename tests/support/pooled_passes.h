@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Hands an engine's passes to the pool, as the effect does.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The threads of this process, and what it may run them on.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The processors that this process may run on, as the system tells them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include <sched.h>
 
 #include "tests/support/processors.h"

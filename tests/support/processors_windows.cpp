@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "tests/support/registry_value.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A value of the registry that is a test's for the length of a scope. What stood there comes
 // back. One test at a time on the whole machine: the next one waits.
 #pragma once

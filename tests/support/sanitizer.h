@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Whether this is a build with a sanitizer, in which everything takes some ten times as long.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A folder of its own for a test, gone with it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Settings, directories and their paths as a test wants them, recorded.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Shared libraries, loaded by hand.
 #pragma once
 

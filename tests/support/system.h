@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What tests do to the system behind the platform's back.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The allocator's switches for the length of a scope, with empty accounts on both sides.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Planes in bands of magnitude: how a plane that spans more than a transform's precision is
 // convolved.
 //

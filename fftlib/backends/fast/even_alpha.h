@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Whether alpha is one value all over, as that of most pictures is: it then stays what it is, and
 // needs no transform.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Our own transforms of mixed radix, in double precision, on a grid whose sides just hold frame and
 // aperture.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The column passes of this back-end: a block of eight columns at a time.
 #pragma once
 

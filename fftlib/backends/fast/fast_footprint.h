@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a frame takes where our own transforms of mixed radix do the work.
 #pragma once
 

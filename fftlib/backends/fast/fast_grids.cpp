@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "fftlib/backends/fast/fast_grids.h"
 
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The buffers of one grid, and the plans that go with them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // How large the buffers of this back-end are.
 #pragma once
 

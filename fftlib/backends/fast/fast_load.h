@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // From a mask to the spectrum of its PSF.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The row passes of this back-end, eight rows at a time: from pictures to planes of row spectra and
 // back. A pass writes only its own rows.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Transforms of many lines at once: eight rows, or eight columns, a lane each.
 //
 // Rows lie in a buffer that holds number x of all eight together; a row of real numbers is one of

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Vectors of 128 bits, which every x86-64 and every arm64 processor has.
 #include "fftlib/backends/fast/line_operations.h"
 #include "fftlib/backends/fast/line_operations_of.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Compiled for AVX2 alone, and entered only where the processor has it.
 #include "fftlib/backends/fast/line_operations.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The line operations of one form: for the sources that are compiled for one instruction set each.
 //
 // Form is a type of the source's own, and lanes how many doubles its vectors hold.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // One line at a time: what the other forms are measured by.
 #include "fftlib/backends/fast/line_operations.h"
 #include "fftlib/backends/fast/line_operations_of.h"

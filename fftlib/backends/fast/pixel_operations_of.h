@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Between eight rows of pixels and planes in buffers, in one form.
 //
 // A pixel of four 16-bit channels is one 64-bit lane, so that turning rows into lanes costs one

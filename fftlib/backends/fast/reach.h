@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What an aperture reaches from a set of pixels: an exact dilation, on rows of bits.
 //
 // A row's bits begin with the pixels left of the frame. Behind them stand, level by level, the same

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What ways work in: as many pieces of a block as may be in use at once.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The transform library, as the engine calls it.
 //
 // The table is a seam: a test can count the calls, refuse one, or answer in the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "fftlib/backends/fftw/fft_grids.h"
 
 #include <cstddef>

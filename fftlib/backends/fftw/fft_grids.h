@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Square grids of doubles, their spectra, and the plans that transform them, for one size.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // One engine's hold on the transform library: its threads, how plans are made, and their wisdom.
 #pragma once
 

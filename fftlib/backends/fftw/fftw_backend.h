@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The effect as it is written: transforms by FFTW in double precision, in a square grid whose side
 // is a power of two.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The row passes of this back-end. Grids are square, of doubles; a pass writes only its own rows.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Threads for the transform library's jobs, in the place of its own: these can be awaited.
 //
 // They are started as jobs ask for them and stay for the next ones. Several callers may run

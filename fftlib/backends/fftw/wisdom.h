@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The file that keeps what the transform library has learnt by measuring. Under FftPlannerLock.
 #pragma once
 

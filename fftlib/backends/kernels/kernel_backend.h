@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Transforms by the fixed-size kernels, in double or single precision, in a grid whose sides are
 // padded apart. Grids hold complex samples, which become their own spectrum in place; the order of
 // frequencies is the kernels', and never restored.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a frame takes where the fixed-size kernels transform it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The passes of this back-end between pictures and grids of complex samples. T, float or double,
 // is what these are made of; each pass writes only its own rows.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Trace: the calls that cross the border, line by line.
 //
 // Traced() puts an object of the host's between it and the module that says each call with

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Tracing of what a module calls on the host itself: factory, messages, its own description.
 #include "host/module/trace/traced_object.h"
 

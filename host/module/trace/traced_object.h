@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the tracing stand-ins share; included by their sources alone.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Tracing of what a page's module calls: store, result, dialog, surface, timeline.
 #include "host/module/trace/traced_object.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Tracing of what a module calls for pictures: inputs, clips, frames, formats, targets.
 #include "host/module/trace/traced_object.h"
 

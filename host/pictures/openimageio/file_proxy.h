@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // FileProxy: a new file for OpenImageIO to write to, which notices what does not get there.
 //
 // The library's own does not look whether the last of what it has buffered was taken: on a full

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Between the samples of a file and a picture whose colours go by a ColourPath.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/pictures/openimageio/opencolorio_config.h"
 
 #include <OpenColorIO/OpenColorIO.h>

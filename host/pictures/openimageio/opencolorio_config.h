@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Colour configurations by OpenColorIO.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Which of the channels and parts of a file that OpenImageIO reads are the picture's.
 #pragma once
 

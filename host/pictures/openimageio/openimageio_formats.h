@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Pictures in all formats that OpenImageIO reads and writes. As the functions of picture_formats.h
 // are, and by their kinds of exceptions.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a file that OpenImageIO reads says beside its samples, and how it goes on to another one.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/pictures/openimageio/openimageio_output.h"
 
 #include <sys/mman.h>

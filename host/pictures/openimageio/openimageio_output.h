@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Files written by OpenImageIO, without its habit of overlooking a full disk.
 #pragma once
 

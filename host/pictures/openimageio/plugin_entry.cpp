@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The plug-in's one exported name.
 #include <exception>
 #include <new>

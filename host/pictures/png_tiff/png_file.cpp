@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/pictures/png_tiff/png_file.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Pictures in PNG files, by libpng.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // PngLibrary: libpng's records for one file.
 //
 // libpng tells of an error by a call that must not return, and knows no exceptions. So its

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Between a PNG file's ancillary chunks and FileMetadata.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The program's own formats, PNG and TIFF: small libraries, which are there within milliseconds.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The directories of a TIFF file as they stand in it: libtiff tells only of the tags that it is
 // asked for, and leaves the picture when it is asked for another directory.
 #pragma once

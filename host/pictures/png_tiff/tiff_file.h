@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Pictures in TIFF files, by libtiff.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // TiffLibrary: libtiff's record of one file, with what it says about it kept off stderr.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/pictures/png_tiff/tiff_metadata.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Between a TIFF file's tags and FileMetadata.
 #pragma once
 

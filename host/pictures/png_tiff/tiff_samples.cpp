@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/pictures/png_tiff/tiff_samples.h"
 
 #include <algorithm>

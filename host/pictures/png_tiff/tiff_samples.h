@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The samples of a TIFF file's blocks, of whatever width, as whole rows of words or floats.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Roots of unity in long double, by the C library, from the first eighth of the circle.
 #pragma once
 

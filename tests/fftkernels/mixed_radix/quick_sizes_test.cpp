@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "fftkernels/mixed_radix/quick_sizes.h"
 
 #include <gtest/gtest.h>

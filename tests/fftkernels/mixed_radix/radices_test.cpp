@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Every small transform against the definition, on plain numbers and on vectors.
 #include "fftkernels/mixed_radix/radices.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "fftkernels/mixed_radix/roots.h"
 
 #include <gtest/gtest.h>

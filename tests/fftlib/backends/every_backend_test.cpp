@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What holds for every back-end, whatever it transforms by.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The back-ends that every test of back-ends runs over: those of the list, and one of the tests'.
 #pragma once
 

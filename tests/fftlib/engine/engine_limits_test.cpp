@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Sizes, margins and images that the mode of the transform library takes or refuses, seen in
 // what an engine answers and in the grids that it asks for.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The engine's passes on the pool, as the effect hands them over.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Which lengths of lines there are transforms for.
 #include "fftlib/lines/line_transforms.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Where outlines are rounded to single precision on their way to a mask.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "fftlib/psf/psf_outlines.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/farm/farm_job.h"
 
 #include <gtest/gtest.h>

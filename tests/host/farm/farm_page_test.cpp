@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the page on farms tells a new user to type, as it stands there.
 #include <gtest/gtest.h>
 

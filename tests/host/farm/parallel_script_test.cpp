@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The script that renders by GNU parallel, as people have it.
 #include <gtest/gtest.h>
 

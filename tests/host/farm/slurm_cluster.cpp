@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "tests/host/farm/slurm_cluster.h"
 
 #include <arpa/inet.h>

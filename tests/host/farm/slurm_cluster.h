@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A farm of two nodes on this machine, with daemons of its own.
 //
 // One process starts it, others use it one after the other, and the last one ends it. Where it is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What is handed over to Slurm, by commands that take down what they are given.
 #include <gtest/gtest.h>
 

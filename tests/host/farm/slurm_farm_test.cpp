@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The farm that the other tests of this program share: CTest runs these before and after them.
 #include <gtest/gtest.h>
 

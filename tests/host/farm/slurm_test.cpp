@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Shots on a real farm.
 #include <gtest/gtest.h>
 

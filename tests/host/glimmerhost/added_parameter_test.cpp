@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A parameter that is added to the page's file, and to nothing else.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A module whose render throws what a module may throw.
 #include <cstdint>
 

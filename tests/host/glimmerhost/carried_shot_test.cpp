@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Shots whose frames say more than their samples.
 #include <OpenImageIO/imageio.h>
 #include <gtest/gtest.h>

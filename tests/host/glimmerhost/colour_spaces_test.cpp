@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Colour spaces of a small configuration, whose numbers are worked out by hand.
 #include <OpenImageIO/imageio.h>
 #include <gtest/gtest.h>

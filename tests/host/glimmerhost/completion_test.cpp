@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Completion of the command line, asked for as bash does.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A module whose render leaves the frame as its source, as the effect does where it cannot work.
 #include <cstddef>
 #include <cstdint>

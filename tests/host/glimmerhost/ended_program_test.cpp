@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What is left of an output whose program was ended, or whose disk was full.
 #include <gtest/gtest.h>
 #include <signal.h>

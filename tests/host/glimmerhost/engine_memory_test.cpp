@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The memory that submit asks a farm for, by the engine of the module that will run there.
 #include <gtest/gtest.h>
 

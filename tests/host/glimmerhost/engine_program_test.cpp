@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The engines of the effect as a person chooses one.
 #include <gtest/gtest.h>
 

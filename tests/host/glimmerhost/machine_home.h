@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A home directory that the machine's settings name, for programs of this test alone where the
 // system allows that. Elsewhere the settings come back at the end, and no two tests have them at
 // once.

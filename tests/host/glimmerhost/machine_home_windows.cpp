@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "tests/host/glimmerhost/machine_home.h"
 #include "tests/support/registry_value.h"
 

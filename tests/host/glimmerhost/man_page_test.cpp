@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The man page and --help, of which neither may lack what the other has.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Colour spaces in a program without colour management.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A module of one class, for what the host does with others than the effect's. Include it once, in
 // the source of a module that names its class: using ModuleClass = ...;
 #pragma once

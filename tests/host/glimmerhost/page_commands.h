@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The commands that a page of the documents tells a person to type.
 #pragma once
 

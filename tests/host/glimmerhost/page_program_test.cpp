@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The page and its handles as a person plays them through the program.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The plug-in for pictures: what takes it, what does without it, and what is said where it is not.
 #include <gtest/gtest.h>
 

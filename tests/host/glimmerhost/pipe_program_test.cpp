@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Pictures that come and go one after another, as between programs.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The looks that come with the program, and looks as the program takes them.
 #include "host/looks/presets.h"
 

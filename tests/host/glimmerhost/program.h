@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The program as a person runs it, in a folder of its own.
 #pragma once
 

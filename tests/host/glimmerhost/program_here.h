@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The program in the test's own process, for what starts no thread that outlives it and narrows
 // nothing: a start of its own costs more than most of what is asked.
 #pragma once

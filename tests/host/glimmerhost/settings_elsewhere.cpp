@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Loaded into the program before everything else, so that a test can give it machine settings:
 // files of /etc are opened below the folder that SETTINGS_ELSEWHERE names.
 #include <dlfcn.h>

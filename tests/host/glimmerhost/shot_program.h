@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A shot to render, in a folder of its own.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Shots as a person renders them.
 #include "tests/host/glimmerhost/shot_program.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Shots in chunks, as a person submits them to this machine.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Measured plans of the engine that has them, as a person keeps them. The machine's settings are
 // the test's own.
 #include <gtest/gtest.h>

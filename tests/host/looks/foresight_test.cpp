@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the program foresees of a frame, against the effect itself at work on it.
 #include "host/looks/foresight.h"
 

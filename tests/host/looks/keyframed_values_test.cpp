@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/looks/keyframed_values.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What --save-params writes, read back.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Typed options as they come to the store.
 #include <gtest/gtest.h>
 

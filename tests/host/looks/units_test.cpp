@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/looks/units.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/module/frame_checks.h"
 
 #include <gtest/gtest.h>

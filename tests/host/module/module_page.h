@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A module's page on the objects of this host, with each call of the module noted in front of them.
 #pragma once
 

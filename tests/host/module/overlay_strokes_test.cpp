@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The strokes that a module's drawing leaves for others to read.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The host's side of a page: what a module finds there, and what others hear of it.
 #include "host/module/page_host.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // PNG and TIFF files by the program's own readers and writers beside the plug-in's: wherever the
 // own ones do not decline, nobody can tell which it was.
 #include <OpenImageIO/imageio.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Headers that claim what no file holds and no machine has.
 #include <gtest/gtest.h>
 

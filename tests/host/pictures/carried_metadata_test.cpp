@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What travels with a picture from one file to the next, and what is said of the rest.
 #include <OpenImageIO/imageio.h>
 #include <gtest/gtest.h>

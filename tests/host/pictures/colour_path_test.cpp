@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // How alpha and odd values fare around a transform of colours.
 #include "host/pictures/colour_path.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The bytes of a file, as libraries written in C move about in it.
 #include "host/pictures/file_bytes.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Pictures of floating point: what comes in, what is said of it, and what goes out.
 #include <OpenImageIO/imageio.h>
 #include <gtest/gtest.h>

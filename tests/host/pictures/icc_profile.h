@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A small profile of colours for tests of what files carry.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "tests/host/pictures/odd_pictures.h"
 
 #include <gtest/gtest.h>

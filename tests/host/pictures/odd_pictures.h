@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // PNG and TIFF files of kinds that the program reads and does not write.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Picture files of the formats that only OpenImageIO reads and writes.
 #include <OpenImageIO/imageio.h>
 #include <gtest/gtest.h>

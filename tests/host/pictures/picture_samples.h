@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Pictures and files of them for the tests of every library of formats.
 #pragma once
 

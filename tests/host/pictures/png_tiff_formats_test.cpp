@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Picture files by libpng and libtiff: of all the kinds that other programs write.
 #include <gtest/gtest.h>
 #include <png.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What PNG and TIFF files say beside their samples, carried from one to the other.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Files that were valid once: each reads, or is refused in one line.
 #include <gtest/gtest.h>
 #include <png.h>

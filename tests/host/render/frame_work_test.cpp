@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What loader, renderer and writer share: a frame's faults, and the ends of their loops.
 #include "host/render/frame_work.h"
 

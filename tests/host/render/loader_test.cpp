@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The loader alone: what it puts into its channel, and when it stops.
 #include "host/render/loader.h"
 

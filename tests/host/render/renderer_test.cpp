@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The renderer alone, with modules whose render is known: one copies the frame, one throws.
 #include "host/render/renderer.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Loader, renderer and writer together, on their threads: whichever ends first ends the others.
 #include "host/render/shot_render.h"
 

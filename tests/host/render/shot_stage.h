@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A shot in a folder of its own, for the loader, the renderer or the writer alone.
 #pragma once
 

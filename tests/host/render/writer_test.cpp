@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The writer alone: what it leaves of rendered frames, and of those that are none.
 #include "host/render/writer.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/session/session_script.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "host/support/child_process.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Progress where somebody watches: on a terminal of the test's own.
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Progress where nobody watches stderr: only warnings are written.
 #include "host/support/progress.h"
 

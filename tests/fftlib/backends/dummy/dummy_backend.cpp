@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Convolves by plain sums: slow, and with nothing of a transform.
 #include <algorithm>
 #include <cstddef>

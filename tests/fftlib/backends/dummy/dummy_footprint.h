@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A back-end that no module has: what one needs beyond its folder is a line in the list.
 #pragma once
 

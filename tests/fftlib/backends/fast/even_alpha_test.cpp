@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Alpha that is one value all over goes through fast as it is, and any other alpha does not.
 #include <gtest/gtest.h>
 

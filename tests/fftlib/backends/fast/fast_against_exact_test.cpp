@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Frames of the back-end fast against those of exact, of fresh engines each.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Clean at any emphasis: what is dark stays as exact as what is bright, however far apart they are.
 #include <gtest/gtest.h>
 

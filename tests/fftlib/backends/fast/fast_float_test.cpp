@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Pictures of floats through the back-end fast: as they are without emphasis; with it above 1 as a
 // straight line, so that nothing is cut and nothing jumps.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The grids of the back-end fast: what they are, what they take, and that they are large enough.
 #include <gtest/gtest.h>
 

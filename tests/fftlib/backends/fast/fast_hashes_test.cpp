@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // One set of bits, whatever blurs: every form of the operations, any number of ways, any processor
 // and system. What they are stands here, so that machines agree that never meet.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Frames of the back-end fast depend on the aperture that was loaded last, and on nothing before.
 #include <gtest/gtest.h>
 

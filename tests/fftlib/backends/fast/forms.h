@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The forms of the line operations that this machine has.
 #pragma once
 

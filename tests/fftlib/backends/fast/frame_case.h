@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Frames for the back-end fast: random ones, each from a seed, and what an engine makes of them.
 #pragma once
 

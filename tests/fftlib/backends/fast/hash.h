@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A hash of what bytes a test has made, to be compared with one that is written down.
 #pragma once
 

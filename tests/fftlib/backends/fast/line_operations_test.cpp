@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The line operations: against the definition of what they do, and one form against the other.
 #include "fftlib/backends/fast/line_operations.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What a frame becomes by plain sums of positive numbers in long double: no transform, and none of
 // the engine's code. One sample at a time, for samples that a test has doubts about.
 #pragma once

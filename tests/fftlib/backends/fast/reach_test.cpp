@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What an aperture reaches, against every pixel of it tried by itself.
 #include "fftlib/backends/fast/reach.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The run without colour transform, by FFTW: what it makes of numbers between two samples, and
 // of arrays that a measured plan has overwritten.
 #include <gtest/gtest.h>

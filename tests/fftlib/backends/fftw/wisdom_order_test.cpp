@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // When what measuring has taught goes into its file.
 #include <gtest/gtest.h>
 

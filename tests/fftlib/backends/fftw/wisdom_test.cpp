@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // What the engine learns by measuring, and the file that keeps it.
 #include "fftlib/backends/fftw/wisdom.h"
 
