@@ -27,8 +27,7 @@ bool Look::operator==(const Look& other) const {
 std::vector<LookName> LookNames(const Page& page) {
   std::vector<LookName> names;
   for (const PageOption& option : page.Options()) {
-    names.push_back(
-        {option.name, option.keys.empty() ? std::vector{option.name} : option.keys});
+    names.push_back({option.name, option.keys.empty() ? std::vector{option.name} : option.keys});
   }
   for (const char* name : {kSpread, kAlpha, kPixelAspect}) {
     const bool known = std::any_of(names.begin(), names.end(),

@@ -18,19 +18,17 @@ Page Page::Load(const std::filesystem::path& file) {
 }
 
 const PageOption* Page::OptionOf(const std::string& key) const {
-  const auto found =
-      std::find_if(options_.begin(), options_.end(), [&](const PageOption& option) {
-        return option.keys == std::vector<std::string>{key};
-      });
+  const auto found = std::find_if(options_.begin(), options_.end(), [&](const PageOption& option) {
+    return option.keys == std::vector<std::string>{key};
+  });
   return found == options_.end() ? nullptr : &*found;
 }
 
 const PageOption* Page::SharedOptionOf(const std::string& key) const {
-  const auto found =
-      std::find_if(options_.begin(), options_.end(), [&](const PageOption& option) {
-        return option.keys.size() > 1 &&
-               std::find(option.keys.begin(), option.keys.end(), key) != option.keys.end();
-      });
+  const auto found = std::find_if(options_.begin(), options_.end(), [&](const PageOption& option) {
+    return option.keys.size() > 1 &&
+           std::find(option.keys.begin(), option.keys.end(), key) != option.keys.end();
+  });
   return found == options_.end() ? nullptr : &*found;
 }
 

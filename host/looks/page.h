@@ -3,9 +3,9 @@
 // typed.
 //
 // The module has no page of its own, so this host reads one from a data file. That file is the one
-// list of parameters: options, their help, completion, the names in look files and the values of the
-// store come from it. The module tells by switches in the store which parts belong to the shape in
-// force.
+// list of parameters: options, their help, completion, the names in look files and the values of
+// the store come from it. The module tells by switches in the store which parts belong to the shape
+// in force.
 #pragma once
 
 #include <filesystem>

@@ -27,8 +27,8 @@ bool TakeSuffix(std::string_view* text, std::string_view suffix) {
 
 bool ParseQuantity(std::string_view text, Quantity* quantity) {
   quantity->unit = TakeSuffix(&text, "px")  ? Unit::kPixels
-                  : TakeSuffix(&text, "%") ? Unit::kPercent
-                                           : Unit::kPlain;
+                   : TakeSuffix(&text, "%") ? Unit::kPercent
+                                            : Unit::kPlain;
   return ParseNumber(text, &quantity->number);
 }
 
