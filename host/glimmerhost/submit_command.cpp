@@ -298,7 +298,7 @@ class SubmitCommand final : public Command {
     options->Value("--chunk", &options_.chunk,
                    {kShotGroup, "COUNT",
                     "The most frames of a chunk. Chunks are consecutive frames of the list, as "
-                    "even as can be (default 20; locally every process gets a chunk)"});
+                    "even as can be (default 20; locally at most the frames divided by --jobs)"});
     const std::string farm = "Farm";
     options->Values(
         "--engine", &options_.engines,

@@ -99,8 +99,10 @@ void Explain(const lx::Footprint& engine, const Page& page, const ShotSettings& 
     out << ", of " << Mebibytes(available) << " that this machine has left";
   }
   out << '\n';
-  out << "Apertures           built " << CountApertures(values, plan, settings) << " times for "
-      << frames.size() << (frames.size() == 1 ? " frame" : " frames") << '\n';
+  const int apertures = CountApertures(values, plan, settings);
+  out << "Apertures           built "
+      << (apertures == 1 ? "once" : std::to_string(apertures) + " times") << " for "
+      << Counted(frames.size(), "frame") << '\n';
   out << "Largest radius      "
       << Shortest(static_cast<double>(std::int64_t(foresight.radius * 10.0 + 0.5)) / 10.0)
       << " pixels\n";

@@ -207,13 +207,13 @@ void ShotReport::Finish() {
   } else if (!bad.empty()) {
     const std::size_t fine = Count(FrameState::kDone) + Count(FrameState::kSkipped);
     const std::size_t count = count_ == 0 ? fine + bad.size() : count_;
-    Remark(std::to_string(bad.size()) + " of " + std::to_string(count) + " frames failed (" +
-           ShowFrames(bad) + "), " + std::to_string(fine) + " are there" +
+    Remark(std::to_string(bad.size()) + " of " + Counted(count, "frame") + " failed (" +
+           ShowFrames(bad) + "), " + std::to_string(fine) + " done" +
            (fine + bad.size() < count
                 ? "; --skip-existing resumes, --keep-going renders the rest all the same"
                 : ""));
   } else if (form_ != Form::kQuiet) {
-    Line(std::to_string(Count(FrameState::kDone) + Count(FrameState::kSkipped)) + " frames, " +
+    Line(Counted(Count(FrameState::kDone) + Count(FrameState::kSkipped), "frame") + ", " +
          Clock(Elapsed()));
   }
 }

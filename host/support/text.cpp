@@ -67,6 +67,10 @@ bool ParseNumber(std::string_view text, double* number) {
   return error == std::errc() && end == text.data() + text.size() && std::isfinite(*number);
 }
 
+std::string Counted(std::size_t count, const std::string& thing) {
+  return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+}
+
 std::string JoinOr(const std::vector<std::string>& names) {
   std::string joined;
   for (std::size_t i = 0; i < names.size(); ++i) {

@@ -21,6 +21,9 @@ std::string Shortest(double value);
 // A number, all of the text: "12", "-0.5", "1e-3". False for anything else.
 bool ParseNumber(std::string_view text, double* number);
 
+// "1 frame", "12 frames".
+std::string Counted(std::size_t count, const std::string& thing);
+
 // "one, two or three".
 std::string JoinOr(const std::vector<std::string>& names);
 

@@ -97,7 +97,7 @@ TEST_F(ShotProgram, StopsAtAFrameThatIsMissingWithACodeOfItsOwn) {
   EXPECT_EQ(3, outcome.code);
   EXPECT_NE(std::string::npos, outcome.text.find("glimmerhost: frame 3: ")) << outcome.text;
   EXPECT_NE(std::string::npos,
-            outcome.text.find("1 of 5 frames failed (3), 2 are there; --skip-existing"))
+            outcome.text.find("1 of 5 frames failed (3), 2 done; --skip-existing"))
       << outcome.text;
   EXPECT_FALSE(fs::exists(folder / "out.4.png"));
 }
@@ -108,7 +108,7 @@ TEST_F(ShotProgram, GoesOnBehindAFailureIfToldAndFailsAllTheSame) {
   const Outcome outcome = RunProgram(Shot("out.@.png", "--radius 3px --keep-going --frames 1-6"));
 
   EXPECT_EQ(1, outcome.code);
-  EXPECT_NE(std::string::npos, outcome.text.find("2 of 6 frames failed (2,6), 4 are there\n"))
+  EXPECT_NE(std::string::npos, outcome.text.find("2 of 6 frames failed (2,6), 4 done\n"))
       << outcome.text;
   EXPECT_TRUE(fs::exists(folder / "out.5.png"));
   EXPECT_FALSE(fs::exists(folder / "out.2.png"));
@@ -293,7 +293,7 @@ TEST_F(ShotProgram, DoesNotTakeAFolderOrAnEmptyFileForAFrame) {
     const Outcome outcome =
         RunProgram(Shot(output, "--radius 3px --skip-existing --keep-going --quiet"));
     EXPECT_EQ(1, outcome.code);
-    EXPECT_NE(std::string::npos, outcome.text.find("1 of 2 frames failed (1), 1 are there"))
+    EXPECT_NE(std::string::npos, outcome.text.find("1 of 2 frames failed (1), 1 done"))
         << outcome.text;
   }
   EXPECT_EQ(0, RunProgram(Shot("b.@.png", "--radius 3px --skip-existing --overwrite")).code);

@@ -74,14 +74,14 @@ TEST_F(SubmitProgram, StopsBehindTheChunkOfAFrameThatFails) {
 
   EXPECT_EQ(1, outcome.code);
   EXPECT_NE(std::string::npos, outcome.text.find("glimmerhost: frame 3: ")) << outcome.text;
-  EXPECT_NE(std::string::npos, outcome.text.find("1 of 6 frames failed (3), 2 are there;"))
+  EXPECT_NE(std::string::npos, outcome.text.find("1 of 6 frames failed (3), 2 done;"))
       << outcome.text;
   EXPECT_FALSE(IsThere("out.4.png"));
   EXPECT_FALSE(IsThere("out.5.png"));
 
   outcome = RunProgram(Submit("out.@.png", "--radius 2px --chunk 2 --skip-existing --keep-going"));
   EXPECT_EQ(1, outcome.code);
-  EXPECT_NE(std::string::npos, outcome.text.find("1 of 6 frames failed (3), 5 are there\n"))
+  EXPECT_NE(std::string::npos, outcome.text.find("1 of 6 frames failed (3), 5 done\n"))
       << outcome.text;
 
   WriteShot(3, 3);
@@ -94,7 +94,7 @@ TEST_F(SubmitProgram, HasACodeOfItsOwnForAMissingFrame) {
   WriteShot(1, 3);
   const Outcome outcome = RunProgram(Submit("out.@.png", "--frames 1-4 --chunk 2 --radius 2px"));
   EXPECT_EQ(3, outcome.code);
-  EXPECT_NE(std::string::npos, outcome.text.find("1 of 4 frames failed (4), 3 are there\n"))
+  EXPECT_NE(std::string::npos, outcome.text.find("1 of 4 frames failed (4), 3 done\n"))
       << outcome.text;
 }
 
