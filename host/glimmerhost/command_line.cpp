@@ -54,6 +54,15 @@ UsageError Unexpected(const CLI::App& parser, const OptionSet& options) {
   return UnknownName("option", OptionName(word), names);
 }
 
+// An option that has too many values, or none. The library has one kind of fault for both.
+UsageError Mismatched(const CLI::App& parser, const CLI::ArgumentMismatch& fault) {
+  const std::string what = fault.what();
+  const std::string name = what.substr(0, what.find(':'));
+  const CLI::Option* const option = parser.get_option_no_throw(name);
+  const bool isRepeated = option != nullptr && option->count() > 1;
+  return UsageError(name + (isRepeated ? " can be given only once" : " needs a value"));
+}
+
 // In the library's words; which name what is missing or too much.
 UsageError Unparsed(const CLI::ParseError& fault, const std::string& command) {
   std::string what = fault.what();
@@ -77,8 +86,7 @@ int RunCommand(const CommandEntry& entry, const std::vector<std::string>& words)
     std::cout << CommandHelp(entry, *command, options);
     return kExitDone;
   } catch (const CLI::ArgumentMismatch& fault) {
-    const std::string what = fault.what();
-    throw UsageError(what.substr(0, what.find(':')) + " needs a value");
+    throw Mismatched(parser, fault);
   } catch (const CLI::ParseError& fault) {
     // A mistyped name says more than what is missing because of it.
     throw parser.remaining().empty() ? Unparsed(fault, entry.name) : Unexpected(parser, options);

@@ -493,6 +493,13 @@ TEST_F(Program, NamesTheNearestForAMistypedCommandOrOption) {
   ExpectRefusal("render -o b.png", 2, "INPUT is required");
 }
 
+TEST_F(Program, SaysThatAnOptionWasGivenTwice) {
+  ExpectRefusal("render a.png -o b.png --radius 4px --radius 5px", 2,
+                "--radius can be given only once\n");
+  ExpectRefusal("render a.png -o b.png --bits 8 --bits 16", 2, "--bits can be given only once\n");
+  ExpectRefusal("psf -o a.png -o b.png", 2, "--output can be given only once\n");
+}
+
 TEST_F(Program, GivesTheLimitOfARadiusInTheUnitThatWasTyped) {
   const std::string render = Render(WriteInput("in.png", 20, 10), "out.png");
   ExpectRefusal(render + "--radius 11px", 2, "--radius must be between 0 and 10px, not 11px\n");
