@@ -8,7 +8,11 @@
 namespace glimmerhost {
 namespace {
 
+// Empty for the input's, as where the option is not given.
 int ParseBits(const std::string& text) {
+  if (text.empty()) {
+    return 0;
+  }
   if (text == "8" || text == "16") {
     return text == "8" ? 8 : 16;
   }

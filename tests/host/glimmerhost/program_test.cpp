@@ -500,6 +500,14 @@ TEST_F(Program, SaysThatAnOptionWasGivenTwice) {
   ExpectRefusal("psf -o a.png -o b.png", 2, "--output can be given only once\n");
 }
 
+TEST_F(Program, TakesEmptyBitsForBitsThatAreNotGiven) {
+  const fs::path input = WriteInput("in.png", 20, 10);
+
+  const Outcome outcome = RunProgram(Render(input, "out.png", "--radius 2px --bits ''"));
+
+  EXPECT_EQ(0, outcome.code) << outcome.text;
+}
+
 TEST_F(Program, GivesTheLimitOfARadiusInTheUnitThatWasTyped) {
   const std::string render = Render(WriteInput("in.png", 20, 10), "out.png");
   ExpectRefusal(render + "--radius 11px", 2, "--radius must be between 0 and 10px, not 11px\n");
