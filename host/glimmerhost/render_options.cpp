@@ -105,13 +105,12 @@ void AddRenderOptions(OptionSet* options, const Page& page, RenderOptions* rende
                  {kFilesGroup, "FILE",
                   "Write a line of JSON a frame to this file: hashes of input and output, values, "
                   "versions, seconds"});
-  options->ReadValue(
-      "--progress",
-      [render](const auto& text) { render->report = ShotReport::ParseForm(text, false); },
-      {kRunningGroup,
-       "FORM",
-       "auto (default: bar on a terminal, lines elsewhere), bar, lines or json",
-       {"auto", "bar", "lines", "json"}});
+  options->ReadValue("--progress",
+                     [render](const auto& text) { render->report = ShotReport::ParseForm(text); },
+                     {kRunningGroup,
+                      "FORM",
+                      "auto (default: bar on a terminal, lines elsewhere), bar, lines or json",
+                      {"auto", "bar", "lines", "json"}});
   AddRunning(options, render);
 }
 

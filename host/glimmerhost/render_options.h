@@ -26,8 +26,9 @@ struct RenderOptions : RunOptions {
   bool carryPsf = false;
   bool explain = false;
   bool dryRun = false;
-  ShotReport::Form report = ShotReport::ParseForm("auto", false);  // --quiet goes over it
-  std::string manifest;                                            // a file; empty for none
+  // --quiet goes over it, but not over JSON.
+  ShotReport::Form report = ShotReport::ParseForm("auto");
+  std::string manifest;    // a file; empty for none
   std::string saveParams;  // a file for what was used; empty for none
 };
 

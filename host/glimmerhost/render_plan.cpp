@@ -48,11 +48,17 @@ ShotSettings SettingsOf(const RenderOptions& options, const ReadLook& read) {
   return settings;
 }
 
+// Who asks for objects reads them with a program, which would wait for frames that are done.
+ShotReport::Form FormOf(const RenderOptions& options) {
+  return options.quiet && options.report != ShotReport::Form::kJson ? ShotReport::Form::kQuiet
+                                                                    : options.report;
+}
+
 // All but files and the module.
 RenderPlan PlanOf(const RenderOptions& options, const ReadLook& read) {
   RenderPlan plan;
   plan.settings = SettingsOf(options, read);
-  plan.report = options.quiet ? ShotReport::Form::kQuiet : options.report;
+  plan.report = FormOf(options);
   plan.manifest = Utf8Path(options.manifest);
   plan.savedLook = Utf8Path(options.saveParams);
   plan.explain = options.explain;

@@ -57,15 +57,12 @@ bool ReadFrameLine(const std::string& line, FrameReport* report) {
   return true;
 }
 
-ShotReport::Form ShotReport::ParseForm(const std::string& text, bool quiet) {
+ShotReport::Form ShotReport::ParseForm(const std::string& text) {
   if (text == "json") {
     return Form::kJson;
   }
   if (text != "auto" && text != "bar" && text != "lines") {
     throw MustBe("--progress", "auto, bar, lines or json", text);
-  }
-  if (quiet) {
-    return Form::kQuiet;
   }
   return text == "bar" || (text == "auto" && IsTerminal()) ? Form::kBar : Form::kLines;
 }

@@ -37,7 +37,7 @@ class ShotReport {
   };
 
   // "auto": a bar where there is a terminal, lines elsewhere. Throws UsageError.
-  static Form ParseForm(const std::string& text, bool quiet);
+  static Form ParseForm(const std::string& text);
 
   //   count   of the frames to come; 0 if nobody knows
   //   isShot  false for one picture, which is not called a frame

@@ -285,6 +285,17 @@ TEST_F(ShotProgram, SaysOfAFileWithAStrangeNameWhatItIsInOneLine) {
 }
 #endif
 
+// Who reads the objects has no use for silence, and would wait for frames that are done.
+TEST_F(ShotProgram, PrintsProgressInJsonWhereQuietIsAskedFor) {
+  WriteShot(1, 2);
+
+  const Outcome outcome = RunProgram(Shot("out.@.png", "--radius 2px --progress json --quiet"));
+
+  EXPECT_EQ(0, outcome.code);
+  EXPECT_NE(std::string::npos, outcome.text.find("{\"frame\":2,")) << outcome.text;
+  EXPECT_NE(std::string::npos, outcome.text.find("{\"done\":2,")) << outcome.text;
+}
+
 TEST_F(ShotProgram, DoesNotTakeAFolderOrAnEmptyFileForAFrame) {
   WriteShot(1, 2);
   fs::create_directory(folder / "a.1.png");
