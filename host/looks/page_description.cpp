@@ -46,10 +46,16 @@ void ForTables(const toml::table& root, const char* name, const Callback& callba
 // An array of texts; none where it is missing.
 std::vector<std::string> ReadTexts(const toml::table& table, const char* name) {
   std::vector<std::string> texts;
-  if (const toml::array* list = table[name].as_array()) {
-    for (const toml::node& node : *list) {
-      texts.push_back(node.value<std::string>().value_or(""));
-    }
+  if (!table.contains(name)) {
+    return texts;
+  }
+  const toml::array* list = table[name].as_array();
+  const auto isText = [](const toml::node& node) { return node.is_string(); };
+  if (list == nullptr || !std::all_of(list->begin(), list->end(), isText)) {
+    throw std::runtime_error(std::string(name) + " is not a list of texts");
+  }
+  for (const toml::node& node : *list) {
+    texts.push_back(*node.value<std::string>());
   }
   return texts;
 }

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 
 #include "host/support/failure.h"
@@ -22,6 +23,29 @@ std::string Refusal(const Page& page, const std::string& key, const std::string&
     return fault.what();
   }
   return "";
+}
+
+// What is said of the page's file where some of its lines are others.
+std::string FaultOf(const std::string& line, const std::string& other) {
+  std::ifstream in(PAGE, std::ios::binary);
+  std::string text{std::istreambuf_iterator<char>(in), {}};
+  const std::size_t at = text.find("\n" + line + "\n");
+  EXPECT_NE(std::string::npos, at) << line;
+  text.replace(at + 1, line.size(), other);
+  const lx_test::ScratchFolder folder;
+  std::ofstream(folder / "page.toml", std::ios::binary) << text;
+  try {
+    Page::Load(folder / "page.toml");
+  } catch (const glimmerhost::Failure& fault) {
+    return fault.what();
+  }
+  return "";
+}
+
+void ExpectFault(const std::string& line, const std::string& other, const std::string& says) {
+  const std::string fault = FaultOf(line, other);
+  EXPECT_NE(std::string::npos, fault.find("page.toml: not a page description: " + says))
+      << other << ": " << fault;
 }
 
 TEST(Page, HasADefaultForEveryKeyOfTheEffect) {
@@ -95,6 +119,15 @@ TEST(Page, SaysWhatIsWrongWithItsFile) {
     EXPECT_THROW(Page::Load(folder / "page.toml"), glimmerhost::Failure) << content;
   }
   EXPECT_THROW(Page::Load(folder / "missing.toml"), glimmerhost::Failure);
+}
+
+// Taken for none, they would make an option that can be typed and sets nothing.
+TEST(Page, RefusesKeysAndEntriesThatAreNoListOfTexts) {
+  const std::string keys = "keys = [\"PRM_RadiusX\", \"PRM_RadiusY\"]";
+  ExpectFault(keys, "keys = \"PRM_RadiusX\"", "keys is not a list of texts");
+  ExpectFault(keys, "keys = [1, 2]", "keys is not a list of texts");
+  ExpectFault("entries = [\"circle\", \"ellipse\", \"polygon\", \"image\"]", "entries = [1, 2]",
+              "entries is not a list of texts");
 }
 
 }  // namespace
