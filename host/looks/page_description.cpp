@@ -179,14 +179,22 @@ void CheckTogether(const std::string& option, const std::vector<Measure>& measur
   }
 }
 
+// A look file has the name without dashes, as a bare key.
+void CheckName(const std::string& name) {
+  const bool hasDashes = name.starts_with("--") && name.size() > 2 && name[2] != '-';
+  if (!hasDashes ||
+      name.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789-") != std::string::npos) {
+    throw std::runtime_error("the option " + name +
+                             " must be -- and small letters, digits or dashes");
+  }
+}
+
 //   table  a parameter's, or an option's
 //   name   the option's with its dashes
 PageOption ReadOption(const toml::table& table, const std::string& name,
                       std::vector<std::string> keys, const std::vector<Parameter>& parameters) {
   PageOption option;
-  if (name.size() < 3 || !name.starts_with("--")) {
-    throw std::runtime_error("the option " + name + " does not begin with --");
-  }
+  CheckName(name);
   option.name = name.substr(2);
   option.keys = std::move(keys);
   option.group = Need<std::string>(table, "group");

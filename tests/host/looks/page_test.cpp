@@ -130,4 +130,12 @@ TEST(Page, RefusesKeysAndEntriesThatAreNoListOfTexts) {
               "entries is not a list of texts");
 }
 
+// A look file names it without dashes, and the command line takes no blank or equals sign in it.
+TEST(Page, RefusesNamesOfOptionsThatCannotBeTyped) {
+  for (const char* name : {"--sh ape", "--shape=", "--shape,--form", "---shape", "--shape{x}"}) {
+    ExpectFault("option = \"--shape\"", std::string("option = \"") + name + "\"",
+                std::string("the option ") + name + " must be -- and small letters");
+  }
+}
+
 }  // namespace
