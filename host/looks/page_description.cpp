@@ -268,6 +268,24 @@ void Sort(const std::vector<std::string>& groups, std::vector<PageOption>* optio
   }
 }
 
+// Options are taken one after another. What sets several keys behind what sets one of them would
+// take that one back.
+void CheckOrder(const std::vector<PageOption>& options) {
+  for (auto option = options.begin(); option != options.end(); ++option) {
+    const auto shares = [&](const std::string& key) {
+      return std::find(option->keys.begin(), option->keys.end(), key) != option->keys.end();
+    };
+    const auto before = std::find_if(options.begin(), option, [&](const PageOption& other) {
+      return other.keys.size() < option->keys.size() &&
+             std::any_of(other.keys.begin(), other.keys.end(), shares);
+    });
+    if (before != option) {
+      throw std::runtime_error("the option --" + before->name + " is in a group before that of --" +
+                               option->name + ", which it goes over");
+    }
+  }
+}
+
 }  // namespace
 
 PageDescription ReadPageDescription(const std::filesystem::path& file) {
@@ -281,6 +299,7 @@ PageDescription ReadPageDescription(const std::filesystem::path& file) {
     }
     page.options = ReadOptions(root, page.parameters);
     Sort(ReadTexts(root, "groups"), &page.options);
+    CheckOrder(page.options);
   } catch (const std::exception& fault) {
     throw Failure(file.string() + ": not a page description: " + fault.what());
   }

@@ -138,4 +138,11 @@ TEST(Page, RefusesNamesOfOptionsThatCannotBeTyped) {
   }
 }
 
+// Options are taken in the order of their groups: --radius would take back what --radius-x sets.
+TEST(Page, RefusesAGroupThatPutsAnOptionBeforeTheOneItGoesOver) {
+  const std::string value = "value = \"RADIUS\"\ngroup = ";
+  ExpectFault(value + "\"Aperture\"", value + "\"Highlights\"",
+              "the option --radius-x is in a group before that of --radius");
+}
+
 }  // namespace
