@@ -8,6 +8,7 @@
 #include <string>
 #include <utility>
 
+#include "host/looks/look.h"
 #include "host/looks/toml_file.h"
 #include "host/support/failure.h"
 
@@ -202,6 +203,9 @@ PageOption ReadOption(const toml::table& table, const std::string& name,
   std::vector<Measure> measures;
   for (const std::string& key : option.keys) {
     measures.push_back(FindKey(parameters, name, key).measure);
+  }
+  if (option.keys.empty() && option.name != kSpread) {
+    throw std::runtime_error("the option " + name + " sets no keys");
   }
   if (!option.keys.empty()) {
     CheckTogether(name, measures);

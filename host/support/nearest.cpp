@@ -41,8 +41,12 @@ std::string Nearest(std::string_view typed, const std::vector<std::string>& name
 
 UsageError UnknownName(const std::string& what, const std::string& typed,
                        const std::vector<std::string>& names) {
-  return UsageError("unknown " + what + " \"" + OneLine(typed) + "\"; did you mean \"" +
-                    Nearest(typed, names) + "\"?");
+  const std::string unknown = "unknown " + what + " \"" + OneLine(typed) + "\"";
+  const std::string nearest = Nearest(typed, names);
+  const std::size_t farthest = std::max<std::size_t>(2, typed.size() / 2);
+  return UsageError(EditDistance(typed, nearest) > farthest
+                        ? unknown
+                        : unknown + "; did you mean \"" + nearest + "\"?");
 }
 
 }  // namespace glimmerhost

@@ -15,7 +15,8 @@ namespace glimmerhost {
 //   names  at least one
 std::string Nearest(std::string_view typed, const std::vector<std::string>& names);
 
-// 'unknown preset "citylights"; did you mean "city-lights"?'
+// 'unknown preset "citylights"; did you mean "city-lights"?' Without the question where none of the
+// names is near.
 //   what  the kind of name: "preset"
 UsageError UnknownName(const std::string& what, const std::string& typed,
                        const std::vector<std::string>& names);

@@ -78,4 +78,18 @@ TEST_F(AddedParameter, IsRefusedOutsideItsRange) {
   EXPECT_EQ("glimmerhost: --grain must be a number from 0 to 2, not 3\n", outcome.text);
 }
 
+TEST_F(AddedParameter, IsNoPlaceForAKeyThatTheProgramReads) {
+  const fs::path page = folder / "share/glimmerblur/pages/glimmerblur.toml";
+  std::string text = TextOf(page);
+  text.replace(text.find("key = \"PRM_Shape\""), 17, "key = \"PRM_Form\"");
+  std::ofstream(page) << text;
+
+  const Outcome outcome = Render("");
+
+  EXPECT_EQ(1, outcome.code);
+  EXPECT_NE(std::string::npos,
+            outcome.text.find("not a page for this program: PRM_Shape is missing"))
+      << outcome.text;
+}
+
 }  // namespace

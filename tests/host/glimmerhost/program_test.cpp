@@ -487,6 +487,8 @@ TEST_F(Program, NamesTheNearestForAMistypedCommandOrOption) {
   ExpectRefusal("render --emphsis 4", 2,
                 "unknown option \"--emphsis\"; did you mean \"--emphasis\"?");
   ExpectRefusal("wisdom --grids 512", 2, "unknown option \"--grids\"; did you mean \"--grid\"?");
+  ExpectRefusal("render -r 4", 2, "unknown option \"-r\"\n");
+  ExpectRefusal("frobnicate", 2, "unknown command \"frobnicate\"\n");
   ExpectRefusal("--versin", 2, "unknown option \"--versin\"; did you mean \"--version\"?");
   ExpectRefusal("render a.png b.png -o c.png", 2, "unexpected argument \"b.png\"");
   ExpectRefusal("render a.png -o b.png --radius", 2, "--radius needs a value");
