@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/glimmerhost/option_set.h"
 
-#include <utility>
-
 namespace glimmerhost {
 
 void OptionSet::List(const std::string& name, const OptionText& text, bool required,
@@ -32,9 +30,10 @@ void OptionSet::Value(const std::string& name, std::string* value, const OptionT
   List(name, text, false, false);
 }
 
-void OptionSet::ReadValue(const std::string& name, std::function<void(const std::string&)> read,
+void OptionSet::ReadValue(const std::string& name,
+                          const std::function<void(const std::string&)>& read,
                           const OptionText& text) {
-  app_->add_option_function<std::string>(name, std::move(read));
+  app_->add_option_function<std::string>(name, read);
   List(name, text, false, false);
 }
 

@@ -42,7 +42,7 @@ class OptionSet {
   void Value(const std::string& name, std::string* value, const OptionText& text);
 
   // One that is understood at once: the reader is given the text, and throws UsageError.
-  void ReadValue(const std::string& name, std::function<void(const std::string&)> read,
+  void ReadValue(const std::string& name, const std::function<void(const std::string&)>& read,
                  const OptionText& text);
   void NeededValue(const std::string& name, std::string* value, const OptionText& text);
   void Values(const std::string& name, std::vector<std::string>* values, const OptionText& text);
