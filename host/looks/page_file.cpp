@@ -21,13 +21,14 @@ void CheckKnownKeys(const Page& page, const std::filesystem::path& file) {
                {kEmphasisKey, Kind::kNumber},  {kCenterXKey, Kind::kNumber},
                {kCenterYKey, Kind::kNumber},   {kRadiusPsf1Key, Kind::kNumber},
                {kRadiusPsf2Key, Kind::kNumber}};
-  for (const auto& [key, kind] : known) {
+  for (const auto& wanted : known) {
     const auto& parameters = page.Parameters();
-    const bool fits = std::any_of(
-        parameters.begin(), parameters.end(),
-        [&](const Parameter& parameter) { return parameter.key == key && parameter.kind == kind; });
+    const bool fits =
+        std::any_of(parameters.begin(), parameters.end(), [&](const Parameter& parameter) {
+          return parameter.key == wanted.key && parameter.kind == wanted.kind;
+        });
     if (!fits) {
-      throw Failure(file.string() + ": not a page for this program: " + key +
+      throw Failure(file.string() + ": not a page for this program: " + wanted.key +
                     " is missing or of another kind");
     }
   }

@@ -32,10 +32,12 @@ std::vector<std::string> Arguments(int argc, const char* const* argv) {
 // relative one.
 std::filesystem::path ProgramFile(const std::filesystem::path& link) {
   std::error_code error;
-  const std::filesystem::path file = std::filesystem::read_symlink(link, error);
+  std::filesystem::path file = std::filesystem::read_symlink(link, error);
   if (!error) {
     return file;
   }
+  // The system hands the address of the name out as a number.
+  // NOLINTNEXTLINE(performance-no-int-to-ptr)
   const auto* const started = reinterpret_cast<const char*>(getauxval(AT_EXECFN));
   return started == nullptr ? std::filesystem::path() : std::filesystem::canonical(started, error);
 }
