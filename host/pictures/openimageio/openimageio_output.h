@@ -14,7 +14,7 @@ namespace glimmerhost {
 // Makes a file of one picture, all of which the system has taken.
 //   name     what it is to be called, for formats that hold their own name
 //   bytes    the file, just made
-//   samples  as the spec's channels, of the given type
+//   samples  in the order of the output's channels, of the given type
 //   output   not opened yet
 // Throws Failure with the bare reason.
 void WriteWhole(const std::string& name, FileBytes* bytes, const OIIO::ImageSpec& spec,
