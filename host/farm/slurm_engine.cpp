@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 
 #include "host/farm/farm_engine.h"
@@ -213,13 +212,10 @@ class SlurmEngine : public FarmEngine {
   // Returns the job's number.
   std::string Submit(Words options, const std::string& script, const std::string& hint) const {
     TemporaryFile file(settings_.logBefore + "job.sh");
-    {
-      const auto hold = HoldTemporaryFiles();
-      std::ofstream out(file.Path(), std::ios::binary);
-      out << script << std::flush;
-      if (!out) {
-        throw Failure(file.Path().string() + ": cannot be written");
-      }
+    try {
+      file.Write(script);
+    } catch (const Failure& fault) {
+      throw Failure(file.Path().string() + ": cannot be written: " + fault.what());
     }
     options.push_back(file.Path().string());
     Words said;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <cstdio>
 #include <filesystem>
 #include <iomanip>
 #include <map>
@@ -11,7 +10,6 @@
 #include <system_error>
 #include <vector>
 
-#include "baselib/platform/platform.h"
 #include "baselib/utils/directories.h"
 #include "host/glimmerhost/command.h"
 #include "host/glimmerhost/processors.h"
@@ -24,6 +22,7 @@
 #include "host/support/failure.h"
 #include "host/support/progress.h"
 #include "host/support/system.h"
+#include "host/support/temporary_file.h"
 #include "host/support/text.h"
 
 namespace glimmerhost {
@@ -80,16 +79,12 @@ void MakeDirectories(const fs::path& home) {
 
 // Measuring takes long, so what would come of it is known before.
 void ExpectWritable(const fs::path& settings) {
-  const lx::Platform& platform = lx::GetPlatform();
-  const std::string probe =
-      (settings / ("glimmerhost." + std::to_string(platform.processId()) + ".part")).string();
-  std::FILE* file = platform.openFile(probe.c_str(), "w+");
-  if (file == nullptr) {
+  try {
+    TemporaryFile(settings / "glimmerhost").Write("");
+  } catch (const Failure&) {
     throw Failure(settings.string() + " cannot be written, so no plan could be kept there; " +
                   kHomeAdvice);
   }
-  platform.closeFile(file);
-  platform.removeFile(probe.c_str());
 }
 
 void SayFile(const fs::path& file, std::ostream& out) {

@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <exception>
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -80,19 +79,6 @@ Look Comparable(Look look) {
   return look;
 }
 
-void Write(const fs::path& file, const std::string& text) {
-  std::ofstream out;
-  {
-    const auto held = HoldTemporaryFiles();
-    out.open(file, std::ios::binary);
-  }
-  out << text;
-  out.close();
-  if (!out) {
-    throw Failure("its folder is missing, full or cannot be written to");
-  }
-}
-
 void SaveInto(const Page& page, const fs::path& file, const Look& used, bool replace) {
   if (fs::is_directory(file)) {
     throw Failure("a folder of that name is there");
@@ -102,7 +88,7 @@ void SaveInto(const Page& page, const fs::path& file, const Look& used, bool rep
   }
   const Json entries = EntriesOf(page, fs::absolute(file).lexically_normal().parent_path(), used);
   TemporaryFile part(file);
-  Write(part.Path(), IsJson(file) ? entries.dump(2) + "\n" : InToml(entries));
+  part.Write(IsJson(file) ? entries.dump(2) + "\n" : InToml(entries));
   if (Comparable(ReadParameterFile(page, part.Path())) != Comparable(used)) {
     throw Failure("what is in use would not read back the same");
   }

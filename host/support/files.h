@@ -12,9 +12,9 @@ namespace glimmerhost {
 
 enum class FileUse { kRead, kMake };
 
-// A file of any name, in bytes. One that is made may be read too, and can be removed while it is
-// open: where the system does not allow that, it goes when it is closed. Null if the system
-// does not open it.
+// A file of any name, in bytes. One that is made is new, and not behind a link: null if there is
+// anything of that name. It may be read too, and can be removed while it is open: where the system
+// does not allow that, it goes when it is closed. Null if the system does not open it.
 std::FILE* OpenFile(const std::filesystem::path& file, FileUse use) noexcept;
 
 // As std::fseek and std::ftell, also behind 2 GiB.

@@ -49,7 +49,16 @@ std::error_code MoveByLink(const fs::path& file, const fs::path& to) {
 }  // namespace
 
 std::FILE* OpenFile(const fs::path& file, FileUse use) noexcept {
-  return std::fopen(file.c_str(), use == FileUse::kRead ? "rbe" : "w+be");
+  if (use == FileUse::kRead) {
+    return std::fopen(file.c_str(), "rbe");
+  }
+  constexpr mode_t kAllowed = 0666;  // by the person's mask
+  const int made = open(file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kAllowed);
+  std::FILE* const stream = made < 0 ? nullptr : fdopen(made, "w+b");
+  if (made >= 0 && stream == nullptr) {
+    close(made);
+  }
+  return stream;
 }
 
 bool SeekFile(std::FILE* file, std::int64_t offset, int from) noexcept {

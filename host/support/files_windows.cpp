@@ -22,7 +22,7 @@ std::FILE* OpenFile(const fs::path& file, FileUse use) noexcept {
   const HANDLE handle =
       CreateFileW(file.c_str(), read ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE,
                   FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                  read ? OPEN_EXISTING : CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+                  read ? OPEN_EXISTING : CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (handle == INVALID_HANDLE_VALUE) {
     return nullptr;
   }

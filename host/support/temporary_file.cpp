@@ -5,9 +5,13 @@
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <map>
+#include <memory>
+#include <random>
 #include <set>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -22,6 +26,9 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kPart = ".part";
+
+constexpr std::string_view kHexDigits = "0123456789abcdef";
+constexpr std::size_t kRandomDigits = 16;
 
 struct Registry {
   std::mutex lock;
@@ -62,6 +69,16 @@ std::string Digest(const fs::path::string_type& text) {
   }
   char hex[16];
   return {hex, std::to_chars(hex, hex + sizeof hex, digest, 16).ptr};
+}
+
+// Sixteen digits, other ones each time.
+std::string Unforeseeable() {
+  std::random_device source;
+  std::string digits;
+  for (std::size_t i = 0; i < kRandomDigits; ++i) {
+    digits += kHexDigits[source() % kHexDigits.size()];
+  }
+  return digits;
 }
 
 // All of a temporary name before the process's number. Systems allow 255 letters: of a long name
@@ -110,14 +127,24 @@ bool IsLeftover(const fs::path& name, const fs::path& target) {
       !text.ends_with(behind)) {
     return false;
   }
-  std::uint64_t process = 0;
-  for (std::size_t i = before.size(); i < text.size() - behind.size(); ++i) {
-    if (text[i] < '0' || text[i] > '9' || process > UINT32_MAX) {
+  const auto between = text.substr(before.size(), text.size() - before.size() - behind.size());
+  const std::size_t dash = between.find('-');
+  if (dash == between.npos || between.size() - dash - 1 != kRandomDigits) {
+    return false;
+  }
+  for (std::size_t i = dash + 1; i < between.size(); ++i) {
+    if (std::find(kHexDigits.begin(), kHexDigits.end(), between[i]) == kHexDigits.end()) {
       return false;
     }
-    process = process * 10 + static_cast<std::uint64_t>(text[i] - '0');
   }
-  return process <= UINT32_MAX && !ProcessExists(static_cast<std::uint32_t>(process));
+  std::uint64_t process = 0;
+  for (std::size_t i = 0; i < dash; ++i) {
+    if (between[i] < '0' || between[i] > '9' || process > UINT32_MAX) {
+      return false;
+    }
+    process = process * 10 + static_cast<std::uint64_t>(between[i] - '0');
+  }
+  return dash > 0 && process <= UINT32_MAX && !ProcessExists(static_cast<std::uint32_t>(process));
 }
 
 void RemoveLeftovers(const fs::path& target, Registry* registry) {
@@ -136,7 +163,7 @@ void RemoveLeftovers(const fs::path& target, Registry* registry) {
 
 TemporaryFile::TemporaryFile(fs::path target) : target_(std::move(target)) {
   fs::path name = NameBeforeProcess(target_);
-  name += std::to_string(ProcessId());
+  name += std::to_string(ProcessId()) + "-" + Unforeseeable();
   name += NameBehindProcess(target_);
   path_ = FolderOf(target_) / name;
   const auto hold = HoldTemporaryFiles();
@@ -151,6 +178,19 @@ TemporaryFile::~TemporaryFile() {
     std::error_code error;
     fs::remove(path_, error);
     TheRegistry().files.erase(path_);
+  }
+}
+
+void TemporaryFile::Write(const std::string& text) const {
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(nullptr, std::fclose);
+  {
+    const auto hold = HoldTemporaryFiles();
+    file.reset(OpenFile(path_, FileUse::kMake));
+  }
+  const bool written =
+      file != nullptr && std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
+  if (!written || std::fclose(file.release()) != 0) {
+    throw Failure("its folder is missing, full or cannot be written to");
   }
 }
 

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // TemporaryFile: an output that is not whole yet, under a name of its own beside its place.
 //
-// The name, .shot.0001.HOST-PID.part.exr for shot.0001.exr, keeps the ending, which libraries
-// choose the format by, and says whose it is: folders are shared by many machines.
+// The name, .shot.0001.HOST-PID-RANDOM.part.exr for shot.0001.exr, keeps the ending, which
+// libraries choose the format by, and says whose it is: folders are shared by many machines. Nobody
+// can foresee it, and so put a file or a link there that would be written through; whoever makes
+// the file makes it new, or fails.
 //
 // All of these files are in one list, so that nothing is left of them when a signal ends the
 // program (ending.h). What a program leaves that was killed, the next one removes that writes
@@ -11,14 +13,15 @@
 
 #include <filesystem>
 #include <mutex>
+#include <string>
 
 namespace glimmerhost {
 
 class TemporaryFile {
  public:
   // Names the file and removes what ended programs of this machine have left of the same output.
-  // Making it is the caller's.
-  //   target  where it goes when it is whole; one such object at a time in a program
+  // Making it is the caller's, by FileUse::kMake or Write.
+  //   target  where it goes when it is whole
   explicit TemporaryFile(std::filesystem::path target);
 
   // Removes the file unless it has been moved in. On some systems it must be closed by then.
@@ -27,6 +30,9 @@ class TemporaryFile {
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
   const std::filesystem::path& Path() const { return path_; }
+
+  // Makes the file, with that text in it. Throws Failure with the bare reason.
+  void Write(const std::string& text) const;
 
   // Once the file is closed: syncs it, gives it its place, and syncs the folder.
   //   replace  false: a file that another program has put there meanwhile stays

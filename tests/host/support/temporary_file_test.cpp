@@ -6,9 +6,12 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
 #include <string>
+#include <system_error>
 
 #include "host/support/failure.h"
+#include "host/support/files.h"
 #include "host/support/system.h"
 #include "tests/support/scratch_folder.h"
 
@@ -31,9 +34,10 @@ std::string Text(const fs::path& file) {
 }
 
 // A temporary name of that output with another machine or process in it.
-fs::path NameOf(const fs::path& output, const std::string& host, const std::string& process) {
-  return output.parent_path() / ("." + output.stem().string() + "." + host + "-" + process +
-                                 ".part" + output.extension().string());
+fs::path NameOf(const fs::path& output, const std::string& host, const std::string& process,
+                const std::string& random = "0123456789abcdef") {
+  return output.parent_path() / ("." + output.stem().string() + "." + host + "-" + process + "-" +
+                                 random + ".part" + output.extension().string());
 }
 
 // This machine's part of such names.
@@ -41,11 +45,12 @@ std::string OwnHost(const fs::path& output) {
   const TemporaryFile file(output);
   const std::string name = file.Path().filename().string();
   const std::string before = "." + output.stem().string() + ".";
-  const std::string behind =
-      "-" + std::to_string(glimmerhost::ProcessId()) + ".part" + output.extension().string();
+  const std::string behind = ".part" + output.extension().string();
+  const std::size_t process = name.rfind("-" + std::to_string(glimmerhost::ProcessId()) + "-");
   EXPECT_TRUE(name.starts_with(before)) << name;
   EXPECT_TRUE(name.ends_with(behind)) << name;
-  return name.substr(before.size(), name.size() - before.size() - behind.size());
+  EXPECT_NE(std::string::npos, process) << name;
+  return name.substr(before.size(), process - before.size());
 }
 
 TEST(TemporaryFile, ComesToItsPlaceWhenItIsMovedIn) {
@@ -123,6 +128,8 @@ TEST(TemporaryFile, KeepsWhatIsNotALeftoverOfItsOutput) {
       NameOf(folder / "a.exr", host, kNobody),
       NameOf(output, host, "12x"),  // of nobody
       NameOf(output, host, ""),
+      NameOf(output, host, kNobody, "0123456789abcde"),
+      NameOf(output, host, kNobody, "0123456789abcdeg"),
       NameOf(output, host, "99999999999999999999"),
       folder / "a.0001.part.exr",
       folder / ".part.exr",
@@ -136,6 +143,44 @@ TEST(TemporaryFile, KeepsWhatIsNotALeftoverOfItsOutput) {
   for (const fs::path& name : kept) {
     EXPECT_TRUE(fs::exists(name)) << name;
   }
+}
+
+TEST(TemporaryFile, HasANameThatNobodyCanForesee) {
+  const ScratchFolder folder;
+  std::set<fs::path> names;
+  for (int i = 0; i < 100; ++i) {
+    names.insert(TemporaryFile(folder / "a.png").Path());
+  }
+  EXPECT_EQ(100U, names.size());
+}
+
+// Somebody who did foresee the name would have the file of his choice written over.
+TEST(TemporaryFile, IsNotWrittenThroughWhatStandsThere) {
+  const ScratchFolder folder;
+  Put(folder / "theirs", "untouched");
+  const TemporaryFile file(folder / "a.png");
+  Put(file.Path(), "before");
+  EXPECT_THROW(file.Write("mine"), glimmerhost::Failure);
+  EXPECT_EQ(nullptr, glimmerhost::OpenFile(file.Path(), glimmerhost::FileUse::kMake));
+  EXPECT_EQ("before", Text(file.Path()));
+  fs::remove(file.Path());
+
+  std::error_code error;
+  fs::create_symlink(folder / "theirs", file.Path(), error);
+  if (!error) {
+    EXPECT_THROW(file.Write("mine"), glimmerhost::Failure);
+    EXPECT_EQ(nullptr, glimmerhost::OpenFile(file.Path(), glimmerhost::FileUse::kMake));
+    EXPECT_EQ("untouched", Text(folder / "theirs"));
+    fs::remove(file.Path());
+    fs::create_symlink(folder / "nowhere", file.Path());
+    EXPECT_THROW(file.Write("mine"), glimmerhost::Failure);
+    EXPECT_FALSE(fs::exists(folder / "nowhere"));
+    fs::remove(file.Path());
+  }
+
+  file.Write("mine");
+
+  EXPECT_EQ("mine", Text(file.Path()));
 }
 
 TEST(TemporaryFile, HasNamesThatSystemsTakeForOutputsOfLongNames) {
