@@ -39,6 +39,10 @@ std::string FileHash(const std::filesystem::path& file) {
   if (!std::filesystem::exists(file, error)) {
     throw MissingInput(file.string() + ": not found");
   }
+  // A pipe would be waited for, and a device may have no end.
+  if (!std::filesystem::is_regular_file(file, error)) {
+    throw Failure(file.string() + ": not a file");
+  }
   std::ifstream in(file, std::ios::binary);
   const std::unique_ptr<XXH3_state_t, decltype(&XXH3_freeState)> state(XXH3_createState(),
                                                                        XXH3_freeState);

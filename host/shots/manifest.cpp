@@ -118,8 +118,11 @@ void Manifest::Add(const ManifestEntry& entry) {
 
 std::map<int, ManifestEntry> ReadManifest(const std::filesystem::path& file) {
   std::error_code error;
-  if (!std::filesystem::is_regular_file(file, error)) {
+  if (!std::filesystem::exists(file, error)) {
     throw MissingInput(file.string() + ": not found");
+  }
+  if (!std::filesystem::is_regular_file(file, error)) {
+    throw Failure(file.string() + ": not a file");
   }
   std::ifstream in(file, std::ios::binary);
   return ReadLines(file, &in);

@@ -18,6 +18,11 @@ using glimmerhost::Manifest;
 using glimmerhost::ManifestEntry;
 using Lines = std::vector<std::string>;
 
+// Where there is none of that name, the folder of all devices is no file either.
+const std::string kEndlessDevice = std::filesystem::exists("/dev/zero")
+                                       ? "/dev/zero"
+                                       : std::filesystem::temp_directory_path().string();
+
 class Manifests : public testing::Test {
  public:
   // An entry of a frame whose output is there.
@@ -131,6 +136,18 @@ TEST_F(Manifests, AreRefusedWithTheLineThatIsNone) {
   } catch (const glimmerhost::Failure& fault) {
     EXPECT_EQ(file.string() + ":2: not a line of a manifest", fault.what());
   }
+}
+
+// Hashing a device may have no end, and a pipe waits for whoever writes.
+TEST_F(Manifests, AreOnlyReadFromFilesAndAboutThem) {
+  std::filesystem::create_directory(file);
+  EXPECT_THROW((void)glimmerhost::ReadManifest(file), glimmerhost::Failure);
+  EXPECT_THROW((void)FileHash(file), glimmerhost::Failure);
+
+  ManifestEntry entry = Entry(1);
+  entry.output = kEndlessDevice;
+  EXPECT_EQ(Lines{"frame 1: " + entry.output + ": not a file"},
+            glimmerhost::CheckManifest({{1, entry}}, {}));
 }
 
 }  // namespace
