@@ -13,6 +13,7 @@
 #include "host/farm/chunk_report.h"
 #include "host/farm/farm_engine.h"
 #include "host/farm/farm_job.h"
+#include "host/farm/shell_text.h"
 #include "host/glimmerhost/command.h"
 #include "host/glimmerhost/render_plan.h"
 #include "host/glimmerhost/typed_arguments.h"
@@ -232,7 +233,7 @@ void ShowChunks(const FarmJob& job, std::ostream& out) {
   for (std::size_t chunk = 1; chunk <= job.chunks; ++chunk) {
     const std::vector<int> frames = job.Frames(chunk);
     out << "# chunk " << chunk << " of " << job.chunks << ": frames " << ShowFrames(frames)
-        << ", manifest " << job.Manifest(chunk).string() << '\n';
+        << ", manifest " << ShellWord(job.Manifest(chunk).string()) << '\n';
   }
 }
 

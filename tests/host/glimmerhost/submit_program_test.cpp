@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <system_error>
 
 #include "tests/host/glimmerhost/shot_program.h"
 
@@ -65,6 +66,20 @@ TEST_F(SubmitProgram, TakesAChunkForEachProcess) {
   WriteShot(1, 4);
   const std::string text = RunProgram(Submit("out.@.png", "--radius 2px --jobs 4 --dry-run")).text;
   EXPECT_NE(std::string::npos, text.find("# chunk 4 of 4: frames 4, manifest ")) << text;
+}
+
+// What is shown is there to be pasted into a shell.
+TEST_F(SubmitProgram, ShowsNoLineThatANameHasMade) {
+  WriteShot(1, 2);
+  std::error_code error;
+  fs::create_directory(folder / "a\ntouch hit\n#", error);
+  if (error) {
+    GTEST_SKIP() << "no names with ends of lines here";
+  }
+  const Outcome outcome = RunProgram(Submit("a\ntouch hit\n#/out.@.png", "--radius 2px --dry-run"));
+  EXPECT_EQ(0, outcome.code) << outcome.text;
+  EXPECT_NE(std::string::npos, outcome.text.find("a\\012touch hit")) << outcome.text;
+  EXPECT_EQ(std::string::npos, outcome.text.find("\ntouch")) << outcome.text;
 }
 
 TEST_F(SubmitProgram, StopsBehindTheChunkOfAFrameThatFails) {
