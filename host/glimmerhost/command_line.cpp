@@ -137,7 +137,12 @@ int Run(const std::vector<std::string>& arguments) {
 
 int RunCommandLine(const std::vector<std::string>& arguments) {
   try {
-    return Run(arguments);
+    const int code = Run(arguments);
+    // What was asked for is not there, though all went well until then.
+    if (!std::cout.flush() && code == kExitDone) {
+      throw Failure("standard output: cannot be written");
+    }
+    return code;
   } catch (const UsageError& fault) {
     return Complain(fault.what(), kExitUsage);
   } catch (const MissingInput& fault) {

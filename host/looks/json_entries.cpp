@@ -90,7 +90,7 @@ class Listener : public nlohmann::json_sax<nlohmann::json> {
   bool end_array() override { return true; }
   bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
                    const nlohmann::detail::exception& fault) override {
-    throw Failure(Place(LineOf(fault.what())) + kUnreadable + OneLine(ReasonOf(fault.what())));
+    throw UsageError(Place(LineOf(fault.what())) + kUnreadable + OneLine(ReasonOf(fault.what())));
   }
 
  private:

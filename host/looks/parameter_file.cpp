@@ -14,6 +14,7 @@
 #include "host/looks/units.h"
 #include "host/pictures/alpha.h"
 #include "host/support/failure.h"
+#include "host/support/input_file.h"
 #include "host/support/nearest.h"
 #include "host/support/text.h"
 #include "host/support/utf8_path.h"
@@ -27,25 +28,19 @@ constexpr const char* kVersion = "version";
 
 std::string ReadText(const fs::path& file) {
   constexpr std::uintmax_t kLargest = 1 << 20;
-  const auto fail = [&](const std::string& why) { throw Failure(file.string() + ": " + why); };
+  RequireFile(file);
   std::error_code error;
-  if (!fs::exists(file, error)) {
-    throw MissingInput(file.string() + ": not found");
-  }
-  if (!fs::is_regular_file(file, error)) {
-    fail("not a file");
-  }
   const std::uintmax_t size = fs::file_size(file, error);
   if (size == 0) {
-    fail("empty");
+    throw UsageError(file.string() + ": empty");
   }
   if (error || size > kLargest) {
-    fail("not a parameter file: larger than a million bytes");
+    throw UsageError(file.string() + ": not a parameter file: larger than a million bytes");
   }
   std::string text(static_cast<std::size_t>(size), '\0');
   std::ifstream in(file, std::ios::binary);
   if (!in.read(text.data(), static_cast<std::streamsize>(size))) {
-    fail("cannot be read");
+    throw Failure(file.string() + ": cannot be read");
   }
   return text;
 }

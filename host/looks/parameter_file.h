@@ -18,8 +18,8 @@ namespace glimmerhost {
 bool IsJson(const std::filesystem::path& file);
 
 // The page says which names there are. Values are not looked at, but for alpha and pixel-aspect.
-// Throws MissingInput, Failure if the file cannot be read, UsageError for what it may not have;
-// both name the file, and the line where it is known.
+// Throws MissingInput, Failure if the file cannot be read, UsageError for what it may not have and
+// for what is no TOML or JSON; all name the file, and the line where it is known.
 Look ReadParameterFile(const Page& page, const std::filesystem::path& file);
 
 // The same for the text of such a file.

@@ -75,7 +75,7 @@ ParameterEntry Entry(const std::string& file, std::string_view name, const toml:
 
 std::vector<ParameterEntry> TomlEntries(const std::string& file, std::string_view text) {
   if (HasDotsWithoutEnd(text)) {
-    throw Failure(file + kUnreadable + "its names have dots without end");
+    throw UsageError(file + kUnreadable + "its names have dots without end");
   }
   try {
     std::vector<ParameterEntry> entries;
@@ -84,7 +84,7 @@ std::vector<ParameterEntry> TomlEntries(const std::string& file, std::string_vie
     }
     return entries;
   } catch (const toml::parse_error& fault) {
-    throw Failure(Place(file, fault.source()) + kUnreadable + OneLine(fault.description()));
+    throw UsageError(Place(file, fault.source()) + kUnreadable + OneLine(fault.description()));
   }
 }
 

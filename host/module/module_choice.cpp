@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "host/support/failure.h"
+#include "host/support/input_file.h"
 #include "host/support/system.h"
 #include "host/support/text.h"
 #include "host/support/utf8_path.h"
@@ -61,9 +62,10 @@ ModuleChoice ChooseModule(const std::string& engine, const std::string& module) 
   }
   const fs::path file = module.empty() ? ModuleFileOf(FindEngine(engine)) : Utf8Path(module);
   std::error_code error;
-  if (!fs::exists(file, error)) {
+  if (module.empty() && !fs::exists(file, error)) {
     throw Failure(file.string() + ": not found");
   }
+  RequireFile(file);
   return {file, &EngineOfFile(file)};
 }
 

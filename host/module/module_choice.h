@@ -23,7 +23,8 @@ struct ModuleChoice {
 //   engine  its name; empty for the default
 //   module  a module file; empty for none
 // Throws UsageError for an engine that is none or not in this build, and for an engine and a module
-// file at once; Failure where there is no such file.
+// file at once; MissingInput where there is no such module file, and Failure where this
+// installation lacks that of an engine.
 ModuleChoice ChooseModule(const std::string& engine, const std::string& module);
 
 // The file of an engine's module, whether or not it is there.

@@ -11,6 +11,7 @@
 
 #include "host/session/page_view.h"
 #include "host/support/failure.h"
+#include "host/support/input_file.h"
 #include "host/support/nearest.h"
 #include "host/support/text.h"
 #include "host/support/utf8_path.h"
@@ -297,8 +298,9 @@ std::string SessionForms() {
 
 SessionScript ReadSessionScript(const std::filesystem::path& file, const Page& page,
                                 const std::filesystem::path& folder) {
+  RequireFile(file);
   std::ifstream in(file);
-  if (!in || std::filesystem::is_directory(file)) {
+  if (!in) {
     throw Failure(file.string() + ": the script cannot be read");
   }
   Context context{page, file.parent_path(), folder};

@@ -28,8 +28,8 @@ std::string SessionForms();
 
 // Reads a script. Pictures that it reads lie beside it, what it writes goes into a folder.
 //   folder  of the outputs; empty for the current one
-// Throws Failure if the file cannot be read, UsageError for a wrong line, with its number and
-// what was expected.
+// Throws Failure if the file cannot be read, MissingInput if it is not there, UsageError for a
+// wrong line, with its number and what was expected.
 SessionScript ReadSessionScript(const std::filesystem::path& file, const Page& page,
                                 const std::filesystem::path& folder);
 

@@ -8,10 +8,10 @@
 #include <cstdio>
 #include <fstream>
 #include <memory>
-#include <system_error>
 #include <vector>
 
 #include "host/support/failure.h"
+#include "host/support/input_file.h"
 
 namespace glimmerhost {
 namespace {
@@ -35,14 +35,7 @@ std::string SamplesHash(const std::vector<std::uint16_t>& samples) {
 }
 
 std::string FileHash(const std::filesystem::path& file) {
-  std::error_code error;
-  if (!std::filesystem::exists(file, error)) {
-    throw MissingInput(file.string() + ": not found");
-  }
-  // A pipe would be waited for, and a device may have no end.
-  if (!std::filesystem::is_regular_file(file, error)) {
-    throw Failure(file.string() + ": not a file");
-  }
+  RequireFile(file);
   std::ifstream in(file, std::ios::binary);
   const std::unique_ptr<XXH3_state_t, decltype(&XXH3_freeState)> state(XXH3_createState(),
                                                                        XXH3_freeState);

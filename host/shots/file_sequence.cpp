@@ -143,11 +143,14 @@ std::vector<int> FileSequence::Scan() const {
       frames.push_back(frame);
     }
   }
+  if (error == std::errc::no_such_file_or_directory) {
+    throw MissingInput(folder.string() + ": not found");
+  }
   if (error) {
     throw Failure(folder.string() + ": the folder cannot be read: " + error.message());
   }
   if (frames.empty()) {
-    throw Failure(name_ + ": no such files");
+    throw MissingInput(name_ + ": no such files");
   }
   std::sort(frames.begin(), frames.end());
   return frames;

@@ -34,8 +34,8 @@ class FileSequence {
   // The list that the name holds; empty if it holds none.
   const std::vector<int>& Frames() const { return frames_; }
 
-  // The frames of the files that are there, in ascending order. Throws Failure if the folder
-  // is missing or holds none.
+  // The frames of the files that are there, in ascending order. Throws MissingInput if there is
+  // none, or no such folder; Failure if the folder cannot be read.
   std::vector<int> Scan() const;
 
  private:

@@ -11,8 +11,8 @@
 #include <utility>
 
 #include "host/shots/file_hash.h"
-#include "host/shots/frame_list.h"
 #include "host/support/failure.h"
+#include "host/support/input_file.h"
 #include "host/support/utf8_path.h"
 
 namespace glimmerhost {
@@ -117,13 +117,7 @@ void Manifest::Add(const ManifestEntry& entry) {
 }
 
 std::map<int, ManifestEntry> ReadManifest(const std::filesystem::path& file) {
-  std::error_code error;
-  if (!std::filesystem::exists(file, error)) {
-    throw MissingInput(file.string() + ": not found");
-  }
-  if (!std::filesystem::is_regular_file(file, error)) {
-    throw Failure(file.string() + ": not a file");
-  }
+  RequireFile(file);
   std::ifstream in(file, std::ios::binary);
   return ReadLines(file, &in);
 }
@@ -132,18 +126,19 @@ bool IsAsWritten(const ManifestEntry& entry) {
   return FileHash(Utf8Path(entry.output)) == entry.outputHash;
 }
 
-std::vector<std::string> CheckManifest(const std::map<int, ManifestEntry>& entries,
-                                       const std::vector<int>& frames) {
-  std::vector<std::string> faults;
+std::vector<int> FramesLacking(const std::map<int, ManifestEntry>& entries,
+                               const std::vector<int>& frames) {
   std::vector<int> lacking;
   for (const int frame : frames) {
     if (!entries.contains(frame)) {
       lacking.push_back(frame);
     }
   }
-  if (!lacking.empty()) {
-    faults.push_back("no line for frames " + ShowFrames(lacking));
-  }
+  return lacking;
+}
+
+std::vector<std::string> CheckOutputs(const std::map<int, ManifestEntry>& entries) {
+  std::vector<std::string> faults;
   for (const auto& [frame, entry] : entries) {
     try {
       if (!IsAsWritten(entry)) {

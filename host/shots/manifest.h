@@ -58,9 +58,11 @@ std::map<int, ManifestEntry> ReadManifest(const std::filesystem::path& file);
 // it is not there.
 bool IsAsWritten(const ManifestEntry& entry);
 
-// What is wrong with a manifest, a line each: frames of the list that it lacks, and outputs that
-// are not there or not what was written. Empty if it is whole.
-std::vector<std::string> CheckManifest(const std::map<int, ManifestEntry>& entries,
-                                       const std::vector<int>& frames);
+// The frames of the list that have no line.
+std::vector<int> FramesLacking(const std::map<int, ManifestEntry>& entries,
+                               const std::vector<int>& frames);
+
+// What is wrong with the outputs, a line each: those that are not there, or not what was written.
+std::vector<std::string> CheckOutputs(const std::map<int, ManifestEntry>& entries);
 
 }  // namespace glimmerhost

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <map>
 
+#include "host/shots/frame_list.h"
 #include "host/shots/manifest.h"
 #include "host/support/failure.h"
 #include "host/support/text.h"
@@ -36,25 +37,31 @@ ManifestCheck CheckManifests(const std::vector<std::filesystem::path>& files,
     try {
       Merge(ReadManifest(file), &entries);
     } catch (const MissingInput& fault) {
-      check.faults.emplace_back(fault.what());
+      check.missing.emplace_back(fault.what());
     }
   }
-  for (const std::string& fault : CheckManifest(entries, frames)) {
-    check.faults.push_back(fault);
-  }
+  check.lacking = FramesLacking(entries, frames);
+  check.faults = CheckOutputs(entries);
   check.frames = entries.size();
   return check;
 }
 
 int TellOf(const ManifestCheck& check, std::ostream& out) {
-  for (const std::string& fault : check.faults) {
-    std::cerr << "glimmerhost: " << AsLine(fault) << '\n';
+  std::vector<std::string> lines = check.missing;
+  if (!check.lacking.empty()) {
+    lines.push_back("no line for frames " + ShowFrames(check.lacking));
   }
-  if (check.faults.empty()) {
+  lines.insert(lines.end(), check.faults.begin(), check.faults.end());
+  for (const std::string& line : lines) {
+    std::cerr << "glimmerhost: " << AsLine(line) << '\n';
+  }
+  if (lines.empty()) {
     out << check.frames << (check.frames == 1 ? " frame is" : " frames are")
         << " as they were written\n";
   }
-  return check.faults.empty() ? kExitDone : kExitFailed;
+  return lines.empty()                                    ? kExitDone
+         : check.faults.empty() && !check.missing.empty() ? kExitMissing
+                                                          : kExitFailed;
 }
 
 }  // namespace glimmerhost

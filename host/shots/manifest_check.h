@@ -11,18 +11,21 @@
 namespace glimmerhost {
 
 struct ManifestCheck {
-  std::size_t frames = 0;           // that the manifests tell of
-  std::vector<std::string> faults;  // a line each; empty if all is as it was written
+  std::size_t frames = 0;            // that the manifests tell of
+  std::vector<std::string> missing;  // a line for each manifest that is not there
+  std::vector<int> lacking;          // frames without a line
+  std::vector<std::string> faults;   // of outputs, a line each
 };
 
-// The manifests of one shot, taken together. One that is not there is a fault, so that the frames
-// that it would have are named.
+// The manifests of one shot, taken together, those that are not there left out, so that the frames
+// that they would have are named.
 //   frames  that must be in them; empty for those that are
 // Throws Failure for a file that is no manifest.
 ManifestCheck CheckManifests(const std::vector<std::filesystem::path>& files,
                              const std::vector<int>& frames);
 
-// Says the faults on stderr, or on out that there is none. Returns the program's exit code.
+// Says the faults on stderr, or on out that there is none. Returns the program's exit code: 3 if
+// nothing is wrong but that manifests are missing, and the frames that they would have.
 int TellOf(const ManifestCheck& check, std::ostream& out);
 
 }  // namespace glimmerhost

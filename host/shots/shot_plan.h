@@ -51,7 +51,7 @@ inline ShotSpan SpanOf(const ShotPlan& plan) {
 }
 
 // Input and output may be kPipe. Throws UsageError for names and lists that do not go together, and
-// for files that would be lost to one another; Failure where the input's folder has no frames.
+// for files that would be lost to one another; MissingInput where the input's folder has no frames.
 ShotPlan PlanShot(const ShotNames& names);
 
 // The places of a list that the chunk "K/N" takes: N parts as even as can be, the first ones

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "host/support/failure.h"
+#include "host/support/input_file.h"
 
 namespace glimmerhost {
 namespace {
@@ -97,10 +98,7 @@ class Config final : public ColourConfig {
 }  // namespace
 
 std::unique_ptr<const ColourConfig> LoadOpenColorIoConfig(const fs::path& file) {
-  std::error_code error;
-  if (!fs::exists(file, error)) {
-    throw MissingInput(file.string() + ": not found");
-  }
+  RequireFile(file);
   // What there is to say, the library also throws.
   ocio::SetLoggingLevel(ocio::LOGGING_LEVEL_NONE);
   try {

@@ -326,7 +326,7 @@ TEST_F(PageProgram, RefusesAWrongScriptBeforeAnythingIsDone) {
                 "a.session:3: pres 1 2: unknown step \"pres\"; did you mean \"press\"?");
   ExpectRefusal(Session("render\nsave in.png\n"), 1, "in.png: exists already");
   ExpectRefusal(Session("save x.xyz\n"), 2, "must be a name that ends in");
-  ExpectRefusal("session '" + (folder / "none.session").string() + "'", 1, "cannot be read");
+  ExpectRefusal("session '" + (folder / "none.session").string() + "'", 3, "not found");
   ExpectRefusal(Session("draw\n", "--radius 200%"), 2, "--radius must be ");
   ExpectRefusal("session", 2, "required");
 }

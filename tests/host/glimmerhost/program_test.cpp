@@ -437,7 +437,7 @@ TEST_F(Program, SaysThatAnApertureIsLargerThanTheFrame) {
 
 TEST_F(Program, SaysWhatIsWrongWithAModule) {
   const fs::path input = WriteInput("in.png", 20, 20);
-  ExpectProgramRefusal(Render(input, "out.png", "--module /no/such.so"), 1, "not found");
+  ExpectProgramRefusal(Render(input, "out.png", "--module /no/such.so"), 3, "not found");
   ExpectProgramRefusal(Render(input, "out.png", "--module '" NIGHT "'"), 1,
                        "not a module that can be loaded");
   ExpectProgramRefusal(Render(input, "out.png", "--module '" NO_MODULE "'"), 1,

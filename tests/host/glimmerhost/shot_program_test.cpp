@@ -258,7 +258,7 @@ TEST_F(ShotProgram, NamesTheFramesOfAManifestThatIsMissing) {
   const std::string none = (folder / "none.jsonl").string();
   const Outcome outcome = RunProgram("check '" + none + "' --frames 3-5");
 
-  EXPECT_EQ(1, outcome.code);
+  EXPECT_EQ(3, outcome.code);
   EXPECT_EQ("glimmerhost: " + none + ": not found\nglimmerhost: no line for frames 3-5\n",
             outcome.text);
 }
@@ -331,7 +331,7 @@ TEST_F(ShotProgram, RefusesWhatDoesNotGoTogether) {
   ExpectRefusal(Shot("out.@.png", "--chunk 3/2"), 2, "--chunk must be ");
   ExpectRefusal(Shot("out.@.png", "--emphasis '0=900'"), 2, "--emphasis must be ");
   ExpectRefusal(Shot("out.@.png", "--progress loud"), 2, "--progress must be ");
-  ExpectRefusal(Render(folder / "none.@.png", "out.@.png"), 1, "no such files");
+  ExpectRefusal(Render(folder / "none.@.png", "out.@.png"), 3, "no such files");
 }
 
 // A frame's picture has 24 KiB, its grid 0.6 MiB: either would be seen if it stayed.

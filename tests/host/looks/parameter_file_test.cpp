@@ -61,7 +61,7 @@ class ParameterFile : public testing::Test {
 
   std::string Unreadable(const std::string& text, const std::string& name = "film.toml") {
     Write(text, name);
-    return Complaint<glimmerhost::Failure>(name);
+    return Complaint<glimmerhost::UsageError>(name);
   }
 
   lx_test::ScratchFolder folder;
@@ -226,7 +226,7 @@ TEST_F(ParameterFile, FailsWithoutReadingWhereItIsLarge) {
   Write("x");
   std::filesystem::resize_file(folder / "film.toml", 100'000'000);
   EXPECT_EQ(" not a parameter file: larger than a million bytes",
-            Complaint<glimmerhost::Failure>("film.toml"));
+            Complaint<glimmerhost::UsageError>("film.toml"));
 }
 
 std::string Times(int count, const std::string& text) {

@@ -58,7 +58,8 @@ TEST_F(Manifests, ComeBackAsTheyWereWritten) {
   ASSERT_EQ(2U, entries.size());
   EXPECT_EQ("6", entries.at(1001).parameters.at("PRM_Sides"));
   EXPECT_EQ("double", entries.at(1001).engine);
-  EXPECT_EQ(Lines{}, CheckManifest(entries, {1001, -5}));
+  EXPECT_EQ(Lines{}, CheckOutputs(entries));
+  EXPECT_EQ(std::vector<int>(), FramesLacking(entries, {1001, -5}));
 }
 
 // A line as an earlier program wrote it.
@@ -118,13 +119,15 @@ TEST_F(Manifests, TellWhatIsMissingAndWhatHasChanged) {
   std::ofstream(folder / "out2") << "another";
   std::filesystem::remove(folder / "out3");
 
-  const Lines faults = CheckManifest(glimmerhost::ReadManifest(file), {1, 2, 3, 4, 5});
+  const auto entries = glimmerhost::ReadManifest(file);
+  const Lines faults = CheckOutputs(entries);
 
   const std::string two = (folder / "out2").string();
   const std::string three = (folder / "out3").string();
-  EXPECT_EQ((Lines{"no line for frames 4-5", "frame 2: " + two + ": changed since it was written",
+  EXPECT_EQ((Lines{"frame 2: " + two + ": changed since it was written",
                    "frame 3: " + three + ": not found"}),
             faults);
+  EXPECT_EQ((std::vector<int>{4, 5}), FramesLacking(entries, {1, 2, 3, 4, 5}));
 }
 
 TEST_F(Manifests, AreRefusedWithTheLineThatIsNone) {
@@ -147,7 +150,7 @@ TEST_F(Manifests, AreOnlyReadFromFilesAndAboutThem) {
   ManifestEntry entry = Entry(1);
   entry.output = kEndlessDevice;
   EXPECT_EQ(Lines{"frame 1: " + entry.output + ": not a file"},
-            glimmerhost::CheckManifest({{1, entry}}, {}));
+            glimmerhost::CheckOutputs({{1, entry}}));
 }
 
 }  // namespace
