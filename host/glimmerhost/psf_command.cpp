@@ -165,6 +165,10 @@ void RunPsf(const PsfOptions& options) {
   std::fill_n(
       frame.samples.begin() + static_cast<std::ptrdiff_t>(FirstSample(frame, light.x, light.y)), 4,
       std::uint16_t{65535});
+  if (ShapeOf(values) == Shape::kImage &&
+      ApertureHoldsNothing({1, values, {}, spread, pixelAspect})) {
+    progress.Warn(kEmptyAperture);
+  }
   progress.Show("Rendering " + options.size);
   {
     const EffectModule module(choice);

@@ -73,8 +73,8 @@ bool HasEdges(const Samples& picture) {
   return false;
 }
 
-// Whether more than one pixel of the disc is lit, half way out on its soft edge.
-bool IsLitDisc(const std::map<std::string, Value>& values, const Samples& picture) {
+// How many pixels of the disc are lit, half way out on its soft edge. The effect sees red alone.
+int LitPixels(const std::map<std::string, Value>& values, const Samples& picture) {
   const auto number = [&](const char* key) { return std::get<double>(values.at(key)); };
   const double middleX = number(kCenterXKey) * picture.width;
   const double middleY = (1.0 - number(kCenterYKey)) * picture.height;
@@ -83,13 +83,11 @@ bool IsLitDisc(const std::map<std::string, Value>& values, const Samples& pictur
   int lit = 0;
   for (int y = 0; y < picture.height; ++y) {
     for (int x = 0; x < picture.width; ++x) {
-      const std::uint16_t* pixel = picture.At(x, y);
-      const std::uint16_t brightest = std::max({pixel[0], pixel[1], pixel[2]});
       const bool inside = std::hypot(x + 0.5 - middleX, y + 0.5 - middleY) < radius;
-      lit += inside && brightest > kLit ? 1 : 0;
+      lit += inside && picture.At(x, y)[0] > kLit ? 1 : 0;
     }
   }
-  return lit > 1;
+  return lit;
 }
 
 }  // namespace
@@ -120,17 +118,25 @@ bool ShowsNoise(const lx::Footprint& engine, double emphasis) {
   return emphasis > kQuiet && engine.name != lx::FastFootprint::kName;
 }
 
-void CheckRendered(const FrameInput& input, FrameImage* result) {
+bool ApertureHoldsNothing(const FrameInput& input) {
+  const Samples aperture = SamplesOf((input.spread ? input.spread : input.source).Object());
+  return ShapeOf(input.values) == Shape::kImage && LitPixels(input.values, aperture) == 0;
+}
+
+bool CheckRendered(const FrameInput& input, FrameImage* result) {
   const Samples source = SamplesOf(input.source.Object());
-  if (!IsCopy(source, SamplesOf(result)) || ApertureRadius(input.values, source.width) <= 1.0 ||
-      !HasEdges(source)) {
-    return;
+  if (!IsCopy(source, SamplesOf(result)) || ApertureRadius(input.values, source.width) <= 1.0) {
+    return true;
   }
-  // An aperture cut out of black, or out of one point of light, rightly leaves a frame as it is.
-  const bool ofPicture = ShapeOf(input.values) == Shape::kImage;
-  const Samples aperture = input.spread ? SamplesOf(input.spread.Object()) : source;
-  if (ofPicture && !IsLitDisc(input.values, aperture)) {
-    return;
+  if (ApertureHoldsNothing(input)) {
+    return false;
+  }
+  // An aperture of one point of light rightly leaves a frame as it is.
+  const Samples aperture = SamplesOf((input.spread ? input.spread : input.source).Object());
+  const bool isPoint =
+      ShapeOf(input.values) == Shape::kImage && LitPixels(input.values, aperture) == 1;
+  if (!HasEdges(source) || isPoint) {
+    return true;
   }
   throw Failure(
       "the effect gave the frame back as it was, though its aperture is larger than a "

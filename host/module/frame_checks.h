@@ -23,9 +23,19 @@ void CheckGrid(const lx::Footprint& engine, const std::map<std::string, Value>& 
 // Whether rounding would be seen in dark areas of an engine's frames.
 bool ShowsNoise(const lx::Footprint& engine, double emphasis);
 
-// Throws Failure if the result is the source as it passes the border in 15 bits, though the
-// aperture is larger than a pixel and the source has neighbours that differ. Alpha does not
-// count: it may be left alone on purpose.
-void CheckRendered(const FrameInput& input, FrameImage* result);
+// Whether the disc that the shape image cuts its aperture from shows nothing: it is off the
+// picture, or there is no red in it. A point stays a point then, and the frame what it was. False
+// for the other shapes.
+bool ApertureHoldsNothing(const FrameInput& input);
+
+// What a person is told of it.
+inline constexpr const char* kEmptyAperture =
+    "the aperture holds nothing, as its disc shows no red: the picture stays as it is";
+
+// False if the result is the source as it passes the border in 15 bits, since the aperture holds
+// nothing. Throws Failure if it is the source for no such reason, though the aperture is larger
+// than a pixel and the source has neighbours that differ. Alpha does not count: it may be left
+// alone on purpose.
+bool CheckRendered(const FrameInput& input, FrameImage* result);
 
 }  // namespace glimmerhost

@@ -54,9 +54,13 @@ void Writer::Finish(FrameWork* work) const {
 }
 
 void Writer::Write(FrameWork* work) const {
-  CheckRendered(work->input, work->result.Object());
   Picture& picture = work->picture;
-  work->result->CopyTo(&picture);
+  if (CheckRendered(work->input, work->result.Object())) {
+    work->result->CopyTo(&picture);
+  } else {
+    // The input's own samples, which have not passed the border.
+    work->report.remarks.emplace_back(kEmptyAperture);
+  }
   const bool toPipe = !work->output;
   if (settings_.premultiplied) {
     SettleAlpha(toPipe ? kPamFormat : work->output->Format(), work->alphaBefore, &picture);

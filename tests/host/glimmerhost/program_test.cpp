@@ -354,6 +354,29 @@ TEST_F(Program, TakesTheApertureFromTheFrameWithoutASpreadPicture) {
   EXPECT_EQ(2, lit);
 }
 
+TEST_F(Program, LeavesAPictureWhoseApertureHoldsNothingAndSaysSo) {
+  const fs::path input = WriteInput("in.png", 60, 40);
+  Picture green = Read(WriteInput("green.png", 60, 40, Alpha::kNone, true));
+  for (std::size_t i = 0; i < green.samples.size(); i += 4) {
+    green.samples[i] = 0;
+    green.samples[i + 1] = 65535;
+  }
+  glimmerhost::PictureOutput(folder / "green.png", true).Write(green, 16);
+  const std::string disc = "--overwrite --shape image --radius-psf1 8px --radius-psf2 12px ";
+  for (const std::string& options :
+       {disc + "--spread '" + (folder / "green.png").string() + "'", disc + "--center 200%,50%",
+        disc + "--center 200%,50% --emphasis 20"}) {
+    const Outcome outcome = RunProgram(Render(input, "out.png", options));
+    EXPECT_EQ(0, outcome.code) << options << outcome.text;
+    EXPECT_EQ(
+        "glimmerhost: the aperture holds nothing, as its disc shows no red: the picture stays "
+        "as it is\n",
+        outcome.text)
+        << options;
+    EXPECT_EQ(Read(input).samples, Read(folder / "out.png").samples) << options;
+  }
+}
+
 TEST_F(Program, GivesTheSamePictureOnOneProcessor) {
   const fs::path input = WriteInput("in.png", 200, 150);
   ASSERT_EQ(0, RunProgram(Render(input, "all.png", "--radius 9px --emphasis 30")).code);
