@@ -2,6 +2,7 @@
 #include "host/glimmerhost/processors.h"
 
 #include <cmath>
+#include <iostream>
 
 #include "host/support/failure.h"
 #include "host/support/system.h"
@@ -18,12 +19,15 @@ void NarrowProcessors(const std::string& count) {
     throw Failure("--threads " + count + ": this system does not tell its processors");
   }
   double wanted = 0.0;
-  if (!ParseNumber(count, &wanted) || wanted != std::floor(wanted) || wanted < 1.0 ||
-      wanted > available) {
-    throw MustBe("--threads",
-                 "a whole number from 1 to " + std::to_string(available) +
-                     ", the processors that this process may run on",
-                 count);
+  if (!ParseNumber(count, &wanted) || !std::isfinite(wanted) || wanted != std::floor(wanted) ||
+      wanted < 1.0) {
+    throw MustBe("--threads", "a whole number from 1 on", count);
+  }
+  if (wanted > available) {
+    // One line in one write: processes of a farm may share a terminal.
+    std::cerr << "glimmerhost: --threads " + OneLine(count) + ": all " + std::to_string(available) +
+                     " that this process may run on are used\n";
+    return;
   }
   if (!KeepProcessors(static_cast<int>(wanted))) {
     throw Failure("--threads " + count + ": this system refuses it");

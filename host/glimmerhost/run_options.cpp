@@ -75,7 +75,9 @@ void AddPixelAspect(OptionSet* options, const std::string& otherwise, RunOptions
 void AddThreads(OptionSet* options, std::string* threads) {
   options->Value(
       "--threads", threads,
-      {kRunningGroup, "COUNT", "Processors to work on (default: all that the process may run on)"});
+      {kRunningGroup, "COUNT",
+       "Processors to work on (default: all that the process may run on; more than these "
+       "are all of them)"});
 }
 
 void AddEngine(OptionSet* options, std::string* engine) {
