@@ -254,6 +254,24 @@ void WarnOfTooLarge(const lx::Footprint& engine, const std::optional<ShotForesig
   }
 }
 
+// A process that finds too little memory fails its frames.
+void WarnOfMemory(const SubmitOptions& options, const FarmJob& job,
+                  const std::optional<ShotForesight>& foreseen) {
+  const std::uint64_t available = AvailableMemory();
+  if (!IsLocal(options) || !foreseen || available == 0) {
+    return;
+  }
+  const std::uint64_t each = WithHeadroom(*foreseen);
+  const std::uint64_t processes = std::min(ParseCount("--jobs", options.jobs, 1), job.chunks);
+  if (processes > 1 && processes * each > available) {
+    constexpr std::uint64_t kMebibyte = 1024 * 1024;
+    std::cerr << "glimmerhost: --jobs " + std::to_string(processes) + " needs about " +
+                     std::to_string(processes * each / kMebibyte) + " MiB, and this machine has " +
+                     std::to_string(available / kMebibyte) + " MiB left: room for " +
+                     std::to_string(std::max<std::uint64_t>(available / each, 1)) + "\n";
+  }
+}
+
 // Cuts the shot, and renders the chunks or hands them over. When it throws, nothing has been handed
 // over.
 //   typed  all that the command was given: what it is not alone in knowing goes to the chunks
@@ -264,6 +282,7 @@ int Submit(const Page& page, const SubmitOptions& options, const RenderPlan& pla
   const lx::Footprint& effect = *plan.module.engine;
   const std::optional<ShotForesight> foreseen = Foreseen(effect, page, plan.settings, plan.shot);
   WarnOfTooLarge(effect, foreseen);
+  WarnOfMemory(options, job, foreseen);
   ShotReport report(plan.dryRun || !IsLocal(options) ? ShotReport::Form::kQuiet : plan.report,
                     plan.shot.files.size(), plan.shot.isShot);
   ChunkReport listener(job, &report, plan.settings.keepGoing);
