@@ -40,11 +40,8 @@ ChunkPlaces ParseChunk(const std::string& text, std::size_t count) {
   std::size_t parts = 0;
   const bool whole = TakeCount(&rest, &which) && rest.starts_with('/') &&
                      (rest.remove_prefix(1), TakeCount(&rest, &parts)) && rest.empty();
-  if (!whole || which > parts || parts > count) {
-    throw MustBe("--chunk",
-                 "K/N, the K-th of N parts, with N up to " + std::to_string(count) + " for " +
-                     std::to_string(count) + " frames",
-                 text);
+  if (!whole || which > parts) {
+    throw MustBe("--chunk", "K/N, the K-th of N parts, with K from 1 to N", text);
   }
   const auto begin = [&](std::size_t part) {
     return count / parts * part + std::min(part, count % parts);

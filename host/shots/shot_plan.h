@@ -55,7 +55,7 @@ inline ShotSpan SpanOf(const ShotPlan& plan) {
 ShotPlan PlanShot(const ShotNames& names);
 
 // The places of a list that the chunk "K/N" takes: N parts as even as can be, the first ones
-// longer. Throws UsageError.
+// longer; of more parts than frames, the last are empty. Throws UsageError.
 struct ChunkPlaces {
   std::size_t begin;
   std::size_t end;

@@ -52,6 +52,14 @@ TEST_F(ParallelScript, GivesTheBytesOfOneRender) {
   EXPECT_TRUE(fs::exists(folder / "a manifest.3-of-3.jsonl"));
 }
 
+TEST_F(ParallelScript, TakesAnEmptyChunkForDone) {
+  WriteShot(1, 2);
+  const Outcome outcome =
+      Run({In(), "-o", (folder / "out.@.png").string(), "--radius=2px", "--frames=1-2"});
+  EXPECT_EQ(0, outcome.code) << outcome.text;
+  EXPECT_TRUE(outcome.text.ends_with("2 frames are as they were written\n")) << outcome.text;
+}
+
 TEST_F(ParallelScript, NamesTheFramesThatAreMissingAndGoesOnTheNextTime) {
   WriteShot(1, 6);
   std::ofstream(folder / "in.3.png") << "no picture";

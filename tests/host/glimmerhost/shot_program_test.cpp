@@ -323,6 +323,19 @@ TEST_F(ShotProgram, RefusesToLoseAFileToAnother) {
       "this one is of frame 1, and frame 2 reads it");
 }
 
+TEST_F(ShotProgram, IsDoneWithAnEmptyChunkAtOnce) {
+  WriteShot(1, 2);
+  const std::string manifest = "'" + (folder / "third.jsonl").string() + "'";
+  const Outcome outcome =
+      RunProgram(Shot("out.@.png", "--radius 2px --chunk 3/3 --manifest " + manifest));
+  EXPECT_EQ(0, outcome.code) << outcome.text;
+  EXPECT_FALSE(fs::exists(folder / "out.1.png"));
+  EXPECT_EQ(0, RunProgram("check " + manifest).code);
+  const Outcome explained = RunProgram(Shot("out.@.png", "--chunk 3/3 --explain"));
+  EXPECT_EQ(0, explained.code);
+  EXPECT_EQ("Frames              none: the chunk is empty\n", explained.text);
+}
+
 TEST_F(ShotProgram, RefusesWhatDoesNotGoTogether) {
   WriteShot(1, 2);
   ExpectRefusal(Shot("out.png", ""), 2,

@@ -90,8 +90,16 @@ TEST(Chunk, PartsAListEvenlyAndWhole) {
   }
 }
 
+// A script that cuts every shot into as many parts cannot know how many frames each has.
+TEST(Chunk, IsEmptyBehindTheLastFrame) {
+  for (int k = 1; k <= 5; ++k) {
+    const auto places = ParseChunk(std::to_string(k) + "/5", 3);
+    EXPECT_EQ(k <= 3 ? 1U : 0U, places.end - places.begin) << k;
+  }
+}
+
 TEST(Chunk, RefusesWhatIsNone) {
-  for (const char* text : {"0/3", "4/3", "1", "1/", "/2", "a/b", "1/11", "1/2/3", "-1/2", "1/0"}) {
+  for (const char* text : {"0/3", "4/3", "1", "1/", "/2", "a/b", "1/2/3", "-1/2", "1/0"}) {
     EXPECT_THROW(ParseChunk(text, 10), glimmerhost::UsageError) << text;
   }
 }
