@@ -212,6 +212,10 @@ bool IsTrivial(const OIIO::ParamValue& attribute) {
   if (name == "dpx:UserBits" || name == "dpx/UserBits") {
     return attribute.get_int() == 0;
   }
+  // What tools for files note of themselves is of no use to anyone behind them.
+  if (name == "Exif:ImageHistory" || name.starts_with("rla:")) {
+    return true;
+  }
   const std::string text = attribute.get_string();
   if (name.ends_with("Transfer") || name.ends_with("Colorimetric")) {
     return text == "Undefined" || text == "User defined";

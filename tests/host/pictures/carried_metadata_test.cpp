@@ -315,6 +315,17 @@ TEST_F(CarriedMetadata, KeepsAProfileWhereTheFormatHasAPlaceAndNamesItElsewhere)
   EXPECT_EQ("ICC profile is not carried: OpenEXR has no place for it\n", Lost());
 }
 
+// Of an RLA file the library makes a dozen of these.
+TEST_F(CarriedMetadata, SaysNothingOfWhatFileToolsNoteOfThemselves) {
+  const fs::path file = Put("in.exr", TypeDesc::HALF, [](ImageSpec* spec) {
+    spec->attribute("Exif:ImageHistory", "made by a tool");
+    spec->attribute("rla:JobNumber", 3);
+    spec->attribute("rla:ProgramUsed", "a renderer");
+  });
+  Pass(file, "out.dpx");
+  EXPECT_EQ("", Lost());
+}
+
 TEST_F(CarriedMetadata, NamesAnOrientationThatIsLost) {
   const fs::path file =
       Put("in.jpg", TypeDesc::UINT8, [](ImageSpec* spec) { spec->attribute("Orientation", 6); });
