@@ -24,7 +24,10 @@ void ChunkReport::Line(std::size_t chunk, const std::string& line) {
         frame.state == FrameState::kFailed || frame.state == FrameState::kMissing;
     report_->Add(frame);
   } else if (!IsSummary(line)) {
-    report_->Pass(line);
+    // What is so for the whole shot, each chunk says.
+    if (passed_.insert(line).second) {
+      report_->Pass(line);
+    }
   }
 }
 

@@ -34,6 +34,7 @@ class ChunkReport : public ChunkListener {
   ShotReport* report_;
   bool keepGoing_;
   std::map<std::size_t, Chunk> chunks_;
+  std::set<std::string> passed_;  // lines of no frame
   bool misused_ = false;
 };
 

@@ -32,6 +32,7 @@ int Render(const Page& page, const RenderPlan& plan) {
   SaveLook(page, plan);
   UseBinaryStreams();
   ShotReport report(plan.report, plan.shot.files.size(), plan.shot.isShot);
+  report.RemarkOfShot(plan.remarks);
   RenderShot(page, plan, &report);
   report.Finish();
   return report.Count(FrameState::kFailed) > 0    ? kExitFailed
@@ -45,7 +46,9 @@ class RenderCommand final : public Command {
     page_ = LoadPage();
     AddRenderOptions(options, page_, &options_);
     options->Value("--chunk", &options_.chunk,
-                   {kShotGroup, "K/N", "Only the K-th of N parts of the frames"});
+                   {kShotGroup, "K/N",
+                    "Only the K-th of N parts of the frames. Of more parts than frames, the last "
+                    "are empty, and done at once"});
     AddEngine(options, &options_.engine);
   }
 
@@ -57,6 +60,10 @@ class RenderCommand final : public Command {
       return kExitDone;
     }
     NarrowProcessors(options_.threads);
+    if (plan.explain && plan.shot.files.empty()) {
+      out << "Frames              none: the chunk is empty\n";
+      return kExitDone;
+    }
     if (plan.explain) {
       Explain(*plan.module.engine, page_, plan.settings, plan.shot, out);
       return kExitDone;

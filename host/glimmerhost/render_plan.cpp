@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/glimmerhost/render_plan.h"
 
+#include <algorithm>
+
+#include "host/looks/idle_options.h"
 #include "host/looks/parameter_file.h"
 #include "host/looks/units.h"
 #include "host/pictures/alpha.h"
@@ -61,6 +64,7 @@ RenderPlan PlanOf(const RenderOptions& options, const ReadLook& read) {
   plan.report = FormOf(options);
   plan.manifest = Utf8Path(options.manifest);
   plan.savedLook = Utf8Path(options.saveParams);
+  plan.remarks = read.idle;
   plan.explain = options.explain;
   plan.dryRun = options.dryRun;
   return plan;
@@ -72,6 +76,11 @@ ReadLook ReadLookOf(const Page& page, const RenderOptions& options) {
   ReadLook read;
   read.layers = ReadLayers(page, options.look);
   read.pictures = PictureLookOf(page, read.layers);
+  read.idle = IdleOptions(page, read.layers);
+  const std::vector<Shape> shapes = ShapesOf(page, read.layers);
+  if (std::find(shapes.begin(), shapes.end(), Shape::kImage) == shapes.end()) {
+    read.pictures.spread.clear();
+  }
   read.colours = ParseColours(options.colours);
   return read;
 }

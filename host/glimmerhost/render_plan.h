@@ -21,16 +21,18 @@ struct RenderPlan {
   ShotSettings settings;  // which values, and how files are read and written
   ShotReport::Form report = ShotReport::Form::kLines;
   ModuleChoice module{};
-  std::filesystem::path manifest;   // empty for none
-  std::filesystem::path savedLook;  // a file for the look that is used; empty for none
-  bool explain = false;             // only tell what would be done
-  bool dryRun = false;              // only list the files
+  std::filesystem::path manifest;    // empty for none
+  std::filesystem::path savedLook;   // a file for the look that is used; empty for none
+  std::vector<std::string> remarks;  // what was asked for in vain, a line each
+  bool explain = false;              // only tell what would be done
+  bool dryRun = false;               // only list the files
 };
 
 // What the files behind the options say: presets, look files and colour configurations.
 struct ReadLook {
   std::vector<LookLayer> layers;
-  PictureLook pictures;
+  PictureLook pictures;                       // without a spread that no shape has a use for
+  std::vector<std::string> idle;              // a line for each option that changes nothing
   std::shared_ptr<const ColourPath> colours;  // null for samples as they are
 };
 

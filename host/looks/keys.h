@@ -35,6 +35,11 @@ inline Shape ShapeOf(const std::map<std::string, Value>& values) {
   return static_cast<Shape>(std::get<int>(values.at(kShapeKey)));
 }
 
+// The switch that the module keeps in the store for a shape: on while it is in force.
+inline std::string ShapeSwitch(Shape shape) {
+  return std::string(kShapeKey) + "_" + static_cast<char>('A' + static_cast<int>(shape));
+}
+
 // Whether the aperture depends on a parameter: on all but what is done to the highlights.
 inline bool ShapesAperture(const std::string& key) {
   return key != kEmphasisKey && key != kEmphAlphaKey;

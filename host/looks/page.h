@@ -26,6 +26,7 @@ struct PageOption {
   std::vector<std::string> choices;  // the values that it may have, if they are names
   std::string group;                 // the title under which help has it
   std::string help;                  // one line, with defaults and ranges
+  Condition shown;                   // when the page shows any of what it sets
 };
 
 class Page {

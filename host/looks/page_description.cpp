@@ -190,6 +190,20 @@ void CheckName(const std::string& name) {
   }
 }
 
+// When any of the keys is shown.
+Condition AnyShown(const std::vector<std::string>& keys, const std::string& option,
+                   const std::vector<Parameter>& parameters) {
+  Condition any;
+  for (const std::string& key : keys) {
+    const Condition& shown = FindKey(parameters, option, key).shown;
+    if (shown.groups.empty()) {
+      return {};
+    }
+    any.groups.insert(any.groups.end(), shown.groups.begin(), shown.groups.end());
+  }
+  return any;
+}
+
 //   table  a parameter's, or an option's
 //   name   the option's with its dashes
 PageOption ReadOption(const toml::table& table, const std::string& name,
@@ -207,6 +221,8 @@ PageOption ReadOption(const toml::table& table, const std::string& name,
   if (option.keys.empty() && option.name != kSpread) {
     throw std::runtime_error("the option " + name + " sets no keys");
   }
+  option.shown = option.keys.empty() ? ReadCondition(table, "shown", option.name)
+                                     : AnyShown(option.keys, name, parameters);
   if (!option.keys.empty()) {
     CheckTogether(name, measures);
     const Parameter& first = FindKey(parameters, name, option.keys.front());

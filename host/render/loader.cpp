@@ -118,6 +118,7 @@ void Loader::SettleInput(FrameWork* work) {
       settings_.pixelAspect.first == 0 ? picture.pixelAspect : settings_.pixelAspect;
   input.spread = SpreadOf(work);
   WarnOfNoise(work);
+  WarnOfRange(work);
   work->alphaBefore = picture.alpha;
   if (settings_.premultiplied) {
     Premultiply(&picture);
@@ -133,6 +134,14 @@ void Loader::WarnOfNoise(FrameWork* work) {
     work->report.remarks.push_back("an emphasis of " + Shortest(emphasis) +
                                    " shows rounding noise in dark areas; up to 75, and with the "
                                    "engine fast at any, none can be seen");
+  }
+}
+
+void Loader::WarnOfRange(FrameWork* work) {
+  const bool isIdle = !settings_.reading.range.IsPlain() && work->picture.range.IsPlain();
+  if (isIdle && !warnedOfRange_) {
+    warnedOfRange_ = true;
+    work->report.remarks.emplace_back("--range has no effect on a picture of whole numbers");
   }
 }
 

@@ -50,6 +50,7 @@ class Loader {
   void TakePicture(FrameWork* work);
   void SettleInput(FrameWork* work);
   void WarnOfNoise(FrameWork* work);
+  void WarnOfRange(FrameWork* work);
   std::map<std::string, Value> ValuesOf(int frame, const Picture& picture);
   quantel::cPtr<FrameImage> SpreadOf(FrameWork* work);
 
@@ -68,6 +69,7 @@ class Loader {
   std::pair<int, int> spreadSize_;
   quantel::cPtr<FrameImage> spread_;
   bool warnedOfNoise_ = false;
+  bool warnedOfRange_ = false;
 };
 
 }  // namespace glimmerhost

@@ -6,6 +6,7 @@
 #include <iostream>
 #include <iterator>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "host/shots/frame_list.h"
 #include "host/support/failure.h"
@@ -99,6 +100,9 @@ void ShotReport::Line(const std::string& line) {
 void ShotReport::Remark(const std::string& line) { Line("glimmerhost: " + line); }
 
 void ShotReport::Add(const FrameReport& report) {
+  for (const std::string& line : std::exchange(ofShot_, {})) {
+    Remark(line);
+  }
   frames_[static_cast<int>(report.state)].push_back(report.frame);
   std::size_t seen = 0;
   for (const auto& frames : frames_) {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/pictures/not_carried.h"
@@ -50,6 +51,10 @@ class ShotReport {
 
   void Add(const FrameReport& report);
 
+  // Lines of the whole shot. They come before what is told of the first frame: of a command that is
+  // wrong, which shows when that is loaded, nothing else is told.
+  void RemarkOfShot(std::vector<std::string> lines) { ofShot_ = std::move(lines); }
+
   // A line of its own, of no frame.
   void Remark(const std::string& line);
 
@@ -73,6 +78,7 @@ class ShotReport {
   std::vector<int> frames_[4];  // by state
   // Frames by what they have lost: the first is named at once, and the rest counted.
   std::map<std::string, std::size_t> notCarried_;
+  std::vector<std::string> ofShot_;
   bool barShown_ = false;
   std::chrono::steady_clock::time_point start_;
 };

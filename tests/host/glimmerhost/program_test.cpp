@@ -179,8 +179,7 @@ TEST_F(Program, RefusesValuesWithTheOptionAndWhatIsAllowed) {
       {"--set PRM_Shape=4", "must be circle, ellipse, polygon or image"},
       {"--emphasis 501", "--emphasis must be a number from 0 to 500"},
       {"--emphasis -1", "--emphasis must be a number from 0 to 500"},
-      {"--threads 0", "--threads must be a whole number from 1 to"},
-      {"--threads 100000", "--threads must be a whole number from 1 to"},
+      {"--threads 0", "--threads must be a whole number from 1 on"},
       {"--sides 51", "--sides must be a whole number from 3 to 50"},
       {"--radius 11px", "--radius must be "},
       {"--radius many", "--radius must be "},
@@ -374,6 +373,21 @@ TEST_F(Program, LeavesAPictureWhoseApertureHoldsNothingAndSaysSo) {
         outcome.text)
         << options;
     EXPECT_EQ(Read(input).samples, Read(folder / "out.png").samples) << options;
+  }
+}
+
+TEST_F(Program, SaysWhichOptionsHaveNoEffectAndDoesNotReadASpreadInVain) {
+  const fs::path input = WriteInput("in.png", 20, 16);
+  const std::string circle = " has no effect with the shape circle\n";
+  for (const auto& [options, says] : {
+           std::pair<std::string, std::string>{"--sides 5", "glimmerhost: --sides" + circle},
+           {"--spread /no/such.png", "glimmerhost: --spread" + circle},
+           {"--shape polygon --sides 5", ""},
+           {"--range log:8", "glimmerhost: --range has no effect on a picture of whole numbers\n"},
+       }) {
+    const Outcome outcome = RunProgram(Render(input, "out.png", "--overwrite " + options));
+    EXPECT_EQ(0, outcome.code) << options << outcome.text;
+    EXPECT_EQ(says, outcome.text) << options;
   }
 }
 
