@@ -4,6 +4,7 @@
 // All of them are in one list, so that a signal that ends this program (ending.h) ends them too.
 #pragma once
 
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,21 +21,39 @@ std::string ShowEnd(const ProcessEnd& end);
 
 class ChildProcess {
  public:
-  // Starts it in this process's folder, with its environment and nothing to read.
+  // What of its streams is this program's.
+  enum class Use {
+    kLines,   // both its outputs, line by line, while it runs
+    kOutput,  // its standard output, in bytes; what it says of errors is kept for later
+    kInput,   // its standard input, in bytes; what it says is kept for later
+  };
+
+  // Starts it in this process's folder, with its environment. But for kInput it has nothing to
+  // read.
   //   program    with a folder in its name, that file; otherwise looked for as a shell does
   //   arguments  in UTF-8, any text, without the program's name; each comes over as it is
   // Throws MissingInput where there is no such program, Failure where it cannot be started.
-  ChildProcess(const std::string& program, const std::vector<std::string>& arguments);
+  ChildProcess(const std::string& program, const std::vector<std::string>& arguments,
+               Use use = Use::kLines);
 
   // Ends it, if it has not been waited for.
   ~ChildProcess();
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
-  // The next line of both its outputs, without its end. False when they have ended.
+  // Its standard output or input, borrowed, until CloseStream or the end of this object. Null for
+  // kLines.
+  std::FILE* Stream() const;
+
+  // An input ends with it. False if not all was taken.
+  bool CloseStream();
+
+  // The next line of both its outputs, without its end. False when they have ended. For kOutput and
+  // kInput after Wait, of what was kept.
   bool ReadLine(std::string* line);
 
-  // Once, when its lines have been read: a program whose output nobody reads may wait itself.
+  // Once, when its lines have been read, or its stream has been closed: a program whose output
+  // nobody reads, or whose input has no end, may wait itself.
   ProcessEnd Wait();
 
  private:

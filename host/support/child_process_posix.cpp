@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -10,6 +11,7 @@
 #include <cstring>
 #include <mutex>
 #include <set>
+#include <utility>
 
 #include "host/support/child_process.h"
 #include "host/support/failure.h"
@@ -28,15 +30,20 @@ Registry& TheRegistry() {
   return *registry;
 }
 
-// A child's outputs and its input, and the signals as a program expects them: the threads of this
+// A child's standard streams, and the signals as a program expects them: the threads of this
 // one block those that end it.
 class SpawnSettings {
  public:
-  explicit SpawnSettings(int output) {
+  //   input  negative for nothing to read
+  SpawnSettings(int input, int output, int errors) {
     posix_spawn_file_actions_init(&actions_);
-    posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    if (input < 0) {
+      posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    } else {
+      posix_spawn_file_actions_adddup2(&actions_, input, STDIN_FILENO);
+    }
     posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions_, output, STDERR_FILENO);
+    posix_spawn_file_actions_adddup2(&actions_, errors, STDERR_FILENO);
     posix_spawnattr_init(&attributes_);
     sigset_t none;
     sigemptyset(&none);
@@ -68,11 +75,16 @@ class SpawnSettings {
 
 struct ChildProcess::System {
   pid_t child = 0;  // 0 when it has been waited for
-  int output = -1;
+  int lines = -1;   // what ReadLine reads: the child's outputs, or what was kept of them
+  std::FILE* stream = nullptr;
+  bool isKept = false;  // whether lines are a file, to be read from its beginning
 
   ~System() {
-    if (output >= 0) {
-      close(output);
+    if (stream != nullptr) {
+      std::fclose(stream);
+    }
+    if (lines >= 0) {
+      close(lines);
     }
   }
 
@@ -92,7 +104,8 @@ struct ChildProcess::System {
   }
 };
 
-ChildProcess::ChildProcess(const std::string& program, const std::vector<std::string>& arguments)
+ChildProcess::ChildProcess(const std::string& program, const std::vector<std::string>& arguments,
+                           Use use)
     : system_(std::make_unique<System>()) {
   std::vector<std::string> line{program};
   line.insert(line.end(), arguments.begin(), arguments.end());
@@ -100,17 +113,28 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
   if (pipe2(ends.data(), O_CLOEXEC) != 0) {
     throw Failure(program + ": cannot be started: " + std::strerror(errno));
   }
-  system_->output = ends[0];
-  int fault = 0;
-  {
-    const SpawnSettings settings(ends[1]);
+  const bool writes = use == Use::kInput;
+  const int own = ends[writes ? 1 : 0];
+  const int theirs = ends[writes ? 0 : 1];
+  if (use == Use::kLines) {
+    system_->lines = own;
+  } else {
+    system_->isKept = true;
+    system_->stream = fdopen(own, writes ? "wb" : "rb");
+    // Not a pipe: nobody reads it before the end, and the child would wait.
+    system_->lines = memfd_create("words", MFD_CLOEXEC);
+  }
+  const int words = use == Use::kLines ? theirs : system_->lines;
+  int fault = words < 0 ? errno : 0;
+  if (fault == 0) {
+    const SpawnSettings settings(writes ? theirs : -1, writes ? words : theirs, words);
     const std::lock_guard<std::mutex> hold(TheRegistry().lock);
     fault = settings.Spawn(&line, &system_->child);
     if (fault == 0) {
       TheRegistry().children.insert(system_->child);
     }
   }
-  close(ends[1]);
+  close(theirs);
   if (fault == ENOENT) {
     throw MissingInput(program + ": not found");
   }
@@ -130,7 +154,7 @@ bool ChildProcess::ReadSome() {
   std::array<char, 4096> buffer{};
   ssize_t got = 0;
   do {
-    got = read(system_->output, buffer.data(), buffer.size());
+    got = read(system_->lines, buffer.data(), buffer.size());
   } while (got < 0 && errno == EINTR);
   if (got <= 0) {
     return false;
@@ -139,7 +163,19 @@ bool ChildProcess::ReadSome() {
   return true;
 }
 
-ProcessEnd ChildProcess::Wait() { return system_->Reap(); }
+std::FILE* ChildProcess::Stream() const { return system_->stream; }
+
+bool ChildProcess::CloseStream() {
+  return std::fclose(std::exchange(system_->stream, nullptr)) == 0;
+}
+
+ProcessEnd ChildProcess::Wait() {
+  const ProcessEnd end = system_->Reap();
+  if (system_->isKept) {
+    lseek(system_->lines, 0, SEEK_SET);
+  }
+  return end;
+}
 
 void EndChildren() noexcept {
   Registry& registry = TheRegistry();
