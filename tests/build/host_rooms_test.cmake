@@ -6,8 +6,8 @@
 cmake_minimum_required(VERSION 3.25)
 
 # From below, each with the name of its target.
-set(rooms support pictures looks module shots render session farm glimmerhost)
-set(targets host_support pictures looks host_module shots render session farm glimmerhost)
+set(rooms support pictures films looks module shots render session farm glimmerhost)
+set(targets host_support pictures films looks host_module shots render session farm glimmerhost)
 set(mostFiles 40)
 
 set(wrong "")
