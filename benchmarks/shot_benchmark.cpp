@@ -87,7 +87,7 @@ int main(int argc, char** argv) {
     std::vector<std::string> look;
   } looks[] = {{"still aperture", {"--radius", "12px", "--emphasis", "60"}},
                {"new aperture every frame",
-                {"--shape", "polygon", "--radius", "0=12px; -1=20px", "--emphasis", "60"}}};
+                {"--shape", "polygon", "--radius", "first=12px; last=20px", "--emphasis", "60"}}};
   for (const char* compression : {"none", "zip"}) {
     for (int frame = 1; frame <= frames; ++frame) {
       WriteFrame(folder / ("in." + std::to_string(frame) + ".tif"), 1920, 1080, compression,

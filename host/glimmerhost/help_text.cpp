@@ -81,10 +81,10 @@ std::string ProgramHelp() {
       "\n  glimmerhost COMMAND --help tells the options of each; --version the version.\n\n"
       "Examples:\n"
       "  glimmerhost render night.png -o out.png --shape polygon --radius 40px\n"
-      "  glimmerhost render shot.####.tif -o out.####.tif --radius " +
-      quote + "0=4px; -1=60px" + quote +
+      "  glimmerhost render shot.#.tif -o out.#.tif --radius " +
+      quote + "first=4px; last=60px" + quote +
       "\n"
-      "  glimmerhost submit shot.####.tif -o out.####.tif --radius 20px" +
+      "  glimmerhost submit shot.#.tif -o out.#.tif --radius 20px" +
       (kHasSlurm ? " --engine slurm" : "") +
       "\n"
       "  glimmerhost psf -o aperture.png --shape polygon --sides 5 --radius 60px\n"

@@ -65,6 +65,7 @@ class RenderCommand final : public Command {
       return kExitDone;
     }
     if (plan.explain) {
+      SayRemarks(plan);
       Explain(*plan.module.engine, page_, plan.settings, plan.shot, out);
       return kExitDone;
     }

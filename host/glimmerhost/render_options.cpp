@@ -25,6 +25,10 @@ void AddShot(OptionSet* options, RenderOptions* render) {
                  {kShotGroup, "LIST",
                   "1-10,20-30, 1-100x5 (every fifth), 100-1 (backwards); default: the list in the "
                   "input's name (shot.1-100#.tif), or the frames that its folder has"});
+  options->Value(std::string("--") + kShot, &render->look[kShot],
+                 {kShotGroup, "FIRST-LAST",
+                  "The frames that the shot has, which times of keyframes count in (default: those "
+                  "of INPUT, in its name's list or in its folder). A frame outside is refused"});
   options->Switch("--skip-existing", &render->skipExisting, kShotGroup,
                   "Leave out frames whose output exists");
   options->Switch("--keep-going", &render->keepGoing, kShotGroup,

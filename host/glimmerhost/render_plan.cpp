@@ -2,12 +2,16 @@
 #include "host/glimmerhost/render_plan.h"
 
 #include <algorithm>
+#include <iostream>
+#include <utility>
 
 #include "host/looks/idle_options.h"
 #include "host/looks/parameter_file.h"
 #include "host/looks/units.h"
 #include "host/pictures/alpha.h"
+#include "host/shots/frame_list.h"
 #include "host/support/failure.h"
+#include "host/support/text.h"
 #include "host/support/utf8_path.h"
 
 namespace glimmerhost {
@@ -70,6 +74,37 @@ RenderPlan PlanOf(const RenderOptions& options, const ReadLook& read) {
   return plan;
 }
 
+// A look's own shot binds where a time counts in it: a look that was saved from one shot serves
+// others as long as it has none.
+std::optional<GivenSpan> ShotOf(const Page& page, const RenderOptions& options,
+                                const ReadLook& read) {
+  if (const std::string& typed = options.look.At(kShot); !typed.empty()) {
+    return GivenSpan{"--shot", ParseShotSpan("--shot", typed)};
+  }
+  const std::string text = MergeLayers(page, read.layers).At(kShot);
+  if (text.empty() || read.timed.empty()) {
+    return std::nullopt;
+  }
+  const auto layer = std::find_if(read.layers.rbegin(), read.layers.rend(),
+                                  [](const LookLayer& one) { return !one.look.At(kShot).empty(); });
+  const std::string origin = layer->origin + kShot;
+  return GivenSpan{origin, ParseShotSpan(origin, text)};
+}
+
+// The files of the shot, and whether the look's times go with it. Of several parts the first one
+// says what is to be said once.
+void PlanFiles(const ReadLook& read, ShotNames names, RenderPlan* plan) {
+  names.spread = read.pictures.spread;
+  names.shot = read.shot;
+  names.hasTimes = !read.timed.empty();
+  plan->shot = PlanShot(names);
+  const std::vector<int> outside = FramesOutside(read.timed, plan->shot.span);
+  if (!outside.empty() && (names.chunk.empty() || names.chunk.starts_with("1/"))) {
+    plan->remarks.push_back("keyframes are at frames " + ShowFrames(outside) +
+                            ", which are not in the shot " + ShowSpan(plan->shot.span));
+  }
+}
+
 }  // namespace
 
 ReadLook ReadLookOf(const Page& page, const RenderOptions& options) {
@@ -81,6 +116,8 @@ ReadLook ReadLookOf(const Page& page, const RenderOptions& options) {
   if (std::find(shapes.begin(), shapes.end(), Shape::kImage) == shapes.end()) {
     read.pictures.spread.clear();
   }
+  read.timed = TimedTexts(page, read.layers);
+  read.shot = ShotOf(page, options, read);
   read.colours = ParseColours(options.colours);
   return read;
 }
@@ -88,15 +125,17 @@ ReadLook ReadLookOf(const Page& page, const RenderOptions& options) {
 RenderPlan PlanRender(const RenderOptions& options, const ReadLook& read) {
   CheckPipes(options);
   RenderPlan plan = PlanOf(options, read);
-  plan.shot = PlanShot({options.input,
-                        options.output,
-                        read.pictures.spread,
-                        options.frames,
-                        options.chunk,
-                        {{"--manifest", options.manifest, true},
-                         {"--save-params", options.saveParams, true},
-                         {"--params", options.look.file, false},
-                         {"--module", options.module, false}}});
+  PlanFiles(read,
+            {options.input,
+             options.output,
+             "",
+             options.frames,
+             options.chunk,
+             {{"--manifest", options.manifest, true},
+              {"--save-params", options.saveParams, true},
+              {"--params", options.look.file, false},
+              {"--module", options.module, false}}},
+            &plan);
   if (plan.shot.isInPlace && options.skipExisting) {
     throw UsageError("--skip-existing cannot be used where -o is INPUT: of " + options.output +
                      " every frame exists");
@@ -107,15 +146,28 @@ RenderPlan PlanRender(const RenderOptions& options, const ReadLook& read) {
 
 RenderPlan PlanSubmit(const RenderOptions& options, const ReadLook& read) {
   RenderPlan plan = PlanOf(options, read);
-  plan.shot = PlanShot({options.input, options.output, read.pictures.spread, options.frames, ""});
+  PlanFiles(read, {options.input, options.output, "", options.frames, ""}, &plan);
+  // The chunks are given the span, and to them it would be the command that is wrong.
+  for (const FrameFiles& files : plan.shot.files) {
+    CheckInShot(plan.shot, files.frame);
+  }
   plan.module = ChooseModule(options.engine, options.module);
   return plan;
 }
 
+void SayRemarks(const RenderPlan& plan) {
+  for (const std::string& remark : plan.remarks) {
+    std::cerr << "glimmerhost: " + AsLine(remark) + "\n";
+  }
+}
+
 void SaveLook(const Page& page, const RenderPlan& plan) {
   if (!plan.savedLook.empty()) {
-    SaveParameters(page, plan.savedLook, UsedLook(page, plan.settings.layers),
-                   plan.settings.overwrite);
+    Look used = UsedLook(page, plan.settings.layers);
+    if (plan.shot.span.IsKnown()) {
+      used[kShot] = ShowSpan(plan.shot.span);
+    }
+    SaveParameters(page, plan.savedLook, used, plan.settings.overwrite);
   }
 }
 

@@ -4,11 +4,14 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "host/glimmerhost/render_options.h"
 #include "host/looks/look_layers.h"
 #include "host/looks/page.h"
+#include "host/looks/timed_texts.h"
 #include "host/module/module_choice.h"
 #include "host/render/shot_render.h"
 #include "host/render/shot_report.h"
@@ -23,7 +26,7 @@ struct RenderPlan {
   ModuleChoice module{};
   std::filesystem::path manifest;    // empty for none
   std::filesystem::path savedLook;   // a file for the look that is used; empty for none
-  std::vector<std::string> remarks;  // what was asked for in vain, a line each
+  std::vector<std::string> remarks;  // of the whole shot, a line each
   bool explain = false;              // only tell what would be done
   bool dryRun = false;               // only list the files
 };
@@ -33,6 +36,8 @@ struct ReadLook {
   std::vector<LookLayer> layers;
   PictureLook pictures;                       // without a spread that no shape has a use for
   std::vector<std::string> idle;              // a line for each option that changes nothing
+  std::vector<TimedText> timed;               // what times count in the shot
+  std::optional<GivenSpan> shot;              // as it was given; none for INPUT's
   std::shared_ptr<const ColourPath> colours;  // null for samples as they are
 };
 
@@ -44,6 +49,9 @@ RenderPlan PlanRender(const RenderOptions& options, const ReadLook& read);
 
 // For submit, whose chunks plan their own part: the whole shot, and no file beside it.
 RenderPlan PlanSubmit(const RenderOptions& options, const ReadLook& read);
+
+// Says the remarks of a plan that nobody carries out, on stderr.
+void SayRemarks(const RenderPlan& plan);
 
 // Writes the look where that was asked for. Throws Failure, and UsageError for the file's name.
 void SaveLook(const Page& page, const RenderPlan& plan);

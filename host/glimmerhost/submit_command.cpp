@@ -45,9 +45,9 @@ struct SubmitOptions : RenderOptions {
 
 // What the chunks are given otherwise, or is no business of theirs.
 const std::set<std::string>& KeptOptions() {
-  static const std::set<std::string> kept = {"--jobs",    "--sbatch",   "--chunk",
-                                             "--frames",  "--manifest", "--skip-existing",
-                                             "--explain", "--dry-run",  "--save-params"};
+  static const std::set<std::string> kept = {
+      "--jobs",          "--sbatch",  "--chunk",   "--frames",      "--manifest",
+      "--skip-existing", "--explain", "--dry-run", "--save-params", "--shot"};
   return kept;
 }
 
@@ -146,6 +146,9 @@ FarmJob MakeJob(const SubmitOptions& options, const std::vector<TypedArgument>& 
   job.manifestBehind = manifest.extension().string();
   // Files may come and go until the last chunk has begun; the list is what it is now.
   job.options.push_back(FramesOption(job.frames));
+  if (plan.span.IsKnown()) {
+    job.options.push_back("--shot=" + ShowSpan(plan.span));
+  }
   for (const TypedArgument& argument : typed) {
     const bool told = argument.option == "--progress" || argument.option == "--quiet";
     // The chunks are told of the effect's engine, and not of where they are.
@@ -203,8 +206,7 @@ std::optional<ShotForesight> Foreseen(const lx::Footprint& engine, const Page& p
                                       const ShotSettings& settings, const ShotPlan& plan) {
   try {
     const Picture picture = FirstPicture(plan);
-    const KeyframedValues values(page, settings.layers, picture.width, picture.height,
-                                 {plan.lowest, plan.highest});
+    const KeyframedValues values(page, settings.layers, picture.width, picture.height, plan.span);
     return ForeseeShot(engine, values, plan, picture);
   } catch (const MissingInput&) {
     return std::nullopt;
@@ -283,6 +285,10 @@ int Submit(const Page& page, const SubmitOptions& options, const RenderPlan& pla
   const std::optional<ShotForesight> foreseen = Foreseen(effect, page, plan.settings, plan.shot);
   WarnOfTooLarge(effect, foreseen);
   WarnOfMemory(options, job, foreseen);
+  // On this machine the first chunk says it.
+  if (plan.dryRun || !IsLocal(options)) {
+    SayRemarks(plan);
+  }
   ShotReport report(plan.dryRun || !IsLocal(options) ? ShotReport::Form::kQuiet : plan.report,
                     plan.shot.files.size(), plan.shot.isShot);
   ChunkReport listener(job, &report, plan.settings.keepGoing);
@@ -353,6 +359,7 @@ class SubmitCommand final : public Command {
     options_.engine = PartEngines(options_.engines).module;
     const RenderPlan plan = PlanSubmit(options_, ReadLookOf(page_, options_));
     if (plan.explain) {
+      SayRemarks(plan);
       Explain(*plan.module.engine, page_, plan.settings, plan.shot, out);
       return kExitDone;
     }

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
 #include <functional>
 #include <iterator>
 #include <utility>
@@ -15,31 +14,21 @@
 
 namespace glimmerhost {
 
-namespace {
-
-std::string NoEndFor(const std::string& name, const std::string& text, int time) {
-  return name + " " + text + ": a time from the end (" + std::to_string(time) +
-         ") needs --frames, which says how many pictures the pipe holds";
-}
-
-}  // namespace
-
 // Puts typed values into tracks. An error calls an option by where it came from and its name:
 // "--radius", or "film.toml: radius".
 class KeyframedValues::Setter {
  public:
   using Parse = std::function<Value(const std::string& text)>;
 
-  Setter(const Page& page, const ShotSpan& span, std::string origin,
-         std::map<std::string, Track>* tracks)
-      : page_(page), span_(span), origin_(std::move(origin)), tracks_(*tracks) {}
+  Setter(const Page& page, std::string origin, std::map<std::string, Track>* tracks)
+      : page_(page), origin_(std::move(origin)), tracks_(*tracks) {}
 
   // What a look says under the option's name.
   void Option(const PageOption& option, const std::string& text, int width, int height) {
     const std::string name = origin_ + option.name;
     for (const std::string& key : option.keys) {
       const Parameter& parameter = page_.Find(key);
-      Put(parameter, name, text,
+      Put(parameter, name, "", text,
           [&](const std::string& value) { return ValueOf(parameter, name, value, width, height); });
     }
   }
@@ -55,7 +44,7 @@ class KeyframedValues::Setter {
       const std::string value = text.substr(equals + 1);
       const Parse parse = [&](const auto& one) { return parameter.Parse(parameter.key, one); };
       // An empty value is an option that was not given, but here it was.
-      value.empty() ? (void)parse(value) : Put(parameter, parameter.key, value, parse);
+      value.empty() ? (void)parse(value) : Put(parameter, parameter.key, name + ": ", value, parse);
     } catch (const UsageError& fault) {
       throw UsageError(name + ": " + fault.what());
     }
@@ -77,58 +66,36 @@ class KeyframedValues::Setter {
     return parameter.Parse(name, text);
   }
 
-  void Put(const Parameter& parameter, const std::string& name, const std::string& text,
-           const Parse& parse) {
+  //   before  what stands before the name where nobody else puts it there
+  void Put(const Parameter& parameter, const std::string& name, const std::string& before,
+           const std::string& text, const Parse& parse) {
     if (text.empty()) {
       return;
     }
-    Track track{parameter, {}};
+    Track track{parameter, {}, {}, before + name, text};
     if (!HasKeyframes(text)) {
-      track.values.push_back({0, Course::kHeld, parse(text)});
+      track.values.push_back({0.0, Course::kHeld, parse(text)});
     } else {
       for (const KeyframeText& key : ParseKeyframes(name, text)) {
-        if (key.time < 0 && span_.isOpen) {
-          throw UsageError(NoEndFor(name, text, key.time));
-        }
-        track.values.push_back({FromStart(key.time), key.course, parse(key.value)});
+        track.values.push_back({0.0, key.course, parse(key.value)});
+        track.written.push_back(key.time);
       }
-      Order(name, text, &track.values);
     }
     tracks_[parameter.key] = std::move(track);
   }
 
-  int FromStart(int time) const {
-    const std::int64_t length = std::int64_t{span_.highest} - span_.lowest + 1;
-    return static_cast<int>(time < 0 ? std::max(length + time, -length) : time);
-  }
-
-  static void Order(const std::string& name, const std::string& text,
-                    std::vector<TimedValue>* values) {
-    std::sort(values->begin(), values->end(),
-              [](const TimedValue& a, const TimedValue& b) { return a.time < b.time; });
-    const auto twin = std::adjacent_find(
-        values->begin(), values->end(),
-        [](const TimedValue& a, const TimedValue& b) { return a.time == b.time; });
-    if (twin != values->end()) {
-      throw UsageError(name + " " + text + ": two keyframes are at the time " +
-                       std::to_string(twin->time));
-    }
-  }
-
   const Page& page_;
-  const ShotSpan& span_;
   std::string origin_;
   std::map<std::string, Track>& tracks_;
 };
 
 KeyframedValues::KeyframedValues(const Page& page, const std::vector<LookLayer>& layers, int width,
-                                 int height, const ShotSpan& span)
-    : span_(span) {
+                                 int height, const ShotSpan& span) {
   for (const Parameter& parameter : page.Parameters()) {
-    tracks_[parameter.key] = {parameter, {{0, Course::kHeld, parameter.initial}}};
+    tracks_[parameter.key] = {parameter, {{0.0, Course::kHeld, parameter.initial}}};
   }
   for (const auto& [origin, look] : layers) {
-    Setter set(page, span_, origin, &tracks_);
+    Setter set(page, origin, &tracks_);
     for (const PageOption& option : page.Options()) {
       set.Option(option, look.At(option.name), width, height);
     }
@@ -136,12 +103,15 @@ KeyframedValues::KeyframedValues(const Page& page, const std::vector<LookLayer>&
       set.Assignment(assignment);
     }
   }
+  for (auto& [key, track] : tracks_) {
+    track.Settle(span);
+  }
 }
 
 std::map<std::string, Value> KeyframedValues::At(int frame) const {
   std::map<std::string, Value> values;
   for (const auto& [key, track] : tracks_) {
-    values[key] = track.At(frame - span_.lowest);
+    values[key] = track.At(frame);
   }
   return values;
 }
@@ -151,13 +121,28 @@ bool KeyframedValues::IsAnimated() const {
                      [](const auto& track) { return track.second.values.size() > 1; });
 }
 
-// Numbers run; entries of a list and switches have nothing between them. A smooth course may
-// lead out of what the page allows, and then stays at its end.
-Value KeyframedValues::Track::At(int time) const {
+void KeyframedValues::Track::Settle(const ShotSpan& span) {
+  if (written.empty()) {
+    return;
+  }
+  std::map<double, TimedValue> byTime;
+  for (std::size_t i = 0; i < written.size(); ++i) {
+    values[i].time = FrameOf(written[i], span, name, text);
+    byTime.insert_or_assign(values[i].time, values[i]);
+  }
+  values.clear();
+  for (auto& [time, value] : byTime) {
+    values.push_back(std::move(value));
+  }
+}
+
+// Numbers run; entries of a list and switches have nothing between them. What is typed may be more
+// than the page allows, and then stays at its end.
+Value KeyframedValues::Track::At(double time) const {
   if (!std::holds_alternative<double>(values.front().value)) {
     const auto after =
         std::upper_bound(values.begin(), values.end(), time,
-                         [](int t, const TimedValue& value) { return t < value.time; });
+                         [](double t, const TimedValue& value) { return t < value.time; });
     return after == values.begin() ? values.front().value : std::prev(after)->value;
   }
   std::vector<Keyframe> keys;
@@ -167,6 +152,13 @@ Value KeyframedValues::Track::At(int time) const {
   const double number =
       std::clamp(ValueAt(keys, time), parameter.typedLowest, parameter.typedHighest);
   return parameter.kind == Kind::kWhole ? std::round(number) : number;
+}
+
+std::map<std::string, Value> StillValues(const Page& page, const std::vector<LookLayer>& layers,
+                                         int width, int height) {
+  const std::string shot = MergeLayers(page, layers).At(kShot);
+  const ShotSpan span = shot.empty() ? ShotSpan{1, 1} : ParseShotSpan(kShot, shot);
+  return KeyframedValues(page, layers, width, height, span).At(*span.first);
 }
 
 }  // namespace glimmerhost

@@ -15,7 +15,9 @@ namespace glimmerhost {
 class KeyframedValues {
  public:
   // The page's defaults, then layer by layer the options and what --set says, for pictures of
-  // that size. Throws UsageError for a value that the page does not allow.
+  // that size. Throws UsageError for a value that the page does not allow, and for times that do
+  // not go with the span, unless another layer goes over them. Where the shot is so short that
+  // several keyframes come to one time, the last of those written counts.
   KeyframedValues(const Page& page, const std::vector<LookLayer>& layers, int width, int height,
                   const ShotSpan& span);
 
@@ -27,29 +29,30 @@ class KeyframedValues {
 
  private:
   struct TimedValue {
-    int time;
+    double time;
     Course course;
     Value value;
   };
 
   struct Track {
     Parameter parameter;
-    std::vector<TimedValue> values;
+    std::vector<TimedValue> values;       // in order of time, no two at the same
+    std::vector<KeyframeTime> written{};  // their times, until these are settled
+    std::string name{};                   // of keyframes: where they come from, and their text
+    std::string text{};
 
-    Value At(int time) const;
+    void Settle(const ShotSpan& span);
+    Value At(double time) const;
   };
 
   class Setter;
 
-  ShotSpan span_;
   std::map<std::string, Track> tracks_;
 };
 
-// The values for one picture of that size, which is the first of its shot and its last.
-inline std::map<std::string, Value> StillValues(const Page& page,
-                                                const std::vector<LookLayer>& layers, int width,
-                                                int height) {
-  return KeyframedValues(page, layers, width, height, {}).At(0);
-}
+// The values for one picture of that size: the first of the shot that the look names, and where it
+// names none, the only one.
+std::map<std::string, Value> StillValues(const Page& page, const std::vector<LookLayer>& layers,
+                                         int width, int height);
 
 }  // namespace glimmerhost

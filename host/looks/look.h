@@ -14,6 +14,7 @@ namespace glimmerhost {
 inline constexpr const char* kSpread = "spread";             // a picture file, or a sequence
 inline constexpr const char* kAlpha = "alpha";               // premultiplied or as-is
 inline constexpr const char* kPixelAspect = "pixel-aspect";  // A:B
+inline constexpr const char* kShot = "shot";                 // FIRST-LAST, for times of keyframes
 
 struct Look {
   // By the names of options without their dashes. An empty text was not given, as one that is not

@@ -11,6 +11,7 @@
 
 #include "host/looks/keys.h"
 #include "host/looks/parameter_entries.h"
+#include "host/looks/shot_span.h"
 #include "host/looks/units.h"
 #include "host/pictures/alpha.h"
 #include "host/support/failure.h"
@@ -54,6 +55,8 @@ void CheckText(const ParameterEntry& entry) {
     ParsePremultiplied(name, entry.text);
   } else if (entry.name == kPixelAspect) {
     ParseRatio(name, entry.text);
+  } else if (entry.name == kShot) {
+    ParseShotSpan(name, entry.text);
   }
 }
 

@@ -72,15 +72,18 @@ void ListFiles(const ShotPlan& plan, std::ostream& out) {
 void Explain(const lx::Footprint& engine, const Page& page, const ShotSettings& settings,
              const ShotPlan& plan, std::ostream& out) {
   const Picture picture = FirstPicture(plan);
-  const KeyframedValues values(page, settings.layers, picture.width, picture.height, SpanOf(plan));
+  const KeyframedValues values(page, settings.layers, picture.width, picture.height, plan.span);
   const ShotForesight foresight = ForeseeShot(engine, values, plan, picture);
   std::vector<int> frames;
   for (const FrameFiles& files : plan.files) {
     frames.push_back(files.frame);
   }
   out << "Frames              " << ShowFrames(frames) << ", " << frames.size() << " of "
-      << picture.width << " x " << picture.height << '\n'
-      << "Engine              " << engine.name << ": " << engine.description << '\n';
+      << picture.width << " x " << picture.height << '\n';
+  if (plan.span.IsKnown()) {
+    out << "Shot                " << ShowSpan(plan.span) << '\n';
+  }
+  out << "Engine              " << engine.name << ": " << engine.description << '\n';
   for (const auto& [grid, of] : foresight.byGrid) {
     if (grid == kTooLarge) {
       out << "Too large           frames " << ShowFrames(of) << ": the grid ends at "

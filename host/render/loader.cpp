@@ -58,6 +58,7 @@ std::optional<FrameFiles> Loader::FilesAt(std::size_t place) const {
 
 // False where a pipe without a list of frames has come to its end.
 bool Loader::Load(FrameWork* work) {
+  CheckInShot(plan_, work->files.frame);
   // Before anything is skipped: a picture of the pipe stands between this frame and the next.
   if (work->files.input == kPipe && !TakeFromPipe(work)) {
     return false;
@@ -149,7 +150,7 @@ std::map<std::string, Value> Loader::ValuesOf(int frame, const Picture& picture)
   const std::pair<int, int> size{picture.width, picture.height};
   if (!values_ || valuesSize_ != size) {
     values_ = std::make_unique<KeyframedValues>(page_, settings_.layers, picture.width,
-                                                picture.height, SpanOf(plan_));
+                                                picture.height, plan_.span);
     valuesSize_ = size;
   }
   return values_->At(frame);

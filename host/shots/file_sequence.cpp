@@ -9,6 +9,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "host/looks/shot_span.h"
 #include "host/shots/frame_list.h"
 #include "host/support/failure.h"
 #include "host/support/utf8_path.h"

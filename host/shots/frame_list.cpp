@@ -8,6 +8,7 @@
 #include <system_error>
 #include <unordered_set>
 
+#include "host/looks/shot_span.h"
 #include "host/support/failure.h"
 
 namespace glimmerhost {

@@ -7,9 +7,6 @@
 
 namespace glimmerhost {
 
-// Frames from minus this to this have a number: so many that sums and distances fit an int.
-inline constexpr int kLargestFrame = 99999999;
-
 // The frames in the order written, each once. A range may run backwards, x takes every so many
 // of it, and a frame may be negative.
 //   name  how the text's origin is called in an error

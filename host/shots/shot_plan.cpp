@@ -32,7 +32,42 @@ std::vector<int> ShotFrames(const ShotNames& names, const FileSequence& input) {
   return input.Frames().empty() ? input.Scan() : input.Frames();
 }
 
+ShotSpan SpanOf(const std::vector<int>& frames) {
+  const auto [first, last] = std::minmax_element(frames.begin(), frames.end());
+  return {*first, *last};
+}
+
+// The folder is looked through for the whole shot, whatever the list takes of it.
+void SettleSpan(const ShotNames& names, const FileSequence& input, ShotPlan* plan) {
+  if (names.shot) {
+    plan->span = names.shot->span;
+    plan->spanOrigin = names.shot->origin;
+  } else if (!names.hasTimes) {
+    return;
+  } else if (input.HasFrames()) {
+    plan->isSpanFound = input.Frames().empty();
+    plan->span = SpanOf(plan->isSpanFound ? input.Scan() : input.Frames());
+    plan->spanOrigin = "INPUT";
+  } else if (names.frames.empty()) {
+    plan->span.first = 1;
+    plan->span.last = plan->filesOf ? std::optional<int>() : 1;
+  }
+}
+
 }  // namespace
+
+void CheckInShot(const ShotPlan& plan, int frame) {
+  if (plan.span.Holds(frame)) {
+    return;
+  }
+  const std::string what =
+      "frame " + std::to_string(frame) + " is not in the shot " + ShowSpan(plan.span);
+  if (plan.isSpanFound) {
+    throw MissingInput(what + ", which are the frames that INPUT has; --shot names others");
+  }
+  throw UsageError(what + " (" + plan.spanOrigin +
+                   "); --shot says which frames the shot has, --frames which are rendered");
+}
 
 ChunkPlaces ParseChunk(const std::string& text, std::size_t count) {
   std::string_view rest = text;
@@ -67,6 +102,7 @@ ShotPlan PlanShot(const ShotNames& names) {
     ShotPlan plan;
     plan.isShot = true;
     plan.filesOf = filesOf;
+    SettleSpan(names, input, &plan);
     return plan;
   }
   std::vector<int> frames = ShotFrames(names, input);
@@ -78,9 +114,12 @@ ShotPlan PlanShot(const ShotNames& names) {
   }
   ShotPlan plan;
   plan.isShot = input.HasFrames() || output.HasFrames() || !names.frames.empty();
-  const auto [lowest, highest] = std::minmax_element(frames.begin(), frames.end());
-  plan.lowest = *lowest;
-  plan.highest = *highest;
+  SettleSpan(names, input, &plan);
+  if (!plan.isSpanFound) {
+    for (const int frame : frames) {
+      CheckInShot(plan, frame);
+    }
+  }
   FileConflicts conflicts;
   for (const int frame : frames) {
     conflicts.Add(filesOf(frame));

@@ -5,10 +5,11 @@
 #include <cstddef>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "host/looks/keyframes.h"
+#include "host/looks/shot_span.h"
 #include "host/shots/file_conflicts.h"
 
 namespace glimmerhost {
@@ -23,6 +24,12 @@ struct FrameFiles {
   std::filesystem::path spread;  // empty if there is none
 };
 
+// The frames of the shot as a person gives them.
+struct GivenSpan {
+  std::string origin;  // "--shot", or "film.toml: shot"
+  ShotSpan span;
+};
+
 // Names as they were typed; frames, spread and chunk may be empty.
 struct ShotNames {
   std::string input;
@@ -31,28 +38,36 @@ struct ShotNames {
   std::string frames;  // a list; without one the input's name or its folder says
   std::string chunk;   // "2/5": the second of five parts of the list
   std::vector<NamedFile> beside{};
+  std::optional<GivenSpan> shot{};  // none for the frames that INPUT has
+  bool hasTimes = false;            // whether any time counts in the shot
 };
 
 struct ShotPlan {
   std::vector<FrameFiles> files;  // in the order to render
-  int lowest = 1;                 // of all frames of the shot, whatever chunk this is
-  int highest = 1;
-  bool isShot = false;     // false for one picture whose frame nobody named
-  bool isInPlace = false;  // whether a frame's output is its own input
+  bool isShot = false;            // false for one picture whose frame nobody named
+  bool isInPlace = false;         // whether a frame's output is its own input
+
+  // What times of keyframes count in, whichever frames are rendered: what was given; or else the
+  // frames of INPUT, from the list in its name or from its folder. Unknown where no time asks for
+  // it; the ends of a pipe and of a still with a list of frames are.
+  ShotSpan span{};
+  bool isSpanFound = false;  // in the folder: files that come later are not in it
+  std::string spanOrigin{};  // of one that was given
 
   // Null unless the input is a pipe without a list of frames: those go on from 1 until it ends,
   // nobody knows when. There are no files then.
   std::function<FrameFiles(int frame)> filesOf;
 };
 
-// What times of the shot's keyframes count from.
-inline ShotSpan SpanOf(const ShotPlan& plan) {
-  return {plan.lowest, plan.highest, static_cast<bool>(plan.filesOf)};
-}
-
-// Input and output may be kPipe. Throws UsageError for names and lists that do not go together, and
-// for files that would be lost to one another; MissingInput where the input's folder has no frames.
+// Input and output may be kPipe. Throws UsageError for names and lists that do not go together,
+// for files that would be lost to one another, and for a frame outside of a span that was given;
+// MissingInput where the input's folder has no frames.
 ShotPlan PlanShot(const ShotNames& names);
+
+// For frames that come one by one, or whose file may have come after the folder was looked through.
+// Throws UsageError for one outside of a span that was given, and MissingInput for one outside of
+// what was found.
+void CheckInShot(const ShotPlan& plan, int frame);
 
 // The places of a list that the chunk "K/N" takes: N parts as even as can be, the first ones
 // longer; of more parts than frames, the last are empty. Throws UsageError.

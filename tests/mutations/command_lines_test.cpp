@@ -32,7 +32,7 @@ const std::vector<Line> kLines = {
     {"render", "in.png", "-o", "out.jpg", "--shape", "image", "--spread", "spread.png", "--center",
      "50%,50%", "--radius-psf1", "2px", "--radius-psf2", "4px"},
     {"render", "shot.####.png", "-o", "out.####.png", "--frames", "1-3", "--radius",
-     "0=1px; -1=4px", "--manifest", "out.jsonl", "--progress", "json"},
+     "first=1px; last=4px", "--manifest", "out.jsonl", "--progress", "json"},
     {"render", "shot.####.png", "-o", "out.@.png", "--chunk", "1/2", "--skip-existing",
      "--keep-going", "--quiet"},
     {"render", "shot.%04d.png", "-o", "out.%d.png", "--frames", "4-1x2", "--params", "look.toml",
@@ -44,7 +44,7 @@ const std::vector<Line> kLines = {
      "--skip-existing", "--frames", "1-4"},
     {"render", "shot.####.png", "-o", "out.@@.png", "--dry-run"},
     {"render", "-", "-o", "out.##.png", "--frames", "1-2", "--radius", "5%"},
-    {"render", "-", "-o", "-", "--radius", "0=1%; 9=5%"},
+    {"render", "-", "-o", "-", "--radius", "1=1%; 9=5%"},
     {"render", "in.png", "-o", "-", "--params", "look.json"},
     {"psf", "-o", "out.png", "--size", "40x30", "--radius", "4px", "--zoom", "2"},
     {"psf", "-o", "out.png", "--size", "32x24", "--shape", "image", "--spread", "spread.png",
@@ -174,7 +174,8 @@ const std::vector<std::string> kWords = {"",
                                          "circle",
                                          "0=1; 2=3",
                                          "0=1px; -1=4px",
-                                         "0~=1;1|=2;-1=3",
+                                         "first~=1;25%|=2;last-3=3",
+                                         "first+=1; 101%=2; last--1=3",
                                          "0=1;0=2",
                                          "=",
                                          ";",
@@ -330,7 +331,8 @@ void MakeFiles(mutations::RunFolder* folder) {
   mutations::WriteBytes("empty.png", "");
   mutations::WriteBytes("text.txt", "no picture");
   mutations::WriteBytes("look.toml", "version = 1\nshape = \"polygon\"\nradius = \"4px\"\n");
-  mutations::WriteBytes("look.json", R"({"version": 1, "radius": "0=1px; -1=3px"})");
+  mutations::WriteBytes("look.json",
+                        R"({"version": 1, "radius": "first=1px; last=3px", "shot": "1-9"})");
   mutations::WriteBytes("page.session",
                         "load in.png\nset PRM_Shape image\npress 12 8\nmove 14 6\nrelease 14 6\n"
                         "render\nsave after.png\nprint page\n");

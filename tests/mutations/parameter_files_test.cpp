@@ -21,14 +21,16 @@ using mutations::Mutator;
 
 const char* const kToml =
     "# A film\nversion = 1\nshape = \"polygon\"\nsides = 5\nradius = '40px'\nmatch = true\n"
-    "rotation = -12.5e-1\nemphasis = \"\"\"\n0=50; 24~=60; -1=220\"\"\"\nspread = "
+    "rotation = -12.5e-1\nshot = \"1-99\"\nemphasis = \"\"\"\nfirst=50; 24~=60; "
+    "last=220\"\"\"\nspread = "
     "\"h\\u00f6.png\"\n"
     "center = \"25%,50%\" # to the left\nalpha = \"as-is\"\npixel-aspect = \"16:15\"\n"
     "PRM_Precision = false\n";
 
 const char* const kJson =
     "{\"version\": 1, \"shape\": \"polygon\",\n\"sides\": 5, \"radius\": \"40px\",\r\n"
-    "\"match\": true, \"rotation\": -12.5e-1, \"emphasis\": \"0=50; 24~=60; -1=220\",\n"
+    "\"match\": true, \"rotation\": -12.5e-1, \"emphasis\": \"first=50; 24~=60; last=220\", "
+    "\"shot\": \"1-99\",\n"
     "\"spread\": \"h\\u00f6.png\", \"alpha\": \"as-is\", \"pixel-aspect\": \"16:15\",\n"
     "\"PRM_Precision\": false}\n";
 

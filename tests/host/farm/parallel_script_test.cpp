@@ -39,9 +39,10 @@ TEST_F(ParallelScript, GivesTheBytesOfOneRender) {
   const std::string odd = "o{}u\"t $x;\n{.} 'a'";
   ASSERT_EQ(0, host_test::RunProgram(Shot("whole.@.png", host_test::kAnimated)).code);
 
-  const Outcome outcome = Run({In(), "-o", (folder / (odd + ".@.png")).string(), "--frames", "1-5",
-                               "--shape", "polygon", "--radius", "0=2px; -1=12px", "--emphasis",
-                               "0=1; 3~=60; -1=20", "--rotation", "0=0; -1=90"});
+  const Outcome outcome =
+      Run({In(), "-o", (folder / (odd + ".@.png")).string(), "--frames", "1-5", "--shape",
+           "polygon", "--radius", "first=2px; last=12px", "--emphasis",
+           "first=1; first+3~=60; last=20", "--rotation", "25%=0; last-1=90"});
 
   EXPECT_EQ(0, outcome.code) << outcome.text;
   EXPECT_TRUE(outcome.text.ends_with("5 frames are as they were written\n")) << outcome.text;

@@ -26,7 +26,7 @@ TEST(ShellText, QuotesWhatTheShellWouldTakeApart) {
       {"$x `y` \"z\" \\", "'$x `y` \"z\" \\'"},
       {"in.####.exr", "'in.####.exr'"},
       {"~", "'~'"},
-      {"0=2px; -1=12px", "'0=2px; -1=12px'"},
+      {"1=2px; last=12px", "'1=2px; last=12px'"},
       {"caf\xc3\xa9", "'caf\xc3\xa9'"},
   };
   for (const auto& [text, word] : cases) {

@@ -68,7 +68,7 @@ class PipeProgram : public host_test::Program {
   std::string File(const std::string& name) const { return "'" + (folder / name).string() + "'"; }
 };
 
-constexpr const char* kLook = " --shape polygon --radius '0=2px; 2=6px' --emphasis 40 ";
+constexpr const char* kLook = " --shape polygon --radius '1=2px; 3=6px' --emphasis 40 ";
 
 // What files hold that came of the same pictures is what a person expects of the pipe.
 TEST_F(PipeProgram, RendersWhatFilesWouldGive) {
@@ -98,9 +98,11 @@ TEST_F(PipeProgram, NumbersWhatComesOutOfAPipeFromOne) {
 
 TEST_F(PipeProgram, NumbersItByTheList) {
   WriteShot(3);
-  const Outcome outcome = Run("- -o " + File("out.#.png") + " --frames 1001-1003" + kLook);
+  const std::string look = " --radius 'first=2px; last=6px' ";
+  const Outcome outcome =
+      Run("- -o " + File("out.#.png") + " --frames 1001-1003 --shot 1001-1003" + look);
   EXPECT_EQ(0, outcome.code) << outcome.text;
-  ASSERT_EQ(0, RunProgram("render " + File("in.@.png") + " -o " + File("file.@.png") + kLook).code);
+  ASSERT_EQ(0, RunProgram("render " + File("in.@.png") + " -o " + File("file.@.png") + look).code);
   EXPECT_EQ(Read(folder / "file.3.png").samples, Read(folder / "out.1003.png").samples);
 }
 
@@ -113,21 +115,34 @@ TEST_F(PipeProgram, PutsFilesIntoAPipe) {
 
 TEST_F(PipeProgram, TakesOnePictureWhereOneFileIsNamed) {
   WriteShot(2);
-  const Outcome outcome = Run("- -o " + File("one.png") + kLook);
+  const Outcome outcome = Run("- -o " + File("one.png") + " --radius 2px");
   EXPECT_EQ(0, outcome.code) << outcome.text;
   EXPECT_EQ("glimmerhost: standard input holds more pictures than were asked for\n", outcome.text);
   EXPECT_TRUE(fs::exists(folder / "one.png"));
 }
 
-TEST_F(PipeProgram, KnowsNoEndWithoutAList) {
+// It counts from 1; with a list its frames may be any of a shot's.
+TEST_F(PipeProgram, KnowsOfTheShotOnlyWhatIsTyped) {
   WriteShot(2);
-  const Outcome outcome = Run("- -o - --emphasis '0=1; -1=9'");
+  const std::string needs =
+      " needs --shot FIRST-LAST: neither a pipe nor a still says which frames the shot has\n";
+  const Outcome outcome = Run("- -o - --emphasis 'first=1; last=9'");
   EXPECT_EQ(2, outcome.code);
-  EXPECT_EQ(
-      "glimmerhost: --emphasis 0=1; -1=9: a time from the end (-1) needs --frames, which says "
-      "how many pictures the pipe holds\n",
-      outcome.text);
-  EXPECT_EQ(0, Run("- -o - --frames 1-2 --emphasis '0=1; -1=9'").code);
+  EXPECT_EQ("glimmerhost: --emphasis first=1; last=9: the time last" + needs, outcome.text);
+  EXPECT_EQ("glimmerhost: --emphasis first=1; 2=9: the time first" + needs,
+            Run("- -o - --frames 1001-1002 --emphasis 'first=1; 2=9'").text);
+  EXPECT_EQ(2, Run("- -o - --emphasis '50%=9'").code);
+  EXPECT_EQ(0, Run("- -o - --emphasis 'first=1; 2=9'").code);
+  EXPECT_EQ(0, Run("- -o - --frames 1-2 --shot 1-9 --emphasis 'first=1; last=9'").code);
+}
+
+TEST_F(PipeProgram, EndsAtAFrameThatTheShotHasNot) {
+  WriteShot(3);
+  const Outcome outcome = Run("- -o " + File("out.#.png") + " --shot 1-2" + kLook);
+  EXPECT_EQ(2, outcome.code);
+  EXPECT_NE(std::string::npos, outcome.text.find("frame 3 is not in the shot 1-2 (--shot)"))
+      << outcome.text;
+  EXPECT_TRUE(fs::exists(folder / "out.0002.png"));
 }
 
 TEST_F(PipeProgram, MissesWhatThePipeDoesNotHold) {

@@ -48,7 +48,7 @@ TEST(Presets, LieBelowTheFileAndItBelowWhatIsTyped) {
   look.file = (folder / "film.toml").string();
   look["rotation"] = "2";
 
-  const auto values = KeyframedValues(page, ReadLayers(page, look), 1000, 500, {}).At(0);
+  const auto values = KeyframedValues(page, ReadLayers(page, look), 1000, 500, {1, 1}).At(1);
 
   EXPECT_EQ(2, std::get<int>(values.at("PRM_Shape")));
   EXPECT_EQ(50.0, std::get<double>(values.at("PRM_Emphasis")));

@@ -44,7 +44,7 @@ class ShotProgram : public Program {
 };
 
 inline constexpr const char* kAnimated =
-    "--shape polygon --radius '0=2px; -1=12px' --emphasis '0=1; 3~=60; -1=20' --rotation "
-    "'0=0; -1=90' ";
+    "--shape polygon --radius 'first=2px; last=12px' --emphasis "
+    "'first=1; first+3~=60; last=20' --rotation '25%=0; last-1=90' ";
 
 }  // namespace host_test

@@ -7,13 +7,18 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
+#include "host/looks/keyframed_values.h"
+#include "host/looks/presets.h"
 #include "tests/support/sanitizer.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using glimmerhost::Alpha;
+using glimmerhost::Page;
+using glimmerhost::TypedLook;
 using host_test::Bytes;
 using host_test::kAnimated;
 using host_test::Outcome;
@@ -79,10 +84,115 @@ TEST_F(ShotProgram, GivesTheSameBytesHoweverTheWorkIsCut) {
   EXPECT_NE(Bytes(folder / "whole.1.png"), Bytes(folder / "whole.7.png"));
 }
 
+// Times belong to the shot, whichever of its frames are rendered.
+TEST_F(ShotProgram, GivesAnyFrameAloneTheBytesOfTheWholeShot) {
+  WriteShot(1001, 1009);
+  const std::vector<std::string> looks = {
+      "--radius '1001=2px; 1009=12px'",
+      "--radius 'first=2px; last=12px' --emphasis 30",
+      "--radius 'first+2=2px; last-2=12px'",
+      "--radius '10%=2px; 66.6%=12px'",
+      "--radius 'first~=2px; 1004~=12px; 90%~=3px; last=4px'",
+      "--radius '1003|=2px; 1005|=12px' --shape 'first=circle; 50%=polygon'",
+      "--radius 6px --shape polygon --sides '1001=3; last=9' --rotation 'last=90; first=0'",
+      "--radius 6px --set 'PRM_Emphasis=1002=0; last=60'",
+  };
+  std::vector<std::string> all = looks;
+  for (const glimmerhost::Preset& preset : glimmerhost::Presets()) {
+    all.push_back("--preset " + preset.name);
+  }
+  for (const std::string& look : all) {
+    ASSERT_EQ(0, RunProgram(Shot("whole.@.png", look + " --overwrite")).code) << look;
+    for (const char* part : {"--frames 1006", "--frames 1009,1003-1001", "--chunk 2/3",
+                             "--frames 1002-1008x3 --chunk 2/2"}) {
+      const Outcome outcome =
+          RunProgram(Shot("part.@.png", look + " --progress json --overwrite " + part));
+      ASSERT_EQ(0, outcome.code) << look << " " << part << "\n" << outcome.text;
+    }
+    for (const int frame : {1001, 1002, 1003, 1004, 1005, 1006, 1008, 1009}) {
+      const std::string end = "." + std::to_string(frame) + ".png";
+      const fs::path alone = folder / ("part" + end);
+      EXPECT_EQ(Bytes(folder / ("whole" + end)), Bytes(alone)) << look << " " << frame;
+      fs::remove(alone);
+    }
+  }
+}
+
+TEST_F(ShotProgram, PullsTheFocusHoweverShortTheShotIs) {
+  const Page page = Page::Load(PAGE);
+  TypedLook look;
+  look.preset = "focus-pull";
+  for (const int length : {1, 2, 3, 24, 25, 26, 100}) {
+    const glimmerhost::KeyframedValues values(page, ReadLayers(page, look), 1000, 500,
+                                              {1001, 1000 + length});
+    double before = 0.04;
+    for (int frame = 1001; frame <= 1000 + length; ++frame) {
+      const double radius = std::get<double>(values.At(frame).at("PRM_RadiusX"));
+      EXPECT_LE(radius, before) << frame << " of " << length;
+      // In a hundred frames no step is more than twice a straight line's.
+      EXPECT_GE(radius, length < 100 ? 0.0 : before - 2.0 * 0.04 / length) << frame;
+      before = radius;
+    }
+    EXPECT_EQ(0.0, before) << length;
+  }
+}
+
+TEST_F(ShotProgram, RefusesAFrameThatTheShotHasNot) {
+  WriteShot(1, 3);
+  const std::string moves = "--radius 'first=2px; last=4px' ";
+  const std::string says = "frame 4 is not in the shot 1-3 (";
+  ExpectRefusal(Shot("out.@.png", "--radius 2px --frames 2-4 --shot 1-3"), 2, says + "--shot)");
+  ExpectRefusal(Render(folder / "in.1-3@.png", "out.@.png", moves + "--frames 4"), 2,
+                says + "INPUT)");
+  std::ofstream(folder / "film.toml") << "shot = \"1-3\"\n";
+  const std::string film = "--params '" + (folder / "film.toml").string() + "' ";
+  ExpectRefusal(Shot("out.@.png", film + moves + "--frames 4"), 2, "film.toml: shot)");
+  // Without a time nothing counts in it; and what is typed counts over it.
+  EXPECT_EQ(3, RunProgram(Shot("out.@.png", film + "--radius 2px --frames 4")).code);
+  EXPECT_EQ(3, RunProgram(Shot("out.@.png", film + moves + "--frames 4 --shot 1-9")).code);
+
+  const Outcome outcome = RunProgram(Shot("out.@.png", moves + "--frames 4"));
+  EXPECT_EQ(3, outcome.code);
+  EXPECT_NE(std::string::npos, outcome.text.find("frame 4: frame 4 is not in the shot 1-3"))
+      << outcome.text;
+  ExpectRefusal(Shot("out.@.png", "--shot 3-1"), 2, "--shot must be the first and the last frame");
+}
+
+TEST_F(ShotProgram, NamesTheNewTimesWhereOldOnesAreTyped) {
+  WriteShot(1001, 1003);
+  ExpectRefusal(Shot("out.@.png", "--radius '0=2px; -1=4px'"), 2,
+                "--radius 0=2px; -1=4px: the time 0 is not in the shot 1001-1003; a time is a "
+                "frame (1001), first, last, first+12, last-12 or a part (25%)");
+}
+
+TEST_F(ShotProgram, SaysOnceThatKeyframesAreOutsideOfTheShot) {
+  WriteShot(1001, 1003);
+  const std::string look = "--radius '1001=2px; 1010=4px' --emphasis '5=1; 1002=9' ";
+  const std::string line =
+      "glimmerhost: keyframes are at frames 5,1010, which are not in the shot 1001-1003\n";
+  EXPECT_EQ(line, RunProgram(Shot("out.@.png", look + "--quiet")).text);
+  EXPECT_EQ(line, RunProgram(Shot("a.@.png", look + "--quiet --chunk 1/3")).text);
+  EXPECT_EQ("", RunProgram(Shot("a.@.png", look + "--quiet --chunk 2/3")).text);
+  EXPECT_EQ("", RunProgram(Shot("b.@.png", look + "--quiet --shot 1-1010")).text);
+}
+
+TEST_F(ShotProgram, SavesTheShotWithALookThatHasTimes) {
+  WriteShot(1, 4);
+  const std::string save = "--overwrite --save-params '" + (folder / "film.toml").string() + "' ";
+  ASSERT_EQ(0, RunProgram(Shot("out.@.png", save + "--radius 'first=1px; last=4px'")).code);
+  EXPECT_NE(std::string::npos, Bytes(folder / "film.toml").find("shot = \"1-4\"\n"));
+  const std::string film = "--params '" + (folder / "film.toml").string() + "'";
+  ASSERT_EQ(0, RunProgram(Shot("again.@.png", film + " --frames 3")).code);
+  EXPECT_EQ(Bytes(folder / "out.3.png"), Bytes(folder / "again.3.png"));
+
+  ASSERT_EQ(0, RunProgram(Shot("out.@.png", save + "--radius 3px")).code);
+  EXPECT_EQ(std::string::npos, Bytes(folder / "film.toml").find("shot"));
+}
+
 // Radii so near to each other that one instance would keep its aperture for all.
 TEST_F(ShotProgram, BuildsEveryFramesOwnApertureUnlessToldToCarryIt) {
   WriteShot(1, 4);
-  const std::string options = "--radius '0=0.2; -1=0.200002' ";
+  const std::string options = "--radius 'first=0.2; last=0.200002' ";
   ASSERT_EQ(0, RunProgram(Shot("fresh.@.png", options)).code);
   ASSERT_EQ(0, RunProgram(Shot("alone.@.png", options + "--frames 1-4 --chunk 4/4")).code);
   EXPECT_EQ(Bytes(folder / "fresh.4.png"), Bytes(folder / "alone.4.png"));
@@ -159,12 +269,14 @@ TEST_F(ShotProgram, TakesASequenceOrAStillForTheAperture) {
 
 TEST_F(ShotProgram, ExplainsWithoutRendering) {
   WriteShot(1, 3);
-  const Outcome outcome = RunProgram(Shot("out.@.png", "--radius '0=2px; -1=12px' --explain"));
+  const Outcome outcome =
+      RunProgram(Shot("out.@.png", "--radius 'first=2px; last=12px' --explain"));
 
   EXPECT_EQ(0, outcome.code) << outcome.text;
   // Frame by frame, as radii of 2, 7 and 12 have margins of 3, 8 and 13: 66 x 46 at least, 76 x 56,
   // and 86 x 66.
-  EXPECT_NE(std::string::npos, outcome.text.find("Frames              1-3, 3 of 60 x 40\n"))
+  EXPECT_NE(std::string::npos,
+            outcome.text.find("Frames              1-3, 3 of 60 x 40\nShot                1-3\n"))
       << outcome.text;
   EXPECT_NE(std::string::npos, outcome.text.find("Grid                70 x 48 for frames 1\n"));
   EXPECT_NE(std::string::npos, outcome.text.find("Grid                80 x 56 for frames 2\n"));
@@ -177,7 +289,7 @@ TEST_F(ShotProgram, ExplainsWithoutRendering) {
 TEST_F(ShotProgram, ExplainsAGridThatAllFramesShare) {
   WriteShot(1, 3);
   const Outcome outcome =
-      RunProgram(Shot("out.@.png", "--radius '0=2px; -1=12px' --explain --engine exact"));
+      RunProgram(Shot("out.@.png", "--radius 'first=2px; last=12px' --explain --engine exact"));
 
   EXPECT_EQ(0, outcome.code) << outcome.text;
   // 60 and twice 3 is above 64 already; twice 13 is 86.
@@ -342,7 +454,7 @@ TEST_F(ShotProgram, RefusesWhatDoesNotGoTogether) {
                 "-o must be a name with a place for the numbers of 2 frames");
   ExpectRefusal(Shot("out.@.png", "--frames 1-"), 2, "--frames must be ");
   ExpectRefusal(Shot("out.@.png", "--chunk 3/2"), 2, "--chunk must be ");
-  ExpectRefusal(Shot("out.@.png", "--emphasis '0=900'"), 2, "--emphasis must be ");
+  ExpectRefusal(Shot("out.@.png", "--emphasis '1=900'"), 2, "--emphasis must be ");
   ExpectRefusal(Shot("out.@.png", "--progress loud"), 2, "--progress must be ");
   ExpectRefusal(Render(folder / "none.@.png", "out.@.png"), 3, "no such files");
 }
@@ -355,7 +467,7 @@ TEST_F(ShotProgram, HoldsItsMemoryFlatOverFiveHundredFrames) {
   WriteInput("still.png", 64, 48);
   const auto render = [this](const std::string& frames) {
     return RunProgram(Render(folder / "still.png", "out.####.png",
-                             "--overwrite --frames " + frames + " " + kAnimated));
+                             "--overwrite --shot 1-500 --frames " + frames + " " + kAnimated));
   };
   const Outcome ten = render("1-10");
   if (ten.peak == 0) {

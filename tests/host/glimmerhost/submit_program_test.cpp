@@ -144,7 +144,7 @@ TEST_F(SubmitProgram, GivesTheChunksWhatItWasGiven) {
   const std::string frames = "'" + (folder / "odd $x;&^`.@.png").string() + "' ";
   const std::string options =
       "--shape polygon --rotation -30 --match --set PRM_Sides=5 "
-      "--emph-alpha=off --radius '0=2px; -1=4px' ";
+      "--emph-alpha=off --radius 'first=2px; last=4px' ";
   ASSERT_EQ(0, RunProgram("render '" + (folder / "in.@.png").string() + "' " + options + "-o '" +
                           (folder / "whole.@.png").string() + "'")
                    .code);
@@ -187,6 +187,26 @@ TEST_F(SubmitProgram, ShowsWhatItWouldRunAndRunsNothing) {
   EXPECT_NE(std::string::npos, text.find(" --radius=2px --skip-existing --chunk=2/2 ")) << text;
   EXPECT_NE(std::string::npos, text.find(" check --frames=1-3 -- ")) << text;
   EXPECT_EQ(3, folder.FileCount());
+}
+
+// Files may come and go until the last chunk has begun.
+TEST_F(SubmitProgram, GivesEveryChunkTheShotThatItFound) {
+  WriteShot(1, 4);
+  const std::string moves = "--radius 'first=2px; last=4px' ";
+  const std::string dryRun = "--frames 2-3 --chunk 1 --dry-run";
+  std::string text = RunProgram(Submit("out.@.png", moves + dryRun)).text;
+  EXPECT_NE(std::string::npos, text.find(" --shot=1-4 ")) << text;
+  EXPECT_EQ(text.find(" --shot"), text.rfind(" --shot", text.find(" --chunk=1/2"))) << text;
+  text = RunProgram(Submit("out.@.png", moves + "--shot 1-9 " + dryRun)).text;
+  EXPECT_NE(std::string::npos, text.find(" --shot=1-9 ")) << text;
+  text = RunProgram(Submit("out.@.png", "--radius 2px " + dryRun)).text;
+  EXPECT_EQ(std::string::npos, text.find("--shot")) << text;
+
+  ExpectRefusal(Submit("out.@.png", moves + "--frames 3-5"), 3, "frame 5 is not in the shot 1-4");
+  const Outcome outcome = RunProgram(Submit("out.@.png", "--radius '2=2px; 8=4px' --chunk 1"));
+  const std::string line = "glimmerhost: keyframes are at frames 8, which are not in the shot";
+  EXPECT_NE(std::string::npos, outcome.text.find(line)) << outcome.text;
+  EXPECT_EQ(outcome.text.find(line), outcome.text.rfind(line)) << outcome.text;
 }
 
 TEST_F(SubmitProgram, SavesParametersOnce) {

@@ -5,7 +5,9 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
+#include "host/looks/timed_texts.h"
 #include "host/support/failure.h"
 
 namespace {
@@ -33,9 +35,9 @@ TEST(KeyframedValues, AreTheSameForEveryFrameWithoutKeyframes) {
   EXPECT_EQ(values.At(1001), values.At(1100));
 }
 
-TEST(KeyframedValues, CountTimesFromTheShotsFirstFrameAndItsLast) {
+TEST(KeyframedValues, CountTimesInTheShot) {
   TypedLook typed;
-  typed["emphasis"] = "0=50; 24=60; -1=222";
+  typed["emphasis"] = "first=50; 1025=60; last=222";
   const KeyframedValues values = Over(typed);
   EXPECT_TRUE(values.IsAnimated());
   EXPECT_EQ(50.0, Number(values, 1001, "PRM_Emphasis"));
@@ -85,13 +87,13 @@ TEST(KeyframedValues, KeepSidesWholeAndSmoothCoursesInTheirRange) {
 
 TEST(KeyframedValues, ComeFromAssignmentsToo) {
   TypedLook typed;
-  typed.set = {"PRM_Rotation=0=0; 2=90"};
+  typed.set = {"PRM_Rotation=first=0; last=90"};
   EXPECT_EQ(45.0, Number(Over(typed, {5, 7}), 6, "PRM_Rotation"));
 }
 
 TEST(KeyframedValues, RefuseAKeyframeThatThePageDoesNotAllow) {
   TypedLook typed;
-  typed["emphasis"] = "0=50; 10=501";
+  typed["emphasis"] = "first=50; last=501";
   try {
     Over(typed);
     FAIL();
@@ -103,14 +105,72 @@ TEST(KeyframedValues, RefuseAKeyframeThatThePageDoesNotAllow) {
 
 TEST(KeyframedValues, RefuseTwoKeyframesAtOneTime) {
   TypedLook typed;
-  typed["emphasis"] = "0=50; -1=60; 99=70";
+  typed["emphasis"] = "first=50; last=60; last=70";
   try {
     Over(typed);
     FAIL();
   } catch (const glimmerhost::UsageError& fault) {
-    EXPECT_NE(std::string::npos, std::string(fault.what()).find("are at the time 99"))
+    EXPECT_NE(std::string::npos, std::string(fault.what()).find("are at the time last"))
         << fault.what();
   }
+}
+
+// A shot of one frame is its own end; one of four has a middle between two frames.
+TEST(KeyframedValues, TakeTheLastWrittenWhereAShortShotBringsTimesTogether) {
+  TypedLook typed;
+  typed["emphasis"] = "last=60; 50%=70; first=50";
+  EXPECT_EQ(50.0, Number(Over(typed, {7, 7}), 7, "PRM_Emphasis"));
+  const KeyframedValues four = Over(typed, {7, 10});
+  EXPECT_EQ(50.0, Number(four, 7, "PRM_Emphasis"));
+  EXPECT_DOUBLE_EQ(50.0 + 20.0 * 2.0 / 3.0, Number(four, 8, "PRM_Emphasis"));
+  EXPECT_EQ(60.0, Number(four, 10, "PRM_Emphasis"));
+  typed["emphasis"] = "first=50; 8=70; first+1=80";
+  EXPECT_EQ(80.0, Number(Over(typed, {7, 9}), 8, "PRM_Emphasis"));
+}
+
+// A preset's times do not matter where the value is typed.
+TEST(KeyframedValues, NeedNoShotForTimesThatALayerGoesOver) {
+  const Page page = Page::Load(PAGE);
+  glimmerhost::Look below;
+  below["radius"] = "first=1px; last=9px";
+  glimmerhost::Look above;
+  above["radius"] = "5px";
+  const ShotSpan unknown;
+  EXPECT_NO_THROW(KeyframedValues(page, {{"below: ", below}, {"--", above}}, 800, 600, unknown));
+  EXPECT_THROW(KeyframedValues(page, {{"below: ", below}}, 800, 600, unknown),
+               glimmerhost::UsageError);
+  EXPECT_EQ(0U, TimedTexts(page, {{"below: ", below}, {"--", above}}).size());
+}
+
+TEST(TimedTexts, NameTheOptionAndWhereItComesFrom) {
+  const Page page = Page::Load(PAGE);
+  glimmerhost::Look below;
+  below["radius"] = "0=1px; 9=9px";
+  below["emphasis"] = "50";
+  glimmerhost::Look above;
+  above.set = {"PRM_Rotation=5=0; 20=90"};
+
+  const auto timed = TimedTexts(page, {{"film.toml: ", below}, {"--", above}});
+
+  ASSERT_EQ(2U, timed.size());
+  EXPECT_EQ("film.toml: radius", timed[0].name);
+  EXPECT_EQ("--set: PRM_Rotation", timed[1].name);
+  EXPECT_EQ((std::vector<int>{9, 20}), FramesOutside(timed, {0, 8}));
+  EXPECT_EQ(std::vector<int>{}, FramesOutside(timed, {0, 20}));
+  EXPECT_THROW(FramesOutside(timed, {1, 20}), glimmerhost::UsageError);
+}
+
+TEST(StillValues, AreOfTheFirstFrameOfTheShotThatTheLookNames) {
+  TypedLook typed;
+  typed["emphasis"] = "first=50; last=60";
+  const Page page = Page::Load(PAGE);
+  const auto still = [&] {
+    return std::get<double>(
+        StillValues(page, ReadLayers(page, typed), 800, 600).at("PRM_Emphasis"));
+  };
+  EXPECT_EQ(60.0, still());
+  typed["shot"] = "1001-1010";
+  EXPECT_EQ(50.0, still());
 }
 
 }  // namespace

@@ -50,23 +50,28 @@ TEST(MergedLayers, DropAllThatIsDecidedAnew) {
 
 TEST(MergedLayers, KeepTheRadiusUnderThatOfOneSide) {
   TypedLook below;
-  below["radius"] = "0=40px; 9=50px";
+  below["radius"] = "1=40px; 9=50px";
   TypedLook above;
   above["radius-y"] = "8px";
 
   const Look merged = MergeLayers(ThePage(), {Layer(below), Layer(above)});
 
-  EXPECT_EQ("0=40px; 9=50px", merged.At("radius"));
+  EXPECT_EQ("1=40px; 9=50px", merged.At("radius"));
   EXPECT_EQ("8px", merged.At("radius-y"));
 }
 
 // Whatever is in the layers, and however often.
 TEST(MergedLayers, GiveTheStoreTheValuesOfTheLayers) {
   const Page& page = ThePage();
-  const std::vector<std::string> radii = {"", "", "4px", "0.1", "0=1%; 5~=3%; -1=9%"};
-  const std::vector<std::string> assignments = {
-      "PRM_RadiusX=0.2",   "PRM_RadiusY=0.3",      "PRM_Sides=11",        "PRM_Shape=1",
-      "PRM_Center_X=0.25", "PRM_RadiusPSF1=0.125", "PRM_RadiusX=0=0;3=1", "PRM_Match=on"};
+  const std::vector<std::string> radii = {"", "", "4px", "0.1", "1001=1%; 1006~=3%; last=9%"};
+  const std::vector<std::string> assignments = {"PRM_RadiusX=0.2",
+                                                "PRM_RadiusY=0.3",
+                                                "PRM_Sides=11",
+                                                "PRM_Shape=1",
+                                                "PRM_Center_X=0.25",
+                                                "PRM_RadiusPSF1=0.125",
+                                                "PRM_RadiusX=1001=0;1004=1",
+                                                "PRM_Match=on"};
   std::mt19937 random(20);
   const auto pick = [&](const std::vector<std::string>& texts) {
     return texts[random() % texts.size()];
@@ -79,7 +84,7 @@ TEST(MergedLayers, GiveTheStoreTheValuesOfTheLayers) {
       values["radius-x"] = pick(radii);
       values["radius-y"] = pick(radii);
       values["radius-psf1"] = pick(radii);
-      values["center"] = pick({"", "10%,20%", "0=0,0;9=1,1"});
+      values["center"] = pick({"", "10%,20%", "first=0,0;1010=1,1"});
       values["sides"] = pick({"", "", "4"});
       values["shape"] = pick({"", "", "image"});
       values["match"] = pick({"", "off"});

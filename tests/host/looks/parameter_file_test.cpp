@@ -110,15 +110,16 @@ TEST_F(ParameterFile, ReadsTheSameFromJson) {
   const Look fromToml = ReadParameterFile(
       page,
       Write("version = 1\nshape = \"polygon\"\nsides = 5\nradius = \"40px\"\nmatch = true\n"
-            "rotation = -12.5\nemphasis = \"0=50; 24~=60; -1=220\"\nPRM_Precision = false\n"));
+            "rotation = -12.5\nemphasis = \"0=50; 24~=60; last=220\"\nPRM_Precision = false\n"));
   const Look fromJson = ReadParameterFile(
-      page, Write("{\"version\": 1, \"shape\": \"polygon\", \"sides\": 5, \"radius\": \"40px\",\n"
-                  "\"match\": true, \"rotation\": -12.5, \"emphasis\": \"0=50; 24~=60; -1=220\",\n"
-                  "\"PRM_Precision\": false}",
-                  "film.json"));
+      page,
+      Write("{\"version\": 1, \"shape\": \"polygon\", \"sides\": 5, \"radius\": \"40px\",\n"
+            "\"match\": true, \"rotation\": -12.5, \"emphasis\": \"0=50; 24~=60; last=220\",\n"
+            "\"PRM_Precision\": false}",
+            "film.json"));
 
   EXPECT_EQ(fromToml, fromJson);
-  EXPECT_EQ("0=50; 24~=60; -1=220", fromJson.At("emphasis"));
+  EXPECT_EQ("0=50; 24~=60; last=220", fromJson.At("emphasis"));
   EXPECT_EQ("-12.5", fromJson.At("rotation"));
   EXPECT_EQ("on", fromJson.At("match"));
   EXPECT_EQ("PRM_Precision=off", fromJson.set.at(0));

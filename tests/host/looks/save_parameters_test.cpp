@@ -36,7 +36,7 @@ class SavedParameters : public testing::Test {
 Look FullLook() {
   Look look;
   look["shape"] = "polygon";
-  look["radius"] = "0=40px; 24~=4%; -1|=0.1";
+  look["radius"] = "first=40px; 24~=4%; 50%|=0.1; last-2=5px";
   look["radius-y"] = "1e-3";
   look["match"] = "off";
   look["sides"] = "7";

@@ -76,7 +76,7 @@ TEST_F(LoaderAlone, GivesEachFrameItsPictureAndItsValues) {
   for (const int frame : {1, 2, 3}) {
     WriteInput(frame, EvenPicture(static_cast<std::uint16_t>(frame * 100)));
   }
-  Use("emphasis = '0=10; 2=30'");
+  Use("emphasis = 'first=10; last=30'");
 
   const Works works = Load();
 
@@ -170,7 +170,7 @@ TEST_F(LoaderAlone, WarnsOfNoiseOnceAShot) {
   for (const int frame : {1, 2, 3}) {
     WriteInput(frame, EvenPicture(100));
   }
-  Use("emphasis = '0=75; 1=76; 2=90'");
+  Use("emphasis = 'first=75; 2=76; last=90'");
 
   const Works works = Load("exact");
 

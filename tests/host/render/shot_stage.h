@@ -60,7 +60,7 @@ class ShotStage : public testing::Test {
 
   // Frames from 1 on, whose files nobody has made yet.
   void Plan(int frames) {
-    plan.highest = frames;
+    plan.span = {1, frames};
     plan.isShot = true;
     for (int frame = 1; frame <= frames; ++frame) {
       plan.files.push_back(FilesOf(frame));

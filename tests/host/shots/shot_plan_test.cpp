@@ -12,9 +12,13 @@
 
 namespace {
 
+using glimmerhost::GivenSpan;
+using glimmerhost::kPipe;
 using glimmerhost::ParseChunk;
 using glimmerhost::PlanShot;
+using glimmerhost::ShotNames;
 using glimmerhost::ShotPlan;
+using glimmerhost::ShotSpan;
 
 TEST(ShotPlan, NamesTheFilesOfEachFrame) {
   const ShotPlan plan = PlanShot({"in.####.exr", "out.@.png", "lens.##.tif", "3,1-2", ""});
@@ -24,8 +28,6 @@ TEST(ShotPlan, NamesTheFilesOfEachFrame) {
   EXPECT_EQ("out.3.png", plan.files[0].output);
   EXPECT_EQ("lens.03.tif", plan.files[0].spread);
   EXPECT_EQ(2, plan.files[2].frame);
-  EXPECT_EQ(1, plan.lowest);
-  EXPECT_EQ(3, plan.highest);
   EXPECT_TRUE(plan.isShot);
 }
 
@@ -53,7 +55,7 @@ TEST(ShotPlan, LooksIntoTheFolderWithoutAList) {
   const ShotPlan plan = PlanShot({(folder / "a.#.png").string(), "out.#.png", "", "", ""});
   ASSERT_EQ(2U, plan.files.size());
   EXPECT_EQ(4, plan.files[0].frame);
-  EXPECT_EQ(9, plan.highest);
+  EXPECT_EQ(9, plan.files[1].frame);
 }
 
 TEST(ShotPlan, TakesTheListOfTheName) {
@@ -61,12 +63,58 @@ TEST(ShotPlan, TakesTheListOfTheName) {
   EXPECT_EQ(2U, PlanShot({"a.1-5#.png", "out.#.png", "", "2-3", ""}).files.size());
 }
 
-TEST(ShotPlan, KeepsTheSpanOfTheWholeShotInAChunk) {
-  const ShotPlan plan = PlanShot({"a.#.png", "out.#.png", "", "1001-1010", "2/3"});
-  ASSERT_EQ(3U, plan.files.size());
-  EXPECT_EQ(1005, plan.files[0].frame);
-  EXPECT_EQ(1001, plan.lowest);
-  EXPECT_EQ(1010, plan.highest);
+// Whatever the list and the chunk take of it.
+TEST(ShotPlan, HasTheShotsSpanFromWhatWasGivenOrTheNameOrTheFolder) {
+  const lx_test::ScratchFolder folder;
+  for (const char* name : {"a.0009.png", "a.0004.png", "a.0006.png"}) {
+    std::ofstream(folder / name) << "x";
+  }
+  const std::string found = (folder / "a.#.png").string();
+  const std::string listed = (folder / "a.2-10#.png").string();
+  const GivenSpan given{"--shot", {1, 20}};
+  const struct {
+    ShotNames names;
+    ShotSpan span;
+  } cases[] = {
+      {{found, "o.#.png", "", "", "", {}, {}, true}, {4, 9}},
+      {{found, "o.#.png", "", "6", "", {}, {}, true}, {4, 9}},
+      {{found, "o.#.png", "", "", "2/3", {}, {}, true}, {4, 9}},
+      {{found, "o.#.png", "", "12", "", {}, {}, true}, {4, 9}},
+      {{found, "o.#.png", "", "", "", {}, {}, false}, {}},
+      {{found, "o.#.png", "", "6", "", {}, given, false}, {1, 20}},
+      {{found, "o.#.png", "", "6", "", {}, given, true}, {1, 20}},
+      {{listed, "o.#.png", "", "6", "", {}, {}, true}, {2, 10}},
+      {{"still.png", "o.png", "", "", "", {}, {}, true}, {1, 1}},
+      {{"still.png", "o.#.png", "", "5-6", "", {}, {}, true}, {}},
+      {{kPipe, "o.#.png", "", "", "", {}, {}, true}, {1, {}}},
+      {{kPipe, "o.#.png", "", "5-6", "", {}, {}, true}, {}},
+      {{kPipe, "o.png", "", "", "", {}, {}, true}, {1, 1}},
+  };
+  for (const auto& [names, span] : cases) {
+    EXPECT_EQ(span, PlanShot(names).span)
+        << names.input << " " << names.frames << " " << names.chunk << " " << names.hasTimes;
+  }
+}
+
+TEST(ShotPlan, RefusesAFrameOutsideOfTheShot) {
+  const GivenSpan given{"--shot", {1, 20}};
+  const auto plan = [&](const std::string& frames) {
+    return PlanShot({"a.#.png", "o.#.png", "", frames, "", {}, given, false});
+  };
+  EXPECT_NO_THROW(plan("1-20"));
+  try {
+    plan("3,21");
+    FAIL();
+  } catch (const glimmerhost::UsageError& fault) {
+    EXPECT_EQ(0U, std::string(fault.what()).find("frame 21 is not in the shot 1-20 (--shot); "));
+  }
+  // What the folder has not is missing, and may come.
+  const lx_test::ScratchFolder folder;
+  std::ofstream(folder / "a.0004.png") << "x";
+  const ShotPlan found =
+      PlanShot({(folder / "a.#.png").string(), "o.#.png", "", "4-5", "", {}, {}, true});
+  EXPECT_NO_THROW(CheckInShot(found, 4));
+  EXPECT_THROW(CheckInShot(found, 5), glimmerhost::MissingInput);
 }
 
 TEST(ShotPlan, RefusesOneOutputForManyFrames) {
