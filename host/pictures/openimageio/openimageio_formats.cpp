@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/pictures/channels.h"
+#include "host/pictures/dpx_header.h"
 #include "host/pictures/float_samples.h"
 #include "host/pictures/openimageio/managed_samples.h"
 #include "host/pictures/openimageio/openimageio_channels.h"
@@ -30,7 +31,7 @@ namespace fs = std::filesystem;
 constexpr const char* kStraightAttribute = "oiio:UnassociatedAlpha";
 
 std::unique_ptr<OIIO::ImageInput> OpenInput(const fs::path& file) {
-  CheckDpxHeader(file);
+  CheckDpxLength(file);
   OIIO::ImageSpec config;
   config.attribute(kStraightAttribute, 1);
   std::unique_ptr<OIIO::ImageInput> input = OIIO::ImageInput::open(file.string(), &config);

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// What the header of a DPX file promises, held against the file: the library's reader believes it.
+// It would end the program where there is less user data than promised, and give out samples of 10
+// and 12 bits that the file has not, without a word.
+#pragma once
+
+#include <filesystem>
+
+namespace glimmerhost {
+
+// Throws Failure, which names the file, if it is a DPX file and shorter than its header says. How
+// long runs are is not known before they are read; of such files, and of others than DPX, nothing
+// is said.
+void CheckDpxLength(const std::filesystem::path& file);
+
+}  // namespace glimmerhost
