@@ -90,6 +90,16 @@ std::vector<std::uint8_t> ToBytes(const std::vector<std::uint16_t>& samples) {
   return bytes;
 }
 
+void RoundToBits(int bits, std::vector<std::uint16_t>* samples) {
+  const std::uint32_t most = (1U << static_cast<unsigned>(bits)) - 1;
+  const auto shift = static_cast<unsigned>(16 - bits);
+  for (std::uint16_t& sample : *samples) {
+    const std::uint32_t code = (sample * most + 32767U) / 65535U;
+    // The high bits once more in the low ones: full scale stays full scale.
+    sample = static_cast<std::uint16_t>(code << shift | code >> (16U - 2U * shift));
+  }
+}
+
 void ReadFailure(const std::filesystem::path& file, const std::string& why) {
   // Libraries say it again for each row.
   constexpr std::size_t kLongest = 300;

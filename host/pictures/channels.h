@@ -44,6 +44,11 @@ void GatherRows(const Picture& picture, int channels, int firstRow, int rows, st
 // 16 bits to the nearest of 8.
 std::vector<std::uint8_t> ToBytes(const std::vector<std::uint16_t>& samples);
 
+// 16 bits to the nearest that so many bits have, as 16 bits again: whoever drops the low ones then
+// drops nothing that matters.
+//   bits  8 to 16
+void RoundToBits(int bits, std::vector<std::uint16_t>* samples);
+
 // Throws Failure "FILE: why" in one line.
 [[noreturn]] void ReadFailure(const std::filesystem::path& file, const std::string& why);
 

@@ -85,6 +85,12 @@ void SetCoding(OIIO::ImageSpec* spec) {
   spec->attribute("png:compressionLevel", kFastDeflate);
 }
 
+// Of the file, where its samples are handed over as 16 bits. Writers drop the low ones.
+int DepthOf(const OIIO::ImageSpec& spec) {
+  const int bits = spec.get_int_attribute("oiio:BitsPerSample", 16);
+  return bits > 8 && bits < 16 ? bits : 16;
+}
+
 }  // namespace
 
 std::optional<OutputFormat> OpenImageIoFormatOf(const fs::path& file) {
@@ -165,12 +171,13 @@ void WriteByOpenImageIo(const OutputFile& file, FileBytes* bytes, const OutputFo
                         : ToFloats(GatherChannels(picture, channels), channels, picture.range);
     WriteWhole(file.name, bytes, spec, OIIO::TypeDesc::FLOAT, values.data(), std::move(output));
   } else {
-    const std::vector<std::uint16_t> samples = picture.colours
-                                                   ? ManagedWords(picture, withAlpha, format, lost)
-                                                   : GatherChannels(picture, channels);
+    std::vector<std::uint16_t> samples = picture.colours
+                                             ? ManagedWords(picture, withAlpha, format, lost)
+                                             : GatherChannels(picture, channels);
     if (type == OIIO::TypeDesc::UINT8) {
       WriteWhole(file.name, bytes, spec, type, ToBytes(samples).data(), std::move(output));
     } else {
+      RoundToBits(DepthOf(spec), &samples);
       WriteWhole(file.name, bytes, spec, type, samples.data(), std::move(output));
     }
   }

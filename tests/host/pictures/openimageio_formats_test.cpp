@@ -4,15 +4,18 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "host/pictures/picture_file.h"
 #include "tests/host/glimmerhost/shot_program.h"
+#include "tests/host/pictures/made_dpx.h"
 #include "tests/host/pictures/picture_samples.h"
 #include "tests/support/scratch_folder.h"
 
@@ -126,6 +129,31 @@ TEST(OpenImageIoFormats, CarriesMetadataAndPixelAspectOver) {
     // The reader of PNG cuts resolutions to whole dots.
     EXPECT_NEAR(16.0 / 15.0, back->spec().get_float_attribute("PixelAspectRatio", 1), 0.015)
         << name;
+  }
+}
+
+// All values of 16 bits, as the nearest that the file's depth has: the library would drop low bits.
+TEST(OpenImageIoFormats, RoundsToTheNearestCodeOfADpxOf10And12Bits) {
+  const ScratchFolder folder;
+  for (const int bits : {10, 12}) {
+    lx_test::MadeDpx made;
+    made.width = 256;
+    made.height = 256;
+    made.bits = bits;
+    std::ofstream(folder / "in.dpx", std::ios::binary) << lx_test::DpxBytes(made);
+    Picture picture = Read(folder / "in.dpx");
+    for (std::size_t i = 0; i < picture.samples.size(); ++i) {
+      picture.samples[i] = static_cast<std::uint16_t>(i / 4);
+    }
+    Write(folder / "out.dpx", picture, 16);
+
+    EXPECT_EQ(bits, Bytes(folder / "out.dpx")[803]);
+    const Picture back = Read(folder / "out.dpx");
+    const double most = (1 << bits) - 1;
+    for (std::size_t value = 0; value < 65536; ++value) {
+      const long nearest = std::lround(static_cast<double>(value) / 65535.0 * most);
+      ASSERT_EQ(nearest, back.samples[value * 4 + 2] >> (16 - bits)) << value << ", " << bits;
+    }
   }
 }
 
