@@ -52,8 +52,8 @@ install_missing() {
 
 # What the program needs to be built.
 build_packages=(g++ cmake ninja-build pkg-config libfftw3-dev libpng-dev libtiff-dev
-  libopenimageio-dev libopencolorio-dev libcli11-dev libtomlplusplus-dev nlohmann-json3-dev
-  libxxhash-dev)
+  libdeflate-dev libopenimageio-dev libopencolorio-dev libcli11-dev libtomlplusplus-dev
+  nlohmann-json3-dev libxxhash-dev)
 
 # What the tests and the benchmarks need beside it. Without ccache one of them compiles all once more.
 test_packages=(libgtest-dev libbenchmark-dev binutils ccache ffmpeg parallel slurm-wlm munge)

@@ -12,6 +12,7 @@
 #include "host/pictures/file_metadata.h"
 #include "host/pictures/float_samples.h"
 #include "host/pictures/picture_formats.h"
+#include "host/pictures/png_tiff/tiff_deflated.h"
 #include "host/pictures/png_tiff/tiff_directory.h"
 #include "host/pictures/png_tiff/tiff_library.h"
 #include "host/pictures/png_tiff/tiff_metadata.h"
@@ -113,6 +114,7 @@ class TiffReader {
       CheckExact();
     }
     FindBlocks();
+    deflated_.emplace(library_);
   }
 
   // Throws BeyondReader where the plug-in would bring more of the file, or bring it otherwise, into
@@ -376,6 +378,9 @@ class TiffReader {
   }
 
   void ReadBlock(std::uint32_t number, std::size_t rows, std::vector<std::uint8_t>* block) {
+    if (deflated_->IsKnown()) {
+      return ReadDeflated(number, blocks_.tiles ? blocks_.height : rows, block);
+    }
     const auto size = static_cast<tmsize_t>(blocks_.tiles ? blocks_.height * blocks_.rowBytes
                                                           : rows * blocks_.rowBytes);
     const tmsize_t read = blocks_.tiles ? TIFFReadEncodedTile(tiff_, number, block->data(), size)
@@ -384,6 +389,17 @@ class TiffReader {
     if (read != size || library_.Trouble()[0] != '\0') {
       Broken();
     }
+  }
+
+  void ReadDeflated(std::uint32_t number, std::size_t rows, std::vector<std::uint8_t>* block) {
+    if (deflated_->Read(number, rows, block)) {
+      return;
+    }
+    if (library_.Trouble()[0] != '\0') {
+      Broken();
+    }
+    ReadFailure(file_, std::string("cut short or broken: ") + (blocks_.tiles ? "tile " : "strip ") +
+                           std::to_string(number + 1) + " does not agree with its check sum");
   }
 
   std::vector<std::uint16_t> LookUp(const std::vector<std::uint16_t>& indices) {
@@ -441,6 +457,7 @@ class TiffReader {
   bool apart_ = false;
   std::uint64_t mostBytes_ = 0;
   Blocks blocks_{};
+  std::optional<DeflatedBlocks> deflated_;  // there once the file is open
 };
 
 void SetLayout(TIFF* tiff, const Picture& picture, int bits, int channels) {

@@ -72,6 +72,12 @@ void SetTags(TIFF* tiff, const OddTiff& kind) {
   TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, kind.sampleFormat);
   TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, kind.photometric);
   TIFFSetField(tiff, TIFFTAG_COMPRESSION, kind.compression);
+  if (kind.fillOrder != FILLORDER_MSB2LSB) {
+    TIFFSetField(tiff, TIFFTAG_FILLORDER, kind.fillOrder);
+  }
+  if (kind.predictor != PREDICTOR_NONE) {
+    TIFFSetField(tiff, TIFFTAG_PREDICTOR, kind.predictor);
+  }
   TIFFSetField(tiff, TIFFTAG_PLANARCONFIG,
                kind.apart ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG);
   if (kind.tile > 0) {

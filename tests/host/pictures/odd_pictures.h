@@ -24,6 +24,8 @@ struct OddTiff {
   int bits = 8;
   std::uint16_t photometric = 2;  // RGB
   std::uint16_t compression = 1;  // none
+  std::uint16_t predictor = 1;    // none
+  std::uint16_t fillOrder = 1;    // the high bit of a byte first
   std::uint16_t sampleFormat = 1;
   bool apart = false;      // a plane for every channel
   int tile = 0;            // the side of tiles; 0 for strips of four rows
