@@ -3,6 +3,7 @@
 #pragma once
 
 #include <stdexcept>
+#include <string>
 
 namespace glimmerhost {
 
@@ -18,5 +19,18 @@ class BeyondReader : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
+
+// Runs a check that throws BeyondReader. Where somebody wants the reason instead, it is told.
+template <class Check>
+void NoteBeyond(std::string* reason, const Check& check) {
+  try {
+    check();
+  } catch (const BeyondReader& beyond) {
+    if (reason == nullptr) {
+      throw;
+    }
+    *reason = beyond.what();
+  }
+}
 
 }  // namespace glimmerhost

@@ -25,6 +25,11 @@ Picture ReadPlugged(const std::filesystem::path& /*file*/, const std::string& /*
   None();
 }
 
+void CompletePlugged(const std::filesystem::path& /*file*/, const std::string& /*why*/,
+                     const ReadOptions& /*options*/, Picture* /*picture*/, ReadReport* /*report*/) {
+  None();
+}
+
 void WritePlugged(const OutputFile& /*file*/, const OutputFormat& /*format*/,
                   const Picture& /*picture*/, int /*bits*/, std::vector<NotCarried>* /*lost*/) {
   None();

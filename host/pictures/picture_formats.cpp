@@ -26,15 +26,23 @@ std::string BeyondOwn(const ReadOptions& options) {
 
 Picture ReadByPlugin(const fs::path& file, const ReadOptions& options, ReadReport* report) {
   std::string why = BeyondOwn(options);
-  if (why.empty() && IsPngOrTiff(file)) {
+  if (IsPngOrTiff(file)) {
     ReadReport found;
+    std::string beyond;
     try {
-      Picture picture = ReadPngOrTiff(file, options, Reader::kExact, &found);
+      // Samples are ours wherever they come out the same: the plug-in's reader takes longer, and
+      // passes over damage.
+      Picture picture = ReadPngOrTiff(file, options, Reader::kExact, &found, &beyond);
+      why = why.empty() ? beyond : why;
+      if (!why.empty()) {
+        CompletePlugged(file, why, options, &picture, &found);
+      }
       *report = std::move(found);
       return picture;
-    } catch (const BeyondReader& beyond) {
-      why = beyond.what();
+    } catch (const BeyondReader& samples) {
+      why = why.empty() ? samples.what() : why;
     }
+    CheckTiffBlocks(file);
   }
   return ReadPlugged(file, why, options, report);
 }

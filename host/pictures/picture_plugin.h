@@ -61,6 +61,10 @@ class PicturePlugin {
   virtual PluginOutcome Read(const std::filesystem::path& file, const ReadOptions& options,
                              Picture* picture, ReadReport* report) const = 0;
 
+  // As CompletePlugged.
+  virtual PluginOutcome Complete(const std::filesystem::path& file, const ReadOptions& options,
+                                 Picture* picture, ReadReport* report) const = 0;
+
   //   bytes  the output's file, just made; closed when all is written
   virtual PluginOutcome Write(const OutputFile& file, FileBytes* bytes, const OutputFormat& format,
                               const Picture& picture, int bits,

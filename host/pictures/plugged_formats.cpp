@@ -107,6 +107,13 @@ Picture ReadPlugged(const fs::path& file, const std::string& why, const ReadOpti
   return picture;
 }
 
+void CompletePlugged(const fs::path& file, const std::string& why, const ReadOptions& options,
+                     Picture* picture, ReadReport* report) {
+  const PicturePlugin& plugin = OpenFor(file, why);
+  const QuietStderr quiet;
+  Raise(plugin.Complete(file, options, picture, report));
+}
+
 void WritePlugged(const OutputFile& file, const OutputFormat& format, const Picture& picture,
                   int bits, std::vector<NotCarried>* lost) {
   const PicturePlugin& plugin = OpenFor(file.name, FormatWanted(file.name));

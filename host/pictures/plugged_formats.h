@@ -24,6 +24,12 @@ std::optional<OutputFormat> PluggedFormatOf(const std::filesystem::path& file);
 Picture ReadPlugged(const std::filesystem::path& file, const std::string& why,
                     const ReadOptions& options, ReadReport* report);
 
+// Gives a picture of whole numbers, or of floats without colours to transform, whose samples are
+// read already, what only the plug-in knows of its file: the options' colours, and all that the
+// file says beside its samples.
+void CompletePlugged(const std::filesystem::path& file, const std::string& why,
+                     const ReadOptions& options, Picture* picture, ReadReport* report);
+
 void WritePlugged(const OutputFile& file, const OutputFormat& format, const Picture& picture,
                   int bits, std::vector<NotCarried>* lost);
 

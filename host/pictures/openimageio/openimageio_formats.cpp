@@ -74,6 +74,17 @@ std::vector<std::uint16_t> ManagedWords(const Picture& picture, bool withAlpha,
   return words;
 }
 
+quantel::cSize2 PixelAspectOf(const OIIO::ImageSpec& spec) {
+  return NearestRatio(spec.get_float_attribute("PixelAspectRatio", 1.0F));
+}
+
+std::vector<float> FloatsOf(const Picture& picture) {
+  std::vector<float> values(picture.samples.size());
+  OIIO::convert_pixel_values(OIIO::TypeDesc::UINT16, picture.samples.data(), OIIO::TypeDesc::FLOAT,
+                             values.data(), static_cast<int>(values.size()));
+  return values;
+}
+
 // What the library would choose otherwise than a shot wants it.
 void SetCoding(OIIO::ImageSpec* spec) {
   // The time of writing: the same frame would give other bytes each time. Empty, none is written.
@@ -124,7 +135,7 @@ Picture ReadByOpenImageIo(const fs::path& file, const ReadOptions& options, Read
   picture.alpha = map.alpha < 0                                        ? Alpha::kNone
                   : spec.get_int_attribute(kStraightAttribute, 0) != 0 ? Alpha::kStraight
                                                                        : Alpha::kPremultiplied;
-  picture.pixelAspect = NearestRatio(spec.get_float_attribute("PixelAspectRatio", 1.0F));
+  picture.pixelAspect = PixelAspectOf(spec);
   picture.attributes = KeepAttributes(input->format_name(), spec);
 
   const std::size_t count = picture.PixelCount() * static_cast<std::size_t>(spec.nchannels);
@@ -147,6 +158,19 @@ Picture ReadByOpenImageIo(const fs::path& file, const ReadOptions& options, Read
     }
   }
   return picture;
+}
+
+void CompleteByOpenImageIo(const fs::path& file, const ReadOptions& options, Picture* picture,
+                           ReadReport* report) {
+  const std::unique_ptr<OIIO::ImageInput> input = OpenInput(file);
+  picture->metadata.reset();
+  picture->attributes = KeepAttributes(input->format_name(), input->spec());
+  picture->pixelAspect = PixelAspectOf(input->spec());
+  if (options.colours) {
+    const bool hasAlpha = picture->alpha != Alpha::kNone;
+    SpreadManaged(file, FloatsOf(*picture), 4, {0, 1, 2, hasAlpha ? 3 : -1, false}, options,
+                  picture, report);
+  }
 }
 
 void WriteByOpenImageIo(const OutputFile& file, FileBytes* bytes, const OutputFormat& format,

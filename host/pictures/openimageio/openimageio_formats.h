@@ -17,6 +17,9 @@ std::optional<OutputFormat> OpenImageIoFormatOf(const std::filesystem::path& fil
 Picture ReadByOpenImageIo(const std::filesystem::path& file, const ReadOptions& options,
                           ReadReport* report);
 
+void CompleteByOpenImageIo(const std::filesystem::path& file, const ReadOptions& options,
+                           Picture* picture, ReadReport* report);
+
 //   bytes  the file, just made; closed when all is written
 void WriteByOpenImageIo(const OutputFile& file, FileBytes* bytes, const OutputFormat& format,
                         const Picture& picture, int bits, std::vector<NotCarried>* lost);

@@ -58,6 +58,11 @@ class Plugin final : public PicturePlugin {
     return Outcome([&] { *picture = ReadByOpenImageIo(file, options, report); });
   }
 
+  PluginOutcome Complete(const std::filesystem::path& file, const ReadOptions& options,
+                         Picture* picture, ReadReport* report) const override {
+    return Outcome([&] { CompleteByOpenImageIo(file, options, picture, report); });
+  }
+
   PluginOutcome Write(const OutputFile& file, FileBytes* bytes, const OutputFormat& format,
                       const Picture& picture, int bits,
                       std::vector<NotCarried>* lost) const override {

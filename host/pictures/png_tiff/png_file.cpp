@@ -45,7 +45,7 @@ class PngReader {
   explicit PngReader(const fs::path& file)
       : file_(file), bytes_(file, FileUse::kRead), library_(&bytes_, PngLibrary::Use::kRead) {}
 
-  Picture Read(const ReadOptions& options, Reader reader) {
+  Picture Read(const ReadOptions& options, Reader reader, std::string* metadataBeyond) {
     const png_structp png = library_.Png();
     const png_infop info = library_.Info();
     Must([&] { png_read_info(png, info); });
@@ -70,7 +70,8 @@ class PngReader {
     SpreadChannels(samples, channels, map, &picture);
     const FileMetadata metadata = ReadPngMetadata(library_);
     if (reader == Reader::kExact && options.keptFor != kNoFormat) {
-      CheckPngMetadata(metadata, library_, picture.grey, options.keptFor);
+      NoteBeyond(metadataBeyond,
+                 [&] { CheckPngMetadata(metadata, library_, picture.grey, options.keptFor); });
     }
     picture.pixelAspect = PixelAspectOf(metadata.resolution);
     picture.metadata = std::make_shared<FileMetadata>(metadata);
@@ -113,8 +114,9 @@ constexpr int kColourTypes[] = {PNG_COLOR_TYPE_GRAY, PNG_COLOR_TYPE_GRAY_ALPHA, 
 
 }  // namespace
 
-Picture ReadPng(const fs::path& file, const ReadOptions& options, Reader reader) {
-  return PngReader(file).Read(options, reader);
+Picture ReadPng(const fs::path& file, const ReadOptions& options, Reader reader,
+                std::string* metadataBeyond) {
+  return PngReader(file).Read(options, reader, metadataBeyond);
 }
 
 void WritePng(const fs::path& file, const Picture& picture, int bits) {

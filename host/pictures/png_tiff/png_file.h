@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 
 #include "host/pictures/beyond_reader.h"
 #include "host/pictures/picture.h"
@@ -12,7 +13,9 @@ namespace glimmerhost {
 
 // Palettes, few bits and a transparent colour come out as the colours and alpha that they
 // stand for. Throws Failure, which names the file, and BeyondReader.
-Picture ReadPng(const std::filesystem::path& file, const ReadOptions& options, Reader reader);
+//   metadataBeyond  as of ReadPngOrTiff
+Picture ReadPng(const std::filesystem::path& file, const ReadOptions& options, Reader reader,
+                std::string* metadataBeyond);
 
 // Throws Failure with the bare reason.
 //   bits  8 or 16

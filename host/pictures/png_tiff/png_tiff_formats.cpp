@@ -65,15 +65,21 @@ bool IsPngOrTiff(const fs::path& file) {
 }
 
 Picture ReadPngOrTiff(const fs::path& file, const ReadOptions& options, Reader reader,
-                      ReadReport* report) {
+                      ReadReport* report, std::string* metadataBeyond) {
   const Start start = StartOf(file);
   if (IsPng(start)) {
-    return ReadPng(file, options, reader);
+    return ReadPng(file, options, reader, metadataBeyond);
   }
   if (!IsTiff(start)) {
     throw BeyondReader("not a picture that can be read: it must be PNG or TIFF");
   }
-  return ReadTiff(file, options, reader, report);
+  return ReadTiff(file, options, reader, report, metadataBeyond);
+}
+
+void CheckTiffBlocks(const fs::path& file) {
+  if (IsTiff(StartOf(file))) {
+    CheckBlocksOfTiff(file);
+  }
 }
 
 void WritePngOrTiff(const fs::path& file, const OutputFormat& format, const Picture& picture,

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "host/pictures/beyond_reader.h"
@@ -19,9 +20,16 @@ std::optional<OutputFormat> PngOrTiffOf(const std::filesystem::path& file);
 bool IsPngOrTiff(const std::filesystem::path& file);
 
 // As ReadFormat. Throws BeyondReader as well, for a file of another format and for what is not read
-// in this way. The options' colours are not looked at.
+// in this way: floats are not where the options have colours.
+//   metadataBeyond  where not null: receives why what the file says beside its samples is not all
+//                   in the picture, and is otherwise left. BeyondReader is thrown of samples alone.
 Picture ReadPngOrTiff(const std::filesystem::path& file, const ReadOptions& options, Reader reader,
-                      ReadReport* report);
+                      ReadReport* report, std::string* metadataBeyond = nullptr);
+
+// Throws Failure, which names the file, if a block of a TIFF file is broken and that can be told:
+// what reads for the plug-in hides it. Of files of other formats nothing is said, nor of blocks
+// that libtiff itself cannot decode.
+void CheckTiffBlocks(const std::filesystem::path& file);
 
 // As WriteFormat. Of what a picture says of itself it knows metadata, not attributes.
 void WritePngOrTiff(const std::filesystem::path& file, const OutputFormat& format,

@@ -124,6 +124,9 @@ class TiffReader {
   }
 
   Picture Read(const ReadOptions& options, ReadReport* report) {
+    if (floats_ && options.colours) {
+      throw BeyondReader("its colours are to be transformed");
+    }
     Picture picture;
     picture.width = static_cast<int>(width_);
     picture.height = static_cast<int>(height_);
@@ -515,10 +518,10 @@ bool WriteStrips(TIFF* tiff, const Picture& picture, int bits, int channels) {
 }  // namespace
 
 Picture ReadTiff(const fs::path& file, const ReadOptions& options, Reader reader,
-                 ReadReport* report) {
+                 ReadReport* report, std::string* metadataBeyond) {
   TiffReader tiff(file, reader);
   if (reader == Reader::kExact && options.keptFor != kNoFormat) {
-    tiff.CheckMetadata(options.keptFor);
+    NoteBeyond(metadataBeyond, [&] { tiff.CheckMetadata(options.keptFor); });
   }
   return tiff.Read(options, report);
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 
 #include "host/pictures/beyond_reader.h"
 #include "host/pictures/picture.h"
@@ -13,8 +14,12 @@ namespace glimmerhost {
 // Reads the first picture of the file: strips or tiles, its samples together or each kind
 // apart, of 1 to 32 bits or floating point, grey, by a palette or in colour.
 // Throws Failure, which names the file, and BeyondReader.
+//   metadataBeyond  as of ReadPngOrTiff
 Picture ReadTiff(const std::filesystem::path& file, const ReadOptions& options, Reader reader,
-                 ReadReport* report);
+                 ReadReport* report, std::string* metadataBeyond);
+
+// As CheckTiffBlocks, of a TIFF file.
+void CheckBlocksOfTiff(const std::filesystem::path& file);
 
 // Throws Failure with the bare reason.
 //   bits  8 or 16

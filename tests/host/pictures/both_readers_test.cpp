@@ -17,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "host/pictures/colour_path.h"
 #include "host/pictures/file_metadata.h"
 #include "host/pictures/plugged_formats.h"
 #include "host/pictures/png_tiff/png_tiff_formats.h"
@@ -115,6 +116,15 @@ std::string Difference(const Words& other, const Words& own) {
   return difference;
 }
 
+class Squares final : public glimmerhost::ColourTransform {
+ public:
+  void Apply(std::vector<float>* colours) const override {
+    for (float& value : *colours) {
+      value *= value;
+    }
+  }
+};
+
 class BothReaders : public testing::Test {
  public:
   // Expects both to be the same in all ways, or the own one to decline.
@@ -127,6 +137,9 @@ class BothReaders : public testing::Test {
     const std::optional<Picture> own = ReadOwn(file, options, &ownReport);
 
     EXPECT_EQ(declines, !own.has_value()) << what;
+    for (const bool transformed : {false, true}) {
+      CompareCompleted(file, transformed, what + (transformed ? ", transformed" : ", completed"));
+    }
     if (own) {
       const Picture other = ReadOther(file, options, &otherReport);
       ExpectSame(*own, other, what);
@@ -139,6 +152,38 @@ class BothReaders : public testing::Test {
         CompareOutputs(*own, other, keptFor, bits, what + ", written with " + std::to_string(bits));
       }
     }
+  }
+
+  // Samples by the own reader, and what else there is by the plug-in.
+  void CompareCompleted(const fs::path& file, bool transformed, const std::string& what) {
+    ReadOptions options = KeptFor(glimmerhost::kAnyFormat);
+    if (transformed) {
+      const auto path = std::make_shared<glimmerhost::ColourPath>();
+      path->in = std::make_shared<Squares>();
+      options.colours = path;
+    }
+    ReadReport ownReport;
+    ReadReport otherReport;
+    std::string beyond;
+    Picture own;
+    try {
+      own = glimmerhost::ReadPngOrTiff(file, options, glimmerhost::Reader::kExact, &ownReport,
+                                       &beyond);
+    } catch (const glimmerhost::BeyondReader&) {
+      return;
+    }
+    glimmerhost::CompletePlugged(file, "of a test", options, &own, &ownReport);
+    const Picture other = ReadOther(file, options, &otherReport);
+    ExpectSame(own, other, what);
+    ExpectSame(ownReport, otherReport, what);
+    EXPECT_EQ(other.colours, own.colours) << what;
+    EXPECT_FALSE(own.metadata) << what;
+    const fs::path ownFile = folder / "own.exr";
+    const fs::path otherFile = folder / "other.exr";
+    const OutputFormat exr = *glimmerhost::FormatOf(ownFile);
+    glimmerhost::WritePlugged({ownFile, "a.exr"}, exr, own, 16, nullptr);
+    glimmerhost::WritePlugged({otherFile, "a.exr"}, exr, other, 16, nullptr);
+    EXPECT_EQ("", Difference(Said(otherFile), Said(ownFile))) << what;
   }
 
   void CompareOutputs(const Picture& own, const Picture& other, const std::string& format, int bits,
