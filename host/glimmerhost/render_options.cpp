@@ -8,17 +8,6 @@
 namespace glimmerhost {
 namespace {
 
-// Empty for the input's, as where the option is not given.
-int ParseBits(const std::string& text) {
-  if (text.empty()) {
-    return 0;
-  }
-  if (text == "8" || text == "16") {
-    return text == "8" ? 8 : 16;
-  }
-  throw MustBe("--bits", "8 or 16", text);
-}
-
 // What of a shot is rendered, and what becomes of frames that fail.
 void AddShot(OptionSet* options, RenderOptions* render) {
   options->Value("--frames", &render->frames,
@@ -49,11 +38,21 @@ void AddPixels(OptionSet* options, RenderOptions* render) {
                   "premultiplied (default): colour of a file with straight alpha is multiplied by "
                   "it on the way in and divided on the way out; as-is: samples are left alone",
                   {"premultiplied", "as-is"}});
-  options->ReadValue("--bits", [render](const auto& text) { render->bits = ParseBits(text); },
-                     {kPixelsGroup,
-                      "COUNT",
-                      "8 or 16 (default: the input's; 16 for floating point)",
-                      {"8", "16"}});
+  options->ReadValue("--bits", [render](const auto& text) { ParseBits(text, &render->coding); },
+                     {kPixelsGroup, "DEPTH",
+                      "8, 10, 12, 16, half or float, of which each format has some (default: the "
+                      "input's; 16 for floating point, half in an EXR)",
+                      kBitsChoices});
+  options->Value("--compression", &render->coding.compression,
+                 {kPixelsGroup, "NAME",
+                  "How the output is compressed: the manual tells what EXR, TIFF and PNG have "
+                  "(default: as the input where it is of the same format)",
+                  kCompressionChoices});
+  options->ReadValue(
+      "--quality", [render](const auto& text) { render->coding.quality = ParseQuality(text); },
+      {kPixelsGroup, "NUMBER",
+       "1 to 100 for JPEG, more is better; for the compressions dwaa and dwab of EXR their level, "
+       "more is smaller (usually 45)"});
   AddPixelAspect(options, "the file's", render);
   options->ReadValue("--range",
                      [render](const auto& text) { render->range = RangeMapping::Parse(text); },

@@ -8,6 +8,7 @@
 #include "host/glimmerhost/option_set.h"
 #include "host/glimmerhost/run_options.h"
 #include "host/looks/page.h"
+#include "host/pictures/coding.h"
 #include "host/pictures/range.h"
 #include "host/render/shot_report.h"
 
@@ -16,7 +17,7 @@ namespace glimmerhost {
 // Input, output and spread may be names of sequences. Texts are as they were typed.
 struct RenderOptions : RunOptions {
   std::string input;
-  int bits = 0;  // 8, 16, or 0 for the input's
+  Coding coding;  // of the output
   RangeMapping range;
   ColourOptions colours;
   std::string frames;  // a list; empty for what the input's name or its folder says

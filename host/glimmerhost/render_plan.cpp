@@ -33,7 +33,11 @@ void CheckPipes(const RenderOptions& options) {
     // A gap would give all frames behind it other numbers.
     refuse(options.keepGoing, "--keep-going", "-o");
     refuse(!options.manifest.empty(), "--manifest", "-o");
-    refuse(options.bits == 8, "--bits 8", "-o");
+    const std::string& compression = options.coding.compression;
+    refuse(options.coding.floats || (options.coding.bits != 0 && options.coding.bits != 16),
+           ("--bits " + BitsWord(options.coding)).c_str(), "-o");
+    refuse(!compression.empty(), "--compression", "-o");
+    refuse(options.coding.quality != 0, "--quality", "-o");
   }
 }
 
@@ -47,7 +51,6 @@ ShotSettings SettingsOf(const RenderOptions& options, const ReadLook& read) {
   }
   settings.reading.colours = read.colours;
   settings.reading.range = options.range;
-  settings.bits = options.bits;
   settings.overwrite = options.overwrite;
   settings.skipExisting = options.skipExisting;
   settings.keepGoing = options.keepGoing;
@@ -105,6 +108,18 @@ void PlanFiles(const ReadLook& read, ShotNames names, RenderPlan* plan) {
   }
 }
 
+// What the output's format makes of what was chosen for it. Where nothing was, the format is not
+// asked for: that may open the plug-in.
+void SettleCodingOf(const RenderOptions& options, RenderPlan* plan) {
+  Coding coding = options.coding;
+  if (coding != Coding() && options.output != kPipe) {
+    for (std::string& line : SettleCoding(OutputFormatOf(Utf8Path(options.output)), &coding)) {
+      plan->remarks.push_back(std::move(line));
+    }
+  }
+  plan->settings.coding = coding;
+}
+
 }  // namespace
 
 ReadLook ReadLookOf(const Page& page, const RenderOptions& options) {
@@ -140,6 +155,7 @@ RenderPlan PlanRender(const RenderOptions& options, const ReadLook& read) {
     throw UsageError("--skip-existing cannot be used where -o is INPUT: of " + options.output +
                      " every frame exists");
   }
+  SettleCodingOf(options, &plan);
   plan.module = ChooseModule(options.engine, options.module);
   return plan;
 }
@@ -151,6 +167,7 @@ RenderPlan PlanSubmit(const RenderOptions& options, const ReadLook& read) {
   for (const FrameFiles& files : plan.shot.files) {
     CheckInShot(plan.shot, files.frame);
   }
+  SettleCodingOf(options, &plan);
   plan.module = ChooseModule(options.engine, options.module);
   return plan;
 }

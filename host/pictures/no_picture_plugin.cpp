@@ -31,7 +31,8 @@ void CompletePlugged(const std::filesystem::path& /*file*/, const std::string& /
 }
 
 void WritePlugged(const OutputFile& /*file*/, const OutputFormat& /*format*/,
-                  const Picture& /*picture*/, int /*bits*/, std::vector<NotCarried>* /*lost*/) {
+                  const Picture& /*picture*/, const Coding& /*coding*/,
+                  std::vector<NotCarried>* /*lost*/) {
   None();
 }
 

@@ -12,19 +12,16 @@
 #include "host/support/temporary_file.h"
 
 namespace glimmerhost {
-namespace {
 
 namespace fs = std::filesystem;
 
-OutputFormat KnownFormat(const fs::path& file) {
+OutputFormat OutputFormatOf(const fs::path& file) {
   const std::optional<OutputFormat> format = FormatOf(file);
   if (!format) {
     throw MustBe("-o", std::string("a name that ends in ") + kWritableEndings, file.string());
   }
   return *format;
 }
-
-}  // namespace
 
 Picture ReadPicture(const fs::path& file, const ReadOptions& options, ReadReport* report) {
   std::error_code error;
@@ -56,7 +53,7 @@ Picture ReadPicture(const fs::path& file, const std::string& keptFor, std::strin
 }
 
 PictureOutput::PictureOutput(fs::path file, bool overwrite)
-    : file_(std::move(file)), format_(KnownFormat(file_)), overwrite_(overwrite) {
+    : file_(std::move(file)), format_(OutputFormatOf(file_)), overwrite_(overwrite) {
   std::error_code error;
   if (fs::is_directory(file_, error)) {
     throw Failure(file_.string() + ": is a folder");
@@ -73,10 +70,11 @@ PictureOutput::PictureOutput(fs::path file, bool overwrite)
   }
 }
 
-void PictureOutput::Write(const Picture& picture, int bits, std::vector<NotCarried>* lost) {
+void PictureOutput::Write(const Picture& picture, const Coding& coding,
+                          std::vector<NotCarried>* lost) {
   try {
     TemporaryFile part(file_);
-    WriteFormat({part.Path(), file_.filename().string()}, format_, picture, bits, lost);
+    WriteFormat({part.Path(), file_.filename().string()}, format_, picture, coding, lost);
     part.MoveIn(overwrite_);
   } catch (const Failure& fault) {
     throw Failure(file_.string() + ": cannot be written: " + fault.what());

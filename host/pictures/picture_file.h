@@ -29,6 +29,9 @@ inline Picture ReadPicture(const std::filesystem::path& file, std::string* warni
   return ReadPicture(file, kNoFormat, warning);
 }
 
+// The format that an output's name asks for. Throws UsageError, which names -o, for an unknown one.
+OutputFormat OutputFormatOf(const std::filesystem::path& file);
+
 // An output that appears whole or not at all: it is written beside its place and moved in.
 class PictureOutput {
  public:
@@ -39,11 +42,11 @@ class PictureOutput {
   const OutputFormat& Format() const { return format_; }
 
   // Writes the picture with its metadata and moves the file in. It is on the disk then.
-  //   bits  8 or 16; formats without whole numbers write half floats
-  //   lost  receives what of the metadata is not in the file; null if nobody asks
+  //   coding  one that SettleCoding gave for the format
+  //   lost    receives what of the metadata is not in the file; null if nobody asks
   // Throws Failure, which names the file. Nothing is left of it then, and a file that was there
   // is as it was.
-  void Write(const Picture& picture, int bits, std::vector<NotCarried>* lost = nullptr);
+  void Write(const Picture& picture, const Coding& coding, std::vector<NotCarried>* lost = nullptr);
 
  private:
   std::filesystem::path file_;

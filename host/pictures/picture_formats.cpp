@@ -66,11 +66,11 @@ Picture ReadFormat(const fs::path& file, const ReadOptions& options, ReadReport*
 }
 
 void WriteFormat(const OutputFile& file, const OutputFormat& format, const Picture& picture,
-                 int bits, std::vector<NotCarried>* lost) {
+                 const Coding& coding, std::vector<NotCarried>* lost) {
   if (kHasPicturePlugin && (picture.colours || picture.attributes || !format.own)) {
-    WritePlugged(file, format, picture, bits, lost);
+    WritePlugged(file, format, picture, coding, lost);
   } else {
-    WritePngOrTiff(file.file, format, picture, bits, lost);
+    WritePngOrTiff(file.file, format, picture, coding, lost);
   }
 }
 

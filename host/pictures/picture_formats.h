@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "host/pictures/coding.h"
 #include "host/pictures/not_carried.h"
 #include "host/pictures/picture.h"
 #include "host/pictures/read_report.h"
@@ -29,10 +30,6 @@ struct OutputFormat {
 inline std::string KeptFor(const OutputFormat& format) {
   return format.own ? format.name : kAnyFormat;
 }
-
-// How hard deflated files are tried to be made smaller, 1 to 9. The libraries' own 6 takes longer
-// than the effect itself; this makes files of footage a tenth larger in a quarter of the time.
-inline constexpr int kFastDeflate = 1;
 
 // For a person: "PNG and TIFF".
 extern const char* const kReadableFormats;
@@ -56,10 +53,11 @@ struct OutputFile {
 
 // Writes the picture with its metadata, and closes the file. The same picture gives the same bytes
 // each time. What a failure leaves is the caller's to remove.
-//   bits  8 or 16; formats without whole numbers write half floats
-//   lost  receives what of the metadata is not in the file; null if nobody asks
+//   coding  one that SettleCoding gave for the format; formats without whole numbers write half
+//           floats unless it says otherwise
+//   lost    receives what of the metadata is not in the file; null if nobody asks
 // Throws Failure with the bare reason, since the caller knows the file under another name.
 void WriteFormat(const OutputFile& file, const OutputFormat& format, const Picture& picture,
-                 int bits, std::vector<NotCarried>* lost);
+                 const Coding& coding, std::vector<NotCarried>* lost);
 
 }  // namespace glimmerhost

@@ -67,7 +67,7 @@ class PicturePlugin {
 
   //   bytes  the output's file, just made; closed when all is written
   virtual PluginOutcome Write(const OutputFile& file, FileBytes* bytes, const OutputFormat& format,
-                              const Picture& picture, int bits,
+                              const Picture& picture, const Coding& coding,
                               std::vector<NotCarried>* lost) const = 0;
 
   virtual PluginOutcome LoadColours(const std::filesystem::path& file,

@@ -115,13 +115,13 @@ void CompletePlugged(const fs::path& file, const std::string& why, const ReadOpt
 }
 
 void WritePlugged(const OutputFile& file, const OutputFormat& format, const Picture& picture,
-                  int bits, std::vector<NotCarried>* lost) {
+                  const Coding& coding, std::vector<NotCarried>* lost) {
   const PicturePlugin& plugin = OpenFor(file.name, FormatWanted(file.name));
   FileBytes bytes(file.file, FileUse::kMake);
   if (!bytes.IsOpen()) {
     throw Failure("the file cannot be made");
   }
-  Raise(plugin.Write(file, &bytes, format, picture, bits, lost));
+  Raise(plugin.Write(file, &bytes, format, picture, coding, lost));
 }
 
 std::unique_ptr<const ColourConfig> ColourConfig::Load(const fs::path& file) {

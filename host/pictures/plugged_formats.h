@@ -31,6 +31,6 @@ void CompletePlugged(const std::filesystem::path& file, const std::string& why,
                      const ReadOptions& options, Picture* picture, ReadReport* report);
 
 void WritePlugged(const OutputFile& file, const OutputFormat& format, const Picture& picture,
-                  int bits, std::vector<NotCarried>* lost);
+                  const Coding& coding, std::vector<NotCarried>* lost);
 
 }  // namespace glimmerhost

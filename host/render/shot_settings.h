@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/looks/look_layers.h"
+#include "host/pictures/coding.h"
 #include "host/pictures/read_report.h"
 #include "hostframe/interfaces/geometry.h"
 
@@ -17,7 +18,7 @@ struct ShotSettings {
   std::vector<LookLayer> layers;
   ReadOptions reading;
   bool premultiplied = true;
-  int bits = 0;                       // 0 for the input's
+  Coding coding;                      // of the outputs; one that fits their format
   quantel::cSize2 pixelAspect{0, 0};  // 0:0 for the file's
   bool overwrite = false;
   bool skipExisting = false;

@@ -81,8 +81,7 @@ void Writer::Write(FrameWork* work) const {
 bool Writer::WriteFile(FrameWork* work) const {
   const Picture& picture = work->picture;
   try {
-    work->output->Write(picture, settings_.bits == 0 ? picture.bits : settings_.bits,
-                        &work->report.notCarried);
+    work->output->Write(picture, settings_.coding, &work->report.notCarried);
   } catch (const Failure&) {
     if (!settings_.skipExisting || settings_.overwrite || !OutputExists(work->files)) {
       throw;

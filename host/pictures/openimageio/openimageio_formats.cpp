@@ -28,6 +28,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr const char* kBitsPerSample = "oiio:BitsPerSample";
 constexpr const char* kStraightAttribute = "oiio:UnassociatedAlpha";
 
 std::unique_ptr<OIIO::ImageInput> OpenInput(const fs::path& file) {
@@ -85,15 +86,58 @@ std::vector<float> FloatsOf(const Picture& picture) {
   return values;
 }
 
-// What the library would choose otherwise than a shot wants it.
-void SetCoding(OIIO::ImageSpec* spec) {
+OIIO::TypeDesc SampleType(const OutputFormat& format, const Coding& coding, int usualBits) {
+  if (format.name == "openexr") {
+    return coding.floats && coding.bits == 32 ? OIIO::TypeDesc::FLOAT : OIIO::TypeDesc::HALF;
+  }
+  return coding.floats                    ? OIIO::TypeDesc::FLOAT
+         : BitsOf(coding, usualBits) == 8 ? OIIO::TypeDesc::UINT8
+                                          : OIIO::TypeDesc::UINT16;
+}
+
+// The word of a compression as the library takes it.
+std::string CompressionWord(const Coding& coding) {
+  const bool hasLevel = coding.compression.starts_with("dwa") && coding.quality != 0;
+  return coding.compression + (hasLevel ? ":" + std::to_string(coding.quality) : "");
+}
+
+// Three samples of 10 bits are a word of the file. Of a row that does not end with a whole word,
+// the library loses what is in the last.
+bool LosesEndsOfRows(const OIIO::ImageSpec& spec) {
+  constexpr int kInWord = 3;
+  return spec.get_int_attribute(kBitsPerSample, 0) == 10 &&
+         spec.width * spec.nchannels % kInWord != 0;
+}
+
+// What was chosen, over what goes on from the input; and what the library would choose otherwise
+// than a shot wants it.
+void SetCoding(const OutputFormat& format, const Coding& coding, OIIO::ImageSpec* spec) {
   // The time of writing: the same frame would give other bytes each time. Empty, none is written.
   constexpr const char* kDate = "DateTime";
   if (spec->find_attribute(kDate) == nullptr) {
     spec->attribute(kDate, "");
   }
-  spec->attribute("tiff:zipquality", kFastDeflate);
-  spec->attribute("png:compressionLevel", kFastDeflate);
+  spec->attribute("tiff:zipquality", DeflateLevel(coding));
+  spec->attribute("png:compressionLevel", DeflateLevel(coding));
+  if (!coding.compression.empty() && format.name != "png") {
+    spec->attribute("compression", CompressionWord(coding));
+  }
+  if (coding.quality != 0 && format.name != "openexr") {
+    spec->attribute("CompressionQuality", coding.quality);
+  }
+  if (coding.bits != 0 && format.name == "dpx") {
+    // Also over the input's own depth, which counts for the library over that of the samples.
+    spec->attribute(kBitsPerSample, coding.bits);
+  }
+  if (format.name == "dpx" && LosesEndsOfRows(*spec)) {
+    if (coding.bits != 0) {
+      throw Failure("a DPX of 10 bits holds rows of whole words alone: in this picture, of " +
+                    std::to_string(spec->width) + " pixels and " + std::to_string(spec->nchannels) +
+                    (spec->nchannels == 1 ? " channel" : " channels") +
+                    ", the samples of a row cannot be divided by 3; --bits 12 has room for it");
+    }
+    spec->attribute(kBitsPerSample, 16);
+  }
 }
 
 // Of the file, where its samples are handed over as 16 bits. Writers drop the low ones.
@@ -174,22 +218,23 @@ void CompleteByOpenImageIo(const fs::path& file, const ReadOptions& options, Pic
 }
 
 void WriteByOpenImageIo(const OutputFile& file, FileBytes* bytes, const OutputFormat& format,
-                        const Picture& picture, int bits, std::vector<NotCarried>* lost) {
+                        const Picture& picture, const Coding& coding,
+                        std::vector<NotCarried>* lost) {
   std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(file.name);
   const bool withAlpha = picture.alpha != Alpha::kNone && format.holdsAlpha;
   const int channels = (picture.grey ? 1 : 3) + (withAlpha ? 1 : 0);
-  const OIIO::TypeDesc type = format.name == "openexr" ? OIIO::TypeDesc::HALF
-                              : bits == 8              ? OIIO::TypeDesc::UINT8
-                                                       : OIIO::TypeDesc::UINT16;
+  const OIIO::TypeDesc type = SampleType(format, coding, picture.bits);
+  // Half floats and floats of an EXR are kept by the same compressions.
+  const int bits = format.name == "openexr" ? picture.bits : BitsOf(coding, picture.bits);
   OIIO::ImageSpec spec(picture.width, picture.height, channels, type);
   SetMetadata(picture, format.name, bits, &spec);
-  SetCoding(&spec);
+  SetCoding(format, coding, &spec);
   // Also for samples that the format would hold otherwise: the library must not convert
   // what is already as it was asked for.
   if (withAlpha && (picture.alpha == Alpha::kStraight || format.straightOnly)) {
     spec.attribute(kStraightAttribute, 1);
   }
-  if (format.holdsFloats) {
+  if (format.holdsFloats || coding.floats) {
     const std::vector<float> values =
         picture.colours ? ManagedFloats(picture, withAlpha)
                         : ToFloats(GatherChannels(picture, channels), channels, picture.range);

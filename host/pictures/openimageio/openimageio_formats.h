@@ -22,6 +22,7 @@ void CompleteByOpenImageIo(const std::filesystem::path& file, const ReadOptions&
 
 //   bytes  the file, just made; closed when all is written
 void WriteByOpenImageIo(const OutputFile& file, FileBytes* bytes, const OutputFormat& format,
-                        const Picture& picture, int bits, std::vector<NotCarried>* lost);
+                        const Picture& picture, const Coding& coding,
+                        std::vector<NotCarried>* lost);
 
 }  // namespace glimmerhost

@@ -64,9 +64,9 @@ class Plugin final : public PicturePlugin {
   }
 
   PluginOutcome Write(const OutputFile& file, FileBytes* bytes, const OutputFormat& format,
-                      const Picture& picture, int bits,
+                      const Picture& picture, const Coding& coding,
                       std::vector<NotCarried>* lost) const override {
-    return Outcome([&] { WriteByOpenImageIo(file, bytes, format, picture, bits, lost); });
+    return Outcome([&] { WriteByOpenImageIo(file, bytes, format, picture, coding, lost); });
   }
 
   PluginOutcome LoadColours(const std::filesystem::path& file,

@@ -119,7 +119,8 @@ Picture ReadPng(const fs::path& file, const ReadOptions& options, Reader reader,
   return PngReader(file).Read(options, reader, metadataBeyond);
 }
 
-void WritePng(const fs::path& file, const Picture& picture, int bits) {
+void WritePng(const fs::path& file, const Picture& picture, const Coding& coding) {
+  const int bits = BitsOf(coding, picture.bits);
   FileBytes bytes(file, FileUse::kMake);
   if (!bytes.IsOpen()) {
     throw Failure("the file cannot be made");
@@ -141,7 +142,7 @@ void WritePng(const fs::path& file, const Picture& picture, int bits) {
   const png_infop info = library.Info();
   bool written = library.Run([&] {
     png_set_benign_errors(png, 1);
-    png_set_compression_level(png, kFastDeflate);
+    png_set_compression_level(png, DeflateLevel(coding));
     png_set_IHDR(png, info, width, height, bits, kColourTypes[channels - 1], PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
   });

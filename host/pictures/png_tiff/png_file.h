@@ -6,6 +6,7 @@
 #include <string>
 
 #include "host/pictures/beyond_reader.h"
+#include "host/pictures/coding.h"
 #include "host/pictures/picture.h"
 #include "host/pictures/read_report.h"
 
@@ -18,7 +19,7 @@ Picture ReadPng(const std::filesystem::path& file, const ReadOptions& options, R
                 std::string* metadataBeyond);
 
 // Throws Failure with the bare reason.
-//   bits  8 or 16
-void WritePng(const std::filesystem::path& file, const Picture& picture, int bits);
+//   coding  of 8 or 16 bits
+void WritePng(const std::filesystem::path& file, const Picture& picture, const Coding& coding);
 
 }  // namespace glimmerhost

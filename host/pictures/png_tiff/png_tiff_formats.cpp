@@ -83,12 +83,12 @@ void CheckTiffBlocks(const fs::path& file) {
 }
 
 void WritePngOrTiff(const fs::path& file, const OutputFormat& format, const Picture& picture,
-                    int bits, std::vector<NotCarried>* lost) {
+                    const Coding& coding, std::vector<NotCarried>* lost) {
   const bool png = format.name == "png";
   if (png) {
-    WritePng(file, picture, bits);
+    WritePng(file, picture, coding);
   } else {
-    WriteTiff(file, picture, bits);
+    WriteTiff(file, picture, coding);
   }
   if (lost != nullptr && picture.metadata) {
     const std::vector<NotCarried> found =

@@ -33,6 +33,6 @@ void CheckTiffBlocks(const std::filesystem::path& file);
 
 // As WriteFormat. Of what a picture says of itself it knows metadata, not attributes.
 void WritePngOrTiff(const std::filesystem::path& file, const OutputFormat& format,
-                    const Picture& picture, int bits, std::vector<NotCarried>* lost);
+                    const Picture& picture, const Coding& coding, std::vector<NotCarried>* lost);
 
 }  // namespace glimmerhost

@@ -463,12 +463,12 @@ class TiffReader {
   std::optional<DeflatedBlocks> deflated_;  // there once the file is open
 };
 
-void SetLayout(TIFF* tiff, const Picture& picture, int bits, int channels) {
+void SetLayout(TIFF* tiff, const Picture& picture, const Coding& coding, int channels) {
   TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, picture.width);
   TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, picture.height);
-  TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, bits);
+  TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, BitsOf(coding, picture.bits));
   TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, channels);
-  TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
+  TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, coding.floats ? SAMPLEFORMAT_IEEEFP : SAMPLEFORMAT_UINT);
   TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
   TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, picture.grey ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB);
   if (picture.alpha != Alpha::kNone) {
@@ -478,37 +478,77 @@ void SetLayout(TIFF* tiff, const Picture& picture, int bits, int channels) {
   }
 }
 
-// The input's own, where the samples are of its kind; deflate otherwise.
-const Compression& CompressionFor(const Picture& picture, int bits) {
+std::uint16_t CompressionTag(const std::string& word) {
+  return word == "none"       ? COMPRESSION_NONE
+         : word == "lzw"      ? COMPRESSION_LZW
+         : word == "packbits" ? COMPRESSION_PACKBITS
+                              : COMPRESSION_ADOBE_DEFLATE;
+}
+
+// The one that was chosen, or the input's own where the samples are of its kind; deflate otherwise.
+const Compression& CompressionFor(const Picture& picture, const Coding& coding) {
   const FileMetadata* const metadata = picture.metadata.get();
-  const Compression* const found =
-      metadata != nullptr && metadata->format == "tiff" && bits == picture.bits
-          ? FindCompression(metadata->tiff.compression)
-          : nullptr;
+  const bool isOwn = metadata != nullptr && metadata->format == "tiff" &&
+                     BitsOf(coding, picture.bits) == picture.bits;
+  const Compression* const found = !coding.compression.empty()
+                                       ? FindCompression(CompressionTag(coding.compression))
+                                   : isOwn ? FindCompression(metadata->tiff.compression)
+                                           : nullptr;
   return found == nullptr ? kCompressions[0] : *found;
 }
 
 // libtiff's own strips have 8 KiB, which is less than a row of a large picture.
 constexpr int kStripRows = 32;
 
-bool WriteStrips(TIFF* tiff, const Picture& picture, int bits, int channels) {
-  const std::size_t rowSamples =
-      static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(channels);
-  std::vector<std::uint16_t> samples(rowSamples * kStripRows);
+// Samples as the file has them. The bytes are one of the three buffers'.
+class FileSamples {
+ public:
+  FileSamples(const Picture& picture, const Coding& coding, int channels)
+      : picture_(picture),
+        bits_(BitsOf(coding, picture.bits)),
+        floats_(coding.floats),
+        channels_(channels) {}
+
+  void* Rows(int first, int rows) {
+    samples_.resize(Count(rows));
+    GatherRows(picture_, channels_, first, rows, samples_.data());
+    if (floats_) {
+      values_ = ToFloats(samples_, channels_, picture_.range);
+      return values_.data();
+    }
+    if (bits_ == 8) {
+      bytes_ = ToBytes(samples_);
+      return bytes_.data();
+    }
+    return samples_.data();
+  }
+
+  tmsize_t ByteCount(int rows) const {
+    return static_cast<tmsize_t>(Count(rows) * static_cast<std::size_t>(bits_ / 8));
+  }
+
+ private:
+  std::size_t Count(int rows) const {
+    return static_cast<std::size_t>(picture_.width) * static_cast<std::size_t>(channels_) *
+           static_cast<std::size_t>(rows);
+  }
+
+  const Picture& picture_;
+  int bits_;
+  bool floats_;
+  int channels_;
+  std::vector<std::uint16_t> samples_;
+  std::vector<std::uint8_t> bytes_;
+  std::vector<float> values_;
+};
+
+bool WriteStrips(TIFF* tiff, const Picture& picture, const Coding& coding, int channels) {
+  FileSamples samples(picture, coding, channels);
   std::uint32_t strip = 0;
   for (int y = 0; y < picture.height; y += kStripRows, ++strip) {
     const int rows = std::min(kStripRows, picture.height - y);
-    const std::size_t count = rowSamples * static_cast<std::size_t>(rows);
-    GatherRows(picture, channels, y, rows, samples.data());
-    void* bytes = samples.data();
-    std::vector<std::uint8_t> narrow;
-    if (bits == 8) {
-      samples.resize(count);
-      narrow = ToBytes(samples);
-      bytes = narrow.data();
-    }
-    const auto size = static_cast<tmsize_t>(count * static_cast<std::size_t>(bits / 8));
-    if (TIFFWriteEncodedStrip(tiff, strip, bytes, size) != size) {
+    const tmsize_t size = samples.ByteCount(rows);
+    if (TIFFWriteEncodedStrip(tiff, strip, samples.Rows(y, rows), size) != size) {
       return false;
     }
   }
@@ -526,7 +566,7 @@ Picture ReadTiff(const fs::path& file, const ReadOptions& options, Reader reader
   return tiff.Read(options, report);
 }
 
-void WriteTiff(const fs::path& file, const Picture& picture, int bits) {
+void WriteTiff(const fs::path& file, const Picture& picture, const Coding& coding) {
   TiffLibrary library(file, TiffLibrary::Use::kWrite);
   TIFF* const tiff = library.Tiff();
   if (tiff == nullptr) {
@@ -534,24 +574,25 @@ void WriteTiff(const fs::path& file, const Picture& picture, int bits) {
   }
   const int channels = ChannelsToWrite(picture);
   const std::uint64_t exif = picture.metadata ? WriteTiffExif(*picture.metadata, tiff) : 0;
-  SetLayout(tiff, picture, bits, channels);
+  SetLayout(tiff, picture, coding, channels);
   if (exif != 0) {
     TIFFSetField(tiff, TIFFTAG_EXIFIFD, exif);
   }
-  const Compression& compression = CompressionFor(picture, bits);
+  const Compression& compression = CompressionFor(picture, coding);
   TIFFSetField(tiff, TIFFTAG_COMPRESSION, compression.tag);
   if (compression.tag == COMPRESSION_ADOBE_DEFLATE || compression.tag == COMPRESSION_DEFLATE) {
-    TIFFSetField(tiff, TIFFTAG_ZIPQUALITY, kFastDeflate);
+    TIFFSetField(tiff, TIFFTAG_ZIPQUALITY, DeflateLevel(coding));
   }
   if (compression.predicts) {
-    TIFFSetField(tiff, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
+    TIFFSetField(tiff, TIFFTAG_PREDICTOR,
+                 coding.floats ? PREDICTOR_FLOATINGPOINT : PREDICTOR_HORIZONTAL);
   }
   TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, kStripRows);
   if (picture.metadata) {
     SetTiffMetadata(*picture.metadata, tiff);
   }
 
-  const bool written = WriteStrips(tiff, picture, bits, channels);
+  const bool written = WriteStrips(tiff, picture, coding, channels);
   const bool closed = library.Close();
   if (!written || !closed) {
     // libtiff has its own idea of why the system did not move on in a file.

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "host/pictures/beyond_reader.h"
+#include "host/pictures/coding.h"
 #include "host/pictures/picture.h"
 #include "host/pictures/read_report.h"
 
@@ -22,7 +23,7 @@ Picture ReadTiff(const std::filesystem::path& file, const ReadOptions& options, 
 void CheckBlocksOfTiff(const std::filesystem::path& file);
 
 // Throws Failure with the bare reason.
-//   bits  8 or 16
-void WriteTiff(const std::filesystem::path& file, const Picture& picture, int bits);
+//   coding  of 8 or 16 bits, or of floats of 32
+void WriteTiff(const std::filesystem::path& file, const Picture& picture, const Coding& coding);
 
 }  // namespace glimmerhost
