@@ -54,6 +54,13 @@ void AddPixels(OptionSet* options, RenderOptions* render) {
        "1 to 100 for JPEG, more is better; for the compressions dwaa and dwab of EXR their level, "
        "more is smaller (usually 45)"});
   AddPixelAspect(options, "the file's", render);
+  options->Value(std::string("--") + kMix, &render->look[kMix],
+                 {kPixelsGroup, "NUMBER",
+                  "0 to 1 (default): how much of the blur is seen over the frame as it was"});
+  options->Value("--mask", &render->mask,
+                 {kPixelsGroup, "FILE",
+                  "A picture of the frame's size, or a sequence, whose first channel says where "
+                  "the blur is seen"});
   options->ReadValue("--range",
                      [render](const auto& text) { render->range = RangeMapping::Parse(text); },
                      {kPixelsGroup,

@@ -20,6 +20,7 @@ struct RenderOptions : RunOptions {
   Coding coding;  // of the output
   RangeMapping range;
   ColourOptions colours;
+  std::string mask;    // a picture; empty for none
   std::string frames;  // a list; empty for what the input's name or its folder says
   std::string chunk;   // K/N; for submit the most frames of a chunk, or empty
   bool keepGoing = false;

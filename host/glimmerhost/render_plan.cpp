@@ -149,7 +149,10 @@ RenderPlan PlanRender(const RenderOptions& options, const ReadLook& read) {
              {{"--manifest", options.manifest, true},
               {"--save-params", options.saveParams, true},
               {"--params", options.look.file, false},
-              {"--module", options.module, false}}},
+              {"--module", options.module, false}},
+             {},
+             false,
+             options.mask},
             &plan);
   if (plan.shot.isInPlace && options.skipExisting) {
     throw UsageError("--skip-existing cannot be used where -o is INPUT: of " + options.output +
@@ -162,7 +165,9 @@ RenderPlan PlanRender(const RenderOptions& options, const ReadLook& read) {
 
 RenderPlan PlanSubmit(const RenderOptions& options, const ReadLook& read) {
   RenderPlan plan = PlanOf(options, read);
-  PlanFiles(read, {options.input, options.output, "", options.frames, ""}, &plan);
+  PlanFiles(read,
+            {options.input, options.output, "", options.frames, "", {}, {}, false, options.mask},
+            &plan);
   // The chunks are given the span, and to them it would be the command that is wrong.
   for (const FrameFiles& files : plan.shot.files) {
     CheckInShot(plan.shot, files.frame);

@@ -14,6 +14,20 @@
 
 namespace glimmerhost {
 
+namespace {
+
+// Not one of the page's: the program mixes, and the effect knows nothing of it.
+Parameter MixParameter() {
+  Parameter mix;
+  mix.key = kMix;
+  mix.initial = 1.0;
+  mix.highest = 1.0;
+  mix.typedHighest = 1.0;
+  return mix;
+}
+
+}  // namespace
+
 // Puts typed values into tracks. An error calls an option by where it came from and its name:
 // "--radius", or "film.toml: radius".
 class KeyframedValues::Setter {
@@ -22,6 +36,16 @@ class KeyframedValues::Setter {
 
   Setter(const Page& page, std::string origin, std::map<std::string, Track>* tracks)
       : page_(page), origin_(std::move(origin)), tracks_(*tracks) {}
+
+  // A value that the store does not have.
+  void Beside(const std::string& text, Track* track) {
+    const Parameter parameter = track->parameter;
+    const std::string name = origin_ + parameter.key;
+    if (!text.empty()) {
+      *track = TrackOf(parameter, name, "", text,
+                       [&](const std::string& value) { return parameter.Parse(name, value); });
+    }
+  }
 
   // What a look says under the option's name.
   void Option(const PageOption& option, const std::string& text, int width, int height) {
@@ -69,9 +93,13 @@ class KeyframedValues::Setter {
   //   before  what stands before the name where nobody else puts it there
   void Put(const Parameter& parameter, const std::string& name, const std::string& before,
            const std::string& text, const Parse& parse) {
-    if (text.empty()) {
-      return;
+    if (!text.empty()) {
+      tracks_[parameter.key] = TrackOf(parameter, name, before, text, parse);
     }
+  }
+
+  static Track TrackOf(const Parameter& parameter, const std::string& name,
+                       const std::string& before, const std::string& text, const Parse& parse) {
     Track track{parameter, {}, {}, before + name, text};
     if (!HasKeyframes(text)) {
       track.values.push_back({0.0, Course::kHeld, parse(text)});
@@ -81,7 +109,7 @@ class KeyframedValues::Setter {
         track.written.push_back(key.time);
       }
     }
-    tracks_[parameter.key] = std::move(track);
+    return track;
   }
 
   const Page& page_;
@@ -90,7 +118,8 @@ class KeyframedValues::Setter {
 };
 
 KeyframedValues::KeyframedValues(const Page& page, const std::vector<LookLayer>& layers, int width,
-                                 int height, const ShotSpan& span) {
+                                 int height, const ShotSpan& span)
+    : mix_{MixParameter(), {{0.0, Course::kHeld, 1.0}}} {
   for (const Parameter& parameter : page.Parameters()) {
     tracks_[parameter.key] = {parameter, {{0.0, Course::kHeld, parameter.initial}}};
   }
@@ -102,10 +131,12 @@ KeyframedValues::KeyframedValues(const Page& page, const std::vector<LookLayer>&
     for (const std::string& assignment : look.set) {
       set.Assignment(assignment);
     }
+    set.Beside(look.At(kMix), &mix_);
   }
   for (auto& [key, track] : tracks_) {
     track.Settle(span);
   }
+  mix_.Settle(span);
 }
 
 std::map<std::string, Value> KeyframedValues::At(int frame) const {
@@ -116,8 +147,11 @@ std::map<std::string, Value> KeyframedValues::At(int frame) const {
   return values;
 }
 
+double KeyframedValues::MixAt(int frame) const { return std::get<double>(mix_.At(frame)); }
+
 bool KeyframedValues::IsAnimated() const {
-  return std::any_of(tracks_.begin(), tracks_.end(),
+  return mix_.values.size() > 1 ||
+         std::any_of(tracks_.begin(), tracks_.end(),
                      [](const auto& track) { return track.second.values.size() > 1; });
 }
 

@@ -24,6 +24,9 @@ class KeyframedValues {
   // The values of a frame, whatever frames are asked for before it.
   std::map<std::string, Value> At(int frame) const;
 
+  // How much of the effect a frame shows, 0 to 1.
+  double MixAt(int frame) const;
+
   // Whether any value changes over the shot.
   bool IsAnimated() const;
 
@@ -48,6 +51,7 @@ class KeyframedValues {
   class Setter;
 
   std::map<std::string, Track> tracks_;
+  Track mix_;
 };
 
 // The values for one picture of that size: the first of the shot that the look names, and where it

@@ -29,7 +29,7 @@ std::vector<LookName> LookNames(const Page& page) {
   for (const PageOption& option : page.Options()) {
     names.push_back({option.name, option.keys.empty() ? std::vector{option.name} : option.keys});
   }
-  for (const char* name : {kSpread, kAlpha, kPixelAspect, kShot}) {
+  for (const char* name : {kSpread, kAlpha, kPixelAspect, kMix, kShot}) {
     const bool known = std::any_of(names.begin(), names.end(),
                                    [&](const LookName& one) { return one.name == name; });
     if (!known) {

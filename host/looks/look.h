@@ -13,6 +13,7 @@ namespace glimmerhost {
 // Texts of a look that are no parameters of the effect.
 inline constexpr const char* kSpread = "spread";             // a picture file, or a sequence
 inline constexpr const char* kAlpha = "alpha";               // premultiplied or as-is
+inline constexpr const char* kMix = "mix";                   // 0 to 1, how much of the blur is seen
 inline constexpr const char* kPixelAspect = "pixel-aspect";  // A:B
 inline constexpr const char* kShot = "shot";                 // FIRST-LAST, for times of keyframes
 

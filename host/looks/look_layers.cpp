@@ -36,6 +36,7 @@ void Override(const std::vector<LookName>& names, const std::vector<std::string>
 Look DefaultLook(const Page& page) {
   Look look;
   look[kAlpha] = kUsualAlpha;
+  look[kMix] = "1";
   for (const Parameter& parameter : page.Parameters()) {
     const std::string text = parameter.Show(parameter.initial);
     if (const PageOption* own = page.OptionOf(parameter.key)) {

@@ -23,13 +23,18 @@ std::string OriginOf(const std::vector<LookLayer>& layers, const Says& says) {
 std::vector<TimedText> TimedTexts(const Page& page, const std::vector<LookLayer>& layers) {
   const Look merged = MergeLayers(page, layers);
   std::vector<TimedText> timed;
+  const auto take = [&](const std::string& name) {
+    if (const std::string& text = merged.At(name); HasKeyframes(text)) {
+      const auto says = [&](const Look& look) { return !look.At(name).empty(); };
+      timed.push_back({OriginOf(layers, says) + name, text});
+    }
+  };
   for (const PageOption& option : page.Options()) {
-    const std::string& text = merged.At(option.name);
-    if (HasKeyframes(text) && !option.keys.empty()) {
-      const auto says = [&](const Look& look) { return !look.At(option.name).empty(); };
-      timed.push_back({OriginOf(layers, says) + option.name, text});
+    if (!option.keys.empty()) {
+      take(option.name);
     }
   }
+  take(kMix);
   for (const std::string& assignment : merged.set) {
     const std::size_t equals = assignment.find('=');
     const std::string text = equals == std::string::npos ? "" : assignment.substr(equals + 1);

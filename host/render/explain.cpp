@@ -64,6 +64,9 @@ void ListFiles(const ShotPlan& plan, std::ostream& out) {
     if (!files.spread.empty()) {
       out << "  " << files.spread.string() << Existence(files.spread);
     }
+    if (!files.mask.empty()) {
+      out << "  " << files.mask.string() << Existence(files.mask);
+    }
     out << "  ->  " << files.output.string()
         << (fs::exists(files.output, error) ? " (there already)" : "") << '\n';
   }

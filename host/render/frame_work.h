@@ -31,6 +31,8 @@ struct FrameWork {
   Picture picture;
   Alpha alphaBefore = Alpha::kNone;  // of the picture as it was read
   FrameInput input;
+  double mix = 1.0;                     // how much of the result is seen
+  std::shared_ptr<const Picture> mask;  // where it is, besides; null for everywhere
   ReadReport found;
   std::string inputHash;  // empty where nobody asks for it
   bool isLast = false;    // nothing can be read after it

@@ -16,6 +16,14 @@ namespace glimmerhost {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+std::string SizeOf(const Picture& picture) {
+  return std::to_string(picture.width) + " x " + std::to_string(picture.height);
+}
+
+}  // namespace
+
 Loader::Loader(const Page& page, const ShotSettings& settings, const ShotPlan& plan,
                const lx::Footprint& engine, bool hashed, PamReader* pipe)
     : page_(page),
@@ -114,10 +122,13 @@ void Loader::SettleInput(FrameWork* work) {
   Picture& picture = work->picture;
   FrameInput& input = work->input;
   input.frame = work->files.frame;
-  input.values = ValuesOf(work->files.frame, picture);
+  const KeyframedValues& values = ValuesFor(picture);
+  input.values = values.At(work->files.frame);
+  work->mix = values.MixAt(work->files.frame);
   input.pixelAspect =
       settings_.pixelAspect.first == 0 ? picture.pixelAspect : settings_.pixelAspect;
   input.spread = SpreadOf(work);
+  work->mask = MaskOf(work);
   WarnOfNoise(work);
   WarnOfRange(work);
   work->alphaBefore = picture.alpha;
@@ -146,14 +157,14 @@ void Loader::WarnOfRange(FrameWork* work) {
   }
 }
 
-std::map<std::string, Value> Loader::ValuesOf(int frame, const Picture& picture) {
+const KeyframedValues& Loader::ValuesFor(const Picture& picture) {
   const std::pair<int, int> size{picture.width, picture.height};
   if (!values_ || valuesSize_ != size) {
     values_ = std::make_unique<KeyframedValues>(page_, settings_.layers, picture.width,
                                                 picture.height, plan_.span);
     valuesSize_ = size;
   }
-  return values_->At(frame);
+  return *values_;
 }
 
 quantel::cPtr<FrameImage> Loader::SpreadOf(FrameWork* work) {
@@ -166,6 +177,27 @@ quantel::cPtr<FrameImage> Loader::SpreadOf(FrameWork* work) {
     spreadSize_ = size;
   }
   return spread_;
+}
+
+std::shared_ptr<const Picture> Loader::MaskOf(FrameWork* work) {
+  const fs::path& file = work->files.mask;
+  if (file.empty()) {
+    return nullptr;
+  }
+  if (!mask_ || file != maskFile_) {
+    mask_ = nullptr;
+    std::string warning;
+    mask_ = std::make_shared<const Picture>(ReadPicture(file, &warning));
+    maskFile_ = file;
+    if (!warning.empty()) {
+      work->report.remarks.push_back(warning);
+    }
+  }
+  if (mask_->width != work->picture.width || mask_->height != work->picture.height) {
+    throw Failure(file.string() + ": a mask must have the frame's size, " + SizeOf(work->picture) +
+                  ", not " + SizeOf(*mask_));
+  }
+  return mask_;
 }
 
 }  // namespace glimmerhost

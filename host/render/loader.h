@@ -51,8 +51,9 @@ class Loader {
   void SettleInput(FrameWork* work);
   void WarnOfNoise(FrameWork* work);
   void WarnOfRange(FrameWork* work);
-  std::map<std::string, Value> ValuesOf(int frame, const Picture& picture);
+  const KeyframedValues& ValuesFor(const Picture& picture);
   quantel::cPtr<FrameImage> SpreadOf(FrameWork* work);
+  std::shared_ptr<const Picture> MaskOf(FrameWork* work);
 
   const Page& page_;
   const ShotSettings& settings_;
@@ -68,6 +69,8 @@ class Loader {
   std::filesystem::path spreadFile_;
   std::pair<int, int> spreadSize_;
   quantel::cPtr<FrameImage> spread_;
+  std::filesystem::path maskFile_;
+  std::shared_ptr<const Picture> mask_;
   bool warnedOfNoise_ = false;
   bool warnedOfRange_ = false;
 };

@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/writer.h"
 
+#include <cstdint>
 #include <exception>
 #include <memory>
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include "host/module/frame_checks.h"
 #include "host/pictures/alpha.h"
 #include "host/pictures/pam_stream.h"
+#include "host/render/mix.h"
 #include "host/shots/file_hash.h"
 #include "host/support/failure.h"
 
@@ -55,11 +59,15 @@ void Writer::Finish(FrameWork* work) const {
 
 void Writer::Write(FrameWork* work) const {
   Picture& picture = work->picture;
-  if (CheckRendered(work->input, work->result.Object())) {
-    work->result->CopyTo(&picture);
-  } else {
+  if (!CheckRendered(work->input, work->result.Object())) {
     // The input's own samples, which have not passed the border.
     work->report.remarks.emplace_back(kEmptyAperture);
+  } else if (work->mix < 1.0 || work->mask) {
+    const std::vector<std::uint16_t> frame = std::move(picture.samples);
+    work->result->CopyTo(&picture);
+    MixSamples(frame, work->mix, work->mask.get(), &picture.samples);
+  } else {
+    work->result->CopyTo(&picture);
   }
   const bool toPipe = !work->output;
   if (settings_.premultiplied) {

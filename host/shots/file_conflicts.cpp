@@ -58,7 +58,7 @@ void FileConflicts::Add(const FrameFiles& files) {
   if (IsFile(files.output)) {
     written_.emplace(Place(files.output), Use{files.frame, files.output});
   }
-  for (const fs::path& file : {files.input, files.spread}) {
+  for (const fs::path& file : {files.input, files.spread, files.mask}) {
     if (IsFile(file)) {
       AddRead(file, files.frame);
     }

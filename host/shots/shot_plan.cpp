@@ -88,6 +88,7 @@ ShotPlan PlanShot(const ShotNames& names) {
   const FileSequence input("INPUT", names.input);
   const FileSequence output("-o", names.output);
   const FileSequence spread("--spread", names.spread);
+  const FileSequence mask("--mask", names.mask);
   const bool fromPipe = names.input == kPipe;
   const bool toPipe = names.output == kPipe;
   if (fromPipe && !names.chunk.empty()) {
@@ -95,7 +96,8 @@ ShotPlan PlanShot(const ShotNames& names) {
   }
   const auto filesOf = [=](int frame) {
     return FrameFiles{frame, input.File(frame), output.File(frame),
-                      names.spread.empty() ? std::filesystem::path() : spread.File(frame)};
+                      names.spread.empty() ? std::filesystem::path() : spread.File(frame),
+                      names.mask.empty() ? std::filesystem::path() : mask.File(frame)};
   };
   if (fromPipe && names.frames.empty() && (toPipe || output.HasFrames())) {
     FileConflicts().CheckBeside(names.beside);

@@ -22,6 +22,7 @@ struct FrameFiles {
   std::filesystem::path input;
   std::filesystem::path output;
   std::filesystem::path spread;  // empty if there is none
+  std::filesystem::path mask{};  // likewise
 };
 
 // The frames of the shot as a person gives them.
@@ -30,7 +31,7 @@ struct GivenSpan {
   ShotSpan span;
 };
 
-// Names as they were typed; frames, spread and chunk may be empty.
+// Names as they were typed; frames, spread, mask and chunk may be empty.
 struct ShotNames {
   std::string input;
   std::string output;
@@ -40,6 +41,7 @@ struct ShotNames {
   std::vector<NamedFile> beside{};
   std::optional<GivenSpan> shot{};  // none for the frames that INPUT has
   bool hasTimes = false;            // whether any time counts in the shot
+  std::string mask{};
 };
 
 struct ShotPlan {

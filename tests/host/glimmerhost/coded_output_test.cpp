@@ -54,10 +54,10 @@ TEST_F(CodedOutput, IsRefusedBeforeAnythingIsReadIfTheFormatLacksIt) {
   for (const char* command : {"render ", "submit "}) {
     const std::string names =
         command + (folder / "none.#.png").string() + " -o " + (folder / "out.#.").string();
-    ExpectRefusal(names + "exr --frames 1 --compression lzw", 2,
-                  "--compression must be none, rle, zips,");
-    ExpectRefusal(names + "tif --frames 1 --bits half", 2,
-                  "--bits must be 8, 16 or float for TIFF");
+    ExpectProgramRefusal(names + "exr --frames 1 --compression lzw", 2,
+                         "--compression must be none, rle, zips,");
+    ExpectProgramRefusal(names + "tif --frames 1 --bits half", 2,
+                         "--bits must be 8, 16 or float for TIFF");
   }
   ExpectRefusal("render x.#.png -o - --bits float", 2, "--bits float needs a file as -o");
   ExpectRefusal("render x.#.png -o - --compression zip", 2, "--compression needs a file as -o");

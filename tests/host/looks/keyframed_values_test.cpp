@@ -48,6 +48,37 @@ TEST(KeyframedValues, CountTimesInTheShot) {
   EXPECT_EQ(222.0, Number(values, 1100, "PRM_Emphasis"));
 }
 
+TEST(KeyframedValues, MixAllOfTheBlurUnlessToldOtherwise) {
+  EXPECT_EQ(1.0, Over({}).MixAt(1001));
+  TypedLook typed;
+  typed["mix"] = "0.25";
+  EXPECT_EQ(0.25, Over(typed).MixAt(1050));
+  EXPECT_FALSE(Over(typed).At(1001).contains("mix"));
+}
+
+TEST(KeyframedValues, MoveTheMix) {
+  TypedLook typed;
+  typed["mix"] = "0=0; 8=1";
+  const KeyframedValues values = Over(typed, {0, 10});
+  EXPECT_TRUE(values.IsAnimated());
+  EXPECT_EQ(0.25, values.MixAt(2));
+  EXPECT_EQ(1.0, values.MixAt(9));
+}
+
+TEST(KeyframedValues, RefuseAMixBeyondItsRange) {
+  for (const char* text : {"-0.1", "1.5", "half", "0=0; 4=2"}) {
+    TypedLook typed;
+    typed["mix"] = text;
+    try {
+      Over(typed, {0, 4});
+      FAIL() << text;
+    } catch (const glimmerhost::UsageError& fault) {
+      EXPECT_EQ(0U, std::string(fault.what()).find("--mix must be a number from 0 to 1, not "))
+          << fault.what();
+    }
+  }
+}
+
 TEST(KeyframedValues, MoveRadiiInTheirUnits) {
   TypedLook typed;
   typed["radius"] = "0=40px; 10=80px";

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <map>
 #include <memory>
@@ -70,6 +72,57 @@ class LoaderAlone : public render_test::ShotStage {
   std::unique_ptr<PamReader> reader;
   std::unique_ptr<Loader> loader;
 };
+
+TEST_F(LoaderAlone, GivesEachFrameItsMixAndItsMask) {
+  Plan(2);
+  for (const int frame : {1, 2}) {
+    WriteInput(frame, EvenPicture(100));
+    const auto name = "mask." + std::to_string(frame) + ".png";
+    glimmerhost::PictureOutput(folder / name, false)
+        .Write(EvenPicture(static_cast<std::uint16_t>(frame * 1000)), 16);
+    plan.files[static_cast<std::size_t>(frame - 1)].mask = folder / name;
+  }
+  Use("mix = 0.5");
+
+  const Works works = Load();
+
+  ASSERT_EQ((States{FrameState::kDone, FrameState::kDone}), StatesOf(works));
+  EXPECT_EQ(0.5, works[0]->mix);
+  EXPECT_EQ(1000, works[0]->mask->samples[0]);
+  EXPECT_EQ(2000, works[1]->mask->samples[0]);
+}
+
+TEST_F(LoaderAlone, HasNoMaskWhereNoneIsAskedFor) {
+  Plan(1);
+  WriteInput(1, EvenPicture(100));
+
+  const Works works = Load();
+
+  EXPECT_EQ(1.0, works[0]->mix);
+  EXPECT_EQ(nullptr, works[0]->mask);
+}
+
+TEST_F(LoaderAlone, FailsAFrameWhoseMaskHasAnotherSizeAndNamesBoth) {
+  Plan(1);
+  WriteInput(1, EvenPicture(100));
+  WriteInput(7, EvenPicture(100, 5, 2));
+  plan.files[0].mask = folder / InputName(7);
+
+  const Works works = Load();
+
+  ASSERT_EQ(States{FrameState::kFailed}, StatesOf(works));
+  EXPECT_EQ(
+      (folder / InputName(7)).string() + ": a mask must have the frame's size, 4 x 2, not 5 x 2",
+      works[0]->report.fault);
+}
+
+TEST_F(LoaderAlone, TakesAMissingMaskForAMissingInput) {
+  Plan(1);
+  WriteInput(1, EvenPicture(100));
+  plan.files[0].mask = folder / "none.png";
+
+  EXPECT_EQ(States{FrameState::kMissing}, StatesOf(Load()));
+}
 
 TEST_F(LoaderAlone, GivesEachFrameItsPictureAndItsValues) {
   Plan(3);
