@@ -181,6 +181,9 @@ class BothReaders : public testing::Test {
     const fs::path ownFile = folder / "own.exr";
     const fs::path otherFile = folder / "other.exr";
     const OutputFormat exr = *glimmerhost::FormatOf(ownFile);
+    // Outputs are made new.
+    fs::remove(ownFile);
+    fs::remove(otherFile);
     glimmerhost::WritePlugged({ownFile, "a.exr"}, exr, own, 16, nullptr);
     glimmerhost::WritePlugged({otherFile, "a.exr"}, exr, other, 16, nullptr);
     EXPECT_EQ("", Difference(Said(otherFile), Said(ownFile))) << what;
@@ -198,6 +201,8 @@ class BothReaders : public testing::Test {
     std::vector<NotCarried> ownLost;
     std::vector<NotCarried> otherLost;
 
+    fs::remove(ownFile);
+    fs::remove(otherFile);
     glimmerhost::WritePngOrTiff(ownFile, form, own, bits, &ownLost);
     glimmerhost::WritePlugged({otherFile, otherFile.filename().string()}, form, other, bits,
                               &otherLost);
@@ -219,6 +224,7 @@ class BothReaders : public testing::Test {
     Picture picture = lx_test::Sample(5, 4, Alpha::kNone, grey);
     picture.metadata = std::make_shared<FileMetadata>(metadata);
     fs::path file = folder / name;
+    fs::remove(file);
     glimmerhost::WritePngOrTiff(file, *glimmerhost::PngOrTiffOf(file), picture, 16, nullptr);
     return file;
   }
@@ -423,6 +429,7 @@ TEST_F(BothReaders, CarryTheColourSpaceOfAnExifDirectoryThatHasNothingElse) {
   ASSERT_TRUE(picture);
   const fs::path out = folder / "out.tif";
 
+  fs::remove(out);
   glimmerhost::WritePngOrTiff(out, *glimmerhost::PngOrTiffOf(out), *picture, 16, nullptr);
 
   for (const fs::path& one : {file, out}) {
@@ -488,6 +495,7 @@ TEST_F(BothReaders, KeepTheGammaOfAPng) {
   ASSERT_TRUE(picture);
   const fs::path out = folder / "out.png";
 
+  fs::remove(out);
   glimmerhost::WritePngOrTiff(out, *glimmerhost::PngOrTiffOf(out), *picture, 16, nullptr);
 
   for (const fs::path& one : {file, out}) {
