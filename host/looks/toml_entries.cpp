@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -45,6 +46,45 @@ bool HasDotsWithoutEnd(std::string_view text) {
   return dots > kMany;
 }
 
+bool IsBeyondAscii(char c) { return static_cast<unsigned char>(c) >= 0x80; }
+
+// The first place behind a backslash that ends a line where a text goes on.
+std::size_t GoOn(std::string_view text, std::size_t at) {
+  return std::min(text.find_first_not_of(" \t\r\n", at), text.size());
+}
+
+// Where a letter beyond ASCII stands in a long string's place for blanks: first on a line, if a
+// backslash ends the one before. npos if there is none.
+std::size_t LetterForBlanks(std::string_view text, std::size_t from, std::size_t end) {
+  for (std::size_t at = text.find('\\', from); at < end; at = text.find('\\', at)) {
+    const std::size_t next = GoOn(text, at + 1);
+    const std::string_view blanks = text.substr(at + 1, next - at - 1);
+    if (blanks.find('\n') != std::string_view::npos && next < end && IsBeyondAscii(text[next])) {
+      return next;
+    }
+    at += 2;
+  }
+  return std::string_view::npos;
+}
+
+// Asked whether such a letter is a blank, the library does what C++ leaves undefined. TOML has none
+// outside of strings and comments, but for a mark at its beginning; npos if there is none.
+std::size_t FindLetterForBlanks(std::string_view text) {
+  for (std::size_t at = text.starts_with("\xEF\xBB\xBF") ? 3 : 0; at < text.size();) {
+    if (IsBeyondAscii(text[at])) {
+      return at;
+    }
+    const std::size_t end = std::min(StepOver(text, at), text.size());
+    if (text.substr(at).starts_with("\"\"\"")) {
+      if (const std::size_t found = LetterForBlanks(text, at, end); found < end) {
+        return found;
+      }
+    }
+    at = end;
+  }
+  return std::string_view::npos;
+}
+
 std::string Place(const std::string& file, const toml::source_region& region) {
   std::string place = file;
   if (region.begin.line != 0) {
@@ -76,6 +116,12 @@ ParameterEntry Entry(const std::string& file, std::string_view name, const toml:
 std::vector<ParameterEntry> TomlEntries(const std::string& file, std::string_view text) {
   if (HasDotsWithoutEnd(text)) {
     throw UsageError(file + kUnreadable + "its names have dots without end");
+  }
+  if (const std::size_t at = FindLetterForBlanks(text); at < text.size()) {
+    const auto line =
+        1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), '\n');
+    throw Failure(file + ":" + std::to_string(line) + kUnreadable +
+                  "a letter beyond ASCII where none may stand");
   }
   try {
     std::vector<ParameterEntry> entries;

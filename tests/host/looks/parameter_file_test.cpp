@@ -274,4 +274,26 @@ TEST_F(ParameterFile, MayHaveAnyNumberOfDotsInTexts) {
   }
 }
 
+// The library would ask whether such a letter is a blank, and has no defined answer.
+TEST_F(ParameterFile, HasNoLetterBeyondAsciiWhereABlankMayStand) {
+  const std::string why = " cannot be read as a look: a letter beyond ASCII where none may stand";
+  for (const auto& [text, line] : {std::pair<std::string, std::string>{"sides = 5\u01D2\n", "1:"},
+                                   {"# \u00E9\n\u00E9 = 5\n", "2:"},
+                                   {"\nspread = \"a\"\u3001\n", "2:"},
+                                   {"spread = \"\"\"a\\\n  \u00E9\"\"\"\n", "2:"},
+                                   {"spread = \"\"\"a\\ \r\n\n\u00E9\"\"\"\n", "3:"},
+                                   {"emphasis = \"\"\"1\\\\\\\n\u00E9\"\"\"\n", "2:"}}) {
+    EXPECT_EQ(line + why, Unreadable(text)) << text;
+  }
+}
+
+TEST_F(ParameterFile, MayHaveLettersOfAllKindsInTextsAndComments) {
+  for (const char* const text :
+       {"emphasis = \"\u00E9\u01D2\" # \u00E9\n", "\uFEFFemphasis = '\u00E9\u01D2'\n",
+        "emphasis = \"\"\"\n\u00E9\u01D2\"\"\"\n",
+        "emphasis = \"\"\"\u00E9\\\n \u005Cu01D2\"\"\"\n"}) {
+    EXPECT_EQ("\u00E9\u01D2", ReadParameterFile(page, Write(text)).At("emphasis")) << text;
+  }
+}
+
 }  // namespace
