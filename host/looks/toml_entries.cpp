@@ -48,6 +48,15 @@ bool HasDotsWithoutEnd(std::string_view text) {
 
 bool IsBeyondAscii(char c) { return static_cast<unsigned char>(c) >= 0x80; }
 
+std::size_t FindBeyondAscii(std::string_view text, std::size_t from, std::size_t end) {
+  for (std::size_t at = from; at < end; ++at) {
+    if (IsBeyondAscii(text[at])) {
+      return at;
+    }
+  }
+  return std::string_view::npos;
+}
+
 // The first place behind a backslash that ends a line where a text goes on.
 std::size_t GoOn(std::string_view text, std::size_t at) {
   return std::min(text.find_first_not_of(" \t\r\n", at), text.size());
@@ -67,18 +76,26 @@ std::size_t LetterForBlanks(std::string_view text, std::size_t from, std::size_t
   return std::string_view::npos;
 }
 
+// A name or a value without quotes from its first character: to what may stand behind it. Quotes in
+// it open nothing.
+std::size_t EndOfWord(std::string_view text, std::size_t at) {
+  constexpr std::string_view kBehind = " \t\r\n=,[]{}#";
+  return std::min(text.find_first_of(kBehind, at), text.size());
+}
+
 // Asked whether such a letter is a blank, the library does what C++ leaves undefined. TOML has none
 // outside of strings and comments, but for a mark at its beginning; npos if there is none.
 std::size_t FindLetterForBlanks(std::string_view text) {
   for (std::size_t at = text.starts_with("\xEF\xBB\xBF") ? 3 : 0; at < text.size();) {
-    if (IsBeyondAscii(text[at])) {
-      return at;
-    }
-    const std::size_t end = std::min(StepOver(text, at), text.size());
-    if (text.substr(at).starts_with("\"\"\"")) {
-      if (const std::size_t found = LetterForBlanks(text, at, end); found < end) {
-        return found;
-      }
+    const bool stepsOver = text[at] == '#' || text[at] == '"' || text[at] == '\'';
+    const std::size_t end = std::min(
+        stepsOver ? StepOver(text, at) : std::max(EndOfWord(text, at), at + 1), text.size());
+    const std::size_t found = !stepsOver ? FindBeyondAscii(text, at, end)
+                              : text.substr(at).starts_with("\"\"\"")
+                                  ? LetterForBlanks(text, at, end)
+                                  : std::string_view::npos;
+    if (found < end) {
+      return found;
     }
     at = end;
   }

@@ -280,6 +280,7 @@ TEST_F(ParameterFile, HasNoLetterBeyondAsciiWhereABlankMayStand) {
   for (const auto& [text, line] : {std::pair<std::string, std::string>{"sides = 5\u01D2\n", "1:"},
                                    {"# \u00E9\n\u00E9 = 5\n", "2:"},
                                    {"\nspread = \"a\"\u3001\n", "2:"},
+                                   {"a = 1b\"\u0350\n", "1:"},
                                    {"spread = \"\"\"a\\\n  \u00E9\"\"\"\n", "2:"},
                                    {"spread = \"\"\"a\\ \r\n\n\u00E9\"\"\"\n", "3:"},
                                    {"emphasis = \"\"\"1\\\\\\\n\u00E9\"\"\"\n", "2:"}}) {
