@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -46,60 +45,75 @@ bool HasDotsWithoutEnd(std::string_view text) {
   return dots > kMany;
 }
 
-bool IsBeyondAscii(char c) { return static_cast<unsigned char>(c) >= 0x80; }
-
-std::size_t FindBeyondAscii(std::string_view text, std::size_t from, std::size_t end) {
-  for (std::size_t at = from; at < end; ++at) {
-    if (IsBeyondAscii(text[at])) {
-      return at;
+// How many bytes the letter at a place has; 0 if it is not UTF-8.
+std::size_t LetterSize(std::string_view text, std::size_t at) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[at + i]); };
+  const unsigned lead = byte(0);
+  const std::size_t size = lead < 0x80                    ? 1
+                           : lead >= 0xC2 && lead <= 0xDF ? 2
+                           : lead >= 0xE0 && lead <= 0xEF ? 3
+                           : lead >= 0xF0 && lead <= 0xF4 ? 4
+                                                          : 0;
+  if (size > text.size() - at) {
+    return 0;
+  }
+  for (std::size_t i = 1; i < size; ++i) {
+    // Letters that have shorter forms, halves of two, and what lies behind the last.
+    const unsigned least = i > 1 ? 0x80 : lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
+    const unsigned most = i > 1 ? 0xBF : lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
+    if (byte(i) < least || byte(i) > most) {
+      return 0;
     }
   }
-  return std::string_view::npos;
+  return size;
 }
 
-// The first place behind a backslash that ends a line where a text goes on.
-std::size_t GoOn(std::string_view text, std::size_t at) {
-  return std::min(text.find_first_not_of(" \t\r\n", at), text.size());
-}
+// Stands before two digits for a byte that the library does not get: of a letter beyond ASCII, or
+// itself.
+constexpr char kMark = '`';
 
-// Where a letter beyond ASCII stands in a long string's place for blanks: first on a line, if a
-// backslash ends the one before. npos if there is none.
-std::size_t LetterForBlanks(std::string_view text, std::size_t from, std::size_t end) {
-  for (std::size_t at = text.find('\\', from); at < end; at = text.find('\\', at)) {
-    const std::size_t next = GoOn(text, at + 1);
-    const std::string_view blanks = text.substr(at + 1, next - at - 1);
-    if (blanks.find('\n') != std::string_view::npos && next < end && IsBeyondAscii(text[next])) {
-      return next;
-    }
-    at += 2;
-  }
-  return std::string_view::npos;
-}
-
-// A name or a value without quotes from its first character: to what may stand behind it. Quotes in
-// it open nothing.
-std::size_t EndOfWord(std::string_view text, std::size_t at) {
-  constexpr std::string_view kBehind = " \t\r\n=,[]{}#";
-  return std::min(text.find_first_of(kBehind, at), text.size());
-}
-
-// Asked whether such a letter is a blank, the library does what C++ leaves undefined. TOML has none
-// outside of strings and comments, but for a mark at its beginning; npos if there is none.
-std::size_t FindLetterForBlanks(std::string_view text) {
+// Asked whether a letter beyond ASCII is a blank, the library does what C++ leaves undefined, and
+// it asks in many places. So it gets none.
+std::string ToMarks(const std::string& file, std::string_view text) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string marked;
+  int line = 1;
   for (std::size_t at = text.starts_with("\xEF\xBB\xBF") ? 3 : 0; at < text.size();) {
-    const bool stepsOver = text[at] == '#' || text[at] == '"' || text[at] == '\'';
-    const std::size_t end = std::min(
-        stepsOver ? StepOver(text, at) : std::max(EndOfWord(text, at), at + 1), text.size());
-    const std::size_t found = !stepsOver ? FindBeyondAscii(text, at, end)
-                              : text.substr(at).starts_with("\"\"\"")
-                                  ? LetterForBlanks(text, at, end)
-                                  : std::string_view::npos;
-    if (found < end) {
-      return found;
+    const std::size_t size = LetterSize(text, at);
+    const std::string place = file + ":" + std::to_string(line) + kUnreadable;
+    if (size == 0) {
+      throw UsageError(place + "not UTF-8");
     }
-    at = end;
+    // Those that the library itself makes would be taken for ours.
+    const std::string_view rest = text.substr(at);
+    if (rest.starts_with("\\u0060") || rest.starts_with("\\U00000060")) {
+      throw UsageError(place + "` must be written as itself");
+    }
+    for (const std::size_t end = at + size; at < end; ++at) {
+      const auto byte = static_cast<unsigned char>(text[at]);
+      if (byte < 0x80 && byte != kMark) {
+        marked += text[at];
+      } else {
+        marked += {kMark, kDigits[byte / 16], kDigits[byte % 16]};
+      }
+    }
+    line += text[at - 1] == '\n' ? 1 : 0;
   }
-  return std::string_view::npos;
+  return marked;
+}
+
+std::string FromMarks(std::string_view marked) {
+  const auto digit = [](char c) { return c <= '9' ? c - '0' : c - 'A' + 10; };
+  std::string text;
+  for (std::size_t at = 0; at < marked.size(); ++at) {
+    if (marked[at] == kMark && at + 2 < marked.size()) {
+      text += static_cast<char>(digit(marked[at + 1]) * 16 + digit(marked[at + 2]));
+      at += 2;
+    } else {
+      text += marked[at];
+    }
+  }
+  return text;
 }
 
 std::string Place(const std::string& file, const toml::source_region& region) {
@@ -112,9 +126,9 @@ std::string Place(const std::string& file, const toml::source_region& region) {
 }
 
 ParameterEntry Entry(const std::string& file, std::string_view name, const toml::node& node) {
-  ParameterEntry entry{Place(file, node.source()) + ": ", std::string(name), {}};
+  ParameterEntry entry{Place(file, node.source()) + ": ", FromMarks(name), {}};
   if (const auto text = node.value_exact<std::string>()) {
-    entry.text = *text;
+    entry.text = FromMarks(*text);
   } else if (const auto on = node.value_exact<bool>()) {
     entry.text = *on ? "on" : "off";
   } else if (const auto whole = node.value_exact<std::int64_t>()) {
@@ -123,7 +137,7 @@ ParameterEntry Entry(const std::string& file, std::string_view name, const toml:
   } else if (const auto number = node.value_exact<double>()) {
     entry.text = Shortest(*number);
   } else {
-    throw UsageError(entry.place + OneLine(name) + kAllowedValues);
+    throw UsageError(entry.place + OneLine(entry.name) + kAllowedValues);
   }
   return entry;
 }
@@ -134,20 +148,15 @@ std::vector<ParameterEntry> TomlEntries(const std::string& file, std::string_vie
   if (HasDotsWithoutEnd(text)) {
     throw UsageError(file + kUnreadable + "its names have dots without end");
   }
-  if (const std::size_t at = FindLetterForBlanks(text); at < text.size()) {
-    const auto line =
-        1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), '\n');
-    throw Failure(file + ":" + std::to_string(line) + kUnreadable +
-                  "a letter beyond ASCII where none may stand");
-  }
   try {
     std::vector<ParameterEntry> entries;
-    for (const auto& [name, node] : toml::parse(text, std::string_view(file))) {
+    for (const auto& [name, node] : toml::parse(ToMarks(file, text), std::string_view(file))) {
       entries.push_back(Entry(file, name.str(), node));
     }
     return entries;
   } catch (const toml::parse_error& fault) {
-    throw UsageError(Place(file, fault.source()) + kUnreadable + OneLine(fault.description()));
+    throw UsageError(Place(file, fault.source()) + kUnreadable +
+                     OneLine(FromMarks(fault.description())));
   }
 }
 
