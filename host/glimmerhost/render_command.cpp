@@ -23,6 +23,9 @@ void RenderShot(const Page& page, RenderPlan plan, ShotReport* report) {
   if (!plan.manifest.empty()) {
     plan.settings.versions = {{"glimmerhost", GLIMMERHOST_VERSION},
                               {"module", FileHash(plan.module.file)}};
+    if (plan.shot.span.IsKnown()) {
+      plan.settings.shot = ShowSpan(plan.shot.span);
+    }
     manifest.emplace(plan.manifest, plan.settings.skipExisting, plan.settings.overwrite);
   }
   ShotRender(page, plan.settings, plan.shot, module, manifest ? &*manifest : nullptr).Run(report);

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "host/farm/chunk_manifests.h"
 #include "host/farm/chunk_report.h"
 #include "host/farm/farm_engine.h"
 #include "host/farm/farm_job.h"
@@ -299,6 +300,9 @@ int Submit(const Page& page, const SubmitOptions& options, const RenderPlan& pla
     return kExitDone;
   }
   SaveLook(page, plan);
+  if (plan.settings.skipExisting) {
+    CarryManifests(job);
+  }
   // Numbers of jobs are no progress.
   std::ostream nowhere(nullptr);
   return engine->Run(job, options.quiet && IsLocal(options) ? nowhere : out);

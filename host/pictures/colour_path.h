@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "host/pictures/picture.h"
@@ -26,6 +27,7 @@ struct ColourPath {
   std::shared_ptr<const ColourTransform> in;   // null for files that are in that space
   std::shared_ptr<const ColourTransform> out;  // likewise
   bool sameSpace = false;  // outputs are in the inputs' space, which may be another
+  std::string identity{};  // another wherever a colour may come out otherwise
 };
 
 // Transforms pixels of red, green, blue and, if there are four channels, alpha. A transform is

@@ -71,10 +71,14 @@ PictureOutput::PictureOutput(fs::path file, bool overwrite)
 }
 
 void PictureOutput::Write(const Picture& picture, const Coding& coding,
-                          std::vector<NotCarried>* lost) {
+                          std::vector<NotCarried>* lost,
+                          const std::function<void(const fs::path&)>& finished) {
   try {
     TemporaryFile part(file_);
     WriteFormat({part.Path(), file_.filename().string()}, format_, picture, coding, lost);
+    if (finished) {
+      finished(part.Path());
+    }
     part.MoveIn(overwrite_);
   } catch (const Failure& fault) {
     throw Failure(file_.string() + ": cannot be written: " + fault.what());

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -42,11 +43,13 @@ class PictureOutput {
   const OutputFormat& Format() const { return format_; }
 
   // Writes the picture with its metadata and moves the file in. It is on the disk then.
-  //   coding  one that SettleCoding gave for the format
-  //   lost    receives what of the metadata is not in the file; null if nobody asks
+  //   coding    one that SettleCoding gave for the format
+  //   lost      receives what of the metadata is not in the file; null if nobody asks
+  //   finished  is called with the finished file before it is moved in; what it throws, this throws
   // Throws Failure, which names the file. Nothing is left of it then, and a file that was there
   // is as it was.
-  void Write(const Picture& picture, const Coding& coding, std::vector<NotCarried>* lost = nullptr);
+  void Write(const Picture& picture, const Coding& coding, std::vector<NotCarried>* lost = nullptr,
+             const std::function<void(const std::filesystem::path&)>& finished = {});
 
  private:
   std::filesystem::path file_;

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "host/support/failure.h"
+#include "host/support/text.h"
 
 namespace glimmerhost {
 namespace {
@@ -44,6 +45,18 @@ RangeMapping RangeMapping::Parse(const std::string& text) {
     Refuse(text);
   }
   return range;
+}
+
+std::string RangeMapping::Text() const {
+  switch (curve_) {
+    case Curve::kScale:
+      return "scale:" + Shortest(double{max_});
+    case Curve::kLog:
+      return "log:" + Shortest(double{max_});
+    case Curve::kPlain:
+      break;
+  }
+  return "clip";
 }
 
 float RangeMapping::ToUnit(float value) const {

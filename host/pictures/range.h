@@ -18,6 +18,9 @@ class RangeMapping {
   // Throws UsageError, which names --range.
   static RangeMapping Parse(const std::string& text);
 
+  // The text that reads back as the same.
+  std::string Text() const;
+
   // Whether values come through as they are.
   bool IsPlain() const { return curve_ == Curve::kPlain; }
 

@@ -10,14 +10,18 @@
 #include <cstddef>
 #include <exception>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "host/module/frame_renderer.h"
 #include "host/pictures/picture.h"
 #include "host/pictures/picture_file.h"
 #include "host/pictures/read_report.h"
 #include "host/render/shot_report.h"
+#include "host/shots/file_hash.h"
+#include "host/shots/frame_claim.h"
 #include "host/shots/shot_plan.h"
 #include "host/support/channel.h"
 
@@ -34,8 +38,14 @@ struct FrameWork {
   double mix = 1.0;                     // how much of the result is seen
   std::shared_ptr<const Picture> mask;  // where it is, besides; null for everywhere
   ReadReport found;
-  std::string inputHash;  // empty where nobody asks for it
-  bool isLast = false;    // nothing can be read after it
+  std::unique_ptr<FrameClaim> claim;  // for as long as it is in work; null where nobody shares
+  bool isElsewhere = false;           // in another program's work
+  bool isLast = false;                // nothing can be read after it
+
+  // For a manifest's line; empty where none is kept.
+  std::map<std::string, FileState> sources;
+  std::string digest;
+  std::pair<int, int> readSize;  // of the picture as it was read
 
   // The renderer's.
   quantel::cPtr<FrameImage> result;

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/loader.h"
 
+#include <chrono>
+#include <thread>
 #include <variant>
 
 #include "host/looks/keys.h"
 #include "host/module/frame_checks.h"
 #include "host/module/second_clip.h"
 #include "host/pictures/alpha.h"
+#include "host/render/frame_digest.h"
 #include "host/shots/file_hash.h"
 #include "host/shots/steady_file.h"
 #include "host/support/failure.h"
@@ -25,32 +28,70 @@ std::string SizeOf(const Picture& picture) {
 }  // namespace
 
 Loader::Loader(const Page& page, const ShotSettings& settings, const ShotPlan& plan,
-               const lx::Footprint& engine, bool hashed, PamReader* pipe)
+               const lx::Footprint& engine, Manifest* manifest, PamReader* pipe)
     : page_(page),
       settings_(settings),
       plan_(plan),
       engine_(engine),
-      hashed_(hashed),
+      manifest_(manifest),
+      earlier_(settings, engine, manifest,
+               [this](int frame, int width, int height) {
+                 return DecidingValues(frame, width, height);
+               }),
       pipe_(pipe) {}
 
 void Loader::Run(FrameChannel* loaded) {
   const ClosedAtEnd end(nullptr, loaded);
+  if (RunList(loaded)) {
+    RunAside(loaded);
+  }
+}
+
+// False if no frame is wanted any more.
+bool Loader::RunList(FrameChannel* loaded) {
   for (std::size_t place = 0;; ++place) {
     const std::optional<FrameFiles> files = FilesAt(place);
     if (!files) {
-      return;
+      return true;
     }
-    auto work = std::make_unique<FrameWork>();
-    work->files = *files;
-    work->report.frame = files->frame;
-    work->report.output = files->output.string();
+    std::unique_ptr<FrameWork> work = WorkOf(*files);
+    // A picture of the pipe cannot be put aside: those behind it could not be read.
+    const Elsewhere elsewhere = files->input == kPipe ? Elsewhere::kWaitFor : Elsewhere::kPutAside;
     bool isFrame = true;
-    DoPart(work.get(), [&] { isFrame = Load(work.get()); });
+    DoPart(work.get(), [&] { isFrame = Load(work.get(), elsewhere, loaded); });
+    if (!isFrame) {
+      return true;
+    }
+    if (work->isElsewhere) {
+      aside_.push_back(*files);
+      continue;
+    }
     const bool isLast = IsLastFrame(*work, settings_.keepGoing);
-    if (!isFrame || !loaded->Put(std::move(work)) || isLast) {
+    if (!loaded->Put(std::move(work)) || isLast) {
+      return false;
+    }
+  }
+}
+
+// The other program's own frames go on meanwhile, and so do those before these: neither program can
+// wait for the other for ever.
+void Loader::RunAside(FrameChannel* loaded) {
+  for (const FrameFiles& files : aside_) {
+    std::unique_ptr<FrameWork> work = WorkOf(files);
+    DoPart(work.get(), [&] { Load(work.get(), Elsewhere::kWaitFor, loaded); });
+    const bool isLast = IsLastFrame(*work, settings_.keepGoing);
+    if (work->isElsewhere || !loaded->Put(std::move(work)) || isLast) {
       return;
     }
   }
+}
+
+std::unique_ptr<FrameWork> Loader::WorkOf(const FrameFiles& files) {
+  auto work = std::make_unique<FrameWork>();
+  work->files = files;
+  work->report.frame = files.frame;
+  work->report.output = files.output.string();
+  return work;
 }
 
 bool Loader::LeavesPictures() {
@@ -65,22 +106,62 @@ std::optional<FrameFiles> Loader::FilesAt(std::size_t place) const {
 }
 
 // False where a pipe without a list of frames has come to its end.
-bool Loader::Load(FrameWork* work) {
+bool Loader::Load(FrameWork* work, Elsewhere elsewhere, FrameChannel* loaded) {
   CheckInShot(plan_, work->files.frame);
   // Before anything is skipped: a picture of the pipe stands between this frame and the next.
   if (work->files.input == kPipe && !TakeFromPipe(work)) {
     return false;
   }
-  if (settings_.skipExisting && OutputExists(work->files)) {
-    work->report.state = FrameState::kSkipped;
+  if (work->files.output != kPipe && !IsToRender(work, elsewhere, loaded)) {
     return true;
-  }
-  if (work->files.output != kPipe) {
-    work->output = std::make_unique<PictureOutput>(work->files.output, settings_.overwrite);
   }
   TakePicture(work);
   SettleInput(work);
   return true;
+}
+
+// False for a frame that is skipped or elsewhere. The frame is looked at before it is claimed, so
+// that a run that has nothing to do writes nothing; and after, as another program may have done it.
+bool Loader::IsToRender(FrameWork* work, Elsewhere elsewhere, FrameChannel* loaded) {
+  EarlierFrame found = EarlierFrame::kNone;
+  if (settings_.skipExisting) {
+    if (IsThere(*work, &found)) {
+      work->report.state = FrameState::kSkipped;
+      FrameClaim::RemoveLeftover(work->files.output);
+      return false;
+    }
+    // What makes every claim vain. A file that appears meanwhile may be another program's.
+    PictureOutput(work->files.output, true);
+    while (!(work->claim = FrameClaim::Try(work->files.output))) {
+      work->isElsewhere = elsewhere == Elsewhere::kPutAside || loaded->IsClosed();
+      if (work->isElsewhere) {
+        return false;
+      }
+      constexpr std::chrono::milliseconds kPause{50};
+      std::this_thread::sleep_for(kPause);
+    }
+    if (IsThere(*work, &found)) {
+      work->claim = nullptr;
+      work->report.state = FrameState::kSkipped;
+      return false;
+    }
+  }
+  work->output = std::make_unique<PictureOutput>(
+      work->files.output, settings_.overwrite || found == EarlierFrame::kStale);
+  return true;
+}
+
+// Whether the frame needs no work. Throws Failure for an output that nobody knows and that may not
+// be replaced.
+bool Loader::IsThere(const FrameWork& work, EarlierFrame* found) const {
+  const auto fromPipe = work.sources.find(kInputSource);
+  *found =
+      earlier_.Find(work.files, fromPipe == work.sources.end() ? FileState() : fromPipe->second);
+  if (*found == EarlierFrame::kUnknown && !settings_.overwrite) {
+    throw Failure(work.files.output.string() + ": exists already, and no line of " +
+                  manifest_->File().string() + " tells of it; --overwrite replaces it");
+  }
+  return *found == EarlierFrame::kCurrent;
 }
 
 bool Loader::TakeFromPipe(FrameWork* work) {
@@ -99,20 +180,27 @@ bool Loader::TakeFromPipe(FrameWork* work) {
   ++taken_;
   work->isLast = false;
   work->picture = std::move(*picture);
+  if (manifest_ != nullptr) {
+    const Picture& taken = work->picture;
+    work->sources[kInputSource].hash =
+        TextHash(SamplesHash(taken.samples) + " " + std::to_string(taken.width) + "x" +
+                 std::to_string(taken.height));
+  }
   return true;
 }
 
 void Loader::TakePicture(FrameWork* work) {
   const fs::path& file = work->files.input;
   if (file == kPipe) {
-    work->inputHash = hashed_ ? SamplesHash(work->picture.samples) : "";
     return;
   }
   ReadOptions options = settings_.reading;
   options.keptFor = work->output ? KeptFor(work->output->Format()) : kNoFormat;
   ReadSteadily(file, [&] {
     work->picture = ReadPicture(file, options, &work->found);
-    work->inputHash = hashed_ ? FileHash(file) : "";
+    if (manifest_ != nullptr) {
+      work->sources[kInputSource] = StateOfFile(file);
+    }
   });
   work->report.remarks = work->found.lines;
   work->report.notCarried = work->found.notCarried;
@@ -122,13 +210,15 @@ void Loader::SettleInput(FrameWork* work) {
   Picture& picture = work->picture;
   FrameInput& input = work->input;
   input.frame = work->files.frame;
-  const KeyframedValues& values = ValuesFor(picture);
+  const KeyframedValues& values = ValuesFor(picture.width, picture.height);
+  work->readSize = {picture.width, picture.height};
   input.values = values.At(work->files.frame);
   work->mix = values.MixAt(work->files.frame);
   input.pixelAspect =
       settings_.pixelAspect.first == 0 ? picture.pixelAspect : settings_.pixelAspect;
   input.spread = SpreadOf(work);
   work->mask = MaskOf(work);
+  NoteSources(work);
   WarnOfNoise(work);
   WarnOfRange(work);
   work->alphaBefore = picture.alpha;
@@ -157,22 +247,54 @@ void Loader::WarnOfRange(FrameWork* work) {
   }
 }
 
-const KeyframedValues& Loader::ValuesFor(const Picture& picture) {
-  const std::pair<int, int> size{picture.width, picture.height};
+const KeyframedValues& Loader::ValuesFor(int width, int height) {
+  const std::pair<int, int> size{width, height};
   if (!values_ || valuesSize_ != size) {
-    values_ = std::make_unique<KeyframedValues>(page_, settings_.layers, picture.width,
-                                                picture.height, plan_.span);
+    values_ = std::make_unique<KeyframedValues>(page_, settings_.layers, width, height, plan_.span);
     valuesSize_ = size;
   }
   return *values_;
+}
+
+std::map<std::string, Value> Loader::DecidingValues(int frame, int width, int height) {
+  const KeyframedValues& values = ValuesFor(width, height);
+  std::map<std::string, Value> all = values.At(frame);
+  all[kMix] = values.MixAt(frame);
+  return all;
+}
+
+// The states of spread and mask are those of when they were opened: a still is read once for all
+// frames.
+void Loader::NoteSources(FrameWork* work) {
+  if (manifest_ == nullptr) {
+    return;
+  }
+  const auto [width, height] = work->readSize;
+  const auto values = DecidingValues(work->files.frame, width, height);
+  for (const auto& [name, file] : SourceFiles(work->files, values)) {
+    if (name != kInputSource) {
+      work->sources[name] = name == kSpreadSource ? spreadState_ : maskState_;
+    }
+  }
+  work->digest = FrameDigest(WhatDecides(settings_, engine_, work->files, values, work->sources));
 }
 
 quantel::cPtr<FrameImage> Loader::SpreadOf(FrameWork* work) {
   const fs::path& file = work->files.spread;
   const std::pair<int, int> size{work->picture.width, work->picture.height};
   if (!spread_ || file != spreadFile_ || size != spreadSize_) {
-    spread_ =
-        OpenSpread(file, size.first, size.second, settings_.premultiplied, &work->report.remarks);
+    const auto open = [&] {
+      spread_ =
+          OpenSpread(file, size.first, size.second, settings_.premultiplied, &work->report.remarks);
+    };
+    if (manifest_ != nullptr && !file.empty()) {
+      ReadSteadily(file, [&] {
+        open();
+        spreadState_ = StateOfFile(file);
+      });
+    } else {
+      open();
+    }
     spreadFile_ = file;
     spreadSize_ = size;
   }
@@ -187,7 +309,12 @@ std::shared_ptr<const Picture> Loader::MaskOf(FrameWork* work) {
   if (!mask_ || file != maskFile_) {
     mask_ = nullptr;
     std::string warning;
-    mask_ = std::make_shared<const Picture>(ReadPicture(file, &warning));
+    ReadSteadily(file, [&] {
+      mask_ = std::make_shared<const Picture>(ReadPicture(file, &warning));
+      if (manifest_ != nullptr) {
+        maskState_ = StateOfFile(file);
+      }
+    });
     maskFile_ = file;
     if (!warning.empty()) {
       work->report.remarks.push_back(warning);

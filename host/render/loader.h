@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "fftlib/backends/footprint.h"
 #include "host/looks/keyframed_values.h"
@@ -16,23 +17,31 @@
 #include "host/module/border_pictures.h"
 #include "host/pictures/pam_stream.h"
 #include "host/pictures/picture.h"
+#include "host/render/earlier_frames.h"
 #include "host/render/frame_work.h"
 #include "host/render/shot_settings.h"
+#include "host/shots/file_hash.h"
+#include "host/shots/manifest.h"
 #include "host/shots/shot_plan.h"
 
 namespace glimmerhost {
 
 // The values of the store and the frame of the second clip are its own: it keeps both for as long
-// as pictures have one size. What can be refused before there is a picture is refused here, so
+// as pictures have one size.
+//
+// Where existing frames are skipped, programs share a shot: each claims a frame before it reads it.
+// A frame that another program has in work is put aside, and comes after all others.
+//
+// What can be refused before there is a picture is refused here, so
 // that the effect does not work for an output that cannot be written.
 class Loader {
  public:
   // All must outlive it.
   //   engine  of the module that will render
-  //   hashed  whether inputs are hashed, for a manifest
+  //   manifest  null where none is kept
   //   pipe    pictures of frames whose input is kPipe
   Loader(const Page& page, const ShotSettings& settings, const ShotPlan& plan,
-         const lx::Footprint& engine, bool hashed, PamReader* pipe);
+         const lx::Footprint& engine, Manifest* manifest, PamReader* pipe);
 
   // Puts the plan's frames, until one is the last or nobody takes them, and closes the channel.
   // The loop of a thread, called once.
@@ -45,23 +54,36 @@ class Loader {
 
  private:
   std::optional<FrameFiles> FilesAt(std::size_t place) const;
-  bool Load(FrameWork* work);
+  // What becomes of a frame that another program has in work.
+  enum class Elsewhere { kPutAside, kWaitFor };
+
+  bool RunList(FrameChannel* loaded);
+  void RunAside(FrameChannel* loaded);
+  static std::unique_ptr<FrameWork> WorkOf(const FrameFiles& files);
+  bool Load(FrameWork* work, Elsewhere elsewhere, FrameChannel* loaded);
+  bool IsToRender(FrameWork* work, Elsewhere elsewhere, FrameChannel* loaded);
+  bool IsThere(const FrameWork& work, EarlierFrame* found) const;
   bool TakeFromPipe(FrameWork* work);
   void TakePicture(FrameWork* work);
   void SettleInput(FrameWork* work);
   void WarnOfNoise(FrameWork* work);
   void WarnOfRange(FrameWork* work);
-  const KeyframedValues& ValuesFor(const Picture& picture);
+  const KeyframedValues& ValuesFor(int width, int height);
+  // With those that the store does not have.
+  std::map<std::string, Value> DecidingValues(int frame, int width, int height);
   quantel::cPtr<FrameImage> SpreadOf(FrameWork* work);
   std::shared_ptr<const Picture> MaskOf(FrameWork* work);
+  void NoteSources(FrameWork* work);
 
   const Page& page_;
   const ShotSettings& settings_;
   const ShotPlan& plan_;
   const lx::Footprint& engine_;
-  bool hashed_;
+  Manifest* manifest_;
+  EarlierFrames earlier_;
   PamReader* pipe_;
-  std::size_t taken_ = 0;  // pictures of the pipe
+  std::size_t taken_ = 0;          // pictures of the pipe
+  std::vector<FrameFiles> aside_;  // in the order of the plan
 
   // Values for pictures of one size, and a still for all frames.
   std::unique_ptr<KeyframedValues> values_;
@@ -69,8 +91,10 @@ class Loader {
   std::filesystem::path spreadFile_;
   std::pair<int, int> spreadSize_;
   quantel::cPtr<FrameImage> spread_;
+  FileState spreadState_;
   std::filesystem::path maskFile_;
   std::shared_ptr<const Picture> mask_;
+  FileState maskState_;
   bool warnedOfNoise_ = false;
   bool warnedOfRange_ = false;
 };

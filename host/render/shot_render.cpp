@@ -6,6 +6,7 @@
 
 #include "host/render/frame_work.h"
 #include "host/render/writer.h"
+#include "host/support/text.h"
 
 namespace glimmerhost {
 
@@ -16,7 +17,7 @@ ShotRender::ShotRender(const Page& page, const ShotSettings& settings, const Sho
       engine_(module.Engine()),
       manifest_(manifest),
       pipe_(stdin, "standard input"),
-      loader_(page, settings, plan, engine_, manifest != nullptr, &pipe_),
+      loader_(page, settings, plan, engine_, manifest, &pipe_),
       renderer_(module, settings) {}
 
 void ShotRender::Run(ShotReport* report) {
@@ -30,6 +31,11 @@ void ShotRender::Run(ShotReport* report) {
   renderer_.Run(&loaded, &rendered);
   loading.get();
   writing.get();
+  if (const std::size_t skipped = report->Count(FrameState::kSkipped);
+      skipped > 0 && manifest_ == nullptr) {
+    report->Remark(Counted(skipped, "frame") + (skipped == 1 ? " was" : " were") +
+                   " there already; without --manifest nothing is known of how");
+  }
   // Not before all is written: whoever fills the pipe may keep it open, and wait for that.
   if (loader_.LeavesPictures()) {
     report->Remark(pipe_.Name() + " holds more pictures than were asked for");

@@ -25,6 +25,7 @@ struct ShotSettings {
   bool keepGoing = false;
   bool carryPsf = false;
   std::map<std::string, std::string> versions;  // for the manifest
+  std::string shot;                             // likewise: its frames, where times count in them
 };
 
 }  // namespace glimmerhost

@@ -5,12 +5,14 @@
 #include <exception>
 #include <memory>
 #include <optional>
+#include <tuple>
 #include <utility>
 #include <vector>
 
 #include "host/module/frame_checks.h"
 #include "host/pictures/alpha.h"
 #include "host/pictures/pam_stream.h"
+#include "host/render/frame_digest.h"
 #include "host/render/mix.h"
 #include "host/shots/file_hash.h"
 #include "host/support/failure.h"
@@ -36,7 +38,11 @@ void Writer::Run(FrameChannel* rendered) {
   const ClosedAtEnd end(rendered, nullptr);
   while (const std::optional<std::unique_ptr<FrameWork>> taken = rendered->Take()) {
     FrameWork& work = **taken;
-    DoPart(&work, [&] { Finish(&work); });
+    DoPart(&work, [&] {
+      if (work.report.state == FrameState::kDone) {
+        Write(&work);
+      }
+    });
     if (work.usage) {
       std::rethrow_exception(work.usage);
     }
@@ -44,16 +50,6 @@ void Writer::Run(FrameChannel* rendered) {
     if (IsLastFrame(work, settings_.keepGoing)) {
       return;
     }
-  }
-}
-
-void Writer::Finish(FrameWork* work) const {
-  if (work->report.state == FrameState::kDone) {
-    Write(work);
-  }
-  // Not instead: while it was to be written, another program may have made the file.
-  if (work->report.state == FrameState::kSkipped) {
-    NoteFound(*work);
   }
 }
 
@@ -77,21 +73,23 @@ void Writer::Write(FrameWork* work) const {
     WritePam(picture, pipe_, "standard output");
   } else if (!WriteFile(work)) {
     work->report.state = FrameState::kSkipped;
-    return;
-  }
-  if (manifest_ != nullptr) {
-    Note(*work);
   }
 }
 
-// False if another program has made the file since it was looked for, and existing files are
-// skipped.
+// False if a program that claims no frames has made the file since it was looked for, and what
+// exists is skipped whoever made it.
 bool Writer::WriteFile(FrameWork* work) const {
   const Picture& picture = work->picture;
   try {
-    work->output->Write(picture, settings_.coding, &work->report.notCarried);
+    work->output->Write(picture, settings_.coding, &work->report.notCarried,
+                        [&](const std::filesystem::path& finished) {
+                          if (manifest_ != nullptr) {
+                            Note(*work, finished);
+                          }
+                        });
   } catch (const Failure&) {
-    if (!settings_.skipExisting || settings_.overwrite || !OutputExists(work->files)) {
+    if (!settings_.skipExisting || settings_.overwrite || manifest_ != nullptr ||
+        !OutputExists(work->files)) {
       throw;
     }
     return false;
@@ -99,33 +97,30 @@ bool Writer::WriteFile(FrameWork* work) const {
   return true;
 }
 
-void Writer::Note(const FrameWork& work) const {
+// Before the file goes to its place: however the program is killed, a line tells of every output
+// that is there.
+void Writer::Note(const FrameWork& work, const std::filesystem::path& finished) const {
   ManifestEntry entry;
   entry.frame = work.files.frame;
   entry.input = work.files.input.string();
-  entry.inputHash = work.inputHash;
   entry.output = work.files.output.string();
-  entry.outputHash = FileHash(work.files.output);
+  entry.outputHash = FileHash(finished);
   for (const auto& [key, value] : work.input.values) {
     entry.parameters[key] = page_.Find(key).Show(value);
   }
   entry.engine = engine_.name;
+  entry.shot = settings_.shot;
   entry.versions = settings_.versions;
   entry.seconds = work.report.seconds;
   entry.clippedSamples = work.found.cut + work.found.infinite;
   entry.notNumbers = work.found.notNumbers;
-  manifest_->Add(entry);
-}
-
-// A run may have been killed between an output and its line, or had no manifest.
-void Writer::NoteFound(const FrameWork& work) const {
-  if (manifest_ != nullptr && !manifest_->Has(work.files.frame)) {
-    ManifestEntry entry;
-    entry.frame = work.files.frame;
-    entry.output = work.files.output.string();
-    entry.outputHash = FileHash(work.files.output);
-    manifest_->Add(entry);
+  entry.sources = work.sources;
+  if (const auto input = work.sources.find(kInputSource); input != work.sources.end()) {
+    entry.inputHash = input->second.hash;
   }
+  entry.digest = work.digest;
+  std::tie(entry.width, entry.height) = work.readSize;
+  manifest_->Add(entry);
 }
 
 }  // namespace glimmerhost

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdio>
+#include <filesystem>
 
 #include "fftlib/backends/footprint.h"
 #include "host/looks/page.h"
@@ -13,8 +14,8 @@
 
 namespace glimmerhost {
 
-// Manifest and report are its own while it runs, as every output is: nobody else writes a file of
-// the shot.
+// The report is its own while it runs, as every output is: no other thread writes a file of the
+// shot.
 class Writer {
  public:
   // All must outlive it.
@@ -30,11 +31,9 @@ class Writer {
   void Run(FrameChannel* rendered);
 
  private:
-  void Finish(FrameWork* work) const;
   void Write(FrameWork* work) const;
   bool WriteFile(FrameWork* work) const;
-  void Note(const FrameWork& work) const;
-  void NoteFound(const FrameWork& work) const;
+  void Note(const FrameWork& work, const std::filesystem::path& finished) const;
 
   const Page& page_;
   const ShotSettings& settings_;

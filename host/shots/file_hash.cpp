@@ -34,6 +34,19 @@ std::string SamplesHash(const std::vector<std::uint16_t>& samples) {
   return Show(XXH3_128bits(samples.data(), samples.size() * sizeof samples[0]));
 }
 
+std::string TextHash(std::string_view text) { return Show(XXH3_128bits(text.data(), text.size())); }
+
+FileState StateOfFile(const std::filesystem::path& file, const FileState& known) {
+  std::error_code error;
+  FileState state;
+  state.size = std::filesystem::file_size(file, error);
+  state.time = std::filesystem::last_write_time(file, error).time_since_epoch().count();
+  const bool isKnown =
+      !error && !known.hash.empty() && known.size == state.size && known.time == state.time;
+  state.hash = isKnown ? known.hash : FileHash(file);
+  return state;
+}
+
 std::string FileHash(const std::filesystem::path& file) {
   RequireFile(file);
   std::ifstream in(file, std::ios::binary);

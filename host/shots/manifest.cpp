@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <exception>
+#include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -20,18 +21,34 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+Json ToJson(const FileState& state) {
+  return {{"size", state.size}, {"time", state.time}, {"hash", state.hash}};
+}
+
 Json ToJson(const ManifestEntry& entry) {
-  return {{"frame", entry.frame},
-          {"input", entry.input},
-          {"input_hash", entry.inputHash},
-          {"output", entry.output},
-          {"output_hash", entry.outputHash},
-          {"parameters", entry.parameters},
-          {"engine", entry.engine},
-          {"versions", entry.versions},
-          {"seconds", entry.seconds},
-          {"clipped_samples", entry.clippedSamples},
-          {"not_numbers", entry.notNumbers}};
+  Json json = {{"frame", entry.frame},
+               {"input", entry.input},
+               {"input_hash", entry.inputHash},
+               {"output", entry.output},
+               {"output_hash", entry.outputHash},
+               {"parameters", entry.parameters},
+               {"engine", entry.engine},
+               {"versions", entry.versions},
+               {"seconds", entry.seconds},
+               {"clipped_samples", entry.clippedSamples},
+               {"not_numbers", entry.notNumbers}};
+  if (!entry.shot.empty()) {
+    json["shot"] = entry.shot;
+  }
+  if (!entry.digest.empty()) {
+    json["width"] = entry.width;
+    json["height"] = entry.height;
+    for (const auto& [name, state] : entry.sources) {
+      json["sources"][name] = ToJson(state);
+    }
+    json["digest"] = entry.digest;
+  }
+  return json;
 }
 
 ManifestEntry FromJson(const Json& json) {
@@ -47,6 +64,14 @@ ManifestEntry FromJson(const Json& json) {
   json.at("seconds").get_to(entry.seconds);
   json.at("clipped_samples").get_to(entry.clippedSamples);
   json.at("not_numbers").get_to(entry.notNumbers);
+  entry.shot = json.value("shot", "");
+  entry.digest = json.value("digest", "");
+  entry.width = json.value("width", 0);
+  entry.height = json.value("height", 0);
+  const Json sources = json.value("sources", Json::object());
+  for (const auto& [name, state] : sources.items()) {
+    entry.sources[name] = {state.at("size"), state.at("time"), state.at("hash")};
+  }
   return entry;
 }
 
@@ -56,14 +81,16 @@ bool IsBeginning(std::string_view text) {
   return text.starts_with(kFirst) || kFirst.starts_with(text);
 }
 
-std::map<int, ManifestEntry> ReadLines(const std::filesystem::path& file, std::istream* in) {
-  std::map<int, ManifestEntry> entries;
-  int number = 0;
-  for (std::string line; std::getline(*in, line);) {
+//   before  how many lines the file has before these
+std::vector<ManifestEntry> ReadLines(const std::filesystem::path& file, const std::string& text,
+                                     int before) {
+  std::vector<ManifestEntry> entries;
+  int number = before;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) {
     ++number;
     try {
-      ManifestEntry entry = FromJson(Json::parse(line));
-      entries[entry.frame] = std::move(entry);
+      entries.push_back(FromJson(Json::parse(line)));
     } catch (const Json::exception&) {
       throw Failure(file.string() + ":" + std::to_string(number) + ": not a line of a manifest");
     }
@@ -71,7 +98,26 @@ std::map<int, ManifestEntry> ReadLines(const std::filesystem::path& file, std::i
   return entries;
 }
 
+Failure CannotBeWritten(const std::filesystem::path& file) {
+  return Failure(file.string() + ": cannot be written");
+}
+
 }  // namespace
+
+// Where the file system has no locks, lines are still added at once, and at the end.
+class Manifest::Turn {
+ public:
+  explicit Turn(Manifest* manifest) : hold_(manifest->mutex_), file_(*manifest->out_) {
+    file_.Lock();
+  }
+  ~Turn() { file_.Unlock(); }
+  Turn(const Turn&) = delete;
+  Turn& operator=(const Turn&) = delete;
+
+ private:
+  std::lock_guard<std::mutex> hold_;
+  LockedFile& file_;
+};
 
 Manifest::Manifest(std::filesystem::path file, bool goOn, bool replace) : file_(std::move(file)) {
   std::error_code error;
@@ -79,47 +125,94 @@ Manifest::Manifest(std::filesystem::path file, bool goOn, bool replace) : file_(
     throw Failure(file_.string() +
                   ": exists already; --skip-existing goes on with it, --overwrite replaces it");
   }
-  if (goOn && std::filesystem::exists(file_, error)) {
-    GoOn();
-  }
-  out_.open(file_, std::ios::binary | (goOn ? std::ios::app : std::ios::trunc));
+  out_ = LockedFile::Open(file_, LockedFile::How::kGoThere, &error);
   if (!out_) {
-    throw Failure(file_.string() + ": cannot be written");
+    throw CannotBeWritten(file_);
+  }
+  const Turn turn(this);
+  if (goOn) {
+    CatchUp();
+  } else if (out_->IsRegular() && !out_->Truncate(0)) {
+    throw CannotBeWritten(file_);
   }
 }
 
-void Manifest::GoOn() {
-  std::ifstream in(file_, std::ios::binary);
-  const std::string text{std::istreambuf_iterator<char>(in), {}};
-  in.close();
+// Takes the lines that others have added. What a program left of a line when it was killed goes:
+// nobody else is adding one now.
+void Manifest::CatchUp() {
+  if (!out_->IsRegular() || out_->Size() == known_) {
+    return;
+  }
+  if (out_->Size() < known_) {
+    // Somebody has begun the file anew.
+    frames_.clear();
+    known_ = 0;
+    lines_ = 0;
+  }
+  std::string text;
+  if (!out_->Read(known_, &text)) {
+    throw Failure(file_.string() + ": cannot be read");
+  }
   const std::size_t whole = text.rfind('\n') + 1;  // 0 where there is none
   const bool isCut = whole < text.size() && IsBeginning(std::string_view(text).substr(whole));
-  std::istringstream lines(isCut ? text.substr(0, whole) : text);
-  for (const auto& [frame, entry] : ReadLines(file_, &lines)) {
-    frames_.insert(frame);
-  }
-  std::error_code error;
   if (isCut) {
-    std::filesystem::resize_file(file_, whole, error);
+    text.resize(whole);
   }
-  if (error) {
-    throw Failure(file_.string() + ": cannot be written: " + error.message());
+  const std::vector<ManifestEntry> entries = ReadLines(file_, text, lines_);
+  if (isCut && !out_->Truncate(known_ + whole)) {
+    throw CannotBeWritten(file_);
   }
+  for (const ManifestEntry& entry : entries) {
+    Take(entry);
+  }
+  known_ += text.size();
 }
 
-// A line at once, for readers that follow the file.
+void Manifest::Take(const ManifestEntry& entry) {
+  Lines& lines = frames_[entry.frame];
+  lines.outputHashes.insert(entry.outputHash);
+  lines.last = entry;
+  ++lines_;
+}
+
 void Manifest::Add(const ManifestEntry& entry) {
-  out_ << ToJson(entry).dump(-1, ' ', false, Json::error_handler_t::replace) + "\n" << std::flush;
-  if (!out_) {
-    throw Failure(file_.string() + ": cannot be written");
+  const std::string line =
+      ToJson(entry).dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+  const Turn turn(this);
+  CatchUp();
+  if (!out_->Append(line) || !out_->Sync()) {
+    throw CannotBeWritten(file_);
   }
-  frames_.insert(entry.frame);
+  known_ += line.size();
+  Take(entry);
+}
+
+std::optional<ManifestEntry> Manifest::Last(int frame) {
+  const Turn turn(this);
+  CatchUp();
+  const auto found = frames_.find(frame);
+  return found == frames_.end() ? std::nullopt : std::optional(found->second.last);
+}
+
+bool Manifest::Explains(int frame, const std::string& outputHash) {
+  const Turn turn(this);
+  CatchUp();
+  const auto found = frames_.find(frame);
+  return found != frames_.end() && found->second.outputHashes.contains(outputHash);
+}
+
+std::vector<ManifestEntry> ReadManifestLines(const std::filesystem::path& file) {
+  RequireFile(file);
+  std::ifstream in(file, std::ios::binary);
+  return ReadLines(file, {std::istreambuf_iterator<char>(in), {}}, 0);
 }
 
 std::map<int, ManifestEntry> ReadManifest(const std::filesystem::path& file) {
-  RequireFile(file);
-  std::ifstream in(file, std::ios::binary);
-  return ReadLines(file, &in);
+  std::map<int, ManifestEntry> entries;
+  for (ManifestEntry& entry : ReadManifestLines(file)) {
+    entries[entry.frame] = std::move(entry);
+  }
+  return entries;
 }
 
 bool IsAsWritten(const ManifestEntry& entry) {

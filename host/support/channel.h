@@ -42,6 +42,12 @@ class Channel {
     return thing;
   }
 
+  // Whether nothing that is put will be taken.
+  bool IsClosed() {
+    const std::lock_guard lock(mutex_);
+    return closed_;
+  }
+
   // For whoever puts: nothing more will come. What waits can still be taken.
   void Close() {
     const std::lock_guard lock(mutex_);

@@ -219,6 +219,14 @@ std::unique_lock<std::mutex> HoldTemporaryFiles() {
   return std::unique_lock<std::mutex>(TheRegistry().lock);
 }
 
+void RemoveAtEnd(const fs::path& file, const std::unique_lock<std::mutex>& /*hold*/) {
+  TheRegistry().files.insert(file);
+}
+
+void ForgetAtEnd(const fs::path& file, const std::unique_lock<std::mutex>& /*hold*/) {
+  TheRegistry().files.erase(file);
+}
+
 void AbandonTemporaryFiles() noexcept {
   Registry& registry = TheRegistry();
   registry.lock.lock();

@@ -49,6 +49,11 @@ class TemporaryFile {
 // one that is made after the list was cleared would stay. Not for work that takes long.
 [[nodiscard]] std::unique_lock<std::mutex> HoldTemporaryFiles();
 
+// Lists another file, which the program has made for the time of its work, and takes it off again.
+//   hold  what HoldTemporaryFiles gave: the file is made, or removed, under it
+void RemoveAtEnd(const std::filesystem::path& file, const std::unique_lock<std::mutex>& hold);
+void ForgetAtEnd(const std::filesystem::path& file, const std::unique_lock<std::mutex>& hold);
+
 // Removes every listed file. From then on whoever would make or move one waits for ever: only
 // for a program that ends at once.
 void AbandonTemporaryFiles() noexcept;

@@ -69,8 +69,8 @@ class Config final : public ColourConfig {
                       ", which the effect works in");
     }
     auto path = std::make_shared<ColourPath>();
-    path->in = Between(in, kWorking);
-    path->out = Between(kWorking, out);
+    path->in = Between(in, kWorking, &path->identity);
+    path->out = Between(kWorking, out, &path->identity);
     path->sameSpace = NameOf(in) == NameOf(out);
     return path;
   }
@@ -80,12 +80,18 @@ class Config final : public ColourConfig {
     return config_->getColorSpace(name.c_str())->getName();
   }
 
-  std::shared_ptr<const ColourTransform> Between(const std::string& from,
-                                                 const std::string& to) const {
+  std::shared_ptr<const ColourTransform> Between(const std::string& from, const std::string& to,
+                                                 std::string* identity) const {
     try {
       const ocio::ConstProcessorRcPtr processor = config_->getProcessor(from.c_str(), to.c_str());
-      return processor->isNoOp() ? nullptr
-                                 : std::make_shared<Transform>(processor->getDefaultCPUProcessor());
+      if (processor->isNoOp()) {
+        *identity += "/";
+        return nullptr;
+      }
+      const ocio::ConstCPUProcessorRcPtr onCpu = processor->getDefaultCPUProcessor();
+      // Made from all that the transform does, tables in files of their own included.
+      *identity += onCpu->getCacheID() + std::string("/");
+      return std::make_shared<Transform>(onCpu);
     } catch (const ocio::Exception& fault) {
       Fail(file_, fault.what());
     }

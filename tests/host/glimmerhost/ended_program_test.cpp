@@ -2,95 +2,30 @@
 // What is left of an output whose program was ended, or whose disk was full.
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <spawn.h>
-#include <sys/inotify.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <vector>
 
 #include "host/pictures/picture_file.h"
 #include "host/support/child_process.h"
 #include "host/support/failure.h"
 #include "host/support/temporary_file.h"
 #include "tests/host/glimmerhost/program.h"
+#include "tests/host/glimmerhost/running_program.h"
 
 namespace {
 
 namespace fs = std::filesystem;
+using host_test::FileWatch;
 using host_test::Picture;
 using host_test::Program;
+using host_test::RunningProgram;
 using host_test::RunProgram;
-
-// The program while it runs, with the signals that a test wants ignored from its start.
-class RunningProgram {
- public:
-  explicit RunningProgram(const std::string& arguments, const std::vector<int>& ignored = {}) {
-    std::vector<std::string> words = lx_test::SplitArguments(arguments);
-    words.insert(words.begin(), PROGRAM);
-    std::vector<char*> line;
-    for (std::string& word : words) {
-      line.push_back(word.data());
-    }
-    line.push_back(nullptr);
-    for (const int number : ignored) {
-      signal(number, SIG_IGN);  // a child keeps what is ignored
-    }
-    EXPECT_EQ(0, posix_spawn(&child_, PROGRAM, nullptr, nullptr, line.data(), environ));
-    for (const int number : ignored) {
-      signal(number, SIG_DFL);
-    }
-  }
-
-  void Send(int number) const { kill(child_, number); }
-
-  // Its exit code; minus the signal that killed it.
-  int Wait() const {
-    int status = 0;
-    EXPECT_EQ(child_, waitpid(child_, &status, 0));
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-  }
-
- private:
-  pid_t child_ = 0;
-};
-
-// Comes back when a file is made in a folder that was watched before.
-class FileWatch {
- public:
-  explicit FileWatch(const fs::path& folder) : events_(inotify_init1(IN_CLOEXEC)) {
-    EXPECT_LE(0, inotify_add_watch(events_, folder.c_str(), IN_CREATE));
-  }
-  ~FileWatch() { close(events_); }
-  FileWatch(const FileWatch&) = delete;
-  FileWatch& operator=(const FileWatch&) = delete;
-
-  //   ending  of its name
-  void WaitFor(const std::string& ending) const {
-    for (bool found = false; !found;) {
-      alignas(inotify_event) std::array<char, 4096> events{};
-      const ssize_t size = read(events_, events.data(), events.size());
-      ASSERT_LT(0, size);
-      for (ssize_t at = 0; at < size;) {
-        const auto* event = reinterpret_cast<const inotify_event*>(events.data() + at);
-        found |= event->len > 0 && std::string(event->name).ends_with(ending);
-        at += static_cast<ssize_t>(sizeof(inotify_event) + event->len);
-      }
-    }
-  }
-
-  void WaitForOne() const { WaitFor(""); }
-
- private:
-  int events_;
-};
 
 class EndedProgram : public Program {
  public:

@@ -11,6 +11,7 @@
 
 #include "host/looks/keyframed_values.h"
 #include "host/looks/presets.h"
+#include "host/shots/manifest.h"
 #include "tests/support/sanitizer.h"
 
 namespace {
@@ -337,17 +338,34 @@ TEST_F(ShotProgram, WritesAManifestThatCanBeChecked) {
   EXPECT_EQ(1, RunProgram(check).code);
 }
 
-TEST_F(ShotProgram, NotesAFrameThatStoodThereWithoutALine) {
+TEST_F(ShotProgram, RefusesAFrameThatStoodThereWithoutALine) {
   WriteShot(1, 2);
   ASSERT_EQ(0, RunProgram(Shot("out.@.png", "--radius 2px --frames 1")).code);
   const std::string file = "'" + (folder / "m.jsonl").string() + "' ";
-  ASSERT_EQ(0,
-            RunProgram(Shot("out.@.png", "--radius 2px --skip-existing --manifest " + file)).code);
+  const std::string resume = "--radius 2px --skip-existing --manifest " + file;
+  Outcome outcome = RunProgram(Shot("out.@.png", resume + "--keep-going"));
+  EXPECT_EQ(1, outcome.code);
+  EXPECT_NE(std::string::npos,
+            outcome.text.find("glimmerhost: frame 1: " + (folder / "out.1.png").string() +
+                              ": exists already, and no line of "))
+      << outcome.text;
+  EXPECT_TRUE(fs::exists(folder / "out.2.png"));
 
+  outcome = RunProgram(Shot("out.@.png", resume + "--overwrite"));
+  EXPECT_EQ(0, outcome.code) << outcome.text;
   EXPECT_EQ("2 frames are as they were written\n",
             RunProgram("check " + file + "--frames 1-2").text);
-  const std::string lines = Bytes(folder / "m.jsonl");
-  EXPECT_EQ(0U, lines.find(R"({"frame":1,"input":"","input_hash":"",)")) << lines;
+}
+
+TEST_F(ShotProgram, NotesTheShotThatItsTimesCountIn) {
+  WriteShot(1, 3);
+  const std::string file = (folder / "m.jsonl").string();
+  ASSERT_EQ(0, RunProgram(Shot("out.@.png",
+                               "--radius 'first=1px; last=3px' --frames 2 "
+                               "--manifest '" +
+                                   file + "'"))
+                   .code);
+  EXPECT_EQ("1-3", glimmerhost::ReadManifest(file).at(2).shot);
 }
 
 TEST_F(ShotProgram, ChecksEachFrameByTheManifestThatIsRightAboutIt) {
@@ -356,8 +374,7 @@ TEST_F(ShotProgram, ChecksEachFrameByTheManifestThatIsRightAboutIt) {
   const std::string young = "'" + (folder / "young.jsonl").string() + "' ";
   ASSERT_EQ(0, RunProgram(Shot("out.@.png", "--radius 2px --manifest " + old)).code);
   fs::remove(folder / "out.1.png");
-  ASSERT_EQ(0,
-            RunProgram(Shot("out.@.png", "--radius 5px --skip-existing --manifest " + young)).code);
+  ASSERT_EQ(0, RunProgram(Shot("out.@.png", "--radius 5px --frames 1 --manifest " + young)).code);
 
   EXPECT_EQ(1, RunProgram("check " + old).code);
   EXPECT_EQ(0, RunProgram("check " + old + young).code);

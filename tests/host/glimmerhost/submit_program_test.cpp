@@ -180,6 +180,23 @@ TEST_F(SubmitProgram, CanBeCutAnewBetweenTwoRuns) {
   EXPECT_NE(std::string::npos, outcome.text.find("5 frames are as they were written\n"));
 }
 
+TEST_F(SubmitProgram, RendersAgainWhereTheLookHasChanged) {
+  WriteShot(1, 4);
+  ASSERT_EQ(0, RunProgram(Submit("out.@.png", "--radius 2px --chunk 2")).code);
+  ASSERT_EQ(0, RunProgram(Shot("whole.@.png", "--radius 5px")).code);
+  // With the same cut, and with another.
+  for (const char* chunk : {"--chunk 2", "--chunk 3"}) {
+    const Outcome outcome =
+        RunProgram(Submit("out.@.png", std::string("--radius 5px --skip-existing ") + chunk));
+    EXPECT_EQ(0, outcome.code) << outcome.text;
+    for (int frame = 1; frame <= 4; ++frame) {
+      const std::string end = "." + std::to_string(frame) + ".png";
+      EXPECT_EQ(Bytes(folder / ("whole" + end)), Bytes(folder / ("out" + end))) << chunk << frame;
+    }
+    ASSERT_EQ(0, RunProgram(Submit("out.@.png", "--radius 2px --skip-existing --chunk 2")).code);
+  }
+}
+
 TEST_F(SubmitProgram, ShowsWhatItWouldRunAndRunsNothing) {
   WriteShot(1, 3);
   const std::string text = RunProgram(Submit("out.@.png", "--radius 2px --chunk 2 --dry-run")).text;

@@ -7,20 +7,29 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
+#include <functional>
+#include <future>
 #include <map>
 #include <memory>
 #include <string>
 #include <variant>
 #include <vector>
 
+#include "host/shots/file_hash.h"
+#include "host/shots/frame_claim.h"
+#include "host/shots/manifest.h"
 #include "host/support/failure.h"
 #include "tests/host/render/shot_stage.h"
 
 namespace {
 
+using glimmerhost::FrameClaim;
 using glimmerhost::FrameState;
 using glimmerhost::kPipe;
 using glimmerhost::Loader;
+using glimmerhost::Manifest;
+using glimmerhost::ManifestEntry;
 using glimmerhost::PamReader;
 using glimmerhost::Picture;
 using glimmerhost::Value;
@@ -32,10 +41,13 @@ using render_test::Works;
 class LoaderAlone : public render_test::ShotStage {
  public:
   // What the loader puts where everything is taken.
-  Works Load(const std::string& engine = "fast", bool hashed = false) {
+  Works Load(const std::string& engine = "fast", bool kept = false) {
+    if (kept) {
+      manifest = std::make_unique<Manifest>(folder / "shot.jsonl", true, false);
+    }
     reader = std::make_unique<PamReader>(pipe.get(), "the pipe");
-    loader = std::make_unique<Loader>(page, settings, plan, *lx::FindFootprint(engine), hashed,
-                                      reader.get());
+    loader = std::make_unique<Loader>(page, settings, plan, *lx::FindFootprint(engine),
+                                      manifest.get(), reader.get());
     FrameChannel loaded(render_test::kRoom);
     loader->Run(&loaded);
     return TakeAll(&loaded);
@@ -70,6 +82,7 @@ class LoaderAlone : public render_test::ShotStage {
 
   render_test::PipeFile pipe = OpenPipe();
   std::unique_ptr<PamReader> reader;
+  std::unique_ptr<Manifest> manifest;
   std::unique_ptr<Loader> loader;
 };
 
@@ -141,7 +154,8 @@ TEST_F(LoaderAlone, GivesEachFrameItsPictureAndItsValues) {
     EXPECT_EQ(10.0 * frame, Number(works[i]->input.values, "PRM_Emphasis"));
     EXPECT_EQ((folder / OutputName(frame)).string(), works[i]->report.output);
     EXPECT_TRUE(works[i]->output != nullptr);
-    EXPECT_EQ("", works[i]->inputHash);
+    EXPECT_TRUE(works[i]->sources.empty());
+    EXPECT_EQ("", works[i]->digest);
   }
 }
 
@@ -277,9 +291,9 @@ TEST_F(LoaderAlone, HashesInputsIfToldTo) {
   const Works works = Load("fast", true);
 
   ASSERT_EQ(3U, works.size());
-  EXPECT_EQ(0U, works[0]->inputHash.find("xxh128:"));
-  EXPECT_EQ(works[0]->inputHash, works[1]->inputHash);
-  EXPECT_NE(works[0]->inputHash, works[2]->inputHash);
+  EXPECT_EQ(0U, works[0]->sources.at("input").hash.find("xxh128:"));
+  EXPECT_EQ(works[0]->sources.at("input").hash, works[1]->sources.at("input").hash);
+  EXPECT_NE(works[0]->sources.at("input").hash, works[2]->sources.at("input").hash);
 }
 
 TEST_F(LoaderAlone, EndsWithAPipeThatNobodyHasCounted) {
@@ -350,6 +364,223 @@ TEST_F(LoaderAlone, TakesThePictureOfASkippedFrameFromThePipe) {
   EXPECT_EQ(2000, works[1]->input.source->buffer()[0]);
 }
 
+// A frame that was rendered with a manifest, as the writer leaves it.
+class LoaderOfARenderedShot : public LoaderAlone {
+ public:
+  void SetUp() override {
+    Plan(2);
+    for (const int frame : {1, 2}) {
+      WriteInput(frame, EvenPicture(static_cast<std::uint16_t>(frame * 100)));
+    }
+    Use("radius = '2px'");
+    settings.versions = {{"module", "one"}};
+    Works works = Load("fast", true);
+    for (const auto& work : works) {
+      WriteText(OutputName(work->files.frame), "rendered");
+      ManifestEntry entry;
+      entry.frame = work->files.frame;
+      entry.output = work->files.output.string();
+      entry.outputHash = glimmerhost::FileHash(work->files.output);
+      entry.digest = work->digest;
+      entry.sources = work->sources;
+      entry.width = work->readSize.first;
+      entry.height = work->readSize.second;
+      manifest->Add(entry);
+    }
+    settings.skipExisting = true;
+  }
+
+  // What becomes of the two frames when they are looked at again.
+  States Again() { return StatesOf(Load("fast", true)); }
+
+  const States bothSkipped{FrameState::kSkipped, FrameState::kSkipped};
+  const States bothDone{FrameState::kDone, FrameState::kDone};
+};
+
+TEST_F(LoaderOfARenderedShot, SkipsWhatWouldComeOutTheSame) {
+  EXPECT_EQ(bothSkipped, Again());
+  // Another time, and the same contents.
+  std::filesystem::last_write_time(folder / InputName(1), {});
+  EXPECT_EQ(bothSkipped, Again());
+  // What is written of a frame without a word of its samples.
+  settings.keepGoing = true;
+  settings.shot = "1-2";
+  EXPECT_EQ(bothSkipped, Again());
+}
+
+TEST_F(LoaderOfARenderedShot, RendersAgainWhatComesOfAnotherInput) {
+  std::filesystem::remove(folder / InputName(2));
+  WriteInput(2, EvenPicture(201));
+
+  const Works works = Load("fast", true);
+
+  ASSERT_EQ((States{FrameState::kSkipped, FrameState::kDone}), StatesOf(works));
+  // Which replaces what the run before has written.
+  works[1]->output->Write(EvenPicture(7), 16);
+}
+
+TEST_F(LoaderOfARenderedShot, RendersAgainWhatComesOfOtherSettings) {
+  const auto before = settings;
+  const std::vector<std::function<void()>> changes = {
+      [this] { Use("radius = '1px'"); },
+      [this] { Use("radius = '2px'\nshape = 'polygon'"); },
+      [this] { settings.premultiplied = false; },
+      [this] { settings.bits = 8; },
+      [this] {
+        settings.pixelAspect = {2, 1};
+      },
+      [this] { settings.reading.range = glimmerhost::RangeMapping::Parse("scale:4"); },
+      [this] {
+        auto colours = std::make_shared<glimmerhost::ColourPath>();
+        colours->identity = "another space";
+        settings.reading.colours = colours;
+      },
+      [this] { settings.carryPsf = true; },
+      [this] {
+        settings.versions = {{"module", "another"}};
+      },
+  };
+  for (std::size_t i = 0; i < changes.size(); ++i) {
+    settings = before;
+    changes[i]();
+    EXPECT_EQ(bothDone, Again()) << i;
+  }
+  settings = before;
+  EXPECT_EQ(bothDone, StatesOf(Load("exact", true)));
+  EXPECT_EQ(bothSkipped, Again());
+}
+
+// A value at the frame counts, and not the text that it comes from.
+TEST_F(LoaderOfARenderedShot, RendersAgainTheFramesWhoseValuesMove) {
+  Use("radius = '2px'\nemphasis = 'first=1; last=30'");
+  EXPECT_EQ((States{FrameState::kSkipped, FrameState::kDone}), Again());
+}
+
+TEST_F(LoaderOfARenderedShot, RendersAgainWhereTheSpreadIsAnother) {
+  const auto writeSpread = [this](std::uint16_t sample) {
+    glimmerhost::PictureOutput(folder / "spread.png", true).Write(EvenPicture(sample), 16);
+  };
+  writeSpread(7);
+  for (auto& files : plan.files) {
+    files.spread = folder / "spread.png";
+  }
+  // A circle takes nothing of it.
+  EXPECT_EQ(bothSkipped, Again());
+  Use("radius = '2px'\nshape = 'image'");
+  const std::string first = Load("fast", true).at(0)->digest;
+  writeSpread(8);
+  EXPECT_NE(first, Load("fast", true).at(0)->digest);
+}
+
+TEST_F(LoaderOfARenderedShot, RendersAgainWhatALineOfAnEarlierProgramTellsOf) {
+  ManifestEntry entry = *manifest->Last(1);
+  entry.digest = "";
+  manifest->Add(entry);
+  EXPECT_EQ((States{FrameState::kDone, FrameState::kSkipped}), Again());
+}
+
+// It was killed between the line and the output: the one before is still there.
+TEST_F(LoaderOfARenderedShot, KnowsTheOutputOfAnEarlierLine) {
+  ManifestEntry entry = *manifest->Last(1);
+  entry.outputHash = "xxh128:of an output that never came";
+  manifest->Add(entry);
+  EXPECT_EQ((States{FrameState::kDone, FrameState::kSkipped}), Again());
+}
+
+TEST_F(LoaderOfARenderedShot, RefusesByNameWhatNoLineTellsOf) {
+  settings.keepGoing = true;
+  WriteText(OutputName(1), "somebody's");
+
+  Works works = Load("fast", true);
+
+  ASSERT_EQ((States{FrameState::kFailed, FrameState::kSkipped}), StatesOf(works));
+  EXPECT_EQ((folder / OutputName(1)).string() + ": exists already, and no line of " +
+                (folder / "shot.jsonl").string() + " tells of it; --overwrite replaces it",
+            works[0]->report.fault);
+  EXPECT_EQ("somebody's", TextOf(OutputName(1)));
+  works.clear();
+  settings.overwrite = true;
+  EXPECT_EQ((States{FrameState::kDone, FrameState::kSkipped}), Again());
+}
+
+TEST_F(LoaderOfARenderedShot, MissesAnInputThatIsGone) {
+  std::filesystem::remove(folder / InputName(1));
+  EXPECT_EQ(States{FrameState::kMissing}, Again());
+}
+
+// Another program's claim is another opening, which this one's is too.
+class LoaderBesideAnother : public LoaderAlone {
+ public:
+  void SetUp() override {
+    Plan(3);
+    for (const int frame : {1, 2, 3}) {
+      WriteInput(frame, EvenPicture(100));
+    }
+    settings.skipExisting = true;
+  }
+  std::filesystem::path ClaimOf(int frame) const {
+    return FrameClaim::FileOf(folder / OutputName(frame));
+  }
+};
+
+TEST_F(LoaderBesideAnother, ClaimsAFrameForAsLongAsItIsInWork) {
+  Works works = Load();
+  ASSERT_EQ(3U, works.size());
+  EXPECT_TRUE(std::filesystem::exists(ClaimOf(2)));
+  EXPECT_FALSE(FrameClaim::Try(folder / OutputName(2)));
+  works.clear();
+  EXPECT_FALSE(std::filesystem::exists(ClaimOf(2)));
+}
+
+TEST_F(LoaderBesideAnother, ClaimsNothingWhereNoFrameIsSkipped) {
+  settings.skipExisting = false;
+  const Works works = Load();
+  EXPECT_FALSE(std::filesystem::exists(ClaimOf(2)));
+}
+
+TEST_F(LoaderBesideAnother, WaitsInTheEndForAFrameThatAnotherHasInWork) {
+  for (const bool isDone : {false, true}) {
+    auto theirs = FrameClaim::Try(folder / OutputName(2));
+    ASSERT_TRUE(theirs);
+    Loader beside(page, settings, plan, *lx::FindFootprint("fast"), nullptr, nullptr);
+    FrameChannel loaded(render_test::kRoom);
+    auto loading = std::async(std::launch::async, [&] { beside.Run(&loaded); });
+    EXPECT_EQ(1, (*loaded.Take())->files.frame);
+    EXPECT_EQ(3, (*loaded.Take())->files.frame);
+    if (isDone) {
+      WriteText(OutputName(2), "done by the other");
+    }
+    theirs = nullptr;
+    const auto last = loaded.Take();
+    ASSERT_TRUE(last);
+    EXPECT_EQ(2, (*last)->files.frame);
+    EXPECT_EQ(isDone ? FrameState::kSkipped : FrameState::kDone, (*last)->report.state);
+    loading.get();
+  }
+}
+
+// It was killed between the output and the end of its claim.
+TEST_F(LoaderBesideAnother, RemovesTheClaimThatIsLeftOverOfAFrameThatIsDone) {
+  WriteText(OutputName(2), "done by the other");
+  WriteText(ClaimOf(2).filename().string(), "1 elsewhere");
+
+  EXPECT_EQ((States{FrameState::kDone, FrameState::kSkipped, FrameState::kDone}), StatesOf(Load()));
+
+  EXPECT_FALSE(std::filesystem::exists(ClaimOf(2)));
+}
+
+TEST_F(LoaderBesideAnother, WaitsNoLongerOnceNobodyTakesItsFrames) {
+  const auto theirs = FrameClaim::Try(folder / OutputName(3));
+  Loader beside(page, settings, plan, *lx::FindFootprint("fast"), nullptr, nullptr);
+  FrameChannel loaded(render_test::kRoom);
+  auto loading = std::async(std::launch::async, [&] { beside.Run(&loaded); });
+  loaded.Take();
+  loaded.Take();
+  loaded.Abandon();
+  loading.get();
+  EXPECT_FALSE(std::filesystem::exists(ClaimOf(2)));
+}
+
 TEST_F(LoaderAlone, ReadsNoMoreOnceNobodyTakesItsFrames) {
   int asked = 0;
   WriteInput(1, EvenPicture(100));
@@ -359,7 +590,7 @@ TEST_F(LoaderAlone, ReadsNoMoreOnceNobodyTakesItsFrames) {
     files.frame = frame;
     return files;
   };
-  Loader endless(page, settings, plan, *lx::FindFootprint("fast"), false, nullptr);
+  Loader endless(page, settings, plan, *lx::FindFootprint("fast"), nullptr, nullptr);
   FrameChannel loaded(1);
   loaded.Abandon();
 

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
@@ -32,6 +33,7 @@ using glimmerhost::ShotReport;
 using glimmerhost::Writer;
 using render_test::EvenPicture;
 using render_test::FrameChannel;
+namespace fs = std::filesystem;
 
 class WriterAlone : public render_test::ShotStage {
  public:
@@ -167,7 +169,10 @@ TEST_F(WriterAlone, NotesInTheManifestWhatWentInAndWhatCameOut) {
   KeepManifest();
   settings.versions = {{"glimmerhost", "1.2"}};
   auto work = Rendered(7);
-  work->inputHash = "xxh128:of the input";
+  work->sources["input"] = {5, 6, "xxh128:of the input"};
+  work->digest = "xxh128:of all";
+  work->readSize = {4, 2};
+  settings.shot = "1-9";
   work->report.seconds = 0.25;
   work->found.cut = 3;
   work->found.infinite = 2;
@@ -188,29 +193,40 @@ TEST_F(WriterAlone, NotesInTheManifestWhatWentInAndWhatCameOut) {
   EXPECT_EQ(0.25, entry.seconds);
   EXPECT_EQ(5U, entry.clippedSamples);
   EXPECT_EQ(1U, entry.notNumbers);
+  EXPECT_EQ((glimmerhost::FileState{5, 6, "xxh128:of the input"}), entry.sources.at("input"));
+  EXPECT_EQ("xxh128:of all", entry.digest);
+  EXPECT_EQ(4, entry.width);
+  EXPECT_EQ(2, entry.height);
+  EXPECT_EQ("1-9", entry.shot);
 }
 
-// A run may have been killed between an output and its line.
-TEST_F(WriterAlone, NotesASkippedFrameOnceThatNobodyHasNoted) {
+// However a run is killed, a line tells of every output that is there.
+TEST_F(WriterAlone, NotesAFrameBeforeItsFileGoesToItsPlace) {
+  KeepManifest();
+  Put(Rendered(1));
+  // In the way, so that the file stays where it is.
+  fs::create_directory(folder / OutputName(1));
+
+  Write();
+
+  EXPECT_EQ(1U, report.Count(FrameState::kFailed));
+  EXPECT_EQ(1U, Entries().size());
+  EXPECT_EQ(0U, Entries().at(1).outputHash.find("xxh128:"));
+}
+
+TEST_F(WriterAlone, NotesNothingOfAFrameThatIsSkipped) {
   KeepManifest();
   WriteText(OutputName(4), "stands there");
-  Put(Without(4, FrameState::kSkipped));
   Put(Without(4, FrameState::kSkipped));
   rendered.Close();
 
   Write();
 
-  const ManifestEntry entry = Entries().at(4);
-  EXPECT_TRUE(IsAsWritten(entry));
-  EXPECT_EQ("", entry.input);
-  EXPECT_EQ("", entry.engine);
-  const std::string lines = TextOf("shot.jsonl");
-  EXPECT_EQ(lines.size() - 1, lines.find('\n'));
-  EXPECT_EQ(2U, report.Count(FrameState::kSkipped));
+  EXPECT_EQ("", TextOf("shot.jsonl"));
+  EXPECT_EQ(1U, report.Count(FrameState::kSkipped));
 }
 
 TEST_F(WriterAlone, LeavesAFileThatAnotherProgramHasMadeMeanwhile) {
-  KeepManifest();
   settings.skipExisting = true;
   Put(Rendered(1));
   WriteText(OutputName(1), "another's");
@@ -220,8 +236,20 @@ TEST_F(WriterAlone, LeavesAFileThatAnotherProgramHasMadeMeanwhile) {
 
   EXPECT_EQ("another's", TextOf(OutputName(1)));
   EXPECT_EQ(1U, report.Count(FrameState::kSkipped));
-  EXPECT_TRUE(IsAsWritten(Entries().at(1)));
-  EXPECT_EQ("", Entries().at(1).engine);
+}
+
+// Nobody knows how it was made.
+TEST_F(WriterAlone, FailsWhereSomebodyHasMadeAFileThatNoLineTellsOf) {
+  KeepManifest();
+  settings.skipExisting = true;
+  Put(Rendered(1));
+  WriteText(OutputName(1), "another's");
+  rendered.Close();
+
+  Write();
+
+  EXPECT_EQ("another's", TextOf(OutputName(1)));
+  EXPECT_EQ(1U, report.Count(FrameState::kFailed));
 }
 
 TEST_F(WriterAlone, FailsWhereAFileHasAppearedThatNobodyAllowed) {

@@ -3,9 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <cstddef>
+#include <filesystem>
 #include <fstream>
+#include <future>
 #include <iterator>
 #include <string>
+#include <vector>
 
 #include "host/shots/file_hash.h"
 #include "host/support/failure.h"
@@ -48,6 +53,22 @@ TEST_F(Manifests, HashFilesAsXxh128) {
   EXPECT_THROW((void)FileHash(folder / "none"), glimmerhost::MissingInput);
 }
 
+// Whoever copies a shot may keep its times.
+TEST_F(Manifests, BelieveTheHashOfAFileWhoseSizeAndTimeAreTheSame) {
+  std::ofstream(folder / "a") << "first";
+  const glimmerhost::FileState before = glimmerhost::StateOfFile(folder / "a");
+  const auto time = std::filesystem::last_write_time(folder / "a");
+  std::ofstream(folder / "a") << "other";
+  std::filesystem::last_write_time(folder / "a", time);
+  EXPECT_EQ(before, glimmerhost::StateOfFile(folder / "a", before));
+  EXPECT_NE(before.hash, glimmerhost::StateOfFile(folder / "a").hash);
+  std::filesystem::last_write_time(folder / "a", time + std::chrono::seconds(1));
+  EXPECT_NE(before.hash, glimmerhost::StateOfFile(folder / "a", before).hash);
+  std::ofstream(folder / "a") << "longer";
+  std::filesystem::last_write_time(folder / "a", time);
+  EXPECT_NE(before.hash, glimmerhost::StateOfFile(folder / "a", before).hash);
+}
+
 TEST_F(Manifests, ComeBackAsTheyWereWritten) {
   {
     Manifest manifest(file, false, false);
@@ -70,8 +91,9 @@ TEST_F(Manifests, AreReadWhereTheyDoNotNameTheEngine) {
                       << "\n";
 
   EXPECT_EQ("", glimmerhost::ReadManifest(file).at(7).engine);
+  EXPECT_EQ("", glimmerhost::ReadManifest(file).at(7).digest);
   Manifest manifest(file, true, false);
-  EXPECT_TRUE(manifest.Has(7));
+  EXPECT_TRUE(manifest.Last(7));
 }
 
 TEST_F(Manifests, GoOnWithAnEarlierRunsLinesIfTold) {
@@ -86,10 +108,88 @@ TEST_F(Manifests, GoOnWithAnEarlierRunsLinesIfTold) {
 TEST_F(Manifests, KnowTheFramesOfTheRunThatTheyGoOnWith) {
   Manifest(file, false, false).Add(Entry(1));
   Manifest manifest(file, true, false);
-  EXPECT_TRUE(manifest.Has(1));
-  EXPECT_FALSE(manifest.Has(2));
+  EXPECT_TRUE(manifest.Last(1));
+  EXPECT_FALSE(manifest.Last(2));
   manifest.Add(Entry(2));
-  EXPECT_TRUE(manifest.Has(2));
+  EXPECT_TRUE(manifest.Last(2));
+}
+
+TEST_F(Manifests, HoldWhatDecidedAFrame) {
+  ManifestEntry entry = Entry(1);
+  entry.shot = "-5-1100";
+  entry.digest = "xxh128:1";
+  entry.sources = {{"input", {12, -34, "xxh128:2"}}, {"spread", {0, 0, ""}}};
+  entry.width = 1920;
+  entry.height = 1080;
+  Manifest(file, false, false).Add(entry);
+
+  const ManifestEntry read = glimmerhost::ReadManifest(file).at(1);
+
+  EXPECT_EQ(entry.shot, read.shot);
+  EXPECT_EQ(entry.digest, read.digest);
+  EXPECT_EQ(entry.sources, read.sources);
+  EXPECT_EQ(1920, read.width);
+  EXPECT_EQ(1080, read.height);
+}
+
+TEST_F(Manifests, ExplainAnOutputByAnyLineOfItsFrame) {
+  Manifest manifest(file, false, false);
+  ManifestEntry entry = Entry(1);
+  entry.outputHash = "first";
+  manifest.Add(entry);
+  entry.outputHash = "second";
+  manifest.Add(entry);
+  Manifest again(file, true, false);
+  for (Manifest* one : {&manifest, &again}) {
+    EXPECT_TRUE(one->Explains(1, "first"));
+    EXPECT_TRUE(one->Explains(1, "second"));
+    EXPECT_FALSE(one->Explains(1, "third"));
+    EXPECT_FALSE(one->Explains(2, "first"));
+    EXPECT_EQ("second", one->Last(1)->outputHash);
+  }
+}
+
+TEST_F(Manifests, SeeTheLinesThatOthersAdd) {
+  Manifest one(file, true, false);
+  Manifest another(file, true, false);
+  one.Add(Entry(1));
+  EXPECT_TRUE(another.Last(1));
+  another.Add(Entry(2));
+  one.Add(Entry(3));
+  EXPECT_TRUE(one.Last(2));
+  EXPECT_TRUE(another.Last(3));
+  EXPECT_EQ(3U, glimmerhost::ReadManifest(file).size());
+}
+
+// What another program left of a line when it was killed goes before the next is added.
+TEST_F(Manifests, AddNoLineToWhatIsLeftOfOne) {
+  Manifest manifest(file, true, false);
+  manifest.Add(Entry(1));
+  std::ofstream(file, std::ios::app) << "{\"frame\":2,\"inp";
+  manifest.Add(Entry(3));
+  EXPECT_EQ(2U, glimmerhost::ReadManifest(file).size());
+}
+
+TEST_F(Manifests, TakeEveryLineWholeHoweverManyWriteAtOnce) {
+  constexpr int kWriters = 4;
+  constexpr int kLines = 50;
+  std::vector<std::future<void>> writers;
+  ManifestEntry entry = Entry(0);
+  entry.parameters["long"] = std::string(5000, 'x');
+  for (int writer = 0; writer < kWriters; ++writer) {
+    writers.push_back(std::async(std::launch::async, [this, writer, entry]() mutable {
+      Manifest manifest(file, true, false);
+      for (int line = 0; line < kLines; ++line) {
+        entry.frame = writer * kLines + line;
+        manifest.Add(entry);
+      }
+    }));
+  }
+  for (auto& writer : writers) {
+    writer.get();
+  }
+  EXPECT_EQ(std::size_t{kWriters * kLines}, glimmerhost::ReadManifestLines(file).size());
+  EXPECT_EQ(std::size_t{kWriters * kLines}, glimmerhost::ReadManifest(file).size());
 }
 
 TEST_F(Manifests, GoOnBehindTheLastWholeLineOfARunThatWasKilled) {
