@@ -57,6 +57,9 @@ void AddPixels(OptionSet* options, RenderOptions* render) {
   options->Value(std::string("--") + kMix, &render->look[kMix],
                  {kPixelsGroup, "NUMBER",
                   "0 to 1 (default): how much of the blur is seen over the frame as it was"});
+  options->Switch("--grow", &render->grow, kPixelsGroup,
+                  "Grow the canvas on all sides by as far as the aperture reaches, for pictures "
+                  "with alpha. An EXR keeps its display window");
   options->Value("--mask", &render->mask,
                  {kPixelsGroup, "FILE",
                   "A picture of the frame's size, or a sequence, whose first channel says where "

@@ -23,6 +23,7 @@ struct RenderOptions : RunOptions {
   std::string mask;    // a picture; empty for none
   std::string frames;  // a list; empty for what the input's name or its folder says
   std::string chunk;   // K/N; for submit the most frames of a chunk, or empty
+  bool grow = false;
   bool keepGoing = false;
   bool skipExisting = false;
   bool carryPsf = false;

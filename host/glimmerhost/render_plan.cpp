@@ -51,6 +51,7 @@ ShotSettings SettingsOf(const RenderOptions& options, const ReadLook& read) {
   }
   settings.reading.colours = read.colours;
   settings.reading.range = options.range;
+  settings.grow = options.grow;
   settings.overwrite = options.overwrite;
   settings.skipExisting = options.skipExisting;
   settings.keepGoing = options.keepGoing;

@@ -119,7 +119,7 @@ class KeyframedValues::Setter {
 
 KeyframedValues::KeyframedValues(const Page& page, const std::vector<LookLayer>& layers, int width,
                                  int height, const ShotSpan& span)
-    : mix_{MixParameter(), {{0.0, Course::kHeld, 1.0}}} {
+    : width_(width), height_(height), mix_{MixParameter(), {{0.0, Course::kHeld, 1.0}}} {
   for (const Parameter& parameter : page.Parameters()) {
     tracks_[parameter.key] = {parameter, {{0.0, Course::kHeld, parameter.initial}}};
   }
@@ -143,6 +143,31 @@ std::map<std::string, Value> KeyframedValues::At(int frame) const {
   std::map<std::string, Value> values;
   for (const auto& [key, track] : tracks_) {
     values[key] = track.At(frame);
+  }
+  return values;
+}
+
+std::map<std::string, Value> KeyframedValues::AtGrown(int frame, int by) const {
+  std::map<std::string, Value> values = At(frame);
+  if (by == 0) {
+    return values;  // not to be rounded on the way there and back
+  }
+  const double width = width_ + 2.0 * by;
+  const double height = height_ + 2.0 * by;
+  for (const auto& [key, track] : tracks_) {
+    switch (track.parameter.measure) {
+      case Measure::kRadius:
+        values[key] = std::get<double>(values[key]) * width_ / width;
+        break;
+      case Measure::kX:
+        values[key] = (std::get<double>(values[key]) * width_ + by) / width;
+        break;
+      case Measure::kY:
+        values[key] = (std::get<double>(values[key]) * height_ + by) / height;
+        break;
+      case Measure::kPlain:
+        break;
+    }
   }
   return values;
 }

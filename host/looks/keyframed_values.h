@@ -24,6 +24,10 @@ class KeyframedValues {
   // The values of a frame, whatever frames are asked for before it.
   std::map<std::string, Value> At(int frame) const;
 
+  // The same for a picture that has got so many pixels more on each side: radii are parts of its
+  // larger width, and points parts of its larger sides.
+  std::map<std::string, Value> AtGrown(int frame, int by) const;
+
   // How much of the effect a frame shows, 0 to 1.
   double MixAt(int frame) const;
 
@@ -50,6 +54,8 @@ class KeyframedValues {
 
   class Setter;
 
+  int width_;
+  int height_;
   std::map<std::string, Track> tracks_;
   Track mix_;
 };

@@ -15,6 +15,15 @@ NotCarried SomeNotCarried(const std::string& what, const std::string& why) {
   return {what, what + " are not carried: " + why};
 }
 
+NotCarried GrownNotCarried(int width, int height, int by, const std::string& format) {
+  const auto size = [](int w, int h) { return std::to_string(w) + " x " + std::to_string(h); };
+  const std::string corner = std::to_string(-by) + "," + std::to_string(-by);
+  return OneNotCarried("the display window", size(width, height) + " at 0,0",
+                       FormatLabel(format) +
+                           " has no place for it; the output is the data window, " +
+                           size(width + 2 * by, height + 2 * by) + " at " + corner);
+}
+
 std::string ListNames(const std::vector<std::string>& names) {
   constexpr std::size_t kMost = 8;
   const std::size_t shown = names.size() > kMost + 1 ? kMost : names.size();

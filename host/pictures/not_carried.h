@@ -24,6 +24,11 @@ NotCarried OneNotCarried(const std::string& what, const std::string& value, cons
 // The same for several.
 NotCarried SomeNotCarried(const std::string& what, const std::string& why);
 
+// Of a picture that was grown for a format without windows.
+//   width, height  of what was read
+//   by             pixels that each side has got
+NotCarried GrownNotCarried(int width, int height, int by, const std::string& format);
+
 // "a, b and 3 more": names in their order, as many as a line can bear.
 std::string ListNames(const std::vector<std::string>& names);
 

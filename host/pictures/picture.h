@@ -32,6 +32,7 @@ struct Picture {
   bool grey = false;
   int bits = 16;  // of the file that it came from: 8 or 16
   quantel::cSize2 pixelAspect{1, 1};
+  int grownBy = 0;     // pixels that were added on each side since it was read
   RangeMapping range;  // what its colours stand for, where a file of floats is written
   std::shared_ptr<const ColourPath> colours;  // null: a file's values are the picture's
   // One of the two at most: by whom the file was read.

@@ -76,7 +76,7 @@ void Explain(const lx::Footprint& engine, const Page& page, const ShotSettings& 
              const ShotPlan& plan, std::ostream& out) {
   const Picture picture = FirstPicture(plan);
   const KeyframedValues values(page, settings.layers, picture.width, picture.height, plan.span);
-  const ShotForesight foresight = ForeseeShot(engine, values, plan, picture);
+  const ShotForesight foresight = ForeseeShot(engine, values, plan, picture, settings.grow);
   std::vector<int> frames;
   for (const FrameFiles& files : plan.files) {
     frames.push_back(files.frame);
@@ -85,6 +85,11 @@ void Explain(const lx::Footprint& engine, const Page& page, const ShotSettings& 
       << picture.width << " x " << picture.height << '\n';
   if (plan.span.IsKnown()) {
     out << "Shot                " << ShowSpan(plan.span) << '\n';
+  }
+  if (foresight.growth > 0) {
+    out << "Canvas              grows by " << foresight.growth << " pixels on each side, to "
+        << picture.width + 2 * foresight.growth << " x " << picture.height + 2 * foresight.growth
+        << '\n';
   }
   out << "Engine              " << engine.name << ": " << engine.description << '\n';
   for (const auto& [grid, of] : foresight.byGrid) {
@@ -113,7 +118,8 @@ void Explain(const lx::Footprint& engine, const Page& page, const ShotSettings& 
       << Shortest(static_cast<double>(std::int64_t(foresight.radius * 10.0 + 0.5)) / 10.0)
       << " pixels\n";
   for (const auto& [grid, of] : foresight.byGrid) {
-    if (grid == kTooLarge) {
+    // A larger radius would grow the canvas, too.
+    if (grid == kTooLarge || foresight.growth > 0) {
       continue;
     }
     const GridStep step = NextGrid(engine, grid, picture.width, picture.height);

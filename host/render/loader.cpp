@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/loader.h"
 
+#include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <thread>
+#include <utility>
 #include <variant>
 
 #include "host/looks/keys.h"
@@ -10,6 +13,7 @@
 #include "host/module/second_clip.h"
 #include "host/pictures/alpha.h"
 #include "host/render/frame_digest.h"
+#include "host/render/grow.h"
 #include "host/shots/file_hash.h"
 #include "host/shots/steady_file.h"
 #include "host/support/failure.h"
@@ -210,22 +214,49 @@ void Loader::SettleInput(FrameWork* work) {
   Picture& picture = work->picture;
   FrameInput& input = work->input;
   input.frame = work->files.frame;
-  const KeyframedValues& values = ValuesFor(picture.width, picture.height);
   work->readSize = {picture.width, picture.height};
-  input.values = values.At(work->files.frame);
-  work->mix = values.MixAt(work->files.frame);
-  input.pixelAspect =
-      settings_.pixelAspect.first == 0 ? picture.pixelAspect : settings_.pixelAspect;
-  input.spread = SpreadOf(work);
-  work->mask = MaskOf(work);
-  NoteSources(work);
-  WarnOfNoise(work);
-  WarnOfRange(work);
+  const KeyframedValues& values = ValuesFor(picture.width, picture.height);
   work->alphaBefore = picture.alpha;
   if (settings_.premultiplied) {
     Premultiply(&picture);
   }
+  work->mask = MaskOf(work);
+  const int by = settings_.grow ? Grow(work) : 0;
+  input.values = values.AtGrown(work->files.frame, by);
+  work->mix = values.MixAt(work->files.frame);
+  input.pixelAspect =
+      settings_.pixelAspect.first == 0 ? picture.pixelAspect : settings_.pixelAspect;
+  input.spread = SpreadOf(work);
+  NoteSources(work);
+  WarnOfNoise(work);
+  WarnOfRange(work);
   input.source = quantel::cPtr<FrameImage>(new FrameImage(picture));
+}
+
+// How many pixels each side has got.
+int Loader::Grow(FrameWork* work) {
+  Picture& picture = work->picture;
+  if (picture.alpha == Alpha::kNone) {
+    throw Failure(work->files.input.string() +
+                  ": --grow needs a picture with alpha, as nothing else tells it from the black "
+                  "around it");
+  }
+  const int by = growth_;
+  const std::int64_t width = picture.width + 2 * std::int64_t{by};
+  const std::int64_t height = picture.height + 2 * std::int64_t{by};
+  // Not left to the renderer, which looks again: such a canvas may have no room in memory either.
+  if (std::max(width, height) > engine_.largestSide) {
+    throw Failure("a picture of " + SizeOf(picture) + " grown by " + std::to_string(by) +
+                  " pixels on each side is too large: sides may have " +
+                  std::to_string(engine_.largestSide) + " pixels at most");
+  }
+  GrowPicture(by, &picture);
+  if (work->mask) {
+    auto mask = std::make_shared<Picture>(*work->mask);
+    GrowPicture(by, mask.get());
+    work->mask = std::move(mask);
+  }
+  return by;
 }
 
 // Once for the shot: a thousand frames would say the same.
@@ -252,6 +283,7 @@ const KeyframedValues& Loader::ValuesFor(int width, int height) {
   if (!values_ || valuesSize_ != size) {
     values_ = std::make_unique<KeyframedValues>(page_, settings_.layers, width, height, plan_.span);
     valuesSize_ = size;
+    growth_ = settings_.grow ? GrowthOf(*values_, plan_.span, width) : 0;
   }
   return *values_;
 }
@@ -260,6 +292,7 @@ std::map<std::string, Value> Loader::DecidingValues(int frame, int width, int he
   const KeyframedValues& values = ValuesFor(width, height);
   std::map<std::string, Value> all = values.At(frame);
   all[kMix] = values.MixAt(frame);
+  all["grow"] = growth_;
   return all;
 }
 

@@ -66,6 +66,7 @@ class Loader {
   bool TakeFromPipe(FrameWork* work);
   void TakePicture(FrameWork* work);
   void SettleInput(FrameWork* work);
+  int Grow(FrameWork* work);
   void WarnOfNoise(FrameWork* work);
   void WarnOfRange(FrameWork* work);
   const KeyframedValues& ValuesFor(int width, int height);
@@ -88,6 +89,7 @@ class Loader {
   // Values for pictures of one size, and a still for all frames.
   std::unique_ptr<KeyframedValues> values_;
   std::pair<int, int> valuesSize_;
+  int growth_ = 0;  // of pictures of that size
   std::filesystem::path spreadFile_;
   std::pair<int, int> spreadSize_;
   quantel::cPtr<FrameImage> spread_;

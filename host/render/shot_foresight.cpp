@@ -8,6 +8,7 @@
 
 #include "host/looks/foresight.h"
 #include "host/pictures/picture_file.h"
+#include "host/render/grow.h"
 
 namespace glimmerhost {
 
@@ -21,10 +22,13 @@ Picture FirstPicture(const ShotPlan& plan) {
 }
 
 ShotForesight ForeseeShot(const lx::Footprint& engine, const KeyframedValues& values,
-                          const ShotPlan& plan, const Picture& picture) {
+                          const ShotPlan& plan, const Picture& picture, bool grow) {
   ShotForesight shot;
+  shot.growth = grow ? GrowthOf(values, plan.span, picture.width) : 0;
   for (const FrameFiles& files : plan.files) {
-    const Foresight frame = Foresee(engine, values.At(files.frame), picture.width, picture.height);
+    const Foresight frame =
+        Foresee(engine, values.AtGrown(files.frame, shot.growth), picture.width + 2 * shot.growth,
+                picture.height + 2 * shot.growth);
     shot.byGrid[frame.grid].push_back(files.frame);
     shot.radius = std::max(shot.radius, frame.radius);
     shot.effectBytes = std::max(shot.effectBytes, frame.effectBytes);

@@ -15,6 +15,7 @@ namespace glimmerhost {
 
 struct ShotForesight {
   std::map<lx::GridSides, std::vector<int>> byGrid;  // frames; those of kTooLarge will fail
+  int growth = 0;                                    // pixels that each side gets
   double radius = 0.0;                               // the largest, in pixels
   std::uint64_t effectBytes = 0;   // the most that a frame takes of the effect's own
   std::uint64_t pictureBytes = 0;  // and of this program's
@@ -28,7 +29,8 @@ inline constexpr lx::GridSides kTooLarge{};
 Picture FirstPicture(const ShotPlan& plan);
 
 //   engine  of the module that will render
+//   grow    whether the canvas grows
 ShotForesight ForeseeShot(const lx::Footprint& engine, const KeyframedValues& values,
-                          const ShotPlan& plan, const Picture& picture);
+                          const ShotPlan& plan, const Picture& picture, bool grow);
 
 }  // namespace glimmerhost

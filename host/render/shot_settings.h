@@ -20,6 +20,7 @@ struct ShotSettings {
   bool premultiplied = true;
   Coding coding;                      // of the outputs; one that fits their format
   quantel::cSize2 pixelAspect{0, 0};  // 0:0 for the file's
+  bool grow = false;                  // the canvas, by as far as the aperture reaches
   bool overwrite = false;
   bool skipExisting = false;
   bool keepGoing = false;

@@ -69,6 +69,11 @@ void Writer::Write(FrameWork* work) const {
   if (settings_.premultiplied) {
     SettleAlpha(toPipe ? kPamFormat : work->output->Format(), work->alphaBefore, &picture);
   }
+  if (toPipe && picture.grownBy > 0) {
+    work->report.notCarried.push_back(GrownNotCarried(picture.width - 2 * picture.grownBy,
+                                                      picture.height - 2 * picture.grownBy,
+                                                      picture.grownBy, kPamFormat.name));
+  }
   if (toPipe) {
     WritePam(picture, pipe_, "standard output");
   } else if (!WriteFile(work)) {

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstddef>
 #include <iterator>
+#include <optional>
 #include <string_view>
 
 #include "host/pictures/colour_path.h"
@@ -163,16 +164,46 @@ bool SamePlace(const OIIO::ROI& a, const OIIO::ROI& b) {
   return a.xbegin == b.xbegin && a.xend == b.xend && a.ybegin == b.ybegin && a.yend == b.yend;
 }
 
-// Writers of other formats take what origin they are given, and some write beyond their memory.
-bool HoldsWindows(const std::string& format, const FileAttributes& metadata) {
-  return format == "openexr" ||
-         (format == "dpx" && metadata.display.xbegin == 0 && metadata.display.ybegin == 0 &&
-          metadata.data.xbegin >= 0 && metadata.data.ybegin >= 0);
-}
-
 std::string ShowWindow(const OIIO::ROI& window) {
   return std::to_string(window.width()) + " x " + std::to_string(window.height()) + " at " +
          std::to_string(window.xbegin) + "," + std::to_string(window.ybegin);
+}
+
+struct Windows {
+  OIIO::ROI data;
+  OIIO::ROI display;
+};
+
+// As the file had them, with what the picture has grown since. A picture from no file has had one
+// of its own size.
+Windows WindowsOf(const Picture& picture) {
+  const int by = picture.grownBy;
+  const OIIO::ROI own(0, picture.width - 2 * by, 0, picture.height - 2 * by);
+  Windows windows{own, own};
+  if (picture.attributes) {
+    windows = {picture.attributes->data, picture.attributes->display};
+  }
+  OIIO::ROI& data = windows.data;
+  data = OIIO::ROI(data.xbegin - by, data.xend + by, data.ybegin - by, data.yend + by);
+  return windows;
+}
+
+// Writers of other formats take what origin they are given, and some write beyond their memory.
+bool HoldsWindows(const std::string& format, const Windows& windows) {
+  return format == "openexr" ||
+         (format == "dpx" && windows.display.xbegin == 0 && windows.display.ybegin == 0 &&
+          windows.data.xbegin >= 0 && windows.data.ybegin >= 0);
+}
+
+std::optional<NotCarried> DisplayWindowLost(const Picture& picture, const std::string& format) {
+  const Windows windows = WindowsOf(picture);
+  if (SamePlace(windows.data, windows.display) || HoldsWindows(format, windows)) {
+    return std::nullopt;
+  }
+  return OneNotCarried("the display window", ShowWindow(windows.display),
+                       FormatLabel(format) +
+                           " has no place for it; the output is the data window, " +
+                           ShowWindow(windows.data));
 }
 
 std::string ShowValue(const OIIO::ParamValue& attribute) {
@@ -266,15 +297,15 @@ std::shared_ptr<const FileAttributes> KeepAttributes(const std::string& format,
 
 void SetMetadata(const Picture& picture, const std::string& format, int bits,
                  OIIO::ImageSpec* spec) {
+  const Windows windows = WindowsOf(picture);
+  if (HoldsWindows(format, windows) && windows.data.width() == spec->width &&
+      windows.data.height() == spec->height) {
+    spec->x = windows.data.xbegin;
+    spec->y = windows.data.ybegin;
+    spec->set_roi_full(windows.display);
+  }
   if (!picture.attributes) {
     return;
-  }
-  const FileAttributes& metadata = *picture.attributes;
-  if (HoldsWindows(format, metadata) && metadata.data.width() == spec->width &&
-      metadata.data.height() == spec->height) {
-    spec->x = metadata.data.xbegin;
-    spec->y = metadata.data.ybegin;
-    spec->set_roi_full(metadata.display);
   }
   for (const OIIO::ParamValue& attribute : AttributesFor(picture, format, bits)) {
     if (!IsRefused(format, attribute)) {
@@ -286,6 +317,9 @@ void SetMetadata(const Picture& picture, const std::string& format, int bits,
 std::vector<NotCarried> MetadataLost(const Picture& picture, const std::string& format, int bits,
                                      const std::filesystem::path& written) {
   std::vector<NotCarried> lost;
+  if (const auto window = DisplayWindowLost(picture, format)) {
+    lost.push_back(*window);
+  }
   const std::unique_ptr<OIIO::ImageInput> input = OIIO::ImageInput::open(written.string());
   if (!input) {
     (void)OIIO::geterror();
@@ -295,11 +329,6 @@ std::vector<NotCarried> MetadataLost(const Picture& picture, const std::string& 
   }
   const std::string why = FormatLabel(format) + " has no place for ";
   const FileAttributes& metadata = *picture.attributes;
-  if (!SamePlace(metadata.data, metadata.display) && !HoldsWindows(format, metadata)) {
-    lost.push_back(
-        OneNotCarried("the display window", ShowWindow(metadata.display),
-                      why + "it; the output is the data window, " + ShowWindow(metadata.data)));
-  }
   if (ChangesColours(picture)) {
     const std::string another = "the output is in another colour space";
     if (metadata.list.contains(kProfile)) {

@@ -90,6 +90,11 @@ void WritePngOrTiff(const fs::path& file, const OutputFormat& format, const Pict
   } else {
     WriteTiff(file, picture, coding);
   }
+  if (lost != nullptr && picture.grownBy > 0) {
+    lost->push_back(GrownNotCarried(picture.width - 2 * picture.grownBy,
+                                    picture.height - 2 * picture.grownBy, picture.grownBy,
+                                    format.name));
+  }
   if (lost != nullptr && picture.metadata) {
     const std::vector<NotCarried> found =
         png ? LostInPng(*picture.metadata, picture.grey) : LostInTiff(*picture.metadata);

@@ -56,6 +56,21 @@ TEST(KeyframedValues, MixAllOfTheBlurUnlessToldOtherwise) {
   EXPECT_FALSE(Over(typed).At(1001).contains("mix"));
 }
 
+// 800 x 600 with 100 pixels more on each side: 4% of 800 are 3.2% of 1000.
+TEST(KeyframedValues, KeepApertureAndPlaceOfAPictureThatHasGrown) {
+  TypedLook typed;
+  typed["radius"] = "4%";
+  typed["center"] = "25%,0%";
+  typed["rotation"] = "30";
+  const auto values = Over(typed).AtGrown(1001, 100);
+  EXPECT_DOUBLE_EQ(0.032, std::get<double>(values.at("PRM_RadiusX")));
+  EXPECT_DOUBLE_EQ(0.032, std::get<double>(values.at("PRM_RadiusY")));
+  EXPECT_DOUBLE_EQ(0.3, std::get<double>(values.at("PRM_Center_X")));
+  EXPECT_DOUBLE_EQ(0.125, std::get<double>(values.at("PRM_Center_Y")));
+  EXPECT_DOUBLE_EQ(30.0, std::get<double>(values.at("PRM_Rotation")));
+  EXPECT_EQ(Over(typed).At(1001), Over(typed).AtGrown(1001, 0));
+}
+
 TEST(KeyframedValues, MoveTheMix) {
   TypedLook typed;
   typed["mix"] = "0=0; 8=1";
