@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <system_error>
 #include <vector>
 
 #include "host/pictures/channels.h"
@@ -40,10 +41,21 @@ void SwapOnLittleEndian(png_structp png) {
   }
 }
 
+// A chunk may claim two gigabytes, and libpng would take them before it reads on. None is larger
+// than its file, and no row than the least of these.
+std::size_t LargestBlockOfMemory(const fs::path& file) {
+  constexpr std::uintmax_t kAtLeast = 16U << 20U;
+  std::error_code error;
+  const std::uintmax_t size = fs::file_size(file, error);
+  return static_cast<std::size_t>(error ? kAtLeast : std::max(kAtLeast, 2 * size));
+}
+
 class PngReader {
  public:
   explicit PngReader(const fs::path& file)
-      : file_(file), bytes_(file, FileUse::kRead), library_(&bytes_, PngLibrary::Use::kRead) {}
+      : file_(file),
+        bytes_(file, FileUse::kRead),
+        library_(&bytes_, PngLibrary::Use::kRead, LargestBlockOfMemory(file)) {}
 
   Picture Read(const ReadOptions& options, Reader reader, std::string* metadataBeyond) {
     const png_structp png = library_.Png();

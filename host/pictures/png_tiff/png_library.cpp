@@ -2,6 +2,7 @@
 #include "host/pictures/png_tiff/png_library.h"
 
 #include <cstdio>
+#include <cstdlib>
 
 #include "host/support/failure.h"
 
@@ -22,14 +23,17 @@ void OnWrite(png_structp png, png_bytep from, std::size_t count) {
   }
 }
 
+void OnGive(png_structp /*png*/, png_voidp block) { std::free(block); }
+
 void OnFlush(png_structp /*png*/) {}
 
 }  // namespace
 
-PngLibrary::PngLibrary(FileBytes* bytes, Use use) : use_(use) {
-  const auto create = use == Use::kRead ? png_create_read_struct : png_create_write_struct;
+PngLibrary::PngLibrary(FileBytes* bytes, Use use, std::size_t largestBlock)
+    : use_(use), largestBlock_(largestBlock) {
+  const auto create = use == Use::kRead ? png_create_read_struct_2 : png_create_write_struct_2;
   const bool made = Run([&] {
-    png_ = create(PNG_LIBPNG_VER_STRING, this, OnError, OnWarning);
+    png_ = create(PNG_LIBPNG_VER_STRING, this, OnError, OnWarning, this, OnTake, OnGive);
     info_ = png_ == nullptr ? nullptr : png_create_info_struct(png_);
   });
   if (!made || info_ == nullptr) {
@@ -54,6 +58,11 @@ void PngLibrary::OnError(png_structp png, png_const_charp message) {
   auto* const library = static_cast<PngLibrary*>(png_get_error_ptr(png));
   std::snprintf(library->trouble_.data(), library->trouble_.size(), "%s", message);
   std::longjmp(library->back_, 1);
+}
+
+png_voidp PngLibrary::OnTake(png_structp png, png_alloc_size_t size) {
+  const auto* const library = static_cast<PngLibrary*>(png_get_mem_ptr(png));
+  return size > library->largestBlock_ ? nullptr : std::malloc(size);
 }
 
 }  // namespace glimmerhost

@@ -14,6 +14,8 @@
 
 #include <array>
 #include <csetjmp>
+#include <cstddef>
+#include <limits>
 
 #include "host/pictures/file_bytes.h"
 
@@ -23,9 +25,11 @@ class PngLibrary {
  public:
   enum class Use { kRead, kWrite };
 
-  //   bytes  borrowed
+  //   bytes         borrowed
+  //   largestBlock  what libpng may take at once, in bytes; more is as if there were none
   // Throws Failure where memory does not suffice.
-  PngLibrary(FileBytes* bytes, Use use);
+  PngLibrary(FileBytes* bytes, Use use,
+             std::size_t largestBlock = std::numeric_limits<std::size_t>::max());
   ~PngLibrary();
   PngLibrary(const PngLibrary&) = delete;
   PngLibrary& operator=(const PngLibrary&) = delete;
@@ -47,10 +51,12 @@ class PngLibrary {
 
  private:
   static void OnError(png_structp png, png_const_charp message);
+  static png_voidp OnTake(png_structp png, png_alloc_size_t size);
 
   png_structp png_ = nullptr;
   png_infop info_ = nullptr;
   Use use_;
+  std::size_t largestBlock_;
   std::jmp_buf back_;
   std::array<char, 200> trouble_{};
 };

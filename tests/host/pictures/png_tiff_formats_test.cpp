@@ -479,6 +479,21 @@ TEST(PngFile, MakesAlphaOfATransparentColour) {
       picture, "transparent grey");
 }
 
+// Not because the file ends: that is known only when memory for it has been taken.
+TEST(PngFile, RefusesAChunkThatClaimsMoreThanTheFileHas) {
+  const ScratchFolder folder;
+  MakePng(folder / "a.png", {});
+  std::fstream file(folder / "a.png", std::ios::binary | std::ios::in | std::ios::out);
+  constexpr std::streamoff kBehindHeader = 33;
+  file.seekp(kBehindHeader);
+  file << std::string("\x7F\xFF\xFF\xFFtEXt", 8);
+  file.close();
+
+  const std::string line = Refusal(folder / "a.png");
+
+  EXPECT_NE(std::string::npos, line.find("invalid chunk type")) << line;
+}
+
 TEST(PngFile, RefusesSizesThatTheFileCannotHold) {
   const ScratchFolder folder;
   MakePng(folder / "a.png", OddPng{});
