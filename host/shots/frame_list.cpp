@@ -71,19 +71,22 @@ std::vector<int> ParseFrames(const std::string& name, const std::string& text) {
   std::vector<int> frames;
   std::unordered_set<int> seen;
   std::string_view rest = text;
+  std::size_t named = 0;
   do {
     Range range;
     if (!TakeRange(&rest, &range)) {
       refuse("a list of frames and ranges (1-10,20-30, 1-100x5, 100-1)");
     }
     const int direction = range.first <= range.last ? 1 : -1;
+    // Before they are made: also frames that are named again take their time.
+    named += static_cast<std::size_t>((range.last - range.first) * direction / range.step) + 1;
+    if (named > kMostFrames) {
+      refuse("at most " + std::to_string(kMostFrames) + " frames");
+    }
     for (int frame = range.first; (range.last - frame) * direction >= 0;
          frame += range.step * direction) {
       if (seen.insert(frame).second) {
         frames.push_back(frame);
-      }
-      if (frames.size() > kMostFrames) {
-        refuse("at most " + std::to_string(kMostFrames) + " frames");
       }
     }
   } while (Take(&rest, ','));

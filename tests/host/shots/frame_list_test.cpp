@@ -57,6 +57,12 @@ TEST(FrameList, RefusesMoreThanAMillionFrames) {
   EXPECT_THROW(Parse("-99999999-99999999"), glimmerhost::UsageError);
 }
 
+// Each costs time, also where it adds none.
+TEST(FrameList, CountsFramesThatAreNamedAgain) {
+  EXPECT_EQ(500000U, Parse("1-500000,500000-1").size());
+  EXPECT_THROW(Parse("1-500000,500000-1,7"), glimmerhost::UsageError);
+}
+
 TEST(FrameList, IsShownAsItReadsBack) {
   for (const char* text : {"7", "1-3", "1-3,20-21", "1-11x5", "3-1", "10-2x4", "-2-1", "-3--5",
                            "1,3", "1,5-4,9", "1-9x2,20"}) {
