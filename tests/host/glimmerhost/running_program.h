@@ -50,6 +50,13 @@ class RunningProgram {
 
   void Send(int number) const { kill(child_, number); }
 
+  // It does nothing more until it is sent SIGCONT, or ended.
+  void Stop() const {
+    kill(child_, SIGSTOP);
+    int status = 0;
+    EXPECT_EQ(child_, waitpid(child_, &status, WUNTRACED));
+  }
+
   // Its exit code; minus the signal that killed it.
   int Wait() const {
     int status = 0;
