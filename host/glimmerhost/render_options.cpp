@@ -19,7 +19,8 @@ void AddShot(OptionSet* options, RenderOptions* render) {
                   "The frames that the shot has, which times of keyframes count in (default: those "
                   "of INPUT, in its name's list or in its folder). A frame outside is refused"});
   options->Switch("--skip-existing", &render->skipExisting, kShotGroup,
-                  "Leave out frames whose output exists");
+                  "Leave out frames whose output exists; with --manifest only those that would "
+                  "come out the same, and other programs may share the shot");
   options->Switch("--keep-going", &render->keepGoing, kShotGroup,
                   "Render the rest where a frame fails; the program still fails in the end");
   options->Switch("--carry-psf", &render->carryPsf, kShotGroup,
