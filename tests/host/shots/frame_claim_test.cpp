@@ -100,9 +100,10 @@ TEST_F(FrameClaims, AreNeverTwoHoweverManyAsk) {
   std::vector<std::thread> askers;
   for (int i = 0; i < 4; ++i) {
     askers.emplace_back([&] {
-      while (taken < 400) {
+      while (taken < 4000) {
         if (const auto claim = FrameClaim::Try(output)) {
           most = std::max<int>(most, ++holders);
+          std::this_thread::yield();
           ++taken;
           --holders;
         }
