@@ -5,6 +5,7 @@
 #include <xxhash.h>
 
 #include <array>
+#include <chrono>
 #include <cstdio>
 #include <fstream>
 #include <memory>
@@ -28,6 +29,12 @@ std::string Show(XXH128_hash_t hash) {
   return text;
 }
 
+// Some file systems, and some libraries, count whole seconds; that of a network has its own clock.
+bool IsSettled(std::filesystem::file_time_type time) {
+  constexpr std::chrono::seconds kTick{2};
+  return time + kTick < std::filesystem::file_time_type::clock::now();
+}
+
 }  // namespace
 
 std::string SamplesHash(const std::vector<std::uint16_t>& samples) {
@@ -40,9 +47,10 @@ FileState StateOfFile(const std::filesystem::path& file, const FileState& known)
   std::error_code error;
   FileState state;
   state.size = std::filesystem::file_size(file, error);
-  state.time = std::filesystem::last_write_time(file, error).time_since_epoch().count();
-  const bool isKnown =
-      !error && !known.hash.empty() && known.size == state.size && known.time == state.time;
+  const auto time = std::filesystem::last_write_time(file, error);
+  state.time = IsSettled(time) ? time.time_since_epoch().count() : 0;
+  const bool isKnown = !error && !known.hash.empty() && known.size == state.size &&
+                       state.time != 0 && known.time == state.time;
   state.hash = isKnown ? known.hash : FileHash(file);
   return state;
 }

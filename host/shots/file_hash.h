@@ -21,7 +21,8 @@ std::string TextHash(std::string_view text);
 // have changed since.
 struct FileState {
   std::uint64_t size = 0;
-  std::int64_t time = 0;  // of the last change, in ticks of this system's clock for files
+  std::int64_t time = 0;  // of the last change, in ticks of this system's clock for files; 0 if it
+                          // was so recent that the next change may have the same
   std::string hash;
 
   bool operator==(const FileState&) const = default;

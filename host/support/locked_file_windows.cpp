@@ -101,10 +101,25 @@ void LockedFile::Unlock() {
 }
 
 // What is removed keeps its name until the last one has closed it.
-bool LockedFile::IsAt(const fs::path& /*file*/) const {
+bool LockedFile::IsAt(const fs::path& file) const {
   FILE_STANDARD_INFO info{};
-  return GetFileInformationByHandleEx(opened_->file, FileStandardInfo, &info, sizeof info) != 0 &&
-         info.DeletePending == 0 && info.NumberOfLinks > 0;
+  if (GetFileInformationByHandleEx(opened_->file, FileStandardInfo, &info, sizeof info) == 0 ||
+      info.DeletePending != 0) {
+    return false;
+  }
+  const HANDLE named =
+      CreateFileW(file.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                  OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+  if (named == INVALID_HANDLE_VALUE) {
+    return false;
+  }
+  BY_HANDLE_FILE_INFORMATION here{};
+  BY_HANDLE_FILE_INFORMATION there{};
+  const bool areKnown = GetFileInformationByHandle(opened_->file, &here) != 0 &&
+                        GetFileInformationByHandle(named, &there) != 0;
+  CloseHandle(named);
+  return areKnown && here.dwVolumeSerialNumber == there.dwVolumeSerialNumber &&
+         here.nFileIndexHigh == there.nFileIndexHigh && here.nFileIndexLow == there.nFileIndexLow;
 }
 
 bool LockedFile::IsRegular() const { return GetFileType(opened_->file) == FILE_TYPE_DISK; }

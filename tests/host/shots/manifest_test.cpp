@@ -56,8 +56,9 @@ TEST_F(Manifests, HashFilesAsXxh128) {
 // Whoever copies a shot may keep its times.
 TEST_F(Manifests, BelieveTheHashOfAFileWhoseSizeAndTimeAreTheSame) {
   std::ofstream(folder / "a") << "first";
+  const auto time = std::filesystem::last_write_time(folder / "a") - std::chrono::hours(1);
+  std::filesystem::last_write_time(folder / "a", time);
   const glimmerhost::FileState before = glimmerhost::StateOfFile(folder / "a");
-  const auto time = std::filesystem::last_write_time(folder / "a");
   std::ofstream(folder / "a") << "other";
   std::filesystem::last_write_time(folder / "a", time);
   EXPECT_EQ(before, glimmerhost::StateOfFile(folder / "a", before));
@@ -65,6 +66,17 @@ TEST_F(Manifests, BelieveTheHashOfAFileWhoseSizeAndTimeAreTheSame) {
   std::filesystem::last_write_time(folder / "a", time + std::chrono::seconds(1));
   EXPECT_NE(before.hash, glimmerhost::StateOfFile(folder / "a", before).hash);
   std::ofstream(folder / "a") << "longer";
+  std::filesystem::last_write_time(folder / "a", time);
+  EXPECT_NE(before.hash, glimmerhost::StateOfFile(folder / "a", before).hash);
+}
+
+// It may change once more within a tick of the clock.
+TEST_F(Manifests, BelieveNoHashOfAFileThatHasJustChanged) {
+  std::ofstream(folder / "a") << "first";
+  const auto time = std::filesystem::last_write_time(folder / "a") + std::chrono::hours(1);
+  std::filesystem::last_write_time(folder / "a", time);
+  const glimmerhost::FileState before = glimmerhost::StateOfFile(folder / "a");
+  std::ofstream(folder / "a") << "other";
   std::filesystem::last_write_time(folder / "a", time);
   EXPECT_NE(before.hash, glimmerhost::StateOfFile(folder / "a", before).hash);
 }
