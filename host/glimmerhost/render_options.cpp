@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/glimmerhost/render_options.h"
 
+#include "host/pictures/channel_patterns.h"
 #include "host/pictures/colour_config.h"
 #include "host/pictures/picture_formats.h"
+#include "host/pictures/plugged_formats.h"
 #include "host/support/failure.h"
 
 namespace glimmerhost {
@@ -54,6 +56,15 @@ void AddPixels(OptionSet* options, RenderOptions* render) {
       {kPixelsGroup, "NUMBER",
        "1 to 100 for JPEG, more is better; for the compressions dwaa and dwab of EXR their level, "
        "more is smaller (usually 45)"});
+  options->ReadValue(
+      "--blur-channels",
+      [render](const auto& text) { render->blurChannels = ParseChannelPatterns(text); },
+      {kPixelsGroup,
+       "LIST",
+       "EXR to EXR: also blur these channels beside the picture's (diffuse.*,Z). "
+       "Others go on as they are",
+       {},
+       kHasPicturePlugin});
   AddPixelAspect(options, "the file's", render);
   options->Value(std::string("--") + kMix, &render->look[kMix],
                  {kPixelsGroup, "NUMBER",

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "host/glimmerhost/colour_options.h"
 #include "host/glimmerhost/option_set.h"
@@ -20,7 +21,8 @@ struct RenderOptions : RunOptions {
   Coding coding;  // of the output
   RangeMapping range;
   ColourOptions colours;
-  std::string mask;    // a picture; empty for none
+  std::vector<std::string> blurChannels;  // patterns
+  std::string mask;                       // a picture; empty for none
   std::string frames;  // a list; empty for what the input's name or its folder says
   std::string chunk;   // K/N; for submit the most frames of a chunk, or empty
   bool grow = false;

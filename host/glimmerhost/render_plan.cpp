@@ -27,6 +27,7 @@ void CheckPipes(const RenderOptions& options) {
   if (options.input == kPipe) {
     refuse(options.explain, "--explain", "INPUT");
     refuse(options.dryRun, "--dry-run", "INPUT");
+    refuse(!options.blurChannels.empty(), "--blur-channels", "INPUT");
   }
   if (options.output == kPipe) {
     refuse(options.skipExisting, "--skip-existing", "-o");
@@ -36,6 +37,7 @@ void CheckPipes(const RenderOptions& options) {
     const std::string& compression = options.coding.compression;
     refuse(options.coding.floats || (options.coding.bits != 0 && options.coding.bits != 16),
            ("--bits " + BitsWord(options.coding)).c_str(), "-o");
+    refuse(!options.blurChannels.empty(), "--blur-channels", "-o");
     refuse(!compression.empty(), "--compression", "-o");
     refuse(options.coding.quality != 0, "--quality", "-o");
   }
@@ -119,6 +121,15 @@ void SettleCodingOf(const RenderOptions& options, RenderPlan* plan) {
     }
   }
   plan->settings.coding = coding;
+  if (!options.blurChannels.empty() && options.output != kPipe) {
+    const OutputFormat format = OutputFormatOf(Utf8Path(options.output));
+    if (HoldsExtras(format)) {
+      plan->settings.reading.blurChannels = options.blurChannels;
+    } else {
+      plan->remarks.push_back("--blur-channels has no effect: " + FormatLabel(format.name) +
+                              " holds the picture's own channels alone");
+    }
+  }
 }
 
 }  // namespace

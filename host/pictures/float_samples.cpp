@@ -18,7 +18,7 @@ void Count(float value, const RangeMapping& range, ReadReport* report) {
     ++report->notNumbers;
   } else if (std::isinf(value)) {
     ++report->infinite;
-  } else if (value < 0.0F || value > range.Max()) {
+  } else if (value < range.Min() || value > range.Max()) {
     ++report->cut;
   }
 }
@@ -48,9 +48,10 @@ std::string Shortest(float value) {
 void Say(const std::filesystem::path& file, const RangeMapping& range, ReadReport* report) {
   if (const std::uint64_t cut = report->cut + report->infinite; cut > 0) {
     const std::string infinite = std::to_string(report->infinite) + " of them infinite";
-    report->lines.push_back(file.string() + ": " +
-                            SamplesWere(cut, "outside 0 to " + Shortest(range.Max())) +
-                            " cut to that range" + (report->infinite > 0 ? ", " + infinite : ""));
+    report->lines.push_back(
+        file.string() + ": " +
+        SamplesWere(cut, "outside " + Shortest(range.Min()) + " to " + Shortest(range.Max())) +
+        " cut to that range" + (report->infinite > 0 ? ", " + infinite : ""));
   }
   if (report->notNumbers > 0) {
     report->lines.push_back(file.string() + ": " + SamplesWere(report->notNumbers, "not a number") +

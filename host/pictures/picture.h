@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "host/pictures/range.h"
@@ -21,6 +22,8 @@ enum class Alpha {
 struct ColourPath;      // between files and the space that the effect works in
 struct FileMetadata;    // what a PNG or TIFF file says beside its samples
 struct FileAttributes;  // what any file says, as the plug-in knows it
+struct FileExtras;  // channels and parts of a file beside the picture, as the plug-in keeps them
+struct PictureLayer;
 
 // Samples are 16 bits, red, green, blue, alpha; rows follow one another without a gap, the
 // top row first. Grey pictures have three equal colours.
@@ -38,10 +41,19 @@ struct Picture {
   // One of the two at most: by whom the file was read.
   std::shared_ptr<const FileMetadata> metadata;
   std::shared_ptr<const FileAttributes> attributes;
+  std::shared_ptr<const FileExtras>
+      extras;                        // null where there are none, or the output has no place
+  std::vector<PictureLayer> layers;  // of the extras, what is blurred as the picture is
 
   std::size_t PixelCount() const {
     return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
   }
+};
+
+struct PictureLayer {
+  std::vector<std::string> channels;  // their names: of red, green, blue and alpha, or of one
+  bool isData = false;                // numbers and no light: blurred without emphasis
+  Picture picture;                    // as large as the one that it belongs to
 };
 
 }  // namespace glimmerhost

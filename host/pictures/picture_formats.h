@@ -27,9 +27,10 @@ struct OutputFormat {
 };
 
 // What a picture is read for that will be written in that format.
-inline std::string KeptFor(const OutputFormat& format) {
-  return format.own ? format.name : kAnyFormat;
-}
+inline std::string KeptFor(const OutputFormat& format) { return format.name; }
+
+// Whether channels beside the picture's, and parts behind it, have a place in the format.
+inline bool HoldsExtras(const OutputFormat& format) { return format.name == "openexr"; }
 
 // For a person: "PNG and TIFF".
 extern const char* const kReadableFormats;

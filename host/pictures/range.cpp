@@ -53,14 +53,24 @@ std::string RangeMapping::Text() const {
       return "scale:" + Shortest(double{max_});
     case Curve::kLog:
       return "log:" + Shortest(double{max_});
+    case Curve::kSpan:  // nobody types it
     case Curve::kPlain:
       break;
   }
   return "clip";
 }
 
-float RangeMapping::ToUnit(float value) const {
-  if (!(value > 0.0F)) {
+RangeMapping RangeMapping::Span(float lowest, float highest) {
+  RangeMapping range;
+  range.curve_ = Curve::kSpan;
+  range.min_ = lowest;
+  range.max_ = highest;
+  return range;
+}
+
+float RangeMapping::ToUnit(float number) const {
+  const float value = std::isnan(number) ? 0.0F : number;
+  if (!(value > min_)) {
     return 0.0F;
   }
   if (value >= max_) {
@@ -69,6 +79,8 @@ float RangeMapping::ToUnit(float value) const {
   switch (curve_) {
     case Curve::kScale:
       return value / max_;
+    case Curve::kSpan:
+      return static_cast<float>((double{value} - min_) / (double{max_} - min_));
     case Curve::kLog:
       return static_cast<float>(std::log1p(kSteepness * double{value}) /
                                 std::log1p(kSteepness * double{max_}));
@@ -84,6 +96,8 @@ float RangeMapping::FromUnit(float unit) const {
   switch (curve_) {
     case Curve::kScale:
       return unit * max_;
+    case Curve::kSpan:
+      return static_cast<float>(double{min_} + double{unit} * (double{max_} - min_));
     case Curve::kLog:
       return static_cast<float>(std::expm1(double{unit} * std::log1p(kSteepness * double{max_})) /
                                 kSteepness);

@@ -20,23 +20,27 @@ class RangeMapping {
 
   // The text that reads back as the same.
   std::string Text() const;
+  // The values from one to a larger one, in proportion.
+  static RangeMapping Span(float lowest, float highest);
 
   // Whether values come through as they are.
   bool IsPlain() const { return curve_ == Curve::kPlain; }
 
-  // The largest value that has a place; 0 is the smallest.
+  // The smallest value that has a place, 0 unless it is a span's, and the largest.
+  float Min() const { return min_; }
   float Max() const { return max_; }
 
-  // 0 to 1. What is outside comes to the nearer end, what is no number to 0.
+  // 0 to 1. What is outside comes to the nearer end, what is no number to where 0 does.
   float ToUnit(float value) const;
 
-  // The value that comes to unit, of 0 to 1. Black is 0 exactly, and 1 is Max().
+  // The value that comes to unit, of 0 to 1. 0 is Min() exactly, and 1 is Max().
   float FromUnit(float unit) const;
 
  private:
-  enum class Curve { kPlain, kScale, kLog };
+  enum class Curve { kPlain, kScale, kLog, kSpan };
 
   Curve curve_ = Curve::kPlain;
+  float min_ = 0.0F;
   float max_ = 1.0F;
 };
 

@@ -23,6 +23,10 @@ struct ReadOptions {
   // The name of the format that the picture will be written in. What a file says beside its
   // samples is kept so that it can go there, or into any.
   std::string keptFor = kAnyFormat;
+
+  // Patterns of channels beside the picture's own that become its layers. They count where the
+  // output can hold such channels.
+  std::vector<std::string> blurChannels{};
 };
 
 struct ReadReport {

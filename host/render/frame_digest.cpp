@@ -52,6 +52,9 @@ std::vector<std::pair<std::string, std::string>> WhatDecides(
   decides.emplace_back("pixel-aspect", std::to_string(settings.pixelAspect.first) + ":" +
                                            std::to_string(settings.pixelAspect.second));
   decides.emplace_back("range", settings.reading.range.Text());
+  for (const std::string& pattern : settings.reading.blurChannels) {
+    decides.emplace_back("blur-channels", pattern);
+  }
   if (settings.reading.colours) {
     decides.emplace_back("colours", settings.reading.colours->identity);
   }

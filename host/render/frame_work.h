@@ -14,6 +14,7 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "host/module/frame_renderer.h"
 #include "host/pictures/picture.h"
@@ -27,6 +28,12 @@
 
 namespace glimmerhost {
 
+// One of the picture's layers on the same way.
+struct LayerWork {
+  FrameInput input;
+  quantel::cPtr<FrameImage> result;
+};
+
 struct FrameWork {
   // The loader's to fill in. The report is added to by all three.
   FrameFiles files{};
@@ -35,6 +42,7 @@ struct FrameWork {
   Picture picture;
   Alpha alphaBefore = Alpha::kNone;  // of the picture as it was read
   FrameInput input;
+  std::vector<LayerWork> layers;        // in the order of the picture's
   double mix = 1.0;                     // how much of the result is seen
   std::shared_ptr<const Picture> mask;  // where it is, besides; null for everywhere
   ReadReport found;

@@ -31,6 +31,9 @@ int GrowthOf(const KeyframedValues& values, const ShotSpan& span, int width) {
 }
 
 void GrowPicture(int by, Picture* picture) {
+  if (by == 0) {
+    return;
+  }
   const auto width = static_cast<std::size_t>(picture->width);
   const auto height = static_cast<std::size_t>(picture->height);
   const auto edge = static_cast<std::size_t>(by);

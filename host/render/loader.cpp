@@ -231,6 +231,25 @@ void Loader::SettleInput(FrameWork* work) {
   WarnOfNoise(work);
   WarnOfRange(work);
   input.source = quantel::cPtr<FrameImage>(new FrameImage(picture));
+  SettleLayers(work, by);
+}
+
+// All layers get the picture's own aperture: where it is cut out of the picture, they are given
+// that as the second clip.
+void Loader::SettleLayers(FrameWork* work, int by) {
+  for (PictureLayer& layer : work->picture.layers) {
+    GrowPicture(by, &layer.picture);
+    FrameInput input = work->input;
+    if (!input.spread && ShapeOf(input.values) == Shape::kImage) {
+      input.spread = input.source;
+    }
+    if (layer.isData) {
+      input.values[kEmphasisKey] = 1.0;
+      input.values[kEmphAlphaKey] = false;
+    }
+    input.source = quantel::cPtr<FrameImage>(new FrameImage(layer.picture));
+    work->layers.push_back({std::move(input), {}});
+  }
 }
 
 // How many pixels each side has got.

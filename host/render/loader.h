@@ -66,6 +66,7 @@ class Loader {
   bool TakeFromPipe(FrameWork* work);
   void TakePicture(FrameWork* work);
   void SettleInput(FrameWork* work);
+  static void SettleLayers(FrameWork* work, int by);
   int Grow(FrameWork* work);
   void WarnOfNoise(FrameWork* work);
   void WarnOfRange(FrameWork* work);

@@ -36,6 +36,9 @@ void Renderer::Render(FrameWork* work) {
   using Clock = std::chrono::steady_clock;
   const Clock::time_point start = Clock::now();
   work->result = renderer_.Render(work->input);
+  for (LayerWork& layer : work->layers) {
+    layer.result = renderer_.Render(layer.input);
+  }
   work->report.seconds = std::chrono::duration<double>(Clock::now() - start).count();
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/writer.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <exception>
 #include <memory>
@@ -22,6 +23,17 @@ namespace {
 
 // What a PAM picture holds.
 const OutputFormat kPamFormat{"pam", true, true, false, false};
+
+// What is seen of it, in the place of the samples that it was made from.
+void TakeResult(const FrameWork& work, const FrameImage& result, Picture* picture) {
+  if (work.mix < 1.0 || work.mask) {
+    const std::vector<std::uint16_t> frame = std::move(picture->samples);
+    result.CopyTo(picture);
+    MixSamples(frame, work.mix, work.mask.get(), &picture->samples);
+  } else {
+    result.CopyTo(picture);
+  }
+}
 
 }  // namespace
 
@@ -55,15 +67,16 @@ void Writer::Run(FrameChannel* rendered) {
 
 void Writer::Write(FrameWork* work) const {
   Picture& picture = work->picture;
-  if (!CheckRendered(work->input, work->result.Object())) {
+  if (CheckRendered(work->input, work->result.Object())) {
+    TakeResult(*work, *work->result, &picture);
+  } else {
     // The input's own samples, which have not passed the border.
     work->report.remarks.emplace_back(kEmptyAperture);
-  } else if (work->mix < 1.0 || work->mask) {
-    const std::vector<std::uint16_t> frame = std::move(picture.samples);
-    work->result->CopyTo(&picture);
-    MixSamples(frame, work->mix, work->mask.get(), &picture.samples);
-  } else {
-    work->result->CopyTo(&picture);
+  }
+  for (std::size_t i = 0; i < work->layers.size(); ++i) {
+    if (CheckRendered(work->layers[i].input, work->layers[i].result.Object())) {
+      TakeResult(*work, *work->layers[i].result, &picture.layers[i].picture);
+    }
   }
   const bool toPipe = !work->output;
   if (settings_.premultiplied) {

@@ -16,6 +16,7 @@
 #include "host/pictures/float_samples.h"
 #include "host/pictures/openimageio/managed_samples.h"
 #include "host/pictures/openimageio/openimageio_channels.h"
+#include "host/pictures/openimageio/openimageio_extras.h"
 #include "host/pictures/openimageio/openimageio_metadata.h"
 #include "host/pictures/openimageio/openimageio_output.h"
 #include "host/pictures/pixel_aspect.h"
@@ -146,6 +147,18 @@ int DepthOf(const OIIO::ImageSpec& spec) {
   return bits > 8 && bits < 16 ? bits : 16;
 }
 
+// The picture with further channels, and the parts behind it.
+void WriteParts(const std::string& name, FileBytes* bytes, const OIIO::ImageSpec& spec,
+                const std::vector<std::byte>& samples, const FileExtras& extras,
+                std::unique_ptr<OIIO::ImageOutput> output) {
+  std::vector<OutputPart> parts = {{spec, OIIO::TypeDesc::UNKNOWN, samples.data()}};
+  for (const FileExtras::Part& part : extras.parts) {
+    parts.push_back({part.spec, OIIO::TypeDesc::UNKNOWN, part.samples.data()});
+    ShareWithParts(spec, &parts.back().spec);
+  }
+  WriteWhole(name, bytes, parts, std::move(output));
+}
+
 }  // namespace
 
 std::optional<OutputFormat> OpenImageIoFormatOf(const fs::path& file) {
@@ -196,6 +209,15 @@ Picture ReadByOpenImageIo(const fs::path& file, const ReadOptions& options, Read
     ReadSamples(file, OIIO::TypeDesc::UINT16, samples.data(), input.get());
     SpreadChannels(samples, spec.nchannels, map, &picture);
   }
+  if (KeepsExtras(*input, options)) {
+    picture.extras = ReadExtras(file, map, input.get(), report);
+  }
+  if (!options.blurChannels.empty()) {
+    picture.layers = TakeLayers(file, spec, picture.extras.get(), options, picture, report);
+  }
+  if (KeepsExtras(*input, options)) {
+    return picture;
+  }
   for (const auto& left : {ChannelsLeft(map, spec), PartsLeft(input.get())}) {
     if (left) {
       report->notCarried.push_back(*left);
@@ -235,10 +257,17 @@ void WriteByOpenImageIo(const OutputFile& file, FileBytes* bytes, const OutputFo
     spec.attribute(kStraightAttribute, 1);
   }
   if (format.holdsFloats || coding.floats) {
+    const bool withExtras = HoldsExtras(format) && picture.extras;
     const std::vector<float> values =
         picture.colours ? ManagedFloats(picture, withAlpha)
                         : ToFloats(GatherChannels(picture, channels), channels, picture.range);
-    WriteWhole(file.name, bytes, spec, OIIO::TypeDesc::FLOAT, values.data(), std::move(output));
+    if (withExtras) {
+      AddExtraChannels(picture, &spec);
+      WriteParts(file.name, bytes, spec, WithExtraChannels(picture, values, spec), *picture.extras,
+                 std::move(output));
+    } else {
+      WriteWhole(file.name, bytes, spec, OIIO::TypeDesc::FLOAT, values.data(), std::move(output));
+    }
   } else {
     std::vector<std::uint16_t> samples = picture.colours
                                              ? ManagedWords(picture, withAlpha, format, lost)

@@ -131,7 +131,10 @@ OIIO::ParamValueList AttributesFor(const Picture& picture, const std::string& fo
     if (ChangesColours(picture) && IsOneOf(name, kColourWords)) {
       continue;
     }
-    if (!twice && !IsOneOf(name, kNeverCarried) && (sameCoding || !DescribesCoding(name))) {
+    // Views in other channels, if these are there.
+    const bool isView = name == "multiView" && picture.extras != nullptr && format == "openexr";
+    if (!twice && (isView || !IsOneOf(name, kNeverCarried)) &&
+        (sameCoding || !DescribesCoding(name))) {
       attributes.push_back(attribute);
     }
   }

@@ -29,9 +29,18 @@ constexpr const char* kNotTaken = "the system does not take all of it";
 }
 
 // Also the end of the output, which after a failure may write on.
-void WriteTo(const std::string& name, const OIIO::ImageSpec& spec, OIIO::TypeDesc type,
-             const void* samples, Output output) {
-  if (!output->open(name, spec) || !output->write_image(type, samples) || !output->close()) {
+void WriteTo(const std::string& name, const std::vector<OutputPart>& parts, Output output) {
+  std::vector<OIIO::ImageSpec> specs;
+  for (const OutputPart& part : parts) {
+    specs.push_back(part.spec);
+  }
+  bool done = specs.size() == 1 ? output->open(name, specs[0])
+                                : output->open(name, static_cast<int>(specs.size()), specs.data());
+  for (std::size_t i = 0; done && i < parts.size(); ++i) {
+    done = (i == 0 || output->open(name, specs[i], OIIO::ImageOutput::AppendSubimage)) &&
+           output->write_image(parts[i].type, parts[i].samples);
+  }
+  if (!done || !output->close()) {
     WriteFailure(output->geterror());
   }
 }
@@ -85,10 +94,9 @@ bool TakesFile(const OIIO::ImageOutput& output) {
 }
 
 // For formats whose writers open a file themselves: into memory, which says when it is full.
-void WriteByMemory(FileBytes* bytes, const OIIO::ImageSpec& spec, OIIO::TypeDesc type,
-                   const void* samples, Output output) {
+void WriteByMemory(FileBytes* bytes, const std::vector<OutputPart>& parts, Output output) {
   const MemoryFile memory;
-  WriteTo(memory.Name(), spec, type, samples, std::move(output));
+  WriteTo(memory.Name(), parts, std::move(output));
   const bool copied = !memory.IsAtLimit() && memory.CopyTo(bytes);
   if (!bytes->Close() || !copied) {
     throw Failure(kNotTaken);
@@ -97,17 +105,18 @@ void WriteByMemory(FileBytes* bytes, const OIIO::ImageSpec& spec, OIIO::TypeDesc
 
 }  // namespace
 
-void WriteWhole(const std::string& name, FileBytes* bytes, const OIIO::ImageSpec& spec,
-                OIIO::TypeDesc type, const void* samples, Output output) {
-  if (!TakesFile(*output)) {
-    WriteByMemory(bytes, spec, type, samples, std::move(output));
+void WriteWhole(const std::string& name, FileBytes* bytes, const std::vector<OutputPart>& parts,
+                Output output) {
+  // Of several parts the library opens a file itself, whatever it is handed.
+  if (!TakesFile(*output) || parts.size() > 1) {
+    WriteByMemory(bytes, parts, std::move(output));
     return;
   }
   FileProxy proxy(name, bytes);
   output->set_ioproxy(&proxy);
   std::string trouble;
   try {
-    WriteTo(name, spec, type, samples, std::move(output));
+    WriteTo(name, parts, std::move(output));
   } catch (const Failure& fault) {
     trouble = fault.what();
   }
