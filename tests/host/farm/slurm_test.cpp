@@ -128,7 +128,7 @@ TEST_F(Slurm, ChecksAllTheSameWhereAChunkFails) {
 
 TEST_F(Slurm, RendersOnWhereANodeWasLost) {
   WriteLargeShot(6);
-  const std::string options = "--radius '0=20px; -1=60px' --emphasis 20 ";
+  const std::string options = "--radius 'first=20px; last=60px' --emphasis 20 ";
   ASSERT_EQ(0, host_test::RunProgram(Shot("whole.@.png", options)).code);
 
   const Outcome outcome = Submit("out.@.png", options + "--chunk 3");
@@ -150,6 +150,7 @@ TEST_F(Slurm, RendersOnWhereANodeWasLost) {
   EXPECT_EQ("6 frames are as they were written\n", Bytes(folder / ("out.slurm-" + check + ".log")));
   for (const fs::directory_entry& entry : fs::directory_iterator(folder.Path())) {
     EXPECT_EQ(std::string::npos, entry.path().string().find(".part.")) << entry.path();
+    EXPECT_NE(".claim", entry.path().extension()) << entry.path();
   }
 }
 
