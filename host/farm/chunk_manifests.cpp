@@ -54,6 +54,7 @@ std::vector<fs::path> OtherManifests(const FarmJob& job) {
   }
   std::sort(found.begin(), found.end());
   std::vector<fs::path> files;
+  files.reserve(found.size());
   for (auto& [time, file] : found) {
     files.push_back(std::move(file));
   }

@@ -190,8 +190,8 @@ void KeyframedValues::Track::Settle(const ShotSpan& span) {
     byTime.insert_or_assign(values[i].time, values[i]);
   }
   values.clear();
-  for (auto& [time, value] : byTime) {
-    values.push_back(std::move(value));
+  for (const auto& [time, value] : byTime) {
+    values.push_back(value);
   }
 }
 

@@ -135,7 +135,7 @@ bool Loader::IsToRender(FrameWork* work, Elsewhere elsewhere, FrameChannel* load
       return false;
     }
     // What makes every claim vain. A file that appears meanwhile may be another program's.
-    PictureOutput(work->files.output, true);
+    const PictureOutput possible(work->files.output, true);
     while (!(work->claim = FrameClaim::Try(work->files.output))) {
       work->isElsewhere = elsewhere == Elsewhere::kPutAside || loaded->IsClosed();
       if (work->isElsewhere) {
