@@ -206,7 +206,7 @@ std::uint64_t WithHeadroom(const ShotForesight& shot) {
 std::optional<ShotForesight> Foreseen(const lx::Footprint& engine, const Page& page,
                                       const ShotSettings& settings, const ShotPlan& plan) {
   try {
-    const Picture picture = FirstPicture(plan);
+    const PictureHead picture = FirstHead(plan);
     const KeyframedValues values(page, settings.layers, picture.width, picture.height, plan.span);
     return ForeseeShot(engine, values, plan, picture, settings.grow);
   } catch (const MissingInput&) {

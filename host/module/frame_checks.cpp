@@ -93,7 +93,7 @@ int LitPixels(const std::map<std::string, Value>& values, const Samples& picture
 }  // namespace
 
 void CheckGrid(const lx::Footprint& engine, const std::map<std::string, Value>& values, int width,
-               int height, std::uint64_t held) {
+               int height, std::uint64_t held, std::uint64_t pictures) {
   const Foresight foresight = Foresee(engine, values, width, height);
   if (foresight.grid == lx::GridSides{}) {
     throw Failure("a picture of " + std::to_string(width) + " x " + std::to_string(height) +
@@ -103,10 +103,12 @@ void CheckGrid(const lx::Footprint& engine, const std::map<std::string, Value>& 
                   std::to_string(engine.largestSide) + " pixels at most");
   }
   const std::uint64_t available = AvailableMemory();
-  if (available != 0 && foresight.effectBytes > available + held) {
+  if (available != 0 && foresight.effectBytes + pictures > available + held) {
+    const std::string beside =
+        pictures == 0 ? "" : " and " + std::to_string(pictures / kMebibyte) + " MiB for pictures";
     throw Failure("a picture of " + std::to_string(width) + " x " + std::to_string(height) +
                   " needs " + std::to_string(foresight.effectBytes / kMebibyte) +
-                  " MiB for the effect, and this machine has " +
+                  " MiB for the effect" + beside + ", and this machine has " +
                   std::to_string(available / kMebibyte) + " MiB left");
   }
 }

@@ -15,10 +15,11 @@ namespace glimmerhost {
 
 // Throws Failure if the effect cannot take a picture of that size with these values: its grid
 // would be too large, or there is not the memory for it.
-//   engine  of the module that will render
-//   held    bytes that the effect holds already from the frame before
+//   engine    of the module that will render
+//   held      bytes that the effect holds already from the frame before
+//   pictures  bytes that are still to be taken for pictures themselves
 void CheckGrid(const lx::Footprint& engine, const std::map<std::string, Value>& values, int width,
-               int height, std::uint64_t held = 0);
+               int height, std::uint64_t held = 0, std::uint64_t pictures = 0);
 
 // Whether rounding would be seen in dark areas of an engine's frames.
 bool ShowsNoise(const lx::Footprint& engine, double emphasis);

@@ -145,7 +145,7 @@ std::uint64_t EndOf(const Header& header, const Element& element) {
 
 }  // namespace
 
-void CheckDpxLength(const std::filesystem::path& file) {
+void CheckDpxHeader(const std::filesystem::path& file) {
   const Header header(file);
   std::error_code error;
   const std::uintmax_t bytes = std::filesystem::file_size(file, error);
@@ -159,6 +159,16 @@ void CheckDpxLength(const std::filesystem::path& file) {
   if (claimed != kUndefined && claimed > bytes) {
     ReadFailure(file, "its header claims " + std::to_string(claimed) +
                           " bytes of user data, and the file has " + std::to_string(bytes));
+  }
+}
+
+void CheckDpxLength(const std::filesystem::path& file) {
+  CheckDpxHeader(file);
+  const Header header(file);
+  std::error_code error;
+  const std::uintmax_t bytes = std::filesystem::file_size(file, error);
+  if (!header.IsValid() || error) {
+    return;
   }
   const std::size_t elements = std::min<std::size_t>(header.Short(kElementCount), kMostElements);
   for (std::size_t i = 0; i < elements; ++i) {

@@ -8,9 +8,13 @@
 
 namespace glimmerhost {
 
-// Throws Failure, which names the file, if it is a DPX file and shorter than its header says. How
-// long runs are is not known before they are read; of such files, and of others than DPX, nothing
-// is said.
+// Both throw Failure, which names the file. Of other files than DPX nothing is said.
+
+// Where the header is not whole, or claims more user data than there is.
+void CheckDpxHeader(const std::filesystem::path& file);
+
+// And where samples are missing. How long runs are is not known before they are read; of such files
+// nothing is said.
 void CheckDpxLength(const std::filesystem::path& file);
 
 }  // namespace glimmerhost

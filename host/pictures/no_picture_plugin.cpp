@@ -25,6 +25,10 @@ Picture ReadPlugged(const std::filesystem::path& /*file*/, const std::string& /*
   None();
 }
 
+PictureHead ReadPluggedHead(const std::filesystem::path& /*file*/, const std::string& /*why*/) {
+  None();
+}
+
 void CompletePlugged(const std::filesystem::path& /*file*/, const std::string& /*why*/,
                      const ReadOptions& /*options*/, Picture* /*picture*/, ReadReport* /*report*/) {
   None();

@@ -8,12 +8,26 @@
 
 #include "host/pictures/channels.h"
 #include "host/support/failure.h"
+#include "host/support/input_file.h"
 #include "host/support/system.h"
 #include "host/support/temporary_file.h"
 
 namespace glimmerhost {
 
 namespace fs = std::filesystem;
+
+namespace {
+
+// Throws what reading does of a file that cannot hold a picture.
+void CheckFile(const fs::path& file) {
+  RequireFile(file);
+  std::error_code error;
+  if (fs::file_size(file, error) == 0) {
+    ReadFailure(file, "empty");
+  }
+}
+
+}  // namespace
 
 OutputFormat OutputFormatOf(const fs::path& file) {
   const std::optional<OutputFormat> format = FormatOf(file);
@@ -24,21 +38,13 @@ OutputFormat OutputFormatOf(const fs::path& file) {
 }
 
 Picture ReadPicture(const fs::path& file, const ReadOptions& options, ReadReport* report) {
-  std::error_code error;
-  const fs::file_status status = fs::status(file, error);
-  if (status.type() == fs::file_type::not_found) {
-    throw MissingInput(file.string() + ": not found");
-  }
-  if (!fs::status_known(status)) {
-    ReadFailure(file, error.message());
-  }
-  if (!fs::is_regular_file(status)) {
-    ReadFailure(file, "not a file");
-  }
-  if (fs::file_size(file, error) == 0) {
-    ReadFailure(file, "empty");
-  }
+  CheckFile(file);
   return ReadFormat(file, options, report);
+}
+
+PictureHead ReadPictureHead(const fs::path& file) {
+  CheckFile(file);
+  return ReadFormatHead(file);
 }
 
 Picture ReadPicture(const fs::path& file, const std::string& keptFor, std::string* warning) {

@@ -9,6 +9,7 @@
 
 #include "host/pictures/picture.h"
 #include "host/pictures/picture_formats.h"
+#include "host/pictures/picture_head.h"
 
 namespace glimmerhost {
 
@@ -29,6 +30,10 @@ Picture ReadPicture(const std::filesystem::path& file, const std::string& keptFo
 inline Picture ReadPicture(const std::filesystem::path& file, std::string* warning) {
   return ReadPicture(file, kNoFormat, warning);
 }
+
+// What a file says of its picture. No samples are read, and a file that lacks some does as well.
+// Throws as ReadPicture does.
+PictureHead ReadPictureHead(const std::filesystem::path& file);
 
 // The format that an output's name asks for. Throws UsageError, which names -o, for an unknown one.
 OutputFormat OutputFormatOf(const std::filesystem::path& file);

@@ -65,6 +65,17 @@ Picture ReadFormat(const fs::path& file, const ReadOptions& options, ReadReport*
   }
 }
 
+PictureHead ReadFormatHead(const fs::path& file) {
+  try {
+    return ReadPngOrTiffHead(file);
+  } catch (const BeyondReader& beyond) {
+    if (!kHasPicturePlugin) {
+      ReadFailure(file, beyond.what());
+    }
+    return ReadPluggedHead(file, IsPngOrTiff(file) ? beyond.what() : "");
+  }
+}
+
 void WriteFormat(const OutputFile& file, const OutputFormat& format, const Picture& picture,
                  const Coding& coding, std::vector<NotCarried>* lost) {
   if (kHasPicturePlugin && (picture.colours || picture.attributes || !format.own)) {

@@ -12,6 +12,7 @@
 #include "host/pictures/coding.h"
 #include "host/pictures/not_carried.h"
 #include "host/pictures/picture.h"
+#include "host/pictures/picture_head.h"
 #include "host/pictures/read_report.h"
 
 namespace glimmerhost {
@@ -45,6 +46,9 @@ std::optional<OutputFormat> FormatOf(const std::filesystem::path& file);
 // Throws Failure, which names the file.
 Picture ReadFormat(const std::filesystem::path& file, const ReadOptions& options,
                    ReadReport* report);
+
+// As ReadPictureHead, of such a file.
+PictureHead ReadFormatHead(const std::filesystem::path& file);
 
 // A file on its way.
 struct OutputFile {

@@ -61,6 +61,8 @@ class PicturePlugin {
   virtual PluginOutcome Read(const std::filesystem::path& file, const ReadOptions& options,
                              Picture* picture, ReadReport* report) const = 0;
 
+  virtual PluginOutcome ReadHead(const std::filesystem::path& file, PictureHead* head) const = 0;
+
   // As CompletePlugged.
   virtual PluginOutcome Complete(const std::filesystem::path& file, const ReadOptions& options,
                                  Picture* picture, ReadReport* report) const = 0;

@@ -107,6 +107,14 @@ Picture ReadPlugged(const fs::path& file, const std::string& why, const ReadOpti
   return picture;
 }
 
+PictureHead ReadPluggedHead(const fs::path& file, const std::string& why) {
+  const PicturePlugin& plugin = OpenFor(file, why.empty() ? FormatWanted(file) : why);
+  const QuietStderr quiet;
+  PictureHead head;
+  Raise(plugin.ReadHead(file, &head));
+  return head;
+}
+
 void CompletePlugged(const fs::path& file, const std::string& why, const ReadOptions& options,
                      Picture* picture, ReadReport* report) {
   const PicturePlugin& plugin = OpenFor(file, why);

@@ -24,6 +24,9 @@ std::optional<OutputFormat> PluggedFormatOf(const std::filesystem::path& file);
 Picture ReadPlugged(const std::filesystem::path& file, const std::string& why,
                     const ReadOptions& options, ReadReport* report);
 
+//   why  as of ReadPlugged
+PictureHead ReadPluggedHead(const std::filesystem::path& file, const std::string& why);
+
 // Gives a picture of whole numbers, or of floats without colours to transform, whose samples are
 // read already, what only the plug-in knows of its file: the options' colours, and all that the
 // file says beside its samples.

@@ -74,7 +74,7 @@ void ListFiles(const ShotPlan& plan, std::ostream& out) {
 
 void Explain(const lx::Footprint& engine, const Page& page, const ShotSettings& settings,
              const ShotPlan& plan, std::ostream& out) {
-  const Picture picture = FirstPicture(plan);
+  const PictureHead picture = FirstHead(plan);
   const KeyframedValues values(page, settings.layers, picture.width, picture.height, plan.span);
   const ShotForesight foresight = ForeseeShot(engine, values, plan, picture, settings.grow);
   std::vector<int> frames;

@@ -8,6 +8,7 @@
 #include <utility>
 #include <variant>
 
+#include "host/looks/foresight.h"
 #include "host/looks/keys.h"
 #include "host/module/frame_checks.h"
 #include "host/module/second_clip.h"
@@ -201,6 +202,7 @@ void Loader::TakePicture(FrameWork* work) {
   ReadOptions options = settings_.reading;
   options.keptFor = work->output ? KeptFor(work->output->Format()) : kNoFormat;
   ReadSteadily(file, [&] {
+    CheckRoom(*work);
     work->picture = ReadPicture(file, options, &work->found);
     if (manifest_ != nullptr) {
       work->sources[kInputSource] = StateOfFile(file);
@@ -295,6 +297,23 @@ void Loader::WarnOfRange(FrameWork* work) {
     warnedOfRange_ = true;
     work->report.remarks.emplace_back("--range has no effect on a picture of whole numbers");
   }
+}
+
+// Before minutes and gigabytes go into samples of which nothing can be made. What the effect holds
+// of the frame before, it gives back first; whether enough of it, is known when the frame's turn
+// comes.
+void Loader::CheckRoom(const FrameWork& work) {
+  // The picture, its copy for the effect and the result.
+  constexpr std::uint64_t kPixel = 24;
+  const PictureHead head = ReadPictureHead(work.files.input);
+  const KeyframedValues& looks = ValuesFor(head.width, head.height);
+  const auto values = looks.AtGrown(work.files.frame, growth_);
+  const int width = head.width + 2 * growth_;
+  const int height = head.height + 2 * growth_;
+  const std::uint64_t pixels =
+      static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
+  CheckGrid(engine_, values, width, height, held_, kPixel * pixels);
+  held_ = std::max(held_, Foresee(engine_, values, width, height).effectBytes);
 }
 
 const KeyframedValues& Loader::ValuesFor(int width, int height) {

@@ -69,6 +69,7 @@ class Loader {
   static void SettleLayers(FrameWork* work, int by);
   int Grow(FrameWork* work);
   void WarnOfNoise(FrameWork* work);
+  void CheckRoom(const FrameWork& work);
   void WarnOfRange(FrameWork* work);
   const KeyframedValues& ValuesFor(int width, int height);
   // With those that the store does not have.
@@ -100,6 +101,7 @@ class Loader {
   FileState maskState_;
   bool warnedOfNoise_ = false;
   bool warnedOfRange_ = false;
+  std::uint64_t held_ = 0;  // bytes that the effect may hold already, of frames before
 };
 
 }  // namespace glimmerhost

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <string>
 #include <system_error>
 
 #include "host/looks/foresight.h"
@@ -12,17 +11,16 @@
 
 namespace glimmerhost {
 
-Picture FirstPicture(const ShotPlan& plan) {
+PictureHead FirstHead(const ShotPlan& plan) {
   std::error_code error;
   const auto there = std::find_if(
       plan.files.begin(), plan.files.end(),
       [&error](const FrameFiles& files) { return std::filesystem::exists(files.input, error); });
-  std::string warning;
-  return ReadPicture(there == plan.files.end() ? plan.files.front().input : there->input, &warning);
+  return ReadPictureHead(there == plan.files.end() ? plan.files.front().input : there->input);
 }
 
 ShotForesight ForeseeShot(const lx::Footprint& engine, const KeyframedValues& values,
-                          const ShotPlan& plan, const Picture& picture, bool grow) {
+                          const ShotPlan& plan, const PictureHead& picture, bool grow) {
   ShotForesight shot;
   shot.growth = grow ? GrowthOf(values, plan.span, picture.width) : 0;
   for (const FrameFiles& files : plan.files) {

@@ -8,7 +8,7 @@
 
 #include "fftlib/backends/footprint.h"
 #include "host/looks/keyframed_values.h"
-#include "host/pictures/picture.h"
+#include "host/pictures/picture_head.h"
 #include "host/shots/shot_plan.h"
 
 namespace glimmerhost {
@@ -24,13 +24,13 @@ struct ShotForesight {
 // The grid of frames that have none.
 inline constexpr lx::GridSides kTooLarge{};
 
-// The first picture that is there, which the others are taken to be as large as. Throws as reading
-// does, and MissingInput where none is there.
-Picture FirstPicture(const ShotPlan& plan);
+// Of the first picture that is there, which the others are taken to be as large as. Throws as
+// reading does, and MissingInput where none is there. No samples are read.
+PictureHead FirstHead(const ShotPlan& plan);
 
 //   engine  of the module that will render
 //   grow    whether the canvas grows
 ShotForesight ForeseeShot(const lx::Footprint& engine, const KeyframedValues& values,
-                          const ShotPlan& plan, const Picture& picture, bool grow);
+                          const ShotPlan& plan, const PictureHead& picture, bool grow);
 
 }  // namespace glimmerhost

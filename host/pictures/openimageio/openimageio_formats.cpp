@@ -32,8 +32,9 @@ namespace fs = std::filesystem;
 constexpr const char* kBitsPerSample = "oiio:BitsPerSample";
 constexpr const char* kStraightAttribute = "oiio:UnassociatedAlpha";
 
-std::unique_ptr<OIIO::ImageInput> OpenInput(const fs::path& file) {
-  CheckDpxLength(file);
+// Of a file whose samples nobody may want.
+std::unique_ptr<OIIO::ImageInput> OpenHead(const fs::path& file) {
+  CheckDpxHeader(file);
   OIIO::ImageSpec config;
   config.attribute(kStraightAttribute, 1);
   std::unique_ptr<OIIO::ImageInput> input = OIIO::ImageInput::open(file.string(), &config);
@@ -45,6 +46,13 @@ std::unique_ptr<OIIO::ImageInput> OpenInput(const fs::path& file) {
   if (spec.depth > 1 || spec.nchannels < 1) {
     ReadFailure(file, "it holds no flat picture");
   }
+  return input;
+}
+
+std::unique_ptr<OIIO::ImageInput> OpenInput(const fs::path& file) {
+  std::unique_ptr<OIIO::ImageInput> input = OpenHead(file);
+  CheckDpxLength(file);
+  const OIIO::ImageSpec& spec = input->spec();
   // The file's samples, and beside them the picture's.
   const std::uint64_t sample = spec.format.is_floating_point() ? 4 : 2;
   CheckMemoryFor(file, spec.width, spec.height,
@@ -224,6 +232,14 @@ Picture ReadByOpenImageIo(const fs::path& file, const ReadOptions& options, Read
     }
   }
   return picture;
+}
+
+PictureHead ReadHeadByOpenImageIo(const fs::path& file) {
+  const std::unique_ptr<OIIO::ImageInput> input = OpenHead(file);
+  const OIIO::ImageSpec& spec = input->spec();
+  return {spec.width, spec.height, spec.nchannels,
+          spec.get_int_attribute("oiio:BitsPerSample", static_cast<int>(spec.format.size() * 8)),
+          spec.format.is_floating_point()};
 }
 
 void CompleteByOpenImageIo(const fs::path& file, const ReadOptions& options, Picture* picture,

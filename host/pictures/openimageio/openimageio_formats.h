@@ -17,6 +17,8 @@ std::optional<OutputFormat> OpenImageIoFormatOf(const std::filesystem::path& fil
 Picture ReadByOpenImageIo(const std::filesystem::path& file, const ReadOptions& options,
                           ReadReport* report);
 
+PictureHead ReadHeadByOpenImageIo(const std::filesystem::path& file);
+
 void CompleteByOpenImageIo(const std::filesystem::path& file, const ReadOptions& options,
                            Picture* picture, ReadReport* report);
 

@@ -58,6 +58,10 @@ class Plugin final : public PicturePlugin {
     return Outcome([&] { *picture = ReadByOpenImageIo(file, options, report); });
   }
 
+  PluginOutcome ReadHead(const std::filesystem::path& file, PictureHead* head) const override {
+    return Outcome([&] { *head = ReadHeadByOpenImageIo(file); });
+  }
+
   PluginOutcome Complete(const std::filesystem::path& file, const ReadOptions& options,
                          Picture* picture, ReadReport* report) const override {
     return Outcome([&] { CompleteByOpenImageIo(file, options, picture, report); });

@@ -57,15 +57,25 @@ class PngReader {
         bytes_(file, FileUse::kRead),
         library_(&bytes_, PngLibrary::Use::kRead, LargestBlockOfMemory(file)) {}
 
-  Picture Read(const ReadOptions& options, Reader reader, std::string* metadataBeyond) {
+  // To be called first, and once.
+  PictureHead Head() {
     const png_structp png = library_.Png();
     const png_infop info = library_.Info();
     Must([&] { png_read_info(png, info); });
-    Picture picture;
     CheckSides(file_, png_get_image_width(png, info), png_get_image_height(png, info));
-    picture.width = static_cast<int>(png_get_image_width(png, info));
-    picture.height = static_cast<int>(png_get_image_height(png, info));
-    picture.bits = png_get_bit_depth(png, info) == 16 ? 16 : 8;
+    return {static_cast<int>(png_get_image_width(png, info)),
+            static_cast<int>(png_get_image_height(png, info)), png_get_channels(png, info),
+            png_get_bit_depth(png, info), false};
+  }
+
+  Picture Read(const ReadOptions& options, Reader reader, std::string* metadataBeyond) {
+    const png_structp png = library_.Png();
+    const png_infop info = library_.Info();
+    const PictureHead head = Head();
+    Picture picture;
+    picture.width = head.width;
+    picture.height = head.height;
+    picture.bits = head.bits == 16 ? 16 : 8;
     Must([&] {
       png_set_expand(png);
       SwapOnLittleEndian(png);
@@ -130,6 +140,8 @@ Picture ReadPng(const fs::path& file, const ReadOptions& options, Reader reader,
                 std::string* metadataBeyond) {
   return PngReader(file).Read(options, reader, metadataBeyond);
 }
+
+PictureHead ReadPngHead(const fs::path& file) { return PngReader(file).Head(); }
 
 void WritePng(const fs::path& file, const Picture& picture, const Coding& coding) {
   const int bits = BitsOf(coding, picture.bits);

@@ -8,6 +8,7 @@
 #include "host/pictures/beyond_reader.h"
 #include "host/pictures/coding.h"
 #include "host/pictures/picture.h"
+#include "host/pictures/picture_head.h"
 #include "host/pictures/read_report.h"
 
 namespace glimmerhost {
@@ -17,6 +18,9 @@ namespace glimmerhost {
 //   metadataBeyond  as of ReadPngOrTiff
 Picture ReadPng(const std::filesystem::path& file, const ReadOptions& options, Reader reader,
                 std::string* metadataBeyond);
+
+// Throws Failure, which names the file.
+PictureHead ReadPngHead(const std::filesystem::path& file);
 
 // Throws Failure with the bare reason.
 //   coding  of 8 or 16 bits

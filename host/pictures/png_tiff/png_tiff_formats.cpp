@@ -76,6 +76,14 @@ Picture ReadPngOrTiff(const fs::path& file, const ReadOptions& options, Reader r
   return ReadTiff(file, options, reader, report, metadataBeyond);
 }
 
+PictureHead ReadPngOrTiffHead(const fs::path& file) {
+  const Start start = StartOf(file);
+  if (!IsPng(start) && !IsTiff(start)) {
+    throw BeyondReader("not a picture that can be read: it must be PNG or TIFF");
+  }
+  return IsPng(start) ? ReadPngHead(file) : ReadTiffHead(file);
+}
+
 void CheckTiffBlocks(const fs::path& file) {
   if (IsTiff(StartOf(file))) {
     CheckBlocksOfTiff(file);

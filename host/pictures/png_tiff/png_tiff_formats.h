@@ -26,6 +26,9 @@ bool IsPngOrTiff(const std::filesystem::path& file);
 Picture ReadPngOrTiff(const std::filesystem::path& file, const ReadOptions& options, Reader reader,
                       ReadReport* report, std::string* metadataBeyond = nullptr);
 
+// As ReadFormatHead. Throws BeyondReader as ReadPngOrTiff does with kBestEffort.
+PictureHead ReadPngOrTiffHead(const std::filesystem::path& file);
+
 // Throws Failure, which names the file, if a block of a TIFF file is broken and that can be told:
 // what reads for the plug-in hides it. Of files of other formats nothing is said, nor of blocks
 // that libtiff itself cannot decode.

@@ -113,8 +113,10 @@ class TiffReader {
     if (reader == Reader::kExact) {
       CheckExact();
     }
-    FindBlocks();
-    deflated_.emplace(library_);
+  }
+
+  PictureHead Head() const {
+    return {static_cast<int>(width_), static_cast<int>(height_), channels_, bits_, floats_};
   }
 
   // Throws BeyondReader where the plug-in would bring more of the file, or bring it otherwise, into
@@ -127,6 +129,8 @@ class TiffReader {
     if (floats_ && options.colours) {
       throw BeyondReader("its colours are to be transformed");
     }
+    FindBlocks();
+    deflated_.emplace(library_);
     Picture picture;
     picture.width = static_cast<int>(width_);
     picture.height = static_cast<int>(height_);
@@ -460,7 +464,7 @@ class TiffReader {
   bool apart_ = false;
   std::uint64_t mostBytes_ = 0;
   Blocks blocks_{};
-  std::optional<DeflatedBlocks> deflated_;  // there once the file is open
+  std::optional<DeflatedBlocks> deflated_;  // there once samples are read
 };
 
 void SetLayout(TIFF* tiff, const Picture& picture, const Coding& coding, int channels) {
@@ -564,6 +568,10 @@ Picture ReadTiff(const fs::path& file, const ReadOptions& options, Reader reader
     NoteBeyond(metadataBeyond, [&] { tiff.CheckMetadata(options.keptFor); });
   }
   return tiff.Read(options, report);
+}
+
+PictureHead ReadTiffHead(const fs::path& file) {
+  return TiffReader(file, Reader::kBestEffort).Head();
 }
 
 void WriteTiff(const fs::path& file, const Picture& picture, const Coding& coding) {

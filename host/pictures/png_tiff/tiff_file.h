@@ -8,6 +8,7 @@
 #include "host/pictures/beyond_reader.h"
 #include "host/pictures/coding.h"
 #include "host/pictures/picture.h"
+#include "host/pictures/picture_head.h"
 #include "host/pictures/read_report.h"
 
 namespace glimmerhost {
@@ -18,6 +19,9 @@ namespace glimmerhost {
 //   metadataBeyond  as of ReadPngOrTiff
 Picture ReadTiff(const std::filesystem::path& file, const ReadOptions& options, Reader reader,
                  ReadReport* report, std::string* metadataBeyond);
+
+// Throws Failure, which names the file, and BeyondReader.
+PictureHead ReadTiffHead(const std::filesystem::path& file);
 
 // As CheckTiffBlocks, of a TIFF file.
 void CheckBlocksOfTiff(const std::filesystem::path& file);

@@ -137,6 +137,19 @@ TEST_F(LoaderAlone, TakesAMissingMaskForAMissingInput) {
   EXPECT_EQ(States{FrameState::kMissing}, StatesOf(Load()));
 }
 
+// What is known from the head is said before samples are read: here there are none.
+TEST_F(LoaderAlone, ReadsNoSamplesOfAPictureThatTheEngineCannotTake) {
+  Plan(1);
+  WriteHeadAlone(1, 20000, 20000);
+
+  const Works works = Load("exact");
+
+  ASSERT_EQ(1U, works.size());
+  EXPECT_EQ(FrameState::kFailed, works[0]->report.state);
+  EXPECT_TRUE(works[0]->report.fault.starts_with("a picture of 20000 x 20000 with a radius of "))
+      << works[0]->report.fault;
+}
+
 TEST_F(LoaderAlone, GivesEachFrameItsPictureAndItsValues) {
   Plan(3);
   for (const int frame : {1, 2, 3}) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <zlib.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -73,6 +74,26 @@ class ShotStage : public testing::Test {
 
   void WriteInput(int frame, const Picture& picture) const {
     glimmerhost::PictureOutput(folder / InputName(frame), false).Write(picture, 16);
+  }
+
+  // A PNG file that ends where samples would begin.
+  void WriteHeadAlone(int frame, std::uint32_t width, std::uint32_t height) const {
+    std::string chunk("IHDR");
+    for (const std::uint32_t side : {width, height}) {
+      for (int shift = 24; shift >= 0; shift -= 8) {
+        chunk += static_cast<char>(side >> shift & 0xFFU);
+      }
+    }
+    chunk += std::string("\x08\x02\0\0\0", 5);  // 8 bits, in colour
+    const auto sum = static_cast<std::uint32_t>(crc32(
+        0, reinterpret_cast<const unsigned char*>(chunk.data()), static_cast<uInt>(chunk.size())));
+    std::string bytes = std::string("\x89PNG\r\n\x1A\n\0\0\0\x0D", 12) + chunk;
+    for (int shift = 24; shift >= 0; shift -= 8) {
+      bytes += static_cast<char>(sum >> shift & 0xFFU);
+    }
+    // What follows claims to be samples.
+    bytes += std::string("\0\0\0\x10IDAT", 8);
+    std::ofstream(folder / InputName(frame), std::ios::binary) << bytes;
   }
 
   void WriteText(const std::string& name, const std::string& text) const {

@@ -124,6 +124,27 @@ TEST_P(Damage, ThatOverwritesWhatIsNoSampleHasACleanEnd) {
   }
 }
 
+TEST_P(Damage, OfAllSamplesLeavesTheHeadReadable) {
+  std::string bytes = GetParam().bytes;
+  // Of a PNG the first chunk's head is needed to know that the file's own has ended.
+  const std::size_t from =
+      GetParam().format == "PNG" ? bytes.find("IDAT") + 4 : GetParam().samplesFrom;
+  std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(from),
+            bytes.begin() + static_cast<std::ptrdiff_t>(GetParam().samplesTo), '\0');
+  if (GetParam().ending == ".pam") {
+    return;  // read from pipes, as it comes
+  }
+  std::ofstream(file_, std::ios::binary | std::ios::trunc) << bytes;
+
+  const glimmerhost::PictureHead head = glimmerhost::ReadPictureHead(file_);
+
+  EXPECT_EQ(64, head.width);
+  EXPECT_EQ(48, head.height);
+  EXPECT_EQ(GetParam().channels, head.channels);
+  EXPECT_EQ(GetParam().bits, head.bits);
+  EXPECT_EQ(GetParam().floats, head.floats);
+}
+
 std::vector<WholeFile> AllFiles() {
   const ScratchFolder folder;
   return lx_test::WholeFiles(folder.Path());

@@ -84,6 +84,8 @@ class Maker {
     Dpx("Dpx12Packed", 12, DpxPacking::kPacked);
     Dpx("Dpx16", 16, DpxPacking::kPacked);
     Plugged("Jpeg", "jpg", "JPEG", "", OIIO::TypeDesc::UINT8);
+    // Behind the last marker and the twelve bytes that it has.
+    files_.back().samplesFrom = files_.back().bytes.find("\xFF\xDA") + 14;
     Pam();
     return std::move(files_);
   }
@@ -106,7 +108,7 @@ class Maker {
     kind.sample = Slopes(bits);
     MakePng(folder_ / "whole.png", kind);
     // All of it has check sums.
-    Add({name, ".png", "PNG", "", 0, 0});
+    Add({name, ".png", "PNG", "", 0, 0, type == PNG_COLOR_TYPE_RGB_ALPHA ? 4 : 3, bits});
   }
 
   void Tiff(const std::string& name, const std::string& format, OddTiff kind) {
@@ -130,7 +132,9 @@ class Maker {
       const auto byte = static_cast<unsigned char>(bytes[4 + (highFirst ? i : 3 - i)]);
       directory = directory << 8U | byte;
     }
-    Add({name, ".tif", format, "", 8, directory});
+    Add({name, ".tif", format, "", 8, directory,
+         kind.photometric == PHOTOMETRIC_SEPARATED ? 3 : kind.channels, kind.bits,
+         kind.sampleFormat == SAMPLEFORMAT_IEEEFP});
   }
 
   void Exr(const std::string& compression, OIIO::TypeDesc type) {
@@ -175,7 +179,8 @@ class Maker {
     EXPECT_TRUE(output->open(file, spec) &&
                 output->write_image(OIIO::TypeDesc::FLOAT, samples.data()) && output->close())
         << output->geterror();
-    Add({name, "." + ending, format, "", 0, 0});
+    Add({name, "." + ending, format, "", 0, 0, 3, static_cast<int>(type.size() * 8),
+         type.is_floating_point()});
   }
 
   void Dpx(const std::string& name, int bits, DpxPacking packing) {
@@ -186,7 +191,7 @@ class Maker {
     kind.packing = packing;
     kind.sample = Slopes(bits);
     std::ofstream(folder_ / "whole.dpx", std::ios::binary) << DpxBytes(kind);
-    Add({name, ".dpx", "DPX", "", 2048, 0});
+    Add({name, ".dpx", "DPX", "", 2048, 0, 3, bits});
   }
 
   void Pam() {
@@ -202,7 +207,7 @@ class Maker {
       }
     }
     std::ofstream(folder_ / "whole.pam", std::ios::binary) << bytes;
-    Add({"Pam", ".pam", "PAM", "", header, 0});
+    Add({"Pam", ".pam", "PAM", "", header, 0, 3, 16});
   }
 
   fs::path folder_;

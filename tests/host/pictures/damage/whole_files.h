@@ -18,6 +18,10 @@ struct WholeFile {
   // Where the samples stand. What stands before and behind them says what they are.
   std::size_t samplesFrom = 0;
   std::size_t samplesTo = 0;
+  // As its reader has them: colours of four inks are three.
+  int channels = 3;
+  int bits = 8;
+  bool floats = false;
 };
 
 // For a failed test's line.
