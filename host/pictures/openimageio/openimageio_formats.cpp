@@ -12,15 +12,15 @@
 #include <vector>
 
 #include "host/pictures/channels.h"
-#include "host/pictures/dpx_header.h"
 #include "host/pictures/float_samples.h"
+#include "host/pictures/guards/dpx_header.h"
+#include "host/pictures/guards/reader_guard.h"
 #include "host/pictures/openimageio/managed_samples.h"
 #include "host/pictures/openimageio/openimageio_channels.h"
 #include "host/pictures/openimageio/openimageio_extras.h"
 #include "host/pictures/openimageio/openimageio_metadata.h"
 #include "host/pictures/openimageio/openimageio_output.h"
 #include "host/pictures/pixel_aspect.h"
-#include "host/pictures/reader_guard.h"
 #include "host/support/failure.h"
 
 namespace glimmerhost {

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "host/pictures/channels.h"
+#include "host/pictures/guards/reader_guard.h"
 #include "host/pictures/picture_file.h"
-#include "host/pictures/reader_guard.h"
 #include "host/support/failure.h"
 #include "tests/host/pictures/picture_samples.h"
 #include "tests/support/scratch_folder.h"

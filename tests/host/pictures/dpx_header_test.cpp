@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // DPX files that are shorter than their headers say.
-#include "host/pictures/dpx_header.h"
+#include "host/pictures/guards/dpx_header.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "host/pictures/reader_guard.h"
+#include "host/pictures/guards/reader_guard.h"
 
 #include <string>
 

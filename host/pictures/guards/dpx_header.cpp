@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "host/pictures/dpx_header.h"
+#include "host/pictures/guards/dpx_header.h"
 
 #include <algorithm>
 #include <array>
