@@ -33,7 +33,7 @@ class BitRow {
     }
     for (int i = 0; i < bits / 8; ++i) {
       const int byte = highFirst_ ? bits / 8 - 1 - i : i;
-      bytes_.push_back(static_cast<std::uint8_t>(value >> 8 * byte));
+      bytes_.push_back(static_cast<std::uint8_t>(std::uint64_t{value} >> 8 * byte));
     }
   }
 
