@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/glimmerhost/render_options.h"
 
-#include "host/pictures/channel_patterns.h"
 #include "host/pictures/colour_config.h"
 #include "host/pictures/picture_formats.h"
 #include "host/pictures/plugged_formats.h"
+#include "host/support/channel_patterns.h"
 #include "host/support/failure.h"
 
 namespace glimmerhost {

@@ -9,10 +9,10 @@
 #include <optional>
 #include <utility>
 
-#include "host/pictures/channel_patterns.h"
 #include "host/pictures/float_samples.h"
 #include "host/pictures/openimageio/managed_samples.h"
 #include "host/pictures/reader_guard.h"
+#include "host/support/channel_patterns.h"
 #include "host/support/failure.h"
 
 namespace glimmerhost {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "host/pictures/channel_patterns.h"
+#include "host/support/channel_patterns.h"
 
 #include <gtest/gtest.h>
 
