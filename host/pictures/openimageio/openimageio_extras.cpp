@@ -11,7 +11,7 @@
 
 #include "host/pictures/float_samples.h"
 #include "host/pictures/openimageio/managed_samples.h"
-#include "host/pictures/reader_guard.h"
+#include "host/pictures/guards/reader_guard.h"
 #include "host/support/channel_patterns.h"
 #include "host/support/failure.h"
 
