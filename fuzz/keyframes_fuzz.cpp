@@ -7,7 +7,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   const std::string text = fuzz::Text(bytes, size);
   fuzz::ReadOrRefuse([&] {
     if (glimmerhost::HasKeyframes(text)) {
-      glimmerhost::ParseKeyframes("--radius", text);
+      for (const auto& key : glimmerhost::ParseKeyframes("--radius", text)) {
+        glimmerhost::FrameOf(key.time, {1001, 1100}, "--radius", text);
+      }
     }
   });
   return 0;

@@ -70,8 +70,10 @@ Json Ask(const std::filesystem::path& file, const std::vector<std::string>& what
   const ProcessEnd end = child.Wait();
   const std::string trouble = TroubleOf(&child);
   const Json answer = Json::parse(text, nullptr, false);
-  if (end.code != 0 || end.signal != 0 || !answer.is_object()) {
-    Fail(file, "not a film that ffprobe can read: " + (trouble.empty() ? ShowEnd(end) : trouble));
+  // It counts what it can, and says of a film that is cut short how many frames are left.
+  if (end.code != 0 || end.signal != 0 || !trouble.empty() || !answer.is_object()) {
+    Fail(file,
+         "not a whole film that ffprobe can read: " + (trouble.empty() ? ShowEnd(end) : trouble));
   }
   return answer;
 }

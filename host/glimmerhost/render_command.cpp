@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // glimmerhost render: pictures through the effect, one or a shot of them.
+#include <cstddef>
 #include <optional>
 #include <ostream>
+#include <vector>
 
+#include "host/films/film_reader.h"
+#include "host/films/film_writer.h"
 #include "host/glimmerhost/command.h"
 #include "host/glimmerhost/processors.h"
 #include "host/glimmerhost/render_plan.h"
@@ -17,6 +21,47 @@
 namespace glimmerhost {
 namespace {
 
+// The films at both ends of a render, where there are any.
+class FilmEnds {
+ public:
+  explicit FilmEnds(const RenderPlan& plan) {
+    if (!plan.film) {
+      return;
+    }
+    std::vector<int> frames;
+    for (const FrameFiles& files : plan.shot.files) {
+      frames.push_back(files.frame);
+    }
+    const bool isWhole = frames.size() == static_cast<std::size_t>(plan.film->frames);
+    if (!plan.filmOutput.empty()) {
+      writer_.emplace(plan.filmOutput, *plan.film, isWhole, plan.settings.overwrite);
+      streams_.out = writer_->Stream();
+      streams_.outName = plan.filmOutput.string();
+    }
+    reader_.emplace(*plan.film, frames);
+    streams_.in = reader_->Stream();
+    streams_.inName = plan.film->file.string();
+  }
+
+  const ShotStreams& Streams() const { return streams_; }
+
+  // A film of fewer frames than were asked for is none. What ffmpeg says of a damaged one is more
+  // than that it ended too early.
+  void Finish(std::size_t failed, std::size_t missing) {
+    if (reader_) {
+      reader_->Finish(failed == 0 || missing > 0);
+    }
+    if (writer_ && failed + missing == 0) {
+      writer_->Finish();
+    }
+  }
+
+ private:
+  std::optional<FilmWriter> writer_;
+  std::optional<FilmReader> reader_;
+  ShotStreams streams_;
+};
+
 void RenderShot(const Page& page, RenderPlan plan, ShotReport* report) {
   const EffectModule module(plan.module);
   std::optional<Manifest> manifest;
@@ -28,7 +73,11 @@ void RenderShot(const Page& page, RenderPlan plan, ShotReport* report) {
     }
     manifest.emplace(plan.manifest, plan.settings.skipExisting, plan.settings.overwrite);
   }
-  ShotRender(page, plan.settings, plan.shot, module, manifest ? &*manifest : nullptr).Run(report);
+  FilmEnds films(plan);
+  ShotRender(page, plan.settings, plan.shot, module, manifest ? &*manifest : nullptr,
+             films.Streams())
+      .Run(report);
+  films.Finish(report->Count(FrameState::kFailed), report->Count(FrameState::kMissing));
 }
 
 int Render(const Page& page, const RenderPlan& plan) {

@@ -113,8 +113,8 @@ void AddColours(OptionSet* options, ColourOptions* colours) {
 
 void AddRenderOptions(OptionSet* options, const Page& page, RenderOptions* render) {
   options->Argument("INPUT", &render->input,
-                    std::string("The picture, a sequence (shot.####.tif), or with render - for PAM "
-                                "pictures on the standard input: ") +
+                    std::string("The picture, a sequence (shot.####.tif), or with render a film, or "
+                                "- for PAM pictures on the standard input: ") +
                         kReadableFormats);
   AddOutput(options, render);
   AddLook(options, page, true, render);

@@ -17,19 +17,24 @@
 namespace glimmerhost {
 namespace {
 
+bool IsFilmName(const std::string& name) { return name != kPipe && IsFilm(Utf8Path(name)); }
+
 // What cannot be done where pictures come one after another and are gone then.
 void CheckPipes(const RenderOptions& options) {
-  const auto refuse = [](bool given, const char* option, const char* where) {
+  const auto refuse = [&](bool given, const char* option, const char* where) {
+    const bool isFilm = IsFilmName(where == std::string("-o") ? options.output : options.input);
     if (given) {
-      throw UsageError(std::string(option) + " needs a file as " + where + ", not a pipe (-)");
+      throw UsageError(std::string(option) +
+                       (isFilm ? " needs single pictures as " : " needs a file as ") + where +
+                       (isFilm ? ", not a film" : ", not a pipe (-)"));
     }
   };
-  if (options.input == kPipe) {
+  if (options.input == kPipe || IsFilmName(options.input)) {
     refuse(options.explain, "--explain", "INPUT");
     refuse(options.dryRun, "--dry-run", "INPUT");
     refuse(!options.blurChannels.empty(), "--blur-channels", "INPUT");
   }
-  if (options.output == kPipe) {
+  if (options.output == kPipe || IsFilmName(options.output)) {
     refuse(options.skipExisting, "--skip-existing", "-o");
     // A gap would give all frames behind it other numbers.
     refuse(options.keepGoing, "--keep-going", "-o");
@@ -111,6 +116,59 @@ void PlanFiles(const ReadLook& read, ShotNames names, RenderPlan* plan) {
   }
 }
 
+// What of the film is rendered, in its own order: it is read from its start.
+void CheckFilmFrames(const Film& film, const ShotPlan& shot) {
+  for (std::size_t i = 0; i < shot.files.size(); ++i) {
+    const int frame = shot.files[i].frame;
+    if (frame < 1 || frame > film.frames) {
+      throw MissingInput(film.file.string() + ": it has the frames 1-" +
+                         std::to_string(film.frames) + ", and not " + std::to_string(frame));
+    }
+    if (i > 0 && frame < shot.files[i - 1].frame) {
+      throw UsageError("--frames must go forward in a film, and frame " + std::to_string(frame) +
+                       " comes after " + std::to_string(shot.files[i - 1].frame));
+    }
+  }
+}
+
+void RemarkOnFilm(RenderPlan* plan) {
+  const Film& film = *plan->film;
+  if (film.rateVaries && !plan->filmOutput.empty()) {
+    plan->remarks.push_back(film.file.string() + ": its rate varies; the output has the mean, " +
+                            film.rate + " frames a second");
+  }
+  if (film.isInterlaced) {
+    plan->remarks.push_back(film.file.string() +
+                            ": it is interlaced; both fields are blurred as one picture");
+  }
+}
+
+// The film that the options name, and the options with pipes in the place of films.
+RenderOptions TakeFilms(const RenderOptions& options, RenderPlan* plan) {
+  RenderOptions piped = options;
+  if (IsFilmName(options.input)) {
+    plan->film = LookIntoFilm(Utf8Path(options.input));
+    plan->settings.film = options.input;
+    if (plan->settings.pixelAspect.first == 0) {
+      plan->settings.pixelAspect = plan->film->pixelAspect;
+    }
+    piped.input = kPipe;
+    if (options.frames.empty()) {
+      piped.frames = "1-" + std::to_string(plan->film->frames);
+    }
+  }
+  if (IsFilmName(options.output)) {
+    if (!plan->film) {
+      throw UsageError("-o " + options.output +
+                       " needs a film as INPUT, which says how many frames a second has");
+    }
+    plan->filmOutput = Utf8Path(options.output);
+    plan->settings.filmOutput = options.output;
+    piped.output = kPipe;
+  }
+  return piped;
+}
+
 // What the output's format makes of what was chosen for it. Where nothing was, the format is not
 // asked for: that may open the plug-in.
 void SettleCodingOf(const RenderOptions& options, RenderPlan* plan) {
@@ -149,9 +207,14 @@ ReadLook ReadLookOf(const Page& page, const RenderOptions& options) {
   return read;
 }
 
-RenderPlan PlanRender(const RenderOptions& options, const ReadLook& read) {
-  CheckPipes(options);
-  RenderPlan plan = PlanOf(options, read);
+RenderPlan PlanRender(const RenderOptions& typed, const ReadLook& typedLook) {
+  CheckPipes(typed);
+  RenderPlan plan = PlanOf(typed, typedLook);
+  const RenderOptions options = TakeFilms(typed, &plan);
+  ReadLook read = typedLook;
+  if (plan.film && !read.shot) {
+    read.shot = GivenSpan{"INPUT", {1, plan.film->frames}};
+  }
   PlanFiles(read,
             {options.input,
              options.output,
@@ -166,6 +229,10 @@ RenderPlan PlanRender(const RenderOptions& options, const ReadLook& read) {
              false,
              options.mask},
             &plan);
+  if (plan.film) {
+    CheckFilmFrames(*plan.film, plan.shot);
+    RemarkOnFilm(&plan);
+  }
   if (plan.shot.isInPlace && options.skipExisting) {
     throw UsageError("--skip-existing cannot be used where -o is INPUT: of " + options.output +
                      " every frame exists");
@@ -176,6 +243,11 @@ RenderPlan PlanRender(const RenderOptions& options, const ReadLook& read) {
 }
 
 RenderPlan PlanSubmit(const RenderOptions& options, const ReadLook& read) {
+  for (const auto& [name, file] : {std::pair{"INPUT", options.input}, {"-o", options.output}}) {
+    if (IsFilmName(file)) {
+      throw MustBe(name, "single pictures, which each chunk opens", file);
+    }
+  }
   RenderPlan plan = PlanOf(options, read);
   PlanFiles(read,
             {options.input, options.output, "", options.frames, "", {}, {}, false, options.mask},

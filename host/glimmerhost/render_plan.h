@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "host/films/film.h"
 #include "host/glimmerhost/render_options.h"
 #include "host/looks/look_layers.h"
 #include "host/looks/page.h"
@@ -20,10 +21,12 @@
 namespace glimmerhost {
 
 struct RenderPlan {
-  ShotPlan shot;          // which files
+  ShotPlan shot;          // which files; those of a film are a pipe's
   ShotSettings settings;  // which values, and how files are read and written
   ShotReport::Form report = ShotReport::Form::kLines;
   ModuleChoice module{};
+  std::optional<Film> film;          // INPUT, where it is one
+  std::filesystem::path filmOutput;  // -o, where it is one; empty for none
   std::filesystem::path manifest;    // empty for none
   std::filesystem::path savedLook;   // a file for the look that is used; empty for none
   std::vector<std::string> remarks;  // of the whole shot, a line each

@@ -91,11 +91,12 @@ void Loader::RunAside(FrameChannel* loaded) {
   }
 }
 
-std::unique_ptr<FrameWork> Loader::WorkOf(const FrameFiles& files) {
+std::unique_ptr<FrameWork> Loader::WorkOf(const FrameFiles& files) const {
   auto work = std::make_unique<FrameWork>();
   work->files = files;
   work->report.frame = files.frame;
-  work->report.output = files.output.string();
+  const bool toFilm = files.output == kPipe && !settings_.filmOutput.empty();
+  work->report.output = toFilm ? settings_.filmOutput : files.output.string();
   return work;
 }
 

@@ -59,7 +59,7 @@ class Loader {
 
   bool RunList(FrameChannel* loaded);
   void RunAside(FrameChannel* loaded);
-  static std::unique_ptr<FrameWork> WorkOf(const FrameFiles& files);
+  std::unique_ptr<FrameWork> WorkOf(const FrameFiles& files) const;
   bool Load(FrameWork* work, Elsewhere elsewhere, FrameChannel* loaded);
   bool IsToRender(FrameWork* work, Elsewhere elsewhere, FrameChannel* loaded);
   bool IsThere(const FrameWork& work, EarlierFrame* found) const;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/shot_render.h"
 
-#include <cstdio>
 #include <future>
+#include <utility>
 
 #include "host/render/frame_work.h"
 #include "host/render/writer.h"
@@ -11,17 +11,18 @@
 namespace glimmerhost {
 
 ShotRender::ShotRender(const Page& page, const ShotSettings& settings, const ShotPlan& plan,
-                       const EffectModule& module, Manifest* manifest)
+                       const EffectModule& module, Manifest* manifest, ShotStreams streams)
     : page_(page),
       settings_(settings),
       engine_(module.Engine()),
       manifest_(manifest),
-      pipe_(stdin, "standard input"),
+      streams_(std::move(streams)),
+      pipe_(streams_.in, streams_.inName),
       loader_(page, settings, plan, engine_, manifest, &pipe_),
       renderer_(module, settings) {}
 
 void ShotRender::Run(ShotReport* report) {
-  Writer writer(page_, settings_, engine_, manifest_, report, stdout);
+  Writer writer(page_, settings_, engine_, manifest_, report, streams_);
   FrameChannel loaded(kWaitingFrames);
   FrameChannel rendered(kWaitingFrames);
   auto loading = std::async(std::launch::async, [&] { loader_.Run(&loaded); });

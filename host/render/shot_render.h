@@ -10,6 +10,7 @@
 #include "host/render/renderer.h"
 #include "host/render/shot_report.h"
 #include "host/render/shot_settings.h"
+#include "host/render/shot_streams.h"
 #include "host/shots/manifest.h"
 #include "host/shots/shot_plan.h"
 
@@ -18,10 +19,10 @@ namespace glimmerhost {
 // Puts loader, renderer and writer together. What each of them owns and does stands in its header.
 class ShotRender {
  public:
-  // All must outlive this. Where the plan says kPipe, pictures come from stdin, or go to stdout.
+  // All must outlive this.
   //   manifest  null where none is asked for
   ShotRender(const Page& page, const ShotSettings& settings, const ShotPlan& plan,
-             const EffectModule& module, Manifest* manifest);
+             const EffectModule& module, Manifest* manifest, ShotStreams streams = {});
 
   // Renders the plan's frames in their order; the effect works on the calling thread. A frame that
   // fails has no output; without keepGoing it is the last. Throws UsageError where the command is
@@ -35,6 +36,7 @@ class ShotRender {
   const ShotSettings& settings_;
   const lx::Footprint& engine_;
   Manifest* manifest_;
+  ShotStreams streams_;
   PamReader pipe_;
   Loader loader_;
   Renderer renderer_;

@@ -25,6 +25,9 @@ struct ShotSettings {
   bool skipExisting = false;
   bool keepGoing = false;
   bool carryPsf = false;
+  // Films whose pictures come and go by the pipes, for what is told of frames; empty for none.
+  std::string film;
+  std::string filmOutput;
   std::map<std::string, std::string> versions;  // for the manifest
   std::string shot;                             // likewise: its frames, where times count in them
 };

@@ -38,13 +38,13 @@ void TakeResult(const FrameWork& work, const FrameImage& result, Picture* pictur
 }  // namespace
 
 Writer::Writer(const Page& page, const ShotSettings& settings, const lx::Footprint& engine,
-               Manifest* manifest, ShotReport* report, std::FILE* pipe)
+               Manifest* manifest, ShotReport* report, const ShotStreams& streams)
     : page_(page),
       settings_(settings),
       engine_(engine),
       manifest_(manifest),
       report_(report),
-      pipe_(pipe) {}
+      streams_(streams) {}
 
 void Writer::Run(FrameChannel* rendered) {
   const ClosedAtEnd end(rendered, nullptr);
@@ -88,7 +88,7 @@ void Writer::Write(FrameWork* work) const {
                                                       picture.grownBy, kPamFormat.name));
   }
   if (toPipe) {
-    WritePam(picture, pipe_, "standard output");
+    WritePam(picture, streams_.out, streams_.outName);
   } else if (!WriteFile(work)) {
     work->report.state = FrameState::kSkipped;
   }
@@ -120,7 +120,8 @@ bool Writer::WriteFile(FrameWork* work) const {
 void Writer::Note(const FrameWork& work, const std::filesystem::path& finished) const {
   ManifestEntry entry;
   entry.frame = work.files.frame;
-  entry.input = work.files.input.string();
+  const bool ofFilm = work.files.input == kPipe && !settings_.film.empty();
+  entry.input = ofFilm ? settings_.film : work.files.input.string();
   entry.output = work.files.output.string();
   entry.outputHash = FileHash(finished);
   for (const auto& [key, value] : work.input.values) {

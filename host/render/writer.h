@@ -2,7 +2,6 @@
 // Writer: writes rendered frames, notes them in the manifest and tells what became of each.
 #pragma once
 
-#include <cstdio>
 #include <filesystem>
 
 #include "fftlib/backends/footprint.h"
@@ -10,6 +9,7 @@
 #include "host/render/frame_work.h"
 #include "host/render/shot_report.h"
 #include "host/render/shot_settings.h"
+#include "host/render/shot_streams.h"
 #include "host/shots/manifest.h"
 
 namespace glimmerhost {
@@ -21,9 +21,8 @@ class Writer {
   // All must outlive it.
   //   engine    of the module that renders
   //   manifest  null where none is asked for
-  //   pipe      takes the pictures of frames whose output is kPipe
   Writer(const Page& page, const ShotSettings& settings, const lx::Footprint& engine,
-         Manifest* manifest, ShotReport* report, std::FILE* pipe);
+         Manifest* manifest, ShotReport* report, const ShotStreams& streams);
 
   // Takes each frame, writes it unless it has failed or is skipped, and reports it, until one is
   // the last. Then the channel is abandoned. The loop of a thread, called once. Throws the
@@ -40,7 +39,7 @@ class Writer {
   const lx::Footprint& engine_;
   Manifest* manifest_;
   ShotReport* report_;
-  std::FILE* pipe_;
+  const ShotStreams& streams_;
 };
 
 }  // namespace glimmerhost

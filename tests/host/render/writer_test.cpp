@@ -71,8 +71,9 @@ class WriterAlone : public render_test::ShotStage {
 
   // Lets the writer have all that was put. What is told of it goes into text.
   void Write() {
+    const glimmerhost::ShotStreams streams{nullptr, "", pipe.get(), "standard output"};
     Writer writer(page, settings, *lx::FindFootprint("double"), manifest ? &*manifest : nullptr,
-                  &report, pipe.get());
+                  &report, streams);
     testing::internal::CaptureStderr();
     try {
       writer.Run(&rendered);
