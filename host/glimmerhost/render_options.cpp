@@ -112,10 +112,11 @@ void AddColours(OptionSet* options, ColourOptions* colours) {
 }  // namespace
 
 void AddRenderOptions(OptionSet* options, const Page& page, RenderOptions* render) {
-  options->Argument("INPUT", &render->input,
-                    std::string("The picture, a sequence (shot.####.tif), or with render a film, or "
-                                "- for PAM pictures on the standard input: ") +
-                        kReadableFormats);
+  options->Argument(
+      "INPUT", &render->input,
+      std::string("The picture, a sequence (shot.####.tif), or with render a film, or "
+                  "- for PAM pictures on the standard input: ") +
+          kReadableFormats);
   AddOutput(options, render);
   AddLook(options, page, true, render);
   AddShot(options, render);

@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "host/pictures/float_samples.h"
-#include "host/pictures/openimageio/managed_samples.h"
 #include "host/pictures/guards/reader_guard.h"
+#include "host/pictures/openimageio/managed_samples.h"
 #include "host/support/channel_patterns.h"
 #include "host/support/failure.h"
 
