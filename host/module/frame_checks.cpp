@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <limits>
+#include <string_view>
 
 #include "host/looks/foresight.h"
 #include "host/looks/keys.h"
@@ -115,9 +117,13 @@ void CheckGrid(const lx::Footprint& engine, const std::map<std::string, Value>& 
 
 // The inverse curve turns what rounding leaves of a black area into light: half a 16-bit step at an
 // emphasis of 80, a hundred at 100. The engine fast keeps what is bright apart from what is dark.
-bool ShowsNoise(const lx::Footprint& engine, double emphasis) {
-  constexpr double kQuiet = 75.0;
-  return emphasis > kQuiet && engine.name != lx::FastFootprint::kName;
+double QuietEmphasis(const lx::Footprint& engine) {
+  if (engine.name == lx::FastFootprint::kName) {
+    return std::numeric_limits<double>::infinity();
+  }
+  constexpr double kSingle = 50.0;
+  constexpr double kDouble = 75.0;
+  return engine.name == std::string_view("single") ? kSingle : kDouble;
 }
 
 bool ApertureHoldsNothing(const FrameInput& input) {

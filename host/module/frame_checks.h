@@ -21,8 +21,8 @@ namespace glimmerhost {
 void CheckGrid(const lx::Footprint& engine, const std::map<std::string, Value>& values, int width,
                int height, std::uint64_t held = 0, std::uint64_t pictures = 0);
 
-// Whether rounding would be seen in dark areas of an engine's frames.
-bool ShowsNoise(const lx::Footprint& engine, double emphasis);
+// The emphasis up to which rounding is not seen in dark areas of an engine's frames.
+double QuietEmphasis(const lx::Footprint& engine);
 
 // Whether the disc that the shape image cuts its aperture from shows nothing: it is off the
 // picture, or there is no red in it. A point stays a point then, and the frame what it was. False

@@ -209,6 +209,10 @@ void Loader::TakePicture(FrameWork* work) {
       work->sources[kInputSource] = StateOfFile(file);
     }
   });
+  if (!options.blurChannels.empty() && !work->picture.extras) {
+    throw Failure(file.string() + ": --blur-channels " + options.blurChannels.front() +
+                  " names none of its channels, as it has no further ones");
+  }
   work->report.remarks = work->found.lines;
   work->report.notCarried = work->found.notCarried;
 }
@@ -284,11 +288,13 @@ int Loader::Grow(FrameWork* work) {
 // Once for the shot: a thousand frames would say the same.
 void Loader::WarnOfNoise(FrameWork* work) {
   const double emphasis = std::get<double>(work->input.values.at(kEmphasisKey));
-  if (ShowsNoise(engine_, emphasis) && !warnedOfNoise_) {
+  const double quiet = QuietEmphasis(engine_);
+  if (emphasis > quiet && !warnedOfNoise_) {
     warnedOfNoise_ = true;
     work->report.remarks.push_back("an emphasis of " + Shortest(emphasis) +
-                                   " shows rounding noise in dark areas; up to 75, and with the "
-                                   "engine fast at any, none can be seen");
+                                   " shows rounding noise in dark areas; up to " + Shortest(quiet) +
+                                   ", and with the engine fast at any, none can "
+                                   "be seen");
   }
 }
 

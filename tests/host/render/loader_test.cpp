@@ -16,6 +16,7 @@
 #include <variant>
 #include <vector>
 
+#include "host/render/frame_digest.h"
 #include "host/shots/file_hash.h"
 #include "host/shots/frame_claim.h"
 #include "host/shots/manifest.h"
@@ -441,7 +442,6 @@ TEST_F(LoaderOfARenderedShot, RendersAgainWhatComesOfOtherSettings) {
       [this] { settings.coding.bits = 8; },
       [this] { settings.coding.compression = "small"; },
       [this] { settings.coding.quality = 7; },
-      [this] { settings.reading.blurChannels = {"Z"}; },
       [this] { Use("radius = '2px'\nmix = 0.5"); },
       [this] { Use("radius = '2px'\nmix = 'first=1; last=0.9'"); },
       [this] {
@@ -462,12 +462,25 @@ TEST_F(LoaderOfARenderedShot, RendersAgainWhatComesOfOtherSettings) {
     settings = before;
     changes[i]();
     // Of a mix that moves the first frame is what it was.
-    const States expected = i == 8 ? States{FrameState::kSkipped, FrameState::kDone} : bothDone;
+    const States expected = i == 7 ? States{FrameState::kSkipped, FrameState::kDone} : bothDone;
     EXPECT_EQ(expected, Again()) << i;
   }
   settings = before;
   EXPECT_EQ(bothDone, StatesOf(Load("exact", true)));
   EXPECT_EQ(bothSkipped, Again());
+}
+
+// A PNG has none of them, so that no frame here could be rendered with it.
+TEST(FrameDigests, TellWhichChannelsAreBlurred) {
+  const auto digest = [](const std::vector<std::string>& patterns) {
+    glimmerhost::ShotSettings settings;
+    settings.reading.blurChannels = patterns;
+    return glimmerhost::FrameDigest(
+        glimmerhost::WhatDecides(settings, *lx::FindFootprint("fast"), {}, {}, {}));
+  };
+  EXPECT_NE(digest({}), digest({"Z"}));
+  EXPECT_NE(digest({"Z"}), digest({"diffuse.*", "Z"}));
+  EXPECT_EQ(digest({"Z"}), digest({"Z"}));
 }
 
 // A value at the frame counts, and not the text that it comes from.
