@@ -30,13 +30,25 @@ bool IsPlace(std::string_view text) {
          isNumber(text.substr(of + kOf.size()));
 }
 
+struct DatedFile {
+  fs::file_time_type time;
+  fs::path file;
+
+  auto operator<=>(const DatedFile&) const = default;
+};
+
+struct DatedLine {
+  fs::file_time_type time;  // of its manifest
+  ManifestEntry entry;
+};
+
 // Those of other cuts, the latest last: its lines are the ones that count.
-std::vector<fs::path> OtherManifests(const FarmJob& job) {
+std::vector<DatedFile> OtherManifests(const FarmJob& job) {
   const fs::path beginning = Utf8Path(job.manifestBefore);
   const std::string before = beginning.filename().string();
   const std::string cut = job.Place(1).substr(job.Place(1).find('-'));
   const fs::path folder = beginning.has_parent_path() ? beginning.parent_path() : fs::path(".");
-  std::vector<std::pair<fs::file_time_type, fs::path>> found;
+  std::vector<DatedFile> found;
   std::error_code error;
   for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
        entry.increment(error)) {
@@ -49,40 +61,36 @@ std::vector<fs::path> OtherManifests(const FarmJob& job) {
         before.size(), name.size() - before.size() - job.manifestBehind.size());
     std::error_code unknown;
     if (IsPlace(place) && !place.ends_with(cut)) {
-      found.emplace_back(entry->last_write_time(unknown), entry->path());
+      found.push_back({entry->last_write_time(unknown), entry->path()});
     }
   }
   std::sort(found.begin(), found.end());
-  std::vector<fs::path> files;
-  files.reserve(found.size());
-  for (auto& [time, file] : found) {
-    files.push_back(std::move(file));
-  }
-  return files;
+  return found;
 }
 
 }  // namespace
 
 void CarryManifests(const FarmJob& job) {
-  std::map<int, std::vector<ManifestEntry>> lines;
-  for (const fs::path& file : OtherManifests(job)) {
+  std::map<int, std::vector<DatedLine>> lines;
+  for (const auto& [time, file] : OtherManifests(job)) {
     for (ManifestEntry& entry : ReadManifestLines(file)) {
-      lines[entry.frame].push_back(std::move(entry));
+      lines[entry.frame].push_back({time, std::move(entry)});
     }
   }
   for (std::size_t chunk = 1; chunk <= job.chunks && !lines.empty(); ++chunk) {
+    std::error_code none;  // for a manifest that is not there: all others are later
+    const fs::file_time_type own = fs::last_write_time(job.Manifest(chunk), none);
     std::unique_ptr<Manifest> manifest;
     for (const int frame : job.Frames(chunk)) {
-      const auto of = lines.find(frame);
-      if (of == lines.end()) {
-        continue;
-      }
-      if (!manifest) {
-        manifest = std::make_unique<Manifest>(job.Manifest(chunk), true, false);
-      }
-      if (!manifest->Last(frame)) {
-        for (const ManifestEntry& entry : of->second) {
-          manifest->Add(entry);
+      for (const DatedLine& line : lines[frame]) {
+        if (!none && line.time < own) {
+          continue;
+        }
+        if (!manifest) {
+          manifest = std::make_unique<Manifest>(job.Manifest(chunk), true, false);
+        }
+        if (!manifest->Explains(frame, line.entry.outputHash)) {
+          manifest->Add(line.entry);
         }
       }
     }

@@ -6,9 +6,9 @@
 
 namespace glimmerhost {
 
-// Gives the manifest of each chunk the lines of its frames from manifests of other cuts, unless it
-// has its own of them: a chunk knows no other manifest, and would take their frames for somebody
-// else's. Throws Failure.
+// Gives the manifest of each chunk the lines of its frames from manifests of other cuts that are
+// later than it: a chunk knows no other manifest, and would take their frames for somebody else's.
+// Throws Failure.
 void CarryManifests(const FarmJob& job);
 
 }  // namespace glimmerhost

@@ -123,18 +123,32 @@ Manifest::Manifest(std::filesystem::path file, bool goOn, bool replace) : file_(
   std::error_code error;
   if (!goOn && !replace && std::filesystem::exists(file_, error)) {
     throw Failure(file_.string() +
-                  ": exists already; --skip-existing goes on with it, --overwrite replaces it");
+                  ": exists already; --skip-existing goes on with it, and --overwrite renders all "
+                  "frames anew");
   }
   out_ = LockedFile::Open(file_, LockedFile::How::kGoThere, &error);
   if (!out_) {
     throw CannotBeWritten(file_);
   }
   const Turn turn(this);
-  if (goOn) {
+  try {
     CatchUp();
-  } else if (out_->IsRegular() && !out_->Truncate(0)) {
-    throw CannotBeWritten(file_);
+  } catch (const Failure&) {
+    // Not a manifest: one that is would tell of frames that this run leaves alone.
+    if (goOn || !replace) {
+      throw;
+    }
+    BeginAnew();
+    if (out_->IsRegular() && !out_->Truncate(0)) {
+      throw CannotBeWritten(file_);
+    }
   }
+}
+
+void Manifest::BeginAnew() {
+  frames_.clear();
+  known_ = 0;
+  lines_ = 0;
 }
 
 // Takes the lines that others have added. What a program left of a line when it was killed goes:
@@ -145,9 +159,7 @@ void Manifest::CatchUp() {
   }
   if (out_->Size() < known_) {
     // Somebody has begun the file anew.
-    frames_.clear();
-    known_ = 0;
-    lines_ = 0;
+    BeginAnew();
   }
   std::string text;
   if (!out_->Read(known_, &text)) {

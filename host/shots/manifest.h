@@ -46,10 +46,12 @@ struct ManifestEntry {
 // call.
 class Manifest {
  public:
-  //   goOn  whether lines of an earlier run are kept, and new ones follow. Of a run that was killed
-  //         the last line may be cut off: what there is of it goes
-  // Throws Failure, which names the file, if it is there already and lines are not to be kept nor
-  // the file to be replaced, if its lines are none of a manifest, or if it cannot be written.
+  // Lines of an earlier run are kept, and new ones follow. Of a run that was killed the last line
+  // may be cut off: what there is of it goes.
+  //   goOn     whether frames of earlier runs may be left out
+  //   replace  whether outputs are replaced; so is a file that is no manifest then
+  // Throws Failure, which names the file, if it is there already and neither is so, if its lines
+  // are none of a manifest, or if it cannot be written.
   Manifest(std::filesystem::path file, bool goOn, bool replace);
 
   const std::filesystem::path& File() const { return file_; }
@@ -76,6 +78,7 @@ class Manifest {
   class Turn;
 
   void CatchUp();
+  void BeginAnew();
   void Take(const ManifestEntry& entry);
 
   std::filesystem::path file_;

@@ -82,6 +82,17 @@ TEST_F(SubmitProgram, ShowsNoLineThatANameHasMade) {
   EXPECT_EQ(std::string::npos, outcome.text.find("\ntouch")) << outcome.text;
 }
 
+TEST_F(SubmitProgram, GoesOnWhereAFrameWasRenderedAnewByAnotherCut) {
+  WriteShot(1, 4);
+  ASSERT_EQ(0, RunProgram(Submit("out.@.png", "--radius 2px --chunk 2")).code);
+  ASSERT_EQ(0,
+            RunProgram(Submit("out.@.png", "--radius 3px --chunk 9 --frames 3 --overwrite")).code);
+  const Outcome outcome = RunProgram(Submit("out.@.png", "--radius 2px --chunk 2 --skip-existing"));
+  EXPECT_EQ(0, outcome.code) << outcome.text;
+  ASSERT_EQ(0, RunProgram(Shot("once.@.png", "--radius 2px")).code);
+  EXPECT_EQ(Bytes(folder / "once.3.png"), Bytes(folder / "out.3.png"));
+}
+
 TEST_F(SubmitProgram, StopsBehindTheChunkOfAFrameThatFails) {
   WriteShot(1, 6);
   std::ofstream(folder / "in.3.png") << "no picture";

@@ -114,6 +114,13 @@ TEST_F(Manifests, GoOnWithAnEarlierRunsLinesIfTold) {
   Manifest(file, true, false).Add(Entry(2));
   EXPECT_EQ(2U, glimmerhost::ReadManifest(file).size());
   Manifest(file, false, true).Add(Entry(3));
+  EXPECT_EQ(3U, glimmerhost::ReadManifest(file).size());
+}
+
+TEST_F(Manifests, TakeThePlaceOfAnotherFileOnlyIfTold) {
+  std::ofstream(file) << "something else\n";
+  EXPECT_THROW(Manifest(file, true, false), glimmerhost::Failure);
+  Manifest(file, false, true).Add(Entry(3));
   EXPECT_EQ(1U, glimmerhost::ReadManifest(file).size());
 }
 
