@@ -109,8 +109,12 @@ void PlanFiles(const ReadLook& read, ShotNames names, RenderPlan* plan) {
   names.shot = read.shot;
   names.hasTimes = !read.timed.empty();
   plan->shot = PlanShot(names);
+  const bool isTold = names.chunk.empty() || names.chunk.starts_with("1/");
+  if (!plan->shot.gaps.empty() && isTold) {
+    plan->remarks.push_back("INPUT has gaps: there are no frames " + ShowFrames(plan->shot.gaps));
+  }
   const std::vector<int> outside = FramesOutside(read.timed, plan->shot.span);
-  if (!outside.empty() && (names.chunk.empty() || names.chunk.starts_with("1/"))) {
+  if (!outside.empty() && isTold) {
     plan->remarks.push_back("keyframes are at frames " + ShowFrames(outside) +
                             ", which are not in the shot " + ShowSpan(plan->shot.span));
   }

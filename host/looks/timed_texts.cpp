@@ -53,7 +53,7 @@ std::vector<int> FramesOutside(const std::vector<TimedText>& timed, const ShotSp
   for (const auto& [name, text] : timed) {
     for (const KeyframeText& key : ParseKeyframes(name, text)) {
       const double frame = FrameOf(key.time, span, name, text);
-      if (key.time.from == KeyframeTime::From::kZero && !span.Holds(static_cast<int>(frame))) {
+      if (key.time.from != KeyframeTime::From::kPart && !span.Holds(static_cast<int>(frame))) {
         outside.insert(static_cast<int>(frame));
       }
     }

@@ -52,6 +52,10 @@ int TellOf(const ManifestCheck& check, std::ostream& out) {
     lines.push_back("no line for frames " + ShowFrames(check.lacking));
   }
   lines.insert(lines.end(), check.faults.begin(), check.faults.end());
+  // A run that was killed before its first frame leaves such a manifest.
+  if (check.frames == 0 && lines.empty()) {
+    lines.emplace_back("no frame is in any of the manifests");
+  }
   for (const std::string& line : lines) {
     std::cerr << "glimmerhost: " << AsLine(line) << '\n';
   }

@@ -37,6 +37,21 @@ ShotSpan SpanOf(const std::vector<int>& frames) {
   return {*first, *last};
 }
 
+// Of frames in ascending order. So many that nobody would read them are none.
+std::vector<int> GapsIn(const std::vector<int>& frames) {
+  constexpr std::size_t kMost = 100000;
+  std::vector<int> gaps;
+  for (std::size_t i = 1; i < frames.size(); ++i) {
+    for (int frame = frames[i - 1] + 1; frame < frames[i]; ++frame) {
+      if (gaps.size() == kMost) {
+        return {};
+      }
+      gaps.push_back(frame);
+    }
+  }
+  return gaps;
+}
+
 // The folder is looked through for the whole shot, whatever the list takes of it.
 void SettleSpan(const ShotNames& names, const FileSequence& input, ShotPlan* plan) {
   if (names.shot) {
@@ -117,6 +132,9 @@ ShotPlan PlanShot(const ShotNames& names) {
   ShotPlan plan;
   plan.isShot = input.HasFrames() || output.HasFrames() || !names.frames.empty();
   SettleSpan(names, input, &plan);
+  if (names.frames.empty() && input.HasFrames() && input.Frames().empty()) {
+    plan.gaps = GapsIn(frames);
+  }
   if (!plan.isSpanFound) {
     for (const int frame : frames) {
       CheckInShot(plan, frame);

@@ -56,6 +56,9 @@ struct ShotPlan {
   bool isSpanFound = false;  // in the folder: files that come later are not in it
   std::string spanOrigin{};  // of one that was given
 
+  // Frames that the folder lacks between those that it has, where it says what is rendered.
+  std::vector<int> gaps{};
+
   // Null unless the input is a pipe without a list of frames: those go on from 1 until it ends,
   // nobody knows when. There are no files then.
   std::function<FrameFiles(int frame)> filesOf;

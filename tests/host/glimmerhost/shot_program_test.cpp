@@ -452,6 +452,40 @@ TEST_F(ShotProgram, RefusesToLoseAFileToAnother) {
       "this one is of frame 1, and frame 2 reads it");
 }
 
+// Lines of frames that are left alone are no line of theirs any more otherwise.
+TEST_F(ShotProgram, KeepsTheLinesOfOtherFramesWhereSomeAreRenderedAnew) {
+  WriteShot(1, 3);
+  const std::string manifest = "--manifest '" + (folder / "m.jsonl").string() + "' ";
+  ASSERT_EQ(0, RunProgram(Shot("out.@.png", manifest + "--radius 2px")).code);
+  ASSERT_EQ(0,
+            RunProgram(Shot("out.@.png", manifest + "--radius 3px --overwrite --frames 2")).code);
+  EXPECT_EQ(0, RunProgram("check --frames 1-3 '" + (folder / "m.jsonl").string() + "'").code);
+  const Outcome resumed =
+      RunProgram(Shot("out.@.png", manifest + "--radius 2px --skip-existing --progress lines"));
+  EXPECT_EQ(0, resumed.code) << resumed.text;
+  EXPECT_NE(std::string::npos, resumed.text.find("frame 1 (1 of 3): ")) << resumed.text;
+  EXPECT_NE(std::string::npos, resumed.text.find("out.1.png is there already")) << resumed.text;
+  EXPECT_EQ(std::string::npos, resumed.text.find("out.2.png is there already")) << resumed.text;
+  EXPECT_NE(std::string::npos, resumed.text.find("out.3.png is there already")) << resumed.text;
+}
+
+// The run that is stopped replaces outputs of the one before, and its own message says how to go
+// on.
+TEST_F(ShotProgram, GoesOnWhereAReplacingRunWasStopped) {
+  WriteShot(1, 3);
+  const std::string manifest = "--manifest '" + (folder / "m.jsonl").string() + "' ";
+  ASSERT_EQ(0, RunProgram(Shot("out.@.png", manifest + "--radius 2px")).code);
+  std::ofstream(folder / "in.2.png") << "no picture";
+  ASSERT_EQ(1, RunProgram(Shot("out.@.png", manifest + "--radius 3px --overwrite")).code);
+  WriteShot(1, 3);
+  const Outcome resumed = RunProgram(Shot("out.@.png", manifest + "--radius 3px --skip-existing"));
+  EXPECT_EQ(0, resumed.code) << resumed.text;
+  ASSERT_EQ(0, RunProgram(Shot("once.@.png", "--radius 3px")).code);
+  for (const std::string end : {".1.png", ".2.png", ".3.png"}) {
+    EXPECT_EQ(Bytes(folder / ("once" + end)), Bytes(folder / ("out" + end))) << end;
+  }
+}
+
 TEST_F(ShotProgram, IsDoneWithAnEmptyChunkAtOnce) {
   WriteShot(1, 2);
   const std::string manifest = "'" + (folder / "third.jsonl").string() + "'";
@@ -459,7 +493,7 @@ TEST_F(ShotProgram, IsDoneWithAnEmptyChunkAtOnce) {
       RunProgram(Shot("out.@.png", "--radius 2px --chunk 3/3 --manifest " + manifest));
   EXPECT_EQ(0, outcome.code) << outcome.text;
   EXPECT_FALSE(fs::exists(folder / "out.1.png"));
-  EXPECT_EQ(0, RunProgram("check " + manifest).code);
+  EXPECT_EQ(1, RunProgram("check " + manifest).code);
   const Outcome explained = RunProgram(Shot("out.@.png", "--chunk 3/3 --explain"));
   EXPECT_EQ(0, explained.code);
   EXPECT_EQ("Frames              none: the chunk is empty\n", explained.text);

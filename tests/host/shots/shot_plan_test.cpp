@@ -31,6 +31,19 @@ TEST(ShotPlan, NamesTheFilesOfEachFrame) {
   EXPECT_TRUE(plan.isShot);
 }
 
+// A frame that is missing would otherwise be found when the film is cut.
+TEST(ShotPlan, NamesTheFramesThatTheFolderLacks) {
+  const lx_test::ScratchFolder folder;
+  for (const int frame : {3, 4, 7, 9}) {
+    std::ofstream(folder / ("a." + std::to_string(frame) + ".png")) << "x";
+  }
+  glimmerhost::ShotNames names{(folder / "a.@.png").string(), (folder / "b.@.png").string(), "", "",
+                               ""};
+  EXPECT_EQ((std::vector<int>{5, 6, 8}), PlanShot(names).gaps);
+  names.frames = "3-4,9";
+  EXPECT_EQ(std::vector<int>(), PlanShot(names).gaps);
+}
+
 TEST(ShotPlan, IsOneFrameForOnePicture) {
   const ShotPlan plan = PlanShot({"in.png", "out.png", "", "", ""});
   ASSERT_EQ(1U, plan.files.size());
