@@ -205,7 +205,9 @@ TEST(DeflatedTiff, OfWhichAnyByteIsZeroedIsRefusedOrTheSame) {
     // The directory stands behind the blocks.
     const auto end = static_cast<std::size_t>(*reinterpret_cast<const std::uint32_t*>(&bytes[4]));
     int refused = 0;
+    int changed = 0;
     for (std::size_t at = 8; at < end; ++at) {
+      changed += bytes[at] == 0 ? 0 : 1;
       std::string broken = bytes;
       broken[at] = 0;
       std::ofstream(file, std::ios::binary) << broken;
@@ -216,7 +218,8 @@ TEST(DeflatedTiff, OfWhichAnyByteIsZeroedIsRefusedOrTheSame) {
         EXPECT_NE(std::string::npos, std::string(fault.what()).find("check sum")) << fault.what();
       }
     }
-    EXPECT_LT(static_cast<int>(end) * 9 / 10, refused);
+    // A few of the bytes between the blocks mean nothing.
+    EXPECT_LT(changed * 9 / 10, refused);
   }
 }
 
