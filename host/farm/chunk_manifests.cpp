@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -33,8 +34,6 @@ bool IsPlace(std::string_view text) {
 struct DatedFile {
   fs::file_time_type time;
   fs::path file;
-
-  auto operator<=>(const DatedFile&) const = default;
 };
 
 struct DatedLine {
@@ -64,7 +63,9 @@ std::vector<DatedFile> OtherManifests(const FarmJob& job) {
       found.push_back({entry->last_write_time(unknown), entry->path()});
     }
   }
-  std::sort(found.begin(), found.end());
+  std::sort(found.begin(), found.end(), [](const DatedFile& a, const DatedFile& b) {
+    return std::tie(a.time, a.file) < std::tie(b.time, b.file);
+  });
   return found;
 }
 
@@ -74,7 +75,8 @@ void CarryManifests(const FarmJob& job) {
   std::map<int, std::vector<DatedLine>> lines;
   for (const auto& [time, file] : OtherManifests(job)) {
     for (ManifestEntry& entry : ReadManifestLines(file)) {
-      lines[entry.frame].push_back({time, std::move(entry)});
+      std::vector<DatedLine>& of = lines[entry.frame];
+      of.push_back({time, std::move(entry)});
     }
   }
   for (std::size_t chunk = 1; chunk <= job.chunks && !lines.empty(); ++chunk) {

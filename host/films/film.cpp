@@ -69,7 +69,7 @@ Json Ask(const std::filesystem::path& file, const std::vector<std::string>& what
   child.CloseStream();
   const ProcessEnd end = child.Wait();
   const std::string trouble = TroubleOf(&child);
-  const Json answer = Json::parse(text, nullptr, false);
+  Json answer = Json::parse(text, nullptr, false);
   // It counts what it can, and says of a film that is cut short how many frames are left.
   if (end.code != 0 || end.signal != 0 || !trouble.empty() || !answer.is_object()) {
     Fail(file,

@@ -64,6 +64,7 @@ std::vector<std::string> IdleOptions(const Page& page, const std::vector<LookLay
   const std::vector<Shape> shapes = ShapesOf(page, layers);
   const Parameter& shape = page.Find(kShapeKey);
   std::vector<std::string> names;
+  names.reserve(shapes.size());
   for (const Shape one : shapes) {
     names.push_back(shape.Show(static_cast<int>(one)));
   }
@@ -72,15 +73,14 @@ std::vector<std::string> IdleOptions(const Page& page, const std::vector<LookLay
   std::vector<std::string> lines;
   for (const PageOption& option : page.Options()) {
     if (!typed.At(option.name).empty() && IsIdle(option.shown, shapes)) {
-      lines.push_back(origin + option.name + ending);
+      lines.push_back(std::string(origin).append(option.name).append(ending));
     }
   }
   for (const Parameter& parameter : page.Parameters()) {
-    const auto sets = [&](const std::string& text) {
-      return text.starts_with(parameter.key + "=");
-    };
+    const std::string before = std::string(parameter.key).append("=");
+    const auto sets = [&](const std::string& text) { return text.starts_with(before); };
     if (std::any_of(typed.set.begin(), typed.set.end(), sets) && IsIdle(parameter.shown, shapes)) {
-      lines.push_back(origin + "set " + parameter.key + ending);
+      lines.push_back(std::string(origin).append("set ").append(parameter.key).append(ending));
     }
   }
   return lines;
