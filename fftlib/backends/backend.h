@@ -66,7 +66,8 @@ class Backend {
   virtual Rules GetRules() const = 0;
 
   // Blurs a picture as luma, two chroma planes and alpha. Both images have three channels or more,
-  // and the mask has all bits of colour.
+  // and the mask has all bits of colour. Whoever takes floats takes those of a single channel, too,
+  // as a luma of its own.
   virtual std::int32_t Convolve(const RunImages& run, const Look& look, Rows* rows) = 0;
 
   // Blurs stored channels one by one.

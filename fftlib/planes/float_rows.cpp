@@ -22,17 +22,16 @@ struct Weights {
   double r;
   double g;
   double b;
-  double offset;
 };
 
 Weights WeightsOf(std::uint32_t channelBit) {
   switch (channelBit) {
     case kBitLuma:
-      return {kLumaR, kLumaG, kLumaB, 0.0};
+      return {kLumaR, kLumaG, kLumaB};
     case kBitCr:
-      return {kCrR, kCrG, kCrB, 0.5};
+      return {kCrR, kCrG, kCrB};
     default:
-      return {kCbR, kCbG, kCbB, 0.5};
+      return {kCbR, kCbG, kCbB};
   }
 }
 
@@ -65,25 +64,31 @@ void FillFromFloatPicture(const ImageRec& source, std::uint32_t channelBit, RowP
                           double* row) {
   const float* pixels =
       SampleRow<float>(source, piece.y) + std::ptrdiff_t{piece.x} * source.channels;
-  if (channelBit == kBitAlpha) {
+  const bool isSingle = source.channels == 1;
+  if (isSingle || channelBit == kBitAlpha) {
+    pixels += isSingle ? 0 : 3;
     for (std::int32_t x = 0; x < piece.width; ++x, pixels += source.channels) {
-      row[x] = Finite(pixels[3]);
+      row[x] = Finite(*pixels);
     }
     return;
   }
   const Weights weights = WeightsOf(channelBit);
   for (std::int32_t x = 0; x < piece.width; ++x, pixels += source.channels) {
     row[x] = weights.r * Finite(pixels[0]) + weights.g * Finite(pixels[1]) +
-             weights.b * Finite(pixels[2]) + weights.offset;
+             weights.b * Finite(pixels[2]);
   }
 }
 
 void StoreToFloatPicture(const PlaneRow& planes, RowPiece piece, ImageRec* dest) {
   float* pixels = SampleRow<float>(dest, piece.y) + std::ptrdiff_t{piece.x} * dest->channels;
+  if (dest->channels == 1) {
+    std::transform(planes.luma, planes.luma + piece.width, pixels, NarrowToFloat);
+    return;
+  }
   for (std::int32_t x = 0; x < piece.width; ++x, pixels += dest->channels) {
     const double y = planes.luma[x];
-    const double cr = planes.cr[x] - 0.5;
-    const double cb = planes.cb[x] - 0.5;
+    const double cr = planes.cr[x];
+    const double cb = planes.cb[x];
     // Nothing is clamped: floats may lie above 1 and below 0.
     pixels[0] = NarrowToFloat(y + kRCr * cr);
     pixels[1] = NarrowToFloat(kGY * y - kGCr * cr - kGCb * cb);

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Planes of a picture of floats, and a picture of floats from its planes: not limited to 0 to 1.
+// Chroma is 0 where there is no colour, so that nothing around a picture is black. A picture of one
+// channel has that as its luma, and no chroma.
 #pragma once
 
 #include <cstdint>

@@ -75,11 +75,12 @@ struct RowRuns {
 
 // Columns off the mask are brought to the next one outside it before they become whole
 // numbers, which no coordinate then overflows.
-std::int32_t ToColumn(double x, std::int32_t width) {
-  return static_cast<std::int32_t>(std::clamp(x, -1.0, static_cast<double>(width)));
+std::int32_t ToColumn(double x, std::int32_t first, std::int32_t width) {
+  return static_cast<std::int32_t>(std::clamp(x - first, -1.0, static_cast<double>(width)));
 }
 
-RowRuns MakeRuns(Extent left, Extent right, std::int32_t width) {
+// Columns of a mask whose first pixel is in column first.
+RowRuns MakeRuns(Extent left, Extent right, std::int32_t first, std::int32_t width) {
   // A polygon may wind either way, so either chain may be the left one.
   if (right.min < left.min) {
     std::swap(left, right);
@@ -96,16 +97,18 @@ RowRuns MakeRuns(Extent left, Extent right, std::int32_t width) {
   if (leftMax == rightMin) {
     leftMax -= 1.0;
   }
-  return {std::max(ToColumn(leftMin, width), 0), std::min(ToColumn(leftMax, width), width - 1),
-          std::max(ToColumn(rightMin, width), 0), std::min(ToColumn(rightMax, width), width - 1)};
+  const auto column = [&](double x) { return ToColumn(x, first, width); };
+  return {std::max(column(leftMin), 0), std::min(column(leftMax), width - 1),
+          std::max(column(rightMin), 0), std::min(column(rightMax), width - 1)};
 }
 
-void DrawRow(std::uint8_t* pixels, const RowRuns& runs, std::int32_t row, const PsfPolygon& polygon,
-             CoverageFunction coverage) {
+// A row of the mask, whose first pixel is the polygon's pixel (left, row).
+void DrawRow(std::uint8_t* pixels, const RowRuns& runs, std::int32_t left, std::int32_t row,
+             const PsfPolygon& polygon, CoverageFunction coverage) {
   const auto drawEdge = [&](std::int32_t first, std::int32_t last) {
     for (std::int32_t x = first; x <= last; ++x) {
       pixels[x] = static_cast<std::uint8_t>(
-          TruncateToUnsigned(255.0 * coverage(polygon, x, row) + 0.5, 255.0));
+          TruncateToUnsigned(255.0 * coverage(polygon, left + x, row) + 0.5, 255.0));
     }
   };
   drawEdge(runs.leftFirst, runs.leftLast);
@@ -171,7 +174,8 @@ ClipPolygon MakeClipPolygon(const PsfPolygon& polygon) {
   return result;
 }
 
-void FillConvexPolygon(ImageRec* mask, const PsfPolygon& polygon, CoverageFunction coverage) {
+void FillConvexPolygon(ImageRec* mask, const PsfPolygon& polygon, CoverageFunction coverage,
+                       MaskOrigin origin) {
   if (!IsFillable(mask, polygon)) {
     return;
   }
@@ -204,18 +208,18 @@ void FillConvexPolygon(ImageRec* mask, const PsfPolygon& polygon, CoverageFuncti
   if (line == topY) {
     line += 1.0;
   }
-  line = std::max(line, 0.0);
+  line = std::max(line, static_cast<double>(origin.y));
   for (;;) {
     leftWalker.Advance(line, &left, &leftX);
     rightWalker.Advance(line, &right, &rightX);
     const double row = line - 1.0;
-    if (row >= height) {
+    if (row >= static_cast<double>(origin.y) + height) {
       return;
     }
-    if (row >= 0.0) {
+    if (row >= origin.y) {
       const auto y = static_cast<std::int32_t>(row);
-      DrawRow(pixels + static_cast<std::ptrdiff_t>(y) * width, MakeRuns(left, right, width), y,
-              polygon, coverage);
+      DrawRow(pixels + (std::ptrdiff_t{y} - origin.y) * width,
+              MakeRuns(left, right, origin.x, width), origin.x, y, polygon, coverage);
     }
     // Asked after drawing: the bottom vertex lies in the row just drawn, or on its upper edge.
     if (leftWalker.AtBottom() && rightWalker.AtBottom()) {

@@ -50,13 +50,21 @@ float PixelCoverage(const PsfPolygon& polygon, std::int32_t x, std::int32_t y);
 
 using CoverageFunction = float (*)(const PsfPolygon& polygon, std::int32_t x, std::int32_t y);
 
+// The pixel that the first one of a mask is.
+struct MaskOrigin {
+  std::int32_t x = 0;
+  std::int32_t y = 0;
+};
+
 // Fills the polygon. Writes only pixels of the rows that it spans, and never clears.
 // Does nothing for a mask that is null, has no samples or is not 8-bit with one channel. Nor for a
 // polygon of fewer than 3 vertices or more than 50, or with a vertex that is not finite.
 //   coverage  how much of a pixel the polygon covers; another one than PixelCoverage
 //             shows which pixels are asked for: those that an edge may cross
+//   origin    of the mask, which then holds what a mask from (0, 0) on would hold there, bit for
+//             bit: coordinates round by where they are
 void FillConvexPolygon(ImageRec* mask, const PsfPolygon& polygon,
-                       CoverageFunction coverage = PixelCoverage);
+                       CoverageFunction coverage = PixelCoverage, MaskOrigin origin = {});
 
 // Replaces the polygon by what lies within the box; kNothing leaves a count of 0, and
 // kInside the polygon as it was. A vertex on a side of the box counts as inside.

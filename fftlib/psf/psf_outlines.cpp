@@ -15,15 +15,15 @@ constexpr double kDegree = 0.017453292F;
 constexpr double kEllipseStep = 0.12566371F;
 constexpr float kFullTurn = 6.2831855F;
 
-constexpr double kSmallestRadius = 1.0;
-
 // Written so that a radius that is not a number stays what it is.
-double RaiseRadius(float radius) { return radius < kSmallestRadius ? kSmallestRadius : radius; }
+double RaiseRadius(const OutlineFrame& frame, float radius) {
+  return radius < frame.smallestRadius ? frame.smallestRadius : radius;
+}
 
 // Vertices at equal parameter steps on the rotated ellipse.
 PsfPolygon MakeEllipticOutline(const OutlineFrame& frame, std::int32_t count, double step) {
-  const double a = RaiseRadius(frame.radiusX);
-  const double b = RaiseRadius(frame.radiusY);
+  const double a = RaiseRadius(frame, frame.radiusX);
+  const double b = RaiseRadius(frame, frame.radiusY);
   const double theta = frame.rotation * kDegree;
   const double cosine = std::cos(theta);
   const double sine = std::sin(theta);
@@ -46,8 +46,8 @@ PsfPolygon MakeRectangleOutline(const OutlineFrame& frame, bool moved) {
   const double theta = frame.rotation * -kDegree;
   const double s = std::sin(theta);
   const double c = std::cos(theta);
-  const double length = RaiseRadius(frame.radiusX);
-  const double half = RaiseRadius(frame.radiusY) * 0.5;
+  const double length = RaiseRadius(frame, frame.radiusX);
+  const double half = RaiseRadius(frame, frame.radiusY) * 0.5;
   double baseX = frame.centreX;
   double baseY = frame.centreY;
   if (moved) {

@@ -10,7 +10,7 @@ namespace lx {
 
 // Where an outline stands and how it is drawn.
 //   centreX, centreY  pixels
-//   radiusX, radiusY  pixels; below 1 as 1
+//   radiusX, radiusY  pixels; below the smallest as the smallest
 //   rotation          degrees
 //   aspectX, aspectY  divisors of the extents, applied after the rotation, so that
 //                     unequal ones shear a rotated outline
@@ -22,6 +22,7 @@ struct OutlineFrame {
   float rotation;
   float aspectX;
   float aspectY;
+  float smallestRadius = 1.0F;
 };
 
 // An ellipse as a 50-gon.

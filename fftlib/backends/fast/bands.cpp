@@ -5,6 +5,8 @@
 #include <cmath>
 #include <limits>
 
+#include "fftlib/planes/float_rows.h"
+
 namespace lx {
 namespace {
 
@@ -35,6 +37,22 @@ Band MakeBand(const BandRule& rule, std::int32_t number) {
   // Above the first there is no other: a light of a float picture has no end.
   const double high = number == 0 ? std::numeric_limits<double>::infinity() : PowerOfTwo(top + 1);
   return {PowerOfTwo(top - rule.bits + 1), high, PowerOfTwo(-top), PowerOfTwo(top)};
+}
+
+void BrightestPass::operator()(Rows& /*rows*/, std::int32_t first, std::int32_t last) const {
+  double largest = 0.0;
+  double row[kPiece];
+  for (std::int32_t y = first; y <= last; ++y) {
+    for (std::int32_t x = 0; x < source->width; x += kPiece) {
+      const std::int32_t width = std::min<std::int32_t>(kPiece, source->width - x);
+      FillFromFloatPicture(*source, channelBit, {x, y, width}, row);
+      largest = std::max(largest, *std::max_element(row, row + width));
+    }
+  }
+  double before = brightest->load(std::memory_order_relaxed);
+  while (before < largest &&
+         !brightest->compare_exchange_weak(before, largest, std::memory_order_relaxed)) {
+  }
 }
 
 void ValuesPass::operator()(Rows& rows, std::int32_t first, std::int32_t last) const {

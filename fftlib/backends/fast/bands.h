@@ -55,6 +55,15 @@ struct Band {
 };
 Band MakeBand(const BandRule& rule, std::int32_t number);
 
+// The brightest number of a float picture's plane, before any curve.
+struct BrightestPass {
+  const ImageRec* source;
+  std::uint32_t channelBit;
+  std::atomic<double>* brightest;  // 0 or above
+
+  void operator()(Rows& rows, std::int32_t first, std::int32_t last) const;
+};
+
 // A plane's numbers into rows of the frame's width, and which bands they have, a bit each. Asks as
 // ForwardPass does.
 struct ValuesPass {

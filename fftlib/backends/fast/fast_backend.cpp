@@ -32,8 +32,13 @@ MaskReach Down(const Aperture& aperture) {
   return ReachOf(aperture.extent.top, aperture.extent.bottom, aperture.middleY);
 }
 
-// A hyperbola alone spans no more than a transform can bear.
-bool NeedsBands(const EmphasisCurve& curve) { return curve.on && curve.hasPower; }
+// Planes of a picture: luma, two of chroma and alpha, or one where it has a single channel.
+std::size_t CountPlanes(const RunImages& run) {
+  if (ChannelsOf(run) < 3) {
+    return 1;
+  }
+  return ChannelsOf(run) >= 4 && (run.channelMask & kBitAlpha) != 0 ? 4 : 3;
+}
 
 }  // namespace
 
@@ -116,6 +121,21 @@ bool FastBackend::ConvolveBands(const FastFrame& frame, const PicturePlane& from
   return !isFirst;
 }
 
+// A hyperbola alone spans no more than a transform can bear, but for lights of a float picture:
+// what rounding leaves of the brightest of them, times the slope of the way back at 0, must stay
+// below a millionth.
+bool FastBackend::NeedsBands(const PicturePlane& plane, Rows* rows) {
+  if (!plane.curve.on || plane.curve.hasPower || plane.source->sampleType != kSampleFloat) {
+    return plane.curve.on && plane.curve.hasPower;
+  }
+  constexpr double kLeast = 0x1p30;
+  std::atomic<double> brightest{0.0};
+  rows->Run(BrightestPass{plane.source, plane.channelBit, &brightest}, plane.source->height);
+  double value = brightest;
+  ApplyOpenCurve(plane.curve, 1, &value);
+  return value / (plane.curve.a * plane.curve.a) > kLeast;
+}
+
 // Alpha that is even stays so where the frame's edge goes on for ever. What an open curve makes of
 // floats below 0 is something else.
 bool FastBackend::HasEvenAlpha(const PicturePlane& plane, const Look& look, double* value,
@@ -132,26 +152,32 @@ bool FastBackend::HasEvenAlpha(const PicturePlane& plane, const Look& look, doub
 }
 
 std::int32_t FastBackend::Convolve(const RunImages& run, const Look& look, Rows* rows) {
-  const bool withAlpha = ChannelsOf(run) >= 4 && (run.channelMask & kBitAlpha) != 0;
-  const std::size_t count = withAlpha ? 4 : 3;
-  const std::int32_t prepared = PreparePlanes(count);
+  const std::size_t count = CountPlanes(run);
+  const EmphasisCurve curve = MakeEmphasisCurve(static_cast<double>(look.emphasis));
+  std::array<PicturePlane, FastLayout::kPlanes> planes{};
+  std::array<bool, FastLayout::kPlanes> needsBands{};
+  for (std::size_t p = 0; p < count; ++p) {
+    const std::uint32_t bit = 1U << p;
+    planes[p] = {run.source, bit, HasCurve(bit, look) ? curve : EmphasisCurve{}};
+    needsBands[p] = NeedsBands(planes[p], rows);
+  }
+  // What a picture of three planes has is enough for bands; one of a single plane needs more then.
+  std::size_t free = count == 1 && needsBands[0] ? 3 : count;
+  const std::int32_t prepared = PreparePlanes(free);
   if (prepared != kStatusOk) {
     return prepared;
   }
   const FastFrame frame = MakeFrame(look);
-  const EmphasisCurve curve = MakeEmphasisCurve(static_cast<double>(look.emphasis));
   ForwardPass<PicturePlane> forward{frame};
-  PicturePass picture{frame, {}, withAlpha, run.dest};
+  PicturePass picture{frame, {}, count, run.dest};
   std::array<double*, FastLayout::kPlanes> spectra{};
   std::size_t spectraCount = 0;
   // The grid's planes are handed out from the last one on. Those with bands come first, while there
   // are two more to work in.
-  std::size_t free = count;
   for (const bool inBands : {true, false}) {
     for (std::size_t p = 0; p < count; ++p) {
-      const std::uint32_t bit = 1U << p;
-      const PicturePlane plane{run.source, bit, HasCurve(bit, look) ? curve : EmphasisCurve{}};
-      if (NeedsBands(plane.curve) != inBands) {
+      const PicturePlane& plane = planes[p];
+      if (needsBands[p] != inBands) {
         continue;
       }
       FinishedPlane& finished = picture.planes[p];
@@ -170,8 +196,11 @@ std::int32_t FastBackend::Convolve(const RunImages& run, const Look& look, Rows*
       }
     }
   }
-  rows->Run(forward, run.source->height);
-  ConvolveColumns(spectra, spectraCount, rows);
+  // None of a single channel in bands.
+  if (forward.count > 0) {
+    rows->Run(forward, run.source->height);
+    ConvolveColumns(spectra, spectraCount, rows);
+  }
   rows->Run(picture, run.dest->height);
   return kStatusOk;
 }

@@ -10,7 +10,7 @@
 // any number of ways, and on every processor and system.
 //
 // Float images go through it as they are, above 1 and below 0, but for what an emphasis clamps:
-// see ApplyOpenCurve.
+// see ApplyOpenCurve. What they hold is exact to some 2^-50 of their brightest number.
 #pragma once
 
 #include <array>
@@ -62,6 +62,7 @@ class FastBackend final : public Backend {
   };
   bool ConvolveBands(const FastFrame& frame, const PicturePlane& from, const BandPlanes& planes,
                      Rows* rows);
+  static bool NeedsBands(const PicturePlane& plane, Rows* rows);
   bool HasEvenAlpha(const PicturePlane& plane, const Look& look, double* value, Rows* rows) const;
   void ConvolveColumns(const std::array<double*, FastLayout::kPlanes>& planes, std::size_t count,
                        Rows* rows);

@@ -176,38 +176,38 @@ void PicturePass::operator()(Rows& rows, std::int32_t first, std::int32_t last) 
   const bool isFloat = dest->sampleType == kSampleFloat;
   const ScratchSlots::Use scratch(&frame.grids->Slots());
   PlaneBuffers buffers{};
-  for (std::size_t p = 0; p < (withAlpha ? 4 : 3); ++p) {
+  for (std::size_t p = 0; p < count; ++p) {
     buffers[p] =
         scratch.Data() + static_cast<std::ptrdiff_t>(p) * frame.grids->Layout().RowBuffer();
   }
   EachEight(first, last, [&](std::int32_t y, std::int32_t wanted) {
-    const std::int32_t count = AskFor(rows, wanted);
-    if (count == 0) {
+    const std::int32_t granted = AskFor(rows, wanted);
+    if (granted == 0) {
       return;
     }
-    for (std::size_t p = 0; p < (withAlpha ? 4 : 3); ++p) {
-      Finish(frame, planes[p], isFloat, y, count, buffers[p]);
+    for (std::size_t p = 0; p < count; ++p) {
+      Finish(frame, planes[p], isFloat, y, granted, buffers[p]);
     }
     if (IsPacked(*dest)) {
-      frame.operations->writePixels(buffers, dest->width, count, RowsAt(*dest, y, count));
+      frame.operations->writePixels(buffers, dest->width, granted, RowsAt(*dest, y, granted));
     } else {
-      StoreByPieces(buffers, y, count);
+      StoreByPieces(buffers, y, granted);
     }
   });
 }
 
 void PicturePass::StoreByPieces(const PlaneBuffers& buffers, std::int32_t y,
-                                std::int32_t count) const {
+                                std::int32_t rows) const {
   double pieces[4][kPieces];
   for (std::int32_t x = 0; x < dest->width; x += kPiece) {
     const std::int32_t pixels = std::min<std::int32_t>(kPiece, dest->width - x);
-    for (std::size_t p = 0; p < (withAlpha ? 4 : 3); ++p) {
+    for (std::size_t p = 0; p < count; ++p) {
       frame.operations->unpack(buffers[p] + std::ptrdiff_t{x} * kLines, kPiece, pixels, pieces[p]);
     }
-    for (std::int32_t r = 0; r < count; ++r) {
+    for (std::int32_t r = 0; r < rows; ++r) {
       const std::ptrdiff_t at = std::ptrdiff_t{r} * kPiece;
       const PlaneRow row{pieces[0] + at, pieces[1] + at, pieces[2] + at,
-                         withAlpha ? pieces[3] + at : nullptr};
+                         count == 4 ? pieces[3] + at : nullptr};
       const RowPiece piece{x, y + r, pixels};
       if (dest->sampleType == kSampleFloat) {
         StoreToFloatPicture(row, piece, dest);

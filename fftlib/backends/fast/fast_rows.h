@@ -81,13 +81,13 @@ struct FinishedPlane {
 struct PicturePass {
   FastFrame frame;
   std::array<FinishedPlane, FastLayout::kPlanes> planes;
-  bool withAlpha;  // else the picture's alpha stays as it is
+  std::size_t count;  // of them: 4 with alpha, which else stays as it is; 1 of a single channel
   ImageRec* dest;
 
   void operator()(Rows& rows, std::int32_t first, std::int32_t last) const;
 
  private:
-  void StoreByPieces(const PlaneBuffers& buffers, std::int32_t y, std::int32_t count) const;
+  void StoreByPieces(const PlaneBuffers& buffers, std::int32_t y, std::int32_t rows) const;
 };
 
 // A plane into one stored channel of a picture.

@@ -186,6 +186,40 @@ TEST(PolygonFill, MatchesTheExactAreaOnRandomOutlines) {
   }
 }
 
+TEST(PolygonFill, HoldsInAPartOfAMaskWhatTheWholeMaskHoldsThere) {
+  for (const float centre : {900.0F, 907.5F}) {
+    const PsfPolygon polygon = lx::MakeEllipse({centre, 40.0F, 37.3F, 21.9F, 33.0F, 1, 1});
+    const Image whole = Mask(1000, 90);
+    lx::FillConvexPolygon(whole.get(), polygon);
+    for (const lx::MaskOrigin origin : {lx::MaskOrigin{0, 0}, {850, 5}, {890, 50}, {960, -9}}) {
+      const Image part = Mask(60, 40);
+      lx::FillConvexPolygon(part.get(), polygon, lx::PixelCoverage, origin);
+      for (int y = 0; y < 40; ++y) {
+        for (int x = 0; x < 60; ++x) {
+          const bool isIn = origin.x + x < 1000 && origin.y + y >= 0;
+          ASSERT_EQ(isIn ? At(whole, origin.x + x, origin.y + y) : At(part, x, y), At(part, x, y))
+              << x << "," << y << " from " << origin.x << "," << origin.y;
+        }
+      }
+    }
+  }
+}
+
+TEST(PolygonFill, DrawsBelowZeroWhereAMaskBeginsThere) {
+  const Image mask = Mask(8, 8);
+
+  lx::FillConvexPolygon(mask.get(), Polygon({{-2.5F, -3}, {1, -3}, {1, 0.5F}, {-2.5F, 0.5F}}),
+                        lx::PixelCoverage, {-4, -4});
+
+  EXPECT_EQ(0, At(mask, 3, 0));    // row -4
+  EXPECT_EQ(128, At(mask, 1, 1));  // column -3, half of it
+  EXPECT_EQ(255, At(mask, 2, 1));
+  EXPECT_EQ(255, At(mask, 4, 3));
+  EXPECT_EQ(0, At(mask, 5, 3));  // column 1
+  EXPECT_EQ(128, At(mask, 4, 4));
+  EXPECT_EQ(0, At(mask, 4, 5));
+}
+
 TEST(PolygonFill, TakesEitherWinding) {
   const auto vertices =
       std::vector<std::pair<float, float>>{{3.3F, 1.2F}, {8.1F, 4.4F}, {5.2F, 8.7F}, {1.1F, 5}};

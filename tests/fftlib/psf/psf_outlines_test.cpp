@@ -95,6 +95,13 @@ TEST(PolygonOutline, BringsSidesInto3To50) {
   }
 }
 
+TEST(EllipseOutline, IsAPixelInRadiusAtLeastUnlessSmallerOnesAreAskedFor) {
+  const OutlineFrame raised{10, 20, 0.25F, 0.5F, 0, 1, 1};
+  EXPECT_EQ(11.0F, lx::MakeEllipse(raised).vertices[0].x);
+  const OutlineFrame small{10, 20, 0.25F, 0.5F, 0, 1, 1, 0.5F};
+  EXPECT_EQ(10.5F, lx::MakeEllipse(small).vertices[0].x);
+}
+
 TEST(RectangleOutline, BeginsAtTheCentreAndTurnsTheOtherWay) {
   const PsfPolygon straight = lx::MakeRectangle({30, 20, 10, 4, 0, 1, 1});
   const float expected[][2] = {{30, 18}, {40, 18}, {40, 22}, {30, 22}};

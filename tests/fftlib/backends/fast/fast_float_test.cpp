@@ -11,6 +11,8 @@
 #include <memory>
 #include <vector>
 
+#include "fftlib/backends/fast/fast_backend.h"
+#include "fftlib/core/rows.h"
 #include "fftlib/fftlib.h"
 #include "tests/fftlib/backends/fast/frame_case.h"
 #include "tests/fftlib/backends/fast/plain_frame.h"
@@ -180,6 +182,62 @@ TEST(FastFloat, GivesWithinZeroAndOneWhatAPictureOf16BitsGives) {
       const double got = std::clamp(Samples<float>(dest)[i], 0.0F, 1.0F) * 65535.0;
       ASSERT_NEAR(Samples<std::uint16_t>(expected)[i], got, 0.6) << emphasis << ", " << i;
     }
+  }
+}
+
+// The engine's own checks ask for three channels, so it goes past them.
+TEST(FastFloat, TakesASingleChannelForTheLumaOfAGreyPicture) {
+  for (const float emphasis : {0.0F, 20.0F, 200.0F}) {
+    const Image grey = lx_test::NoiseImage(kWidth, kHeight, 1, lx::kSampleFloat, 8, 0.0, 3.0);
+    const Image colours = lx_test::MakeImage(kWidth, kHeight, 3, lx::kSampleFloat);
+    for (int i = 0; i < kWidth * kHeight; ++i) {
+      std::fill_n(Samples<float>(colours) + i * 3, 3, Samples<float>(grey)[i]);
+    }
+    const Image mask = lx_test::MakeImage(kWidth, kHeight, 1, lx::kSampleU8);
+    lx_test::Fill<std::uint8_t>(mask, 0);
+    std::fill_n(Samples<std::uint8_t>(mask) + 14 * kWidth + 17, 5, std::uint8_t{255});
+    std::fill_n(Samples<std::uint8_t>(mask) + 15 * kWidth + 19, 3, std::uint8_t{90});
+    lx::FastBackend backend;
+    lx::Rows rows(&rows, [](void* owner, std::int32_t count) {
+      static_cast<lx::Rows*>(owner)->RunRange(0, count - 1);
+    });
+    const lx::GridSides sides = backend.GridOf(*mask, 0);
+    const lx::GridPlace place = lx::PlaceFrame(
+        {kWidth, kHeight},
+        {static_cast<std::int32_t>(sides.width), static_cast<std::int32_t>(sides.height)});
+    ASSERT_EQ(lx::kStatusOk, backend.Load(*mask, place, &rows));
+    const lx::Look look{emphasis, false, lx::kEdgeZero};
+    for (const Image* image : {&grey, &colours}) {
+      ASSERT_EQ(lx::kStatusOk,
+                backend.Convolve({image->get(), image->get(), place, 7}, look, &rows));
+    }
+    for (int i = 0; i < kWidth * kHeight; ++i) {
+      const float* pixel = Samples<float>(colours) + i * 3;
+      const double luma = 0.299 * pixel[0] + 0.587 * pixel[1] + 0.114 * pixel[2];
+      ASSERT_NEAR(luma, Samples<float>(grey)[i], 3e-6) << emphasis;
+    }
+  }
+}
+
+TEST(FastFloat, HasNoColourAroundAGreyPicture) {
+  const Image dest = Blur(Constant(0.5F), 0.0F, lx::kEdgeZero);
+  const float* pixels = Samples<float>(dest);
+  EXPECT_LT(pixels[0], 0.3F);  // as black comes in from two sides
+  for (int i = 0; i < kWidth * kHeight * 4; i += 4) {
+    ASSERT_NEAR(pixels[i], pixels[i + 1], 1e-6);
+    ASSERT_NEAR(pixels[i], pixels[i + 2], 1e-6);
+  }
+}
+
+// What a transform rounds off the light would be some 1e-5 there.
+TEST(FastFloat, LeavesDarknessBesideALightOfTheSunAsItIs) {
+  const Image source = Constant(0.0F);
+  std::fill_n(Samples<float>(source) + (5 * kWidth + 6) * 4, 4, 65504.0F);
+  const Image dest = Blur(source, 50.0F);
+  const float* pixels = Samples<float>(dest);
+  EXPECT_GT(pixels[(5 * kWidth + 6) * 4], 100.0F);
+  for (int x = 20; x < kWidth * 4; ++x) {
+    ASSERT_LE(std::fabs(pixels[20 * kWidth * 4 + x]), 1e-8F);
   }
 }
 

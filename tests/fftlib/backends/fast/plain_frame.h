@@ -68,6 +68,7 @@ class PlainFrame {
         height_(source->height),
         channels_(source->channels),
         look_(look),
+        grey_(source->sampleType == lx::kSampleFloat ? 0.0L : 0.5L),
         weights_(PlainWeights(mask, width_, height_)) {
     const std::size_t pixels = static_cast<std::size_t>(width_) * height_;
     const long double full = LargestSample(source->sampleType);
@@ -79,8 +80,8 @@ class PlainFrame {
       std::copy_n(&samples_[i * channels_], std::min<std::size_t>(4, channels_), sample.begin());
       const auto& [r, g, b, alpha] = sample;
       planes_[0].push_back(0.299F * r + 0.587F * g + 0.114F * b);
-      planes_[1].push_back(0.5F * r - 0.418688F * g - 0.081312F * b + 0.5F);
-      planes_[2].push_back(-0.213267F * r - 0.418688F * g + 0.617689F * b + 0.5F);
+      planes_[1].push_back(0.5F * r - 0.418688F * g - 0.081312F * b + grey_);
+      planes_[2].push_back(-0.213267F * r - 0.418688F * g + 0.617689F * b + grey_);
       planes_[3].push_back(alpha);
     }
     for (const std::size_t p : {0, 3}) {
@@ -105,8 +106,8 @@ class PlainFrame {
         plane[p] = PlainUncurve(plane[p], look_.emphasis);
       }
     }
-    const long double cr = plane[1] - 0.5L;
-    const long double cb = plane[2] - 0.5L;
+    const long double cr = plane[1] - grey_;
+    const long double cb = plane[2] - grey_;
     return {plane[0] + 1.402F * cr, 0.996036F * plane[0] - 0.714136F * cr - 0.277836F * cb,
             1.020408F * plane[0] + 1.430612F * cb, plane[3]};
   }
@@ -145,6 +146,7 @@ class PlainFrame {
   int height_;
   std::size_t channels_;
   lx::Look look_;
+  long double grey_;  // what chroma without a colour is; around a picture there may be 0
   std::vector<PlainWeight> weights_;
   std::vector<long double> samples_;
   std::array<std::vector<long double>, 4> planes_;
