@@ -51,10 +51,9 @@ typedef enum glimmerblur_status {
   GLIMMERBLUR_NO_APERTURE = 5,      /* shape is a picture, and none was given */
   GLIMMERBLUR_TOO_LARGE = 6,        /* frame and aperture need a longer transform than there is */
   GLIMMERBLUR_NO_MEMORY = 7,        /* memory has run out, or the limit is too low */
-  GLIMMERBLUR_NO_THREADS = 8,       /* the system starts no threads */
-  GLIMMERBLUR_CANCELLED = 9,        /* the progress function wished it */
-  GLIMMERBLUR_NOT_BUILT = 10,       /* an engine that this library was built without */
-  GLIMMERBLUR_FAILED = 11           /* anything else */
+  GLIMMERBLUR_CANCELLED = 8,        /* the progress function wished it */
+  GLIMMERBLUR_NOT_BUILT = 9,        /* an engine that this library was built without */
+  GLIMMERBLUR_FAILED = 10           /* anything else */
 } glimmerblur_status;
 
 /* One line of plain English, for any number. Never null. */
@@ -213,8 +212,8 @@ GLIMMERBLUR_API glimmerblur_status glimmerblur_region_needed(glimmerblur* object
                                                              glimmerblur_rect* needed);
 
 /* Takes a picture as the aperture of GLIMMERBLUR_PICTURE: its first channel, as 8 bits. What is cut
- * out is a disc with a soft edge, whose centre becomes the aperture's. A picture that is of one
- * value inside it counts as a single point. The picture may be freed afterwards.
+ * out is a disc with a soft edge, whose centre becomes the aperture's. A picture that is black
+ * counts as a single point. The picture may be freed afterwards.
  *   picture       any layout, up to 16384 pixels a side; null takes the aperture away
  *   centre_x, _y  pixels from the picture's first column and from its top row; may lie outside
  *   inner, outer  radii in pixels: full weight up to the first, none from the second on. Both
