@@ -23,11 +23,14 @@ using ImagePointer = std::unique_ptr<ImageRec, ImageDeleter>;
 // The pixel of a side that an aperture's middle is, as in the host module.
 std::int32_t MiddleOf(std::int32_t side) { return (side + 1) / 2; }
 
+// A transform holds an aperture twice: as it is, and as what it reads around a pixel.
+constexpr std::int32_t kLargestMask = kLargestGridSide / 2;
+
 ImagePointer MakeMask(std::int32_t width, std::int32_t height) {
-  if (width > kLargestGridSide || height > kLargestGridSide) {
+  if (width > kLargestMask || height > kLargestMask) {
     throw Refusal(GLIMMERBLUR_TOO_LARGE, "The aperture is " + std::to_string(width) + " x " +
                                              std::to_string(height) + " pixels; sides must be " +
-                                             "below " + std::to_string(kLargestGridSide) + '.');
+                                             "up to " + std::to_string(kLargestMask) + '.');
   }
   ImagePointer mask(ImageCreate(width, height, 1, kSampleU8, 1));
   if (mask == nullptr) {

@@ -18,7 +18,7 @@
 namespace lx {
 namespace {
 
-constexpr double kLargestRadius = 16000.0;
+constexpr double kLargestRadius = 8000.0;
 constexpr double kLargestEmphasis = 500.0;
 constexpr std::int32_t kLargestAperture = 16384;  // a picture's side
 

@@ -121,7 +121,7 @@ typedef struct glimmerblur_look {
   int32_t shape; /* glimmerblur_shape */
   int32_t sides; /* of a polygon, 3 to 50 */
 
-  /* In pixels, 0 to 16000. A circle has the first alone; an ellipse and a polygon have both. A
+  /* In pixels, 0 to 8000. A circle has the first alone; an ellipse and a polygon have both. A
    * picture has its own size. Up to half a pixel a centred aperture leaves frames as they are. */
   double radius_x;
   double radius_y;

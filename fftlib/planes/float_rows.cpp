@@ -16,6 +16,34 @@ namespace {
 // A piece at a time, so that what lies above 1 stays at hand.
 constexpr std::int32_t kPiece = 128;
 
+// The way back from planes, exact to double precision: the constants for integers are inverse to a
+// millionth alone, which integers do not show.
+struct ColourRow {
+  double y;
+  double cr;
+  double cb;
+};
+struct ColourInverse {
+  ColourRow r;
+  ColourRow g;
+  ColourRow b;
+};
+constexpr ColourInverse InvertColours() {
+  // Cofactors over the determinant.
+  const double crCb = kCrG * kCbB - kCrB * kCbG;
+  const double cbCr = kCrB * kCbR - kCrR * kCbB;
+  const double rest = kCrR * kCbG - kCrG * kCbR;
+  const double d = kLumaR * crCb + kLumaG * cbCr + kLumaB * rest;
+  return {{crCb / d, (kLumaB * kCbG - kLumaG * kCbB) / d, (kLumaG * kCrB - kLumaB * kCrG) / d},
+          {cbCr / d, (kLumaR * kCbB - kLumaB * kCbR) / d, (kLumaB * kCrR - kLumaR * kCrB) / d},
+          {rest / d, (kLumaG * kCbR - kLumaR * kCbG) / d, (kLumaR * kCrG - kLumaG * kCrR) / d}};
+}
+constexpr ColourInverse kInverse = InvertColours();
+
+float Mix(const ColourRow& row, double y, double cr, double cb) {
+  return NarrowToFloat(row.y * y + row.cr * cr + row.cb * cb);
+}
+
 double Finite(float sample) { return std::isfinite(sample) ? static_cast<double>(sample) : 0.0; }
 
 struct Weights {
@@ -90,9 +118,9 @@ void StoreToFloatPicture(const PlaneRow& planes, RowPiece piece, ImageRec* dest)
     const double cr = planes.cr[x];
     const double cb = planes.cb[x];
     // Nothing is clamped: floats may lie above 1 and below 0.
-    pixels[0] = NarrowToFloat(y + kRCr * cr);
-    pixels[1] = NarrowToFloat(kGY * y - kGCr * cr - kGCb * cb);
-    pixels[2] = NarrowToFloat(kBY * y + kBCb * cb);
+    pixels[0] = Mix(kInverse.r, y, cr, cb);
+    pixels[1] = Mix(kInverse.g, y, cr, cb);
+    pixels[2] = Mix(kInverse.b, y, cr, cb);
     if (planes.alpha != nullptr) {
       pixels[3] = NarrowToFloat(planes.alpha[x]);
     }

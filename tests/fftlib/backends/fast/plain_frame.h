@@ -68,7 +68,8 @@ class PlainFrame {
         height_(source->height),
         channels_(source->channels),
         look_(look),
-        grey_(source->sampleType == lx::kSampleFloat ? 0.0L : 0.5L),
+        isFloat_(source->sampleType == lx::kSampleFloat),
+        grey_(isFloat_ ? 0.0L : 0.5L),
         weights_(PlainWeights(mask, width_, height_)) {
     const std::size_t pixels = static_cast<std::size_t>(width_) * height_;
     const long double full = LargestSample(source->sampleType);
@@ -108,6 +109,9 @@ class PlainFrame {
     }
     const long double cr = plane[1] - grey_;
     const long double cb = plane[2] - grey_;
+    if (isFloat_) {
+      return SolveColours(plane[0], cr, cb, plane[3]);
+    }
     return {plane[0] + 1.402F * cr, 0.996036F * plane[0] - 0.714136F * cr - 0.277836F * cb,
             1.020408F * plane[0] + 1.430612F * cb, plane[3]};
   }
@@ -125,6 +129,27 @@ class PlainFrame {
   }
 
  private:
+  // The colours of floats solve the equations of their planes, where those of integers have
+  // constants of their own. Blue is got rid of first, then green.
+  static std::array<long double, 4> SolveColours(long double luma, long double cr, long double cb,
+                                                 long double alpha) {
+    const long double rows[3][4] = {{0.299F, 0.587F, 0.114F, luma},
+                                    {0.5F, -0.418688F, -0.081312F, cr},
+                                    {-0.213267F, -0.418688F, 0.617689F, cb}};
+    long double two[2][3];
+    for (int i = 0; i < 2; ++i) {
+      const long double factor = rows[i][2] / rows[2][2];
+      two[i][0] = rows[i][0] - factor * rows[2][0];
+      two[i][1] = rows[i][1] - factor * rows[2][1];
+      two[i][2] = rows[i][3] - factor * rows[2][3];
+    }
+    const long double factor = two[0][1] / two[1][1];
+    const long double r = (two[0][2] - factor * two[1][2]) / (two[0][0] - factor * two[1][0]);
+    const long double g = (two[1][2] - two[1][0] * r) / two[1][1];
+    const long double b = (rows[2][3] - rows[2][0] * r - rows[2][1] * g) / rows[2][2];
+    return {r, g, b, alpha};
+  }
+
   // Calls function(weight, pixel) for the pixels that one pixel is made of.
   template <class Function>
   void EachWeight(int x, int y, Function function) const {
@@ -146,6 +171,7 @@ class PlainFrame {
   int height_;
   std::size_t channels_;
   lx::Look look_;
+  bool isFloat_;
   long double grey_;  // what chroma without a colour is; around a picture there may be 0
   std::vector<PlainWeight> weights_;
   std::vector<long double> samples_;
