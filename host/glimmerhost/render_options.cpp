@@ -76,12 +76,24 @@ void AddPixels(OptionSet* options, RenderOptions* render) {
                  {kPixelsGroup, "FILE",
                   "A picture of the frame's size, or a sequence, whose first channel says where "
                   "the blur is seen"});
+  options->Value("--precision", &render->precision,
+                 {kPixelsGroup,
+                  "ROAD",
+                  "auto (default): floating point goes through the library, in floats and past 1, "
+                  "and whole numbers through the module, in 16 bits; float or 16: one for all",
+                  {"auto", "float", "16"}});
+  options->Switch("--centred", &render->centred, kPixelsGroup,
+                  "Put drawn apertures exactly on their pixel, in floats; the module has them half "
+                  "a pixel off");
   options->ReadValue("--range",
-                     [render](const auto& text) { render->range = RangeMapping::Parse(text); },
+                     [render](const auto& text) {
+                       render->range = RangeMapping::Parse(text);
+                       render->isRangeGiven = true;
+                     },
                      {kPixelsGroup,
                       "RANGE",
-                      "How floating point comes into 0 to 1, and back where the output is floating "
-                      "point, too: clip (default), scale:MAX or log:MAX",
+                      "With 16 bits, which it implies: how floating point comes into 0 to 1, and "
+                      "back where the output is floating point, too: clip, scale:MAX or log:MAX",
                       {"clip", "scale:", "log:"}});
 }
 

@@ -10,7 +10,7 @@
 #include "host/glimmerhost/run_options.h"
 #include "host/looks/page.h"
 #include "host/pictures/coding.h"
-#include "host/pictures/range.h"
+#include "host/pictures/floats/range.h"
 #include "host/render/shot_report.h"
 
 namespace glimmerhost {
@@ -20,6 +20,9 @@ struct RenderOptions : RunOptions {
   std::string input;
   Coding coding;  // of the output
   RangeMapping range;
+  bool isRangeGiven = false;
+  std::string precision;  // auto, float or 16; empty for what the other options imply
+  bool centred = false;
   ColourOptions colours;
   std::vector<std::string> blurChannels;  // patterns
   std::string mask;                       // a picture; empty for none

@@ -48,6 +48,42 @@ void CheckPipes(const RenderOptions& options) {
   }
 }
 
+// What was asked for, or is implied. The library has the engine fast alone.
+Precision PrecisionOf(const RenderOptions& options) {
+  const bool isModuleNamed =
+      !options.module.empty() || (!options.engine.empty() && options.engine != kDefaultEngine);
+  const std::string chosen =
+      !options.module.empty() ? "--module " + options.module : "--engine " + options.engine;
+  Precision precision = isModuleNamed || options.isRangeGiven ? Precision::k16
+                        : options.centred                     ? Precision::kFloat
+                                                              : Precision::kByFile;
+  if (!options.precision.empty()) {
+    precision = ParsePrecision("--precision", options.precision);
+    if (precision != Precision::k16 && options.isRangeGiven) {
+      throw UsageError("--precision " + options.precision +
+                       " cannot be used with --range, which is for 16 bits");
+    }
+    if (precision == Precision::kFloat && isModuleNamed) {
+      throw UsageError("--precision float cannot be used with " + chosen +
+                       ": frames in floats do not go through a module");
+    }
+    if (precision == Precision::kByFile && isModuleNamed) {
+      precision = Precision::k16;
+    }
+    if (precision == Precision::kByFile && options.centred) {
+      precision = Precision::kFloat;
+    }
+  }
+  if (options.centred && precision != Precision::kFloat) {
+    throw UsageError("--centred needs floats, and " +
+                     (options.precision == "16" ? std::string("--precision 16")
+                      : options.isRangeGiven    ? std::string("--range")
+                                                : chosen) +
+                     " asks for 16 bits");
+  }
+  return precision;
+}
+
 // What looks and colour spaces say, too.
 ShotSettings SettingsOf(const RenderOptions& options, const ReadLook& read) {
   ShotSettings settings;
@@ -58,6 +94,8 @@ ShotSettings SettingsOf(const RenderOptions& options, const ReadLook& read) {
   }
   settings.reading.colours = read.colours;
   settings.reading.range = options.range;
+  settings.reading.precision = PrecisionOf(options);
+  settings.centred = options.centred;
   settings.grow = options.grow;
   settings.overwrite = options.overwrite;
   settings.skipExisting = options.skipExisting;

@@ -17,6 +17,7 @@ inline constexpr const char* kMatchKey = "PRM_Match";
 inline constexpr const char* kRadiusXKey = "PRM_RadiusX";
 inline constexpr const char* kRadiusYKey = "PRM_RadiusY";
 inline constexpr const char* kSidesKey = "PRM_Sides";
+inline constexpr const char* kRotationKey = "PRM_Rotation";
 inline constexpr const char* kEmphasisKey = "PRM_Emphasis";
 inline constexpr const char* kEmphAlphaKey = "PRM_EmphAlpha";
 inline constexpr const char* kCenterXKey = "PRM_Center_X";

@@ -127,8 +127,11 @@ double QuietEmphasis(const lx::Footprint& engine) {
 }
 
 bool ApertureHoldsNothing(const FrameInput& input) {
+  if (ShapeOf(input.values) != Shape::kImage) {
+    return false;
+  }
   const Samples aperture = SamplesOf((input.spread ? input.spread : input.source).Object());
-  return ShapeOf(input.values) == Shape::kImage && LitPixels(input.values, aperture) == 0;
+  return LitPixels(input.values, aperture) == 0;
 }
 
 bool CheckRendered(const FrameInput& input, FrameImage* result) {

@@ -18,7 +18,7 @@ namespace glimmerhost {
 struct FrameInput {
   int frame = 1;
   std::map<std::string, Value> values;
-  quantel::cPtr<FrameImage> source;
+  quantel::cPtr<FrameImage> source;  // null where the picture is of floats, and no module's
   quantel::cPtr<FrameImage> spread;  // null if there is none
   quantel::cSize2 pixelAspect{1, 1};
 };

@@ -3,21 +3,38 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <vector>
 
 #include "host/support/failure.h"
 
 namespace glimmerhost {
 namespace {
 
-using Operation = std::uint16_t (*)(std::uint16_t, std::uint16_t);
+template <class Sample>
+using Operation = Sample (*)(Sample, Sample);
 
-void ForColours(Picture* picture, Operation operation) {
-  for (std::size_t i = 0; i + 3 < picture->samples.size(); i += 4) {
-    std::uint16_t* pixel = picture->samples.data() + i;
+template <class Sample>
+void ForSamples(std::vector<Sample>* samples, Operation<Sample> operation) {
+  for (std::size_t i = 0; i + 3 < samples->size(); i += 4) {
+    Sample* pixel = samples->data() + i;
     for (int c = 0; c < 3; ++c) {
       pixel[c] = operation(pixel[c], pixel[3]);
     }
   }
+}
+
+// Of the two kinds of samples one is there.
+void ForColours(Picture* picture, Operation<std::uint16_t> ofWords, Operation<float> ofFloats) {
+  ForSamples(&picture->samples, ofWords);
+  ForSamples(&picture->floats, ofFloats);
+}
+
+float MultipliedFloat(float colour, float alpha) { return colour * alpha; }
+
+// Below that an alpha is what rounding leaves of none.
+float DividedFloat(float colour, float alpha) {
+  constexpr float kLeast = 0x1p-24F;
+  return alpha < kLeast ? 0.0F : colour / alpha;
 }
 
 }  // namespace
@@ -44,14 +61,14 @@ bool ParsePremultiplied(const std::string& name, const std::string& text) {
 
 void Premultiply(Picture* picture) {
   if (picture->alpha == Alpha::kStraight) {
-    ForColours(picture, Multiplied);
+    ForColours(picture, Multiplied, MultipliedFloat);
     picture->alpha = Alpha::kPremultiplied;
   }
 }
 
 void Unpremultiply(Picture* picture) {
   if (picture->alpha == Alpha::kPremultiplied) {
-    ForColours(picture, Divided);
+    ForColours(picture, Divided, DividedFloat);
     picture->alpha = Alpha::kStraight;
   }
 }

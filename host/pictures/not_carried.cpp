@@ -24,6 +24,12 @@ NotCarried GrownNotCarried(int width, int height, int by, const std::string& for
                            size(width + 2 * by, height + 2 * by) + " at " + corner);
 }
 
+NotCarried CutNotCarried(std::uint64_t count, const std::string& why) {
+  return {"samples outside 0 to 1", std::to_string(count) + (count == 1 ? " sample" : " samples") +
+                                        " outside 0 to 1" + (count == 1 ? " is" : " are") +
+                                        " cut to that range: " + why};
+}
+
 std::string ListNames(const std::vector<std::string>& names) {
   constexpr std::size_t kMost = 8;
   const std::size_t shown = names.size() > kMost + 1 ? kMost : names.size();

@@ -2,6 +2,7 @@
 // What a file says or holds and its successor does not.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,11 @@ NotCarried SomeNotCarried(const std::string& what, const std::string& why);
 //   width, height  of what was read
 //   by             pixels that each side has got
 NotCarried GrownNotCarried(int width, int height, int by, const std::string& format);
+
+// Of floats that came into whole numbers.
+//   count  samples that were outside 0 to 1
+//   why    "PNG has no place beyond"
+NotCarried CutNotCarried(std::uint64_t count, const std::string& why);
 
 // "a, b and 3 more": names in their order, as many as a line can bear.
 std::string ListNames(const std::vector<std::string>& names);

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "host/pictures/range.h"
+#include "host/pictures/floats/range.h"
 #include "hostframe/interfaces/geometry.h"
 
 namespace glimmerhost {
@@ -25,12 +25,14 @@ struct FileAttributes;  // what any file says, as the plug-in knows it
 struct FileExtras;  // channels and parts of a file beside the picture, as the plug-in keeps them
 struct PictureLayer;
 
-// Samples are 16 bits, red, green, blue, alpha; rows follow one another without a gap, the
-// top row first. Grey pictures have three equal colours.
+// Samples are 16 bits or floats, red, green, blue, alpha; rows follow one another without a gap,
+// the top row first. Grey pictures have three equal colours.
 struct Picture {
   int width = 0;
   int height = 0;
+  // One of the two. Floats are finite, and may lie above 1 and below 0.
   std::vector<std::uint16_t> samples;
+  std::vector<float> floats;
   Alpha alpha = Alpha::kNone;
   bool grey = false;
   int bits = 16;  // of the file that it came from: 8 or 16
@@ -44,6 +46,8 @@ struct Picture {
   std::shared_ptr<const FileExtras>
       extras;                        // null where there are none, or the output has no place
   std::vector<PictureLayer> layers;  // of the extras, what is blurred as the picture is
+
+  bool IsFloat() const { return !floats.empty(); }
 
   std::size_t PixelCount() const {
     return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "host/pictures/channels.h"
+#include "host/pictures/floats/float_picture.h"
 #include "host/support/failure.h"
 #include "host/support/input_file.h"
 #include "host/support/system.h"
@@ -39,7 +40,11 @@ OutputFormat OutputFormatOf(const fs::path& file) {
 
 Picture ReadPicture(const fs::path& file, const ReadOptions& options, ReadReport* report) {
   CheckFile(file);
-  return ReadFormat(file, options, report);
+  Picture picture = ReadFormat(file, options, report);
+  if (options.precision == Precision::kFloat) {
+    MakeFloat(&picture);
+  }
+  return picture;
 }
 
 PictureHead ReadPictureHead(const fs::path& file) {

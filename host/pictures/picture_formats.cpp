@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/pictures/picture_formats.h"
 
+#include <cstdint>
 #include <string>
 #include <utility>
 
 #include "host/pictures/channels.h"
+#include "host/pictures/floats/float_picture.h"
 #include "host/pictures/plugged_formats.h"
 #include "host/pictures/png_tiff/png_tiff_formats.h"
 
@@ -76,8 +78,30 @@ PictureHead ReadFormatHead(const fs::path& file) {
   }
 }
 
+namespace {
+
+// Floats for a file of whole numbers.
+Picture ForWholeNumbers(const OutputFormat& format, const Picture& picture,
+                        std::vector<NotCarried>* lost) {
+  std::uint64_t cut = 0;
+  Picture words = Quantised(picture, &cut);
+  if (cut > 0 && lost != nullptr) {
+    const bool isTiff = format.name == "tiff";
+    lost->push_back(CutNotCarried(cut, isTiff ? "--bits float keeps them"
+                                              : FormatLabel(format.name) + " has no place beyond"));
+  }
+  return words;
+}
+
+}  // namespace
+
 void WriteFormat(const OutputFile& file, const OutputFormat& format, const Picture& picture,
                  const Coding& coding, std::vector<NotCarried>* lost) {
+  const bool takesFloats = format.holdsFloats || coding.floats || picture.colours;
+  if (picture.IsFloat() && !takesFloats) {
+    WriteFormat(file, format, ForWholeNumbers(format, picture, lost), coding, lost);
+    return;
+  }
   if (kHasPicturePlugin && (picture.colours || picture.attributes || !format.own)) {
     WritePlugged(file, format, picture, coding, lost);
   } else {

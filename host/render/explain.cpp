@@ -91,6 +91,10 @@ void Explain(const lx::Footprint& engine, const Page& page, const ShotSettings& 
         << picture.width + 2 * foresight.growth << " x " << picture.height + 2 * foresight.growth
         << '\n';
   }
+  const bool isFloat = settings.reading.KeepsFloats(picture.floats);
+  out << "Precision           "
+      << (isFloat ? "float, through the library" : "16 bits, through the module")
+      << (isFloat && settings.centred ? ", apertures centred" : "") << '\n';
   out << "Engine              " << engine.name << ": " << engine.description << '\n';
   for (const auto& [grid, of] : foresight.byGrid) {
     if (grid == kTooLarge) {

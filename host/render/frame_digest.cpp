@@ -58,6 +58,8 @@ std::vector<std::pair<std::string, std::string>> WhatDecides(
   if (settings.reading.colours) {
     decides.emplace_back("colours", settings.reading.colours->identity);
   }
+  decides.emplace_back("precision", PrecisionText(settings.reading.precision));
+  decides.emplace_back("centred", settings.centred ? "on" : "off");
   decides.emplace_back("carry-psf", settings.carryPsf ? "on" : "off");
   decides.emplace_back("format", files.output.extension().string());
   return decides;

@@ -31,7 +31,8 @@ namespace glimmerhost {
 // One of the picture's layers on the same way.
 struct LayerWork {
   FrameInput input;
-  quantel::cPtr<FrameImage> result;
+  quantel::cPtr<FrameImage> result;  // of the module
+  std::vector<float> floats;         // of the library
 };
 
 struct FrameWork {
@@ -55,8 +56,9 @@ struct FrameWork {
   std::string digest;
   std::pair<int, int> readSize;  // of the picture as it was read
 
-  // The renderer's.
+  // The renderer's: of the module, or of the library where the picture is of floats.
   quantel::cPtr<FrameImage> result;
+  std::vector<float> floats;
 
   // Whoever finds that the command is wrong for all frames puts the UsageError here. The writer
   // throws it, when all frames before are written.

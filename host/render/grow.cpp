@@ -30,20 +30,33 @@ int GrowthOf(const KeyframedValues& values, const ShotSpan& span, int width) {
   return lx::OutlineMargin(largest);
 }
 
+namespace {
+
+template <class Sample>
+void GrowSamples(const Picture& picture, int by, std::vector<Sample>* samples) {
+  if (samples->empty()) {
+    return;
+  }
+  const auto width = static_cast<std::size_t>(picture.width);
+  const auto height = static_cast<std::size_t>(picture.height);
+  const auto edge = static_cast<std::size_t>(by);
+  const std::size_t grown = width + 2 * edge;
+  std::vector<Sample> larger(grown * (height + 2 * edge) * 4);
+  for (std::size_t y = 0; y < height; ++y) {
+    std::copy_n(samples->data() + y * width * 4, width * 4,
+                larger.data() + ((y + edge) * grown + edge) * 4);
+  }
+  *samples = std::move(larger);
+}
+
+}  // namespace
+
 void GrowPicture(int by, Picture* picture) {
   if (by == 0) {
     return;
   }
-  const auto width = static_cast<std::size_t>(picture->width);
-  const auto height = static_cast<std::size_t>(picture->height);
-  const auto edge = static_cast<std::size_t>(by);
-  const std::size_t grown = width + 2 * edge;
-  std::vector<std::uint16_t> samples(grown * (height + 2 * edge) * 4);
-  for (std::size_t y = 0; y < height; ++y) {
-    std::copy_n(picture->samples.data() + y * width * 4, width * 4,
-                samples.data() + ((y + edge) * grown + edge) * 4);
-  }
-  picture->samples = std::move(samples);
+  GrowSamples(*picture, by, &picture->samples);
+  GrowSamples(*picture, by, &picture->floats);
   picture->width += 2 * by;
   picture->height += 2 * by;
   picture->grownBy += by;

@@ -13,6 +13,7 @@
 #include "host/module/frame_checks.h"
 #include "host/module/second_clip.h"
 #include "host/pictures/alpha.h"
+#include "host/pictures/floats/float_picture.h"
 #include "host/render/frame_digest.h"
 #include "host/render/grow.h"
 #include "host/shots/file_hash.h"
@@ -25,6 +26,11 @@ namespace glimmerhost {
 namespace fs = std::filesystem;
 
 namespace {
+
+// What the module is given; floats go past it.
+quantel::cPtr<FrameImage> SourceOf(const Picture& picture) {
+  return quantel::cPtr<FrameImage>(picture.IsFloat() ? nullptr : new FrameImage(picture));
+}
 
 std::string SizeOf(const Picture& picture) {
   return std::to_string(picture.width) + " x " + std::to_string(picture.height);
@@ -192,6 +198,9 @@ bool Loader::TakeFromPipe(FrameWork* work) {
         TextHash(SamplesHash(taken.samples) + " " + std::to_string(taken.width) + "x" +
                  std::to_string(taken.height));
   }
+  if (settings_.reading.precision == Precision::kFloat) {
+    MakeFloat(&work->picture);
+  }
   return true;
 }
 
@@ -237,7 +246,12 @@ void Loader::SettleInput(FrameWork* work) {
   NoteSources(work);
   WarnOfNoise(work);
   WarnOfRange(work);
-  input.source = quantel::cPtr<FrameImage>(new FrameImage(picture));
+  input.source = SourceOf(picture);
+  if (picture.IsFloat() && !input.spread && ShapeOf(input.values) == Shape::kImage) {
+    // Cut out of the picture itself: apertures are of whole numbers on either road.
+    std::uint64_t cut = 0;
+    input.spread = quantel::cPtr<FrameImage>(new FrameImage(Quantised(picture, &cut)));
+  }
   SettleLayers(work, by);
 }
 
@@ -254,8 +268,8 @@ void Loader::SettleLayers(FrameWork* work, int by) {
       input.values[kEmphasisKey] = 1.0;
       input.values[kEmphAlphaKey] = false;
     }
-    input.source = quantel::cPtr<FrameImage>(new FrameImage(layer.picture));
-    work->layers.push_back({std::move(input), {}});
+    input.source = SourceOf(layer.picture);
+    work->layers.push_back({std::move(input), {}, {}});
   }
 }
 
@@ -289,7 +303,7 @@ int Loader::Grow(FrameWork* work) {
 void Loader::WarnOfNoise(FrameWork* work) {
   const double emphasis = std::get<double>(work->input.values.at(kEmphasisKey));
   const double quiet = QuietEmphasis(engine_);
-  if (emphasis > quiet && !warnedOfNoise_) {
+  if (emphasis > quiet && !work->picture.IsFloat() && !warnedOfNoise_) {
     warnedOfNoise_ = true;
     work->report.remarks.push_back("an emphasis of " + Shortest(emphasis) +
                                    " shows rounding noise in dark areas; up to " + Shortest(quiet) +
@@ -310,16 +324,16 @@ void Loader::WarnOfRange(FrameWork* work) {
 // of the frame before, it gives back first; whether enough of it, is known when the frame's turn
 // comes.
 void Loader::CheckRoom(const FrameWork& work) {
-  // The picture, its copy for the effect and the result.
-  constexpr std::uint64_t kPixel = 24;
   const PictureHead head = ReadPictureHead(work.files.input);
+  // The picture, its copy for the effect and the result.
+  const std::uint64_t pixel = settings_.reading.KeepsFloats(head.floats) ? 48 : 24;
   const KeyframedValues& looks = ValuesFor(head.width, head.height);
   const auto values = looks.AtGrown(work.files.frame, growth_);
   const int width = head.width + 2 * growth_;
   const int height = head.height + 2 * growth_;
   const std::uint64_t pixels =
       static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
-  CheckGrid(engine_, values, width, height, held_, kPixel * pixels);
+  CheckGrid(engine_, values, width, height, held_, pixel * pixels);
   held_ = std::max(held_, Foresee(engine_, values, width, height).effectBytes);
 }
 

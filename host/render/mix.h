@@ -20,8 +20,13 @@ std::uint16_t Mixed(std::uint16_t frame, std::uint16_t blurred, double weight);
 
 // Mixes a frame's samples into the blurred ones, four a pixel.
 //   mix   0 to 1
-//   mask  as many pixels as the frame, of which the first channel counts; null for 1 everywhere
+//   mask  as many pixels as the frame, of 16 bits, of which the first channel counts; null for 1
+//         everywhere
 void MixSamples(const std::vector<std::uint16_t>& frame, double mix, const Picture* mask,
                 std::vector<std::uint16_t>* blurred);
+
+// The same of floats, which are not rounded to steps.
+void MixFloats(const std::vector<float>& frame, double mix, const Picture* mask,
+               std::vector<float>* blurred);
 
 }  // namespace glimmerhost

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Renderer: takes loaded frames through the effect, one after another.
+// Renderer: takes loaded frames through the effect, one after another: pictures of 16 bits through
+// the module, those of floats through the library.
 #pragma once
 
 #include "host/module/effect_module.h"
 #include "host/module/frame_renderer.h"
+#include "host/render/float_renderer.h"
 #include "host/render/frame_work.h"
 #include "host/render/shot_settings.h"
 
@@ -27,6 +29,7 @@ class Renderer {
   const ShotSettings& settings_;
   const lx::Footprint& engine_;
   FrameRenderer renderer_;
+  FloatRenderer floatRenderer_;
 };
 
 }  // namespace glimmerhost

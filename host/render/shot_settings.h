@@ -25,6 +25,7 @@ struct ShotSettings {
   bool skipExisting = false;
   bool keepGoing = false;
   bool carryPsf = false;
+  bool centred = false;  // apertures of frames of floats
   // Films whose pictures come and go by the pipes, for what is told of frames; empty for none.
   std::string film;
   std::string filmOutput;

@@ -12,6 +12,7 @@
 
 #include "host/module/frame_checks.h"
 #include "host/pictures/alpha.h"
+#include "host/pictures/floats/float_picture.h"
 #include "host/pictures/pam_stream.h"
 #include "host/render/frame_digest.h"
 #include "host/render/mix.h"
@@ -32,6 +33,39 @@ void TakeResult(const FrameWork& work, const FrameImage& result, Picture* pictur
     MixSamples(frame, work.mix, work.mask.get(), &picture->samples);
   } else {
     result.CopyTo(picture);
+  }
+}
+
+void TakeFloats(const FrameWork& work, std::vector<float>* result, Picture* picture) {
+  if (work.mix < 1.0 || work.mask) {
+    MixFloats(picture->floats, work.mix, work.mask.get(), result);
+  }
+  picture->floats = std::move(*result);
+}
+
+// All results into their pictures.
+void TakeFloats(FrameWork* work) {
+  if (ApertureHoldsNothing(work->input)) {
+    work->report.remarks.emplace_back(kEmptyAperture);
+  }
+  TakeFloats(*work, &work->floats, &work->picture);
+  for (std::size_t i = 0; i < work->layers.size(); ++i) {
+    TakeFloats(*work, &work->layers[i].floats, &work->picture.layers[i].picture);
+  }
+}
+
+void TakeWords(FrameWork* work) {
+  Picture& picture = work->picture;
+  if (CheckRendered(work->input, work->result.Object())) {
+    TakeResult(*work, *work->result, &picture);
+  } else {
+    // The input's own samples, which have not passed the border.
+    work->report.remarks.emplace_back(kEmptyAperture);
+  }
+  for (std::size_t i = 0; i < work->layers.size(); ++i) {
+    if (CheckRendered(work->layers[i].input, work->layers[i].result.Object())) {
+      TakeResult(*work, *work->layers[i].result, &picture.layers[i].picture);
+    }
   }
 }
 
@@ -67,16 +101,10 @@ void Writer::Run(FrameChannel* rendered) {
 
 void Writer::Write(FrameWork* work) const {
   Picture& picture = work->picture;
-  if (CheckRendered(work->input, work->result.Object())) {
-    TakeResult(*work, *work->result, &picture);
+  if (picture.IsFloat()) {
+    TakeFloats(work);
   } else {
-    // The input's own samples, which have not passed the border.
-    work->report.remarks.emplace_back(kEmptyAperture);
-  }
-  for (std::size_t i = 0; i < work->layers.size(); ++i) {
-    if (CheckRendered(work->layers[i].input, work->layers[i].result.Object())) {
-      TakeResult(*work, *work->layers[i].result, &picture.layers[i].picture);
-    }
+    TakeWords(work);
   }
   const bool toPipe = !work->output;
   if (settings_.premultiplied) {
@@ -88,6 +116,13 @@ void Writer::Write(FrameWork* work) const {
                                                       picture.grownBy, kPamFormat.name));
   }
   if (toPipe) {
+    if (picture.IsFloat()) {
+      std::uint64_t cut = 0;
+      picture = Quantised(picture, &cut);
+      if (cut > 0) {
+        work->report.notCarried.push_back(CutNotCarried(cut, "PAM has no place beyond"));
+      }
+    }
     WritePam(picture, streams_.out, streams_.outName);
   } else if (!WriteFile(work)) {
     work->report.state = FrameState::kSkipped;
@@ -127,7 +162,9 @@ void Writer::Note(const FrameWork& work, const std::filesystem::path& finished) 
   for (const auto& [key, value] : work.input.values) {
     entry.parameters[key] = page_.Find(key).Show(value);
   }
-  entry.engine = engine_.name;
+  const bool isFloat = !work.input.source;
+  entry.engine = isFloat ? lx::FastFootprint::kName : engine_.name;
+  entry.precision = isFloat ? "float" : "16";
   entry.shot = settings_.shot;
   entry.versions = settings_.versions;
   entry.seconds = work.report.seconds;

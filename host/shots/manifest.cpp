@@ -33,6 +33,7 @@ Json ToJson(const ManifestEntry& entry) {
                {"output_hash", entry.outputHash},
                {"parameters", entry.parameters},
                {"engine", entry.engine},
+               {"precision", entry.precision},
                {"versions", entry.versions},
                {"seconds", entry.seconds},
                {"clipped_samples", entry.clippedSamples},
@@ -60,6 +61,7 @@ ManifestEntry FromJson(const Json& json) {
   json.at("output_hash").get_to(entry.outputHash);
   json.at("parameters").get_to(entry.parameters);
   entry.engine = json.value("engine", "");
+  entry.precision = json.value("precision", "");
   json.at("versions").get_to(entry.versions);
   json.at("seconds").get_to(entry.seconds);
   json.at("clipped_samples").get_to(entry.clippedSamples);

@@ -6,13 +6,14 @@
 #include <cstddef>
 
 #include "host/pictures/colour_path.h"
-#include "host/pictures/float_samples.h"
+#include "host/pictures/floats/float_picture.h"
+#include "host/pictures/floats/float_samples.h"
 
 namespace glimmerhost {
 
 void SpreadManaged(const std::filesystem::path& file, const std::vector<float>& from, int channels,
-                   const ChannelMap& map, const ReadOptions& options, Picture* picture,
-                   ReadReport* report) {
+                   const ChannelMap& map, const ReadOptions& options, bool ofFloats,
+                   Picture* picture, ReadReport* report) {
   const int picked = map.alpha < 0 ? 3 : 4;
   std::vector<float> pixels;
   pixels.reserve(picture->PixelCount() * static_cast<std::size_t>(picked));
@@ -28,19 +29,19 @@ void SpreadManaged(const std::filesystem::path& file, const std::vector<float>& 
   }
   picture->grey = false;
   picture->colours = options.colours;
-  SpreadFloats(file, pixels, picked, MapPlainChannels(picked), options.range, picture, report);
+  SpreadFloats(file, pixels, picked, MapPlainChannels(picked),
+               {options.KeepsFloats(ofFloats), options.range}, picture, report);
 }
 
 std::vector<float> ManagedFloats(const Picture& picture, bool withAlpha) {
-  constexpr float kLargest = 65504.0F;
   const int channels = picture.alpha == Alpha::kNone ? 3 : 4;
-  std::vector<float> values = ToFloats(GatherChannels(picture, channels), channels, picture.range);
+  std::vector<float> values = GatherFloats(picture, channels);
   if (picture.colours->out) {
     TransformColours(*picture.colours->out, picture.alpha, &values);
   }
-  for (float& value : values) {
-    value = std::isnan(value) ? 0.0F : std::clamp(value, -kLargest, kLargest);
-  }
+  std::replace_if(
+      values.begin(), values.end(), [](float value) { return std::isnan(value); }, 0.0F);
+  CutToHalf(&values);
   if (channels == 4 && !withAlpha) {
     for (std::size_t i = 0; i < picture.PixelCount(); ++i) {
       std::copy_n(values.begin() + static_cast<std::ptrdiff_t>(i * 4), 3,
@@ -53,12 +54,11 @@ std::vector<float> ManagedFloats(const Picture& picture, bool withAlpha) {
 
 std::vector<std::uint16_t> CutToWords(const std::vector<float>& values, std::uint64_t* cut) {
   constexpr float kOne = 65535.0F;
-  // A range and a transform make more of the effect's rounding; this is a step of 10 bits.
-  constexpr float kRounding = 0.001F;
   std::vector<std::uint16_t> words(values.size());
   for (std::size_t i = 0; i < values.size(); ++i) {
     const float value = values[i];
-    *cut += value < -kRounding || value > 1.0F + kRounding ? 1U : 0U;
+    // A range and a transform make more of the effect's rounding.
+    *cut += IsCutToUnit(value) ? 1U : 0U;
     words[i] = static_cast<std::uint16_t>(std::lround(std::clamp(value, 0.0F, 1.0F) * kOne));
   }
   return words;

@@ -16,10 +16,11 @@ namespace glimmerhost {
 // which are not null. Size and alpha of the picture are set. A grey picture becomes one of colours,
 // since a transform may tint it.
 //   channels  of a pixel of the file
+//   ofFloats  whether its samples are floats
 //   report    receives what became of the samples, and a line about it
 void SpreadManaged(const std::filesystem::path& file, const std::vector<float>& from, int channels,
-                   const ChannelMap& map, const ReadOptions& options, Picture* picture,
-                   ReadReport* report);
+                   const ChannelMap& map, const ReadOptions& options, bool ofFloats,
+                   Picture* picture, ReadReport* report);
 
 // The values that go into a file: red, green, blue and, if asked for, alpha. None is larger than a
 // half float can be.

@@ -9,7 +9,8 @@
 #include <optional>
 #include <utility>
 
-#include "host/pictures/float_samples.h"
+#include "host/pictures/floats/float_picture.h"
+#include "host/pictures/floats/float_samples.h"
 #include "host/pictures/guards/reader_guard.h"
 #include "host/pictures/openimageio/managed_samples.h"
 #include "host/support/channel_patterns.h"
@@ -180,11 +181,11 @@ PictureLayer ColourLayer(const fs::path& file, const std::string& beginning,
   const auto channels = static_cast<int>(count);
   ReadReport found;
   if (options.colours) {
-    SpreadManaged(name, values, channels, MapPlainChannels(channels), options, &layer.picture,
+    SpreadManaged(name, values, channels, MapPlainChannels(channels), options, true, &layer.picture,
                   &found);
   } else {
-    SpreadFloats(name, values, channels, MapPlainChannels(channels), options.range, &layer.picture,
-                 &found);
+    SpreadFloats(name, values, channels, MapPlainChannels(channels),
+                 {options.KeepsFloats(true), options.range}, &layer.picture, &found);
   }
   report->lines.insert(report->lines.end(), found.lines.begin(), found.lines.end());
   return layer;
@@ -193,7 +194,8 @@ PictureLayer ColourLayer(const fs::path& file, const std::string& beginning,
 // A channel of numbers, over all that they span. None where all are the same: no blur would change
 // them.
 std::optional<PictureLayer> DataLayer(const fs::path& file, const Channel& channel,
-                                      const Picture& picture, ReadReport* report) {
+                                      const Picture& picture, const ReadOptions& options,
+                                      ReadReport* report) {
   const std::vector<float> values = FloatsOf(channel);
   float lowest = std::numeric_limits<float>::max();
   float highest = std::numeric_limits<float>::lowest();
@@ -213,7 +215,8 @@ std::optional<PictureLayer> DataLayer(const fs::path& file, const Channel& chann
   layer.picture.grey = true;
   ReadReport found;
   SpreadFloats(file.string() + ": channel " + channel.name, values, 1, MapPlainChannels(1),
-               RangeMapping::Span(lowest, highest), &layer.picture, &found);
+               {options.KeepsFloats(true), RangeMapping::Span(lowest, highest)}, &layer.picture,
+               &found);
   report->lines.insert(report->lines.end(), found.lines.begin(), found.lines.end());
   return layer;
 }
@@ -237,10 +240,9 @@ std::vector<std::pair<std::string, std::vector<float>>> BlurredChannels(const Pi
   for (const PictureLayer& layer : picture.layers) {
     const auto count = static_cast<int>(layer.channels.size());
     const bool withAlpha = layer.picture.alpha != Alpha::kNone;
-    const std::vector<float> values =
-        layer.picture.colours
-            ? ManagedFloats(layer.picture, withAlpha)
-            : ToFloats(GatherChannels(layer.picture, count), count, layer.picture.range);
+    const std::vector<float> values = layer.picture.colours
+                                          ? ManagedFloats(layer.picture, withAlpha)
+                                          : GatherFloats(layer.picture, count);
     for (std::size_t c = 0; c < layer.channels.size(); ++c) {
       std::vector<float> channel(layer.picture.PixelCount());
       for (std::size_t i = 0; i < channel.size(); ++i) {
@@ -305,7 +307,7 @@ std::vector<PictureLayer> TakeLayers(const fs::path& file, const OIIO::ImageSpec
     if (isOfColour && last == "R") {
       layers.push_back(ColourLayer(file, beginning, *extras, options, picture, report));
     } else if (!isOfColour && isAsked(channel.name)) {
-      if (auto layer = DataLayer(file, channel, picture, report)) {
+      if (auto layer = DataLayer(file, channel, picture, options, report)) {
         layers.push_back(std::move(*layer));
       }
     }

@@ -12,7 +12,8 @@
 #include <vector>
 
 #include "host/pictures/channels.h"
-#include "host/pictures/float_samples.h"
+#include "host/pictures/floats/float_picture.h"
+#include "host/pictures/floats/float_samples.h"
 #include "host/pictures/guards/dpx_header.h"
 #include "host/pictures/guards/reader_guard.h"
 #include "host/pictures/openimageio/managed_samples.h"
@@ -84,15 +85,17 @@ std::vector<std::uint16_t> ManagedWords(const Picture& picture, bool withAlpha,
   return words;
 }
 
-quantel::cSize2 PixelAspectOf(const OIIO::ImageSpec& spec) {
-  return NearestRatio(spec.get_float_attribute("PixelAspectRatio", 1.0F));
+void NoteCutToHalf(std::uint64_t cut, std::vector<NotCarried>* lost) {
+  if (cut > 0 && lost != nullptr) {
+    lost->push_back({"samples beyond what half floats hold",
+                     std::to_string(cut) +
+                         (cut == 1 ? " sample beyond 65504 is" : " samples beyond 65504 are") +
+                         " cut to that, as half floats hold no more: --bits float keeps them"});
+  }
 }
 
-std::vector<float> FloatsOf(const Picture& picture) {
-  std::vector<float> values(picture.samples.size());
-  OIIO::convert_pixel_values(OIIO::TypeDesc::UINT16, picture.samples.data(), OIIO::TypeDesc::FLOAT,
-                             values.data(), static_cast<int>(values.size()));
-  return values;
+quantel::cSize2 PixelAspectOf(const OIIO::ImageSpec& spec) {
+  return NearestRatio(spec.get_float_attribute("PixelAspectRatio", 1.0F));
 }
 
 OIIO::TypeDesc SampleType(const OutputFormat& format, const Coding& coding, int usualBits) {
@@ -208,9 +211,11 @@ Picture ReadByOpenImageIo(const fs::path& file, const ReadOptions& options, Read
     std::vector<float> values(count);
     ReadSamples(file, OIIO::TypeDesc::FLOAT, values.data(), input.get());
     if (options.colours) {
-      SpreadManaged(file, values, spec.nchannels, map, options, &picture, report);
+      SpreadManaged(file, values, spec.nchannels, map, options, spec.format.is_floating_point(),
+                    &picture, report);
     } else {
-      SpreadFloats(file, values, spec.nchannels, map, options.range, &picture, report);
+      SpreadFloats(file, values, spec.nchannels, map, {options.KeepsFloats(true), options.range},
+                   &picture, report);
     }
   } else {
     std::vector<std::uint16_t> samples(count);
@@ -250,8 +255,12 @@ void CompleteByOpenImageIo(const fs::path& file, const ReadOptions& options, Pic
   picture->pixelAspect = PixelAspectOf(input->spec());
   if (options.colours) {
     const bool hasAlpha = picture->alpha != Alpha::kNone;
-    SpreadManaged(file, FloatsOf(*picture), 4, {0, 1, 2, hasAlpha ? 3 : -1, false}, options,
-                  picture, report);
+    const bool ofFloats = input->spec().format.is_floating_point();
+    const std::vector<float> values = GatherFloats(*picture, 4);
+    picture->samples.clear();
+    picture->floats.clear();
+    SpreadManaged(file, values, 4, {0, 1, 2, hasAlpha ? 3 : -1, false}, options, ofFloats, picture,
+                  report);
   }
 }
 
@@ -274,9 +283,11 @@ void WriteByOpenImageIo(const OutputFile& file, FileBytes* bytes, const OutputFo
   }
   if (format.holdsFloats || coding.floats) {
     const bool withExtras = HoldsExtras(format) && picture.extras;
-    const std::vector<float> values =
-        picture.colours ? ManagedFloats(picture, withAlpha)
-                        : ToFloats(GatherChannels(picture, channels), channels, picture.range);
+    std::vector<float> values =
+        picture.colours ? ManagedFloats(picture, withAlpha) : GatherFloats(picture, channels);
+    if (type == OIIO::TypeDesc::HALF) {
+      NoteCutToHalf(CutToHalf(&values), lost);
+    }
     if (withExtras) {
       AddExtraChannels(picture, &spec);
       WriteParts(file.name, bytes, spec, WithExtraChannels(picture, values, spec), *picture.extras,

@@ -10,7 +10,8 @@
 
 #include "host/pictures/channels.h"
 #include "host/pictures/file_metadata.h"
-#include "host/pictures/float_samples.h"
+#include "host/pictures/floats/float_picture.h"
+#include "host/pictures/floats/float_samples.h"
 #include "host/pictures/picture_formats.h"
 #include "host/pictures/png_tiff/tiff_deflated.h"
 #include "host/pictures/png_tiff/tiff_directory.h"
@@ -263,7 +264,8 @@ class TiffReader {
       }
     }
     picture->grey = map.grey;
-    SpreadFloats(file_, values, channels_, map, options.range, picture, report);
+    SpreadFloats(file_, values, channels_, map, {options.KeepsFloats(true), options.range}, picture,
+                 report);
   }
 
   // Whether rows of whole pixels follow one another, in samples that need no looking up.
@@ -514,12 +516,12 @@ class FileSamples {
         channels_(channels) {}
 
   void* Rows(int first, int rows) {
-    samples_.resize(Count(rows));
-    GatherRows(picture_, channels_, first, rows, samples_.data());
     if (floats_) {
-      values_ = ToFloats(samples_, channels_, picture_.range);
+      values_ = GatherFloatRows(picture_, channels_, first, rows);
       return values_.data();
     }
+    samples_.resize(Count(rows));
+    GatherRows(picture_, channels_, first, rows, samples_.data());
     if (bits_ == 8) {
       bytes_ = ToBytes(samples_);
       return bytes_.data();

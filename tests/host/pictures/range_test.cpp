@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "host/pictures/range.h"
+#include "host/pictures/floats/range.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "host/pictures/float_samples.h"
+#include "host/pictures/floats/float_samples.h"
 
 #include <cmath>
 #include <cstddef>
@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <limits>
 #include <string>
+#include <utility>
 
 namespace glimmerhost {
 namespace {
@@ -45,6 +46,37 @@ std::string Shortest(float value) {
   }
 }
 
+float Finite(float value, ReadReport* report) {
+  if (std::isnan(value)) {
+    ++report->notNumbers;
+  } else if (std::isinf(value)) {
+    ++report->infinite;
+  }
+  return std::isfinite(value) ? value : 0.0F;
+}
+
+void KeepFloats(const std::vector<float>& from, int channels, const ChannelMap& map,
+                Picture* picture, ReadReport* report) {
+  picture->floats.resize(picture->PixelCount() * 4);
+  const float* pixel = from.data();
+  float* to = picture->floats.data();
+  for (std::size_t i = 0; i < picture->PixelCount(); ++i, pixel += channels, to += 4) {
+    to[0] = Finite(pixel[map.red], report);
+    to[1] = map.grey ? to[0] : Finite(pixel[map.green], report);
+    to[2] = map.grey ? to[0] : Finite(pixel[map.blue], report);
+    to[3] = map.alpha < 0 ? 1.0F : Finite(pixel[map.alpha], report);
+  }
+}
+
+void SayOfFloats(const std::filesystem::path& file, ReadReport* report) {
+  for (const auto& [count, which] :
+       {std::pair{report->infinite, "infinite"}, {report->notNumbers, "not a number"}}) {
+    if (count > 0) {
+      report->lines.push_back(file.string() + ": " + SamplesWere(count, which) + " taken as 0");
+    }
+  }
+}
+
 void Say(const std::filesystem::path& file, const RangeMapping& range, ReadReport* report) {
   if (const std::uint64_t cut = report->cut + report->infinite; cut > 0) {
     const std::string infinite = std::to_string(report->infinite) + " of them infinite";
@@ -62,8 +94,14 @@ void Say(const std::filesystem::path& file, const RangeMapping& range, ReadRepor
 }  // namespace
 
 void SpreadFloats(const std::filesystem::path& file, const std::vector<float>& from, int channels,
-                  const ChannelMap& map, const RangeMapping& range, Picture* picture,
+                  const ChannelMap& map, const FloatTarget& target, Picture* picture,
                   ReadReport* report) {
+  if (target.keepsFloats) {
+    KeepFloats(from, channels, map, picture, report);
+    SayOfFloats(file, report);
+    return;
+  }
+  const RangeMapping& range = target.range;
   picture->range = range;
   picture->samples.resize(picture->PixelCount() * 4);
   const RangeMapping plain;

@@ -11,12 +11,19 @@
 
 namespace glimmerhost {
 
+// What becomes of floats: floats again, of which those that are not finite are 0; or 16 bits of a
+// range.
+struct FloatTarget {
+  bool keepsFloats = false;
+  RangeMapping range{};
+};
+
 // Brings the mapped channels of a file's samples into the picture, whose size is set and which
-// remembers the range. Alpha is cut to 0 to 1 and not mapped.
+// remembers the range. Alpha in 16 bits is cut to 0 to 1 and not mapped.
 //   channels  of a pixel of the file
 //   report    receives what became of the samples, and a line about it
 void SpreadFloats(const std::filesystem::path& file, const std::vector<float>& from, int channels,
-                  const ChannelMap& map, const RangeMapping& range, Picture* picture,
+                  const ChannelMap& map, const FloatTarget& target, Picture* picture,
                   ReadReport* report);
 
 // What GatherChannels gave, as the values that the picture's range says.
