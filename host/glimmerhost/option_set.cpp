@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/glimmerhost/option_set.h"
 
+#include <CLI/CLI.hpp>
+#include <cstddef>
+
 namespace glimmerhost {
 
 void OptionSet::List(const std::string& name, const OptionText& text, bool required,

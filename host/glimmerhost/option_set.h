@@ -3,10 +3,14 @@
 // them: --help, completion and the manual.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <string>
 #include <vector>
+
+// Its header takes longer to compile than a whole command does.
+namespace CLI {
+class App;
+}  // namespace CLI
 
 namespace glimmerhost {
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/glimmerhost/typed_arguments.h"
 
+#include <CLI/CLI.hpp>
+
 namespace glimmerhost {
 
 std::vector<TypedArgument> TypedArguments(const CLI::App& command) {

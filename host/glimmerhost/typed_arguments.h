@@ -2,9 +2,12 @@
 // The options of a command as they were typed, for another process that is to be given the same.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
+
+namespace CLI {
+class App;
+}  // namespace CLI
 
 namespace glimmerhost {
 
