@@ -177,8 +177,9 @@ AperturePicture TakePicture(const FrameView& picture, double centreX, double cen
   kept.width = picture.box.width;
   kept.height = picture.box.height;
   kept.isWhole = inner < 0.0 && outer < 0.0;
-  kept.centreX = TruncateToInt32(centreX + 0.5);
-  kept.centreY = TruncateToInt32(picture.box.height - centreY + 0.5);
+  // The pixel that holds the point; on an edge the one to the right, or above.
+  kept.centreX = TruncateToInt32(std::floor(centreX));
+  kept.centreY = TruncateToInt32(std::floor(picture.box.height - centreY));
   kept.inner = NarrowToFloat(inner);
   kept.outer = NarrowToFloat(outer);
   kept.samples.resize(static_cast<std::size_t>(picture.box.Pixels()));

@@ -215,7 +215,8 @@ GLIMMERBLUR_API glimmerblur_status glimmerblur_region_needed(glimmerblur* object
  * out is a disc with a soft edge, whose centre becomes the aperture's. A picture that is black
  * counts as a single point. The picture may be freed afterwards.
  *   picture       any layout, up to 16384 pixels a side; null takes the aperture away
- *   centre_x, _y  pixels from the picture's first column and from its top row; may lie outside
+ *   centre_x, _y  pixels from the picture's left edge and from its top edge, so that half of width
+ *                 and height are its middle; may lie outside
  *   inner, outer  radii in pixels: full weight up to the first, none from the second on. Both
  *                 negative: the whole picture */
 GLIMMERBLUR_API glimmerblur_status glimmerblur_set_aperture(glimmerblur* object,

@@ -32,6 +32,15 @@ void ListEngines(const lx::Footprint& used, std::ostream& out) {
   }
 }
 
+// As render takes them with the same options.
+void TellRoads(bool hasFloats, std::ostream& out) {
+  out << "\nRoads\n"
+      << "  whole numbers   through the module, in 16 bits\n"
+      << "  floating point  "
+      << (hasFloats ? "through the library, in floats" : "through the module, in 16 bits")
+      << (hasFloats ? "; --precision chooses for either kind\n" : "\n");
+}
+
 void ListClasses(const EffectModule& effect, std::ostream& out) {
   out << "\nClasses\n";
   for (const EffectModule::ClassText& text : effect.Classes()) {
@@ -68,6 +77,7 @@ class InfoCommand final : public Command {
     out << "Module " << choice.file.filename().string() << ", engine " << choice.engine->name
         << '\n';
     ListEngines(*choice.engine, out);
+    TellRoads(module_.empty() && (engine_.empty() || engine_ == kDefaultEngine), out);
     ListClasses(effect, out);
     ListParameters(page, out);
     return kExitDone;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/float_renderer.h"
 
+#include <cmath>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -78,8 +79,10 @@ void FloatRenderer::SetAperture(const FrameInput& input) {
   frame.layout = GLIMMERBLUR_PLANES;
   frame.channels = 1;
   frame.pixel_stride = 4 * sizeof(std::uint16_t);
-  Check(glimmerblur_set_aperture(object_.get(), &frame, Number(input, kCenterXKey) * width,
-                                 height - Number(input, kCenterYKey) * height,
+  // The module takes the pixel that the centre, as a number of it, is nearest to.
+  const double x = std::floor(Number(input, kCenterXKey) * width + 0.5) + 0.5;
+  const double y = std::floor(Number(input, kCenterYKey) * height + 0.5) + 0.5;
+  Check(glimmerblur_set_aperture(object_.get(), &frame, x, height - y,
                                  Pixels(input, kRadiusPsf1Key, width),
                                  Pixels(input, kRadiusPsf2Key, width)));
 }

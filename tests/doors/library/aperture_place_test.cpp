@@ -154,8 +154,8 @@ TEST(PictureAperture, IsCutOutAsADiscAroundItsCentre) {
   look.shape = GLIMMERBLUR_PICTURE;
   const auto object = Make(look);
   const glimmerblur_frame aperture = noise.Frame();
-  // The centre (12, 9) from the top: pixel 12, and row 21 - 9 from the bottom, 8 from the top.
-  ASSERT_EQ(GLIMMERBLUR_OK, glimmerblur_set_aperture(object.get(), &aperture, 12.0, 9.0, 2, 4));
+  // Inside the pixel (12, 8).
+  ASSERT_EQ(GLIMMERBLUR_OK, glimmerblur_set_aperture(object.get(), &aperture, 12.9, 8.1, 2, 4));
   const Floats image = Blurred(object, Point(40, 40, 20, 20));
   double sum = 0.0;
   Floats expected(40, 40, 1);
@@ -171,6 +171,22 @@ TEST(PictureAperture, IsCutOutAsADiscAroundItsCentre) {
     sample = static_cast<float>(static_cast<double>(sample) / sum);
   }
   library_test::ExpectNear(expected, image, 1e-6);
+}
+
+TEST(PictureAperture, HasItsMiddleAtHalfOfItsSides) {
+  for (const auto& [width, height] : {std::pair{9, 7}, {8, 6}, {9, 6}}) {
+    Floats picture = library_test::Noise(width, height, 10, 0.1, 1.0, 1);
+    glimmerblur_look look = Look(0.0);
+    look.shape = GLIMMERBLUR_PICTURE;
+    const auto whole = Make(look);
+    const auto disc = Make(look);
+    const glimmerblur_frame aperture = picture.Frame();
+    ASSERT_EQ(GLIMMERBLUR_OK, glimmerblur_set_aperture(whole.get(), &aperture, 0, 0, -1, -1));
+    ASSERT_EQ(GLIMMERBLUR_OK,
+              glimmerblur_set_aperture(disc.get(), &aperture, width / 2.0, height / 2.0, 50, 60));
+    const Floats source = library_test::Noise(30, 30, 11);
+    EXPECT_EQ(Blurred(whole, source), Blurred(disc, source)) << width << ' ' << height;
+  }
 }
 
 TEST(PictureAperture, IsAPointWhereItIsBlack) {
