@@ -56,7 +56,8 @@ build_packages=(g++ cmake ninja-build pkg-config libfftw3-dev libpng-dev libtiff
   nlohmann-json3-dev libxxhash-dev)
 
 # What the tests and the benchmarks need beside it. Without ccache one of them compiles all once more.
-test_packages=(libgtest-dev libbenchmark-dev binutils ccache ffmpeg parallel slurm-wlm munge)
+test_packages=(libgtest-dev libbenchmark-dev binutils ccache ffmpeg parallel slurm-wlm munge
+  gegl libgegl-dev)
 
 # tell_steps TEXT [at-once]: passes on what a build says, and tells on stream 3, behind TEXT, how far it
 # is: on a terminal in one line, elsewhere now and then. Nothing where there is nothing to do, unless the
