@@ -134,8 +134,8 @@ Failure TakeAperture(DefocusOperation* defocus, GeglBuffer* aux, const GeglRecta
                   samples.Data(), GEGL_AUTO_ROWSTRIDE, GEGL_ABYSS_NONE);
   glimmerblur_frame picture = FrameOf({0, 0, bounds.width, bounds.height}, samples.Data());
   picture.sample = GLIMMERBLUR_U8;
-  return FailureOf(defocus, glimmerblur_set_aperture(defocus->object, &picture, bounds.width / 2,
-                                                     bounds.height / 2, -1.0, -1.0));
+  return FailureOf(defocus, glimmerblur_set_aperture(defocus->object, &picture, bounds.width * 0.5,
+                                                     bounds.height * 0.5, -1.0, -1.0));
 }
 
 GeglRectangle AtLevel(const GeglRectangle& bounds, gint level) {
