@@ -3,7 +3,7 @@
 #include <gegl.h>
 #include <gtest/gtest.h>
 
-#include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -36,9 +36,17 @@ Outcome RunGegl(const std::string& input, const std::string& output,
                   {{"GEGL_PATH", GEGL_FOLDERS}, {"GEGL_USE_OPENCL", "no"}});
 }
 
-// Without what is another number each time: the process and the time of day.
+// Without words that are others each time: the process and the time of day.
 std::string WithoutNumbers(const std::string& text) {
-  return std::regex_replace(text, std::regex("gegl:[0-9]+|[0-9:]+\\.[0-9]+"), "N");
+  std::istringstream words(text);
+  std::string kept;
+  for (std::string word; words >> word;) {
+    if (word.find(':') == std::string::npos ||
+        word.find_first_of("0123456789") == std::string::npos) {
+      kept += word + ' ';
+    }
+  }
+  return kept;
 }
 
 class GeglCommand : public testing::Test {
