@@ -36,10 +36,11 @@ GeglRectangle BoundsOfPad(GeglOperation* operation, const char* pad) {
 
 bool IsPlane(const GeglRectangle& bounds) { return gegl_rectangle_is_infinite_plane(&bounds); }
 
+// A picture of its own, wherever its bounds are among others.
 glimmerblur_frame FrameOf(const GeglRectangle& bounds, void* data) {
   glimmerblur_frame frame;
   glimmerblur_frame_init(&frame);
-  frame.rect = {bounds.x, bounds.y, bounds.width, bounds.height};
+  frame.rect = {0, 0, bounds.width, bounds.height};
   frame.data = data;
   return frame;
 }
@@ -132,7 +133,7 @@ Failure TakeAperture(DefocusOperation* defocus, GeglBuffer* aux, const GeglRecta
   gegl_buffer_get(aux, &bounds, 1.0,
                   gegl_operation_get_format(&defocus->parent.parent_instance, "aux"),
                   samples.Data(), GEGL_AUTO_ROWSTRIDE, GEGL_ABYSS_NONE);
-  glimmerblur_frame picture = FrameOf({0, 0, bounds.width, bounds.height}, samples.Data());
+  glimmerblur_frame picture = FrameOf(bounds, samples.Data());
   picture.sample = GLIMMERBLUR_U8;
   return FailureOf(defocus, glimmerblur_set_aperture(defocus->object, &picture, bounds.width * 0.5,
                                                      bounds.height * 0.5, -1.0, -1.0));
@@ -143,7 +144,7 @@ GeglRectangle AtLevel(const GeglRectangle& bounds, gint level) {
 }
 
 Failure Render(DefocusOperation* defocus, GeglBuffer* input, GeglBuffer* aux, GeglBuffer* output,
-               const GeglRectangle& result, gint level) {
+               gint level) {
   GeglOperation* operation = &defocus->parent.parent_instance;
   if (const Failure failure = MakeObject(defocus)) {
     return failure;
@@ -160,7 +161,6 @@ Failure Render(DefocusOperation* defocus, GeglBuffer* input, GeglBuffer* aux, Ge
   }
 
   const GeglRectangle whole = AtLevel(BoundsOfPad(operation, "input"), level);
-  const GeglRectangle wanted = AtLevel(result, level);
   const Samples samples(whole, kPixelBytes);
   if (samples.Data() == nullptr) {
     return glimmerblur_status_text(GLIMMERBLUR_NO_MEMORY);
@@ -173,9 +173,7 @@ Failure Render(DefocusOperation* defocus, GeglBuffer* input, GeglBuffer* aux, Ge
           FailureOf(defocus, glimmerblur_render(defocus->object, &frame, &frame, nullptr))) {
     return failure;
   }
-  const gsize first = static_cast<gsize>(wanted.y - whole.y) * whole.width + (wanted.x - whole.x);
-  gegl_buffer_set(output, &wanted, level, format, samples.Data() + first * kPixelBytes,
-                  static_cast<gint>(whole.width * kPixelBytes));
+  gegl_buffer_set(output, &whole, level, format, samples.Data(), GEGL_AUTO_ROWSTRIDE);
   return nullptr;
 }
 
@@ -186,7 +184,7 @@ gboolean ProcessFrame(GeglOperation* operation, GeglBuffer* input, GeglBuffer* a
   }
   DefocusOperation* defocus = DefocusOf(operation);
   g_mutex_lock(&defocus->busy);
-  const Failure failure = Render(defocus, input, aux, output, *result, level);
+  const Failure failure = Render(defocus, input, aux, output, level);
   if (failure != nullptr) {
     g_warning("glimmerblur:defocus: %s", failure);
     gegl_buffer_copy(input, result, GEGL_ABYSS_NONE, output, result);
@@ -209,6 +207,8 @@ gboolean Process(GeglOperation* operation, GeglOperationContext* context, const 
 }
 
 // ---- regions ----
+
+// Whatever is asked for, GEGL asks for CachedRegion and keeps it: every frame is a whole one.
 
 void Prepare(GeglOperation* operation) {
   const Babl* space = gegl_operation_get_source_space(operation, "input");
@@ -287,8 +287,6 @@ void InitClass(gpointer kind, gpointer /*data*/) {
   // GEGL would hand out stripes to its threads, each of which needs the whole picture.
   operations->threaded = FALSE;
   operations->opencl_support = FALSE;
-  // A program that asks stripe by stripe gets all of them from one frame.
-  operations->cache_policy = GEGL_CACHE_POLICY_ALWAYS;
   // No key "license": GEGL hides operations of licences that a program does not name.
   gegl_operation_class_set_keys(
       operations, "name", "glimmerblur:defocus", "title", "Lens Defocus", "categories", "blur",

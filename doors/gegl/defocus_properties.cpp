@@ -11,8 +11,8 @@ enum Number : guint {
   kSides,
   kRotation,
   kEmphasis,
-  kEmphasisAlpha,
   kBlurAlpha,
+  kEmphasisAlpha,
   kEdge,
   kPixelAspect,
   kCentred

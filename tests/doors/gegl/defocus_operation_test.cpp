@@ -2,14 +2,17 @@
 #include <gegl-paramspecs.h>
 #include <gegl.h>
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <algorithm>
+#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "doors/library/glimmerblur.h"
 #include "tests/doors/gegl/graph.h"
+#include "tests/support/sanitizer.h"
 
 namespace lx_test {
 namespace {
@@ -45,13 +48,13 @@ class CaughtWarnings {
   std::vector<std::string> texts_;
 };
 
-std::vector<double> NoteProgress(GeglNode* node, void (*act)(GeglNode*)) {
+std::vector<double> NoteProgress(GeglNode* node, const std::function<void()>& act) {
   std::vector<double> noted;
   const auto note = +[](GeglNode* /*node*/, gdouble done, gpointer user) {
     static_cast<std::vector<double>*>(user)->push_back(done);
   };
   const gulong handler = g_signal_connect(node, "progress", G_CALLBACK(note), &noted);
-  act(node);
+  act();
   g_signal_handler_disconnect(node, handler);
   return noted;
 }
@@ -141,9 +144,9 @@ TEST(GeglDefocus, RendersOnceForAProgramThatAsksByPieces) {
   Graph graph;
   GeglNode* defocus = graph.AddOperation(kName, graph.AddSource(MakeNoise({0, 0, 600, 500})));
 
-  const std::vector<double> noted = NoteProgress(defocus, [](GeglNode* node) {
+  const std::vector<double> noted = NoteProgress(defocus, [&] {
     for (int y = 0; y < 500; y += 100) {
-      Show(node, {0, y, 600, 100});
+      Show(defocus, {0, y, 600, 100});
     }
   });
 
@@ -155,7 +158,7 @@ TEST(GeglDefocus, TellsItsProgress) {
   Graph graph;
   GeglNode* defocus = graph.AddOperation(kName, graph.AddSource(MakeNoise({0, 0, 600, 500})));
 
-  const std::vector<double> noted = NoteProgress(defocus, [](GeglNode* node) { ShowAll(node); });
+  const std::vector<double> noted = NoteProgress(defocus, [&] { ShowAll(defocus); });
 
   ASSERT_GT(noted.size(), 2U);
   EXPECT_GE(noted.front(), 0.0);
@@ -188,6 +191,49 @@ TEST(GeglDefocus, RendersAnewWhereAnythingChanges) {
   EXPECT_EQ(
       Distance(ShowAll(defocus), RenderByLibrary(changed, MakeLook(GLIMMERBLUR_CIRCLE, 3, 3))),
       0.0);
+}
+
+TEST(GeglDefocus, IsStaleAsAWholeWhereAnyPixelOfItsInputIs) {
+  Graph graph;
+  GeglNode* source = graph.AddSource(MakeNoise(kBounds));
+  GeglNode* defocus = graph.AddOperation(kName, source);
+  ShowAll(defocus);
+  GeglRectangle stale = {0, 0, 0, 0};
+  const auto note = +[](GeglNode* /*node*/, GeglRectangle* region, gpointer user) {
+    gegl_rectangle_bounding_box(static_cast<GeglRectangle*>(user),
+                                static_cast<GeglRectangle*>(user), region);
+  };
+  g_signal_connect(defocus, "invalidated", G_CALLBACK(note), &stale);
+
+  GeglBuffer* buffer = nullptr;
+  gegl_node_get(source, "buffer", &buffer, nullptr);
+  const GeglRectangle point = {5, 5, 1, 1};
+  const float light[] = {900, 900, 900, 1};
+  gegl_buffer_set(buffer, &point, 0, babl_format("RaGaBaA float"), light, GEGL_AUTO_ROWSTRIDE);
+  g_object_unref(buffer);
+
+  EXPECT_TRUE(gegl_rectangle_equal(&stale, &kBounds));
+}
+
+TEST(GeglDefocus, GivesItsMemoryBackWithItsNode) {
+  if (kSanitized) {
+    GTEST_SKIP() << "a sanitizer keeps account of memory itself";
+  }
+  const auto render = [](int times) {
+    for (int i = 0; i < times; ++i) {
+      Graph graph;
+      ShowAll(graph.AddOperation(kName, graph.AddSource(MakeNoise({0, 0, 500, 400}))));
+    }
+    const struct mallinfo2 held = mallinfo2();
+    return static_cast<double>(held.uordblks) + static_cast<double>(held.hblkhd);
+  };
+  // What GEGL keeps for the next one is kept by then.
+  const double before = render(3);
+
+  const double after = render(10);
+
+  // Each holds some megabytes.
+  EXPECT_LT(after - before, 4e6);
 }
 
 TEST(GeglDefocus, SpreadsAPointIntoThePictureOnTheAuxPad) {
@@ -250,6 +296,19 @@ TEST(GeglDefocus, WarnsInTheLibrarysWordsAndShowsTheInputWhereARenderFails) {
 
   ASSERT_EQ(warnings.Texts().size(), 1U);
   EXPECT_EQ(warnings.Texts()[0], "glimmerblur:defocus: " + sentence);
+}
+
+TEST(GeglDefocus, AsksForNoApertureThatItDoesNotUse) {
+  Graph graph;
+  GeglNode* defocus = graph.AddOperation(kName, graph.AddSource(MakeNoise(kBounds)));
+  GeglNode* aperture = graph.AddOperation(kName, graph.AddSource(MakeNoise({0, 0, 600, 500})));
+  gegl_node_connect_to(aperture, "output", defocus, "aux");
+  const auto show = [&] { return NoteProgress(aperture, [&] { ShowAll(defocus); }); };
+
+  EXPECT_TRUE(show().empty());
+
+  SetProperty(defocus, "shape", "picture");
+  EXPECT_FALSE(show().empty());
 }
 
 TEST(GeglDefocus, LetsAPlaneWithoutEdgesThrough) {
