@@ -124,7 +124,7 @@ class Defocus:
         if aperture is not None:
             aperture = numpy.asarray(aperture)
             check_samples("aperture", aperture)
-            # A copy: what the caller does to the array later changes nothing.
+            # A copy, for a forked process: what the caller does to the array meanwhile changes nothing.
             self._aperture = numpy.array(aperture, order="C")
         if aperture_centre is not None and aperture_radii is None:
             raise ValueError("aperture_centre: is of a disc, and aperture_radii are missing")
@@ -277,7 +277,8 @@ class Defocus:
         height, width = self._aperture.shape[:2]
         rect = Rect(0, 0, width, height)
         picture = frame_of(self._aperture, rect, Meaning("planes", "premultiplied", "top"))
-        x, y = self._aperture_centre or (width / 2, height / 2)
+        # The pixel that is the middle of the whole array, too: it is to the right of the place and above.
+        x, y = self._aperture_centre or (width // 2, height - height // 2)
         inner, outer = self._aperture_radii or (-1.0, -1.0)
         status = library.glimmerblur_set_aperture(
             self._handle, ctypes.byref(picture), x, y, inner, outer

@@ -28,6 +28,28 @@ def make_picture(shape, dtype="float32", seed=1):
     return (noise * numpy.iinfo(dtype).max).astype(dtype)
 
 
+FORK = """
+import os, sys
+import glimmerblur, numpy
+
+random = numpy.random.default_rng(1)
+picture = random.random((50, 64, 3), "f4")
+aperture = random.integers(0, 256, (5, 7), "u1")
+blur = glimmerblur.Defocus(shape="picture", aperture=aperture, threads=2)
+expected = blur.render(picture)
+aperture[...] = numpy.arange(7)
+child = os.fork()
+same = numpy.array_equal(blur.render(picture), expected)
+if child == 0:
+    sys.exit(0 if same else 1)
+sys.exit(os.waitpid(child, 0)[1] != 0 or not same)
+"""
+
+
+def count_threads():
+    return len(os.listdir("/proc/self/task"))
+
+
 def by_library(picture, **numbers):
     """The same frame by a program in C++."""
     height, width, channels = picture.shape
@@ -144,23 +166,24 @@ class Convolution(unittest.TestCase):
 
     def test_with_a_disc_out_of_a_picture(self):
         aperture = numpy.random.default_rng(3).integers(0, 256, (9, 11), "u1")
-        # The pixel to the right of the place and above it becomes the middle.
-        row, column = 4 - 1, 6
-        y, x = numpy.indices(aperture.shape)
-        distance = numpy.hypot(x - column, y - row)
-        weights = numpy.floor(aperture * numpy.clip((3.5 - distance) / 2.0, 0, 1))
         picture = make_picture((40, 53))
-        expected = convolve(picture, weights, middle=(row, column))
+        y, x = numpy.indices(aperture.shape)
+        # The pixel to the right of the place and above it becomes the middle.
+        for centre, row, column in (((6, 4), 3, 6), (None, 4, 5)):
+            with self.subTest(centre):
+                distance = numpy.hypot(x - column, y - row)
+                weights = numpy.floor(aperture * numpy.clip((3.5 - distance) / 2.0, 0, 1))
+                expected = convolve(picture, weights, middle=(row, column))
 
-        got = glimmerblur.defocus(
-            picture,
-            shape="picture",
-            aperture=aperture,
-            aperture_radii=(1.5, 3.5),
-            aperture_centre=(6, 4),
-        )
+                got = glimmerblur.defocus(
+                    picture,
+                    shape="picture",
+                    aperture=aperture,
+                    aperture_radii=(1.5, 3.5),
+                    aperture_centre=centre,
+                )
 
-        numpy.testing.assert_allclose(got, expected, atol=1e-5)
+                numpy.testing.assert_allclose(got, expected, atol=1e-5)
 
     def test_keeps_the_light_of_an_impulse(self):
         for look in ({"radius": 12.5}, {"shape": "polygon", "sides": 7, "radius": 20}):
@@ -260,6 +283,15 @@ class Arrays(unittest.TestCase):
                 picture = numpy.full(shape, 0.5, "f4")
                 numpy.testing.assert_allclose(self.blur.render(picture), picture, atol=1e-6)
 
+    def test_of_one_column_are_outputs_whatever_its_stride(self):
+        picture = make_picture((9, 1))
+        column = numpy.zeros(9, "f4")[:, numpy.newaxis]
+        self.assertEqual(column.strides[1], 0)
+
+        self.blur.render(picture, column)
+
+        numpy.testing.assert_array_equal(column, self.blur.render(picture))
+
     def test_that_are_read_only_are_read(self):
         picture = make_picture((30, 41, 3))
         picture.flags.writeable = False
@@ -278,12 +310,17 @@ class Arrays(unittest.TestCase):
         numpy.testing.assert_array_equal(picture, expected)
 
     def test_that_overlap_their_output_are_read_first(self):
-        memory = make_picture((40, 41, 3))
-        expected = self.blur.render(memory[:30].copy())
+        for name, input_of, output_of in (
+            ("rows of others", lambda a: a[:30], lambda a: a[4:34][::-1]),
+            ("rows as columns", lambda a: a[:40, :40], lambda a: a[:40, :40].transpose(1, 0, 2)),
+        ):
+            with self.subTest(name):
+                memory = make_picture((40, 41, 3))
+                expected = self.blur.render(input_of(memory).copy())
 
-        self.blur.render(memory[:30], memory[4:34][::-1])
+                self.blur.render(input_of(memory), output_of(memory))
 
-        numpy.testing.assert_array_equal(memory[4:34][::-1], expected)
+                numpy.testing.assert_array_equal(output_of(memory), expected)
 
     def test_become_another_type_in_an_output_of_it(self):
         picture = make_picture((30, 41, 3), "uint8")
@@ -343,6 +380,15 @@ class Regions(unittest.TestCase):
 
         self.assertLess(width * height, 80 * 60)
         numpy.testing.assert_allclose(got, self.expected[25:35, 40:60], atol=1e-6)
+
+    def test_of_parts_that_are_too_small_are_refused(self):
+        wanted = (40, 25, 20, 10)
+        x, y, width, height = self.blur.needed((80, 60), wanted)
+        part = self.picture[y : y + height, x : x + width - 1]
+
+        with self.assertRaises(glimmerblur.Error) as caught:
+            self.blur.render(part, region=wanted, origin=(x, y), size=(80, 60))
+        self.assertEqual(caught.exception.status, 3)
 
     def test_outside_the_picture_are_the_librarys_to_refuse(self):
         with self.assertRaises(glimmerblur.Error) as caught:
@@ -454,16 +500,26 @@ class Threads(unittest.TestCase):
         blur = glimmerblur.Defocus(radius=6, emphasis=5)
         self.check_at_once(lambda i: blur)
 
-    def test_are_made_anew_in_a_forked_process(self):
+    def test_are_as_many_as_asked_for_and_gone_with_their_object(self):
         picture = make_picture((50, 64, 3))
-        with glimmerblur.Defocus(radius=6) as blur:
-            expected = blur.render(picture)
-            child = os.fork()
-            if child == 0:
-                same = numpy.array_equal(blur.render(picture), expected)
-                blur.close()
-                os._exit(0 if same else 1)
-            self.assertEqual(os.waitpid(child, 0)[1], 0)
+        before = count_threads()
+        for threads in (1, 4):
+            with self.subTest(threads):
+                with glimmerblur.Defocus(threads=threads) as blur:
+                    blur.render(picture)
+                    self.assertEqual(count_threads(), before + threads - 1)
+                self.assertEqual(count_threads(), before)
+
+                blur = glimmerblur.Defocus(threads=threads)
+                blur.render(picture)
+                del blur
+                self.assertEqual(count_threads(), before)
+
+    def test_are_made_anew_in_a_forked_process_that_ends_as_any_other(self):
+        # Everything at the end of a child's life runs: the test's own is none that should.
+        run = subprocess.run([sys.executable, "-B", "-c", FORK], timeout=60)
+
+        self.assertEqual(run.returncode, 0)
 
 
 class Objects(unittest.TestCase):
@@ -506,6 +562,19 @@ class Objects(unittest.TestCase):
 
             self.assertEqual(blur.report.replaced, 2)
             self.assertTrue((out == 0.0).all())
+
+    def test_part_a_picture_that_is_too_large_for_their_memory(self):
+        picture = make_picture((700, 800, 3))
+        with glimmerblur.Defocus(radius=5) as blur, glimmerblur.Defocus(
+            radius=5, memory_limit=30_000_000
+        ) as small:
+            expected = blur.render(picture)
+
+            got = small.render(picture)
+
+            self.assertGreater(small.report.tiles, blur.report.tiles)
+            self.assertLessEqual(small.report.bytes, 30_000_000)
+            numpy.testing.assert_allclose(got, expected, atol=1e-5)
 
     def test_that_are_closed_say_so(self):
         blur = glimmerblur.Defocus()
