@@ -3,6 +3,7 @@
 
 import ctypes
 import os
+import signal
 import threading
 import weakref
 from typing import Any, Callable, NamedTuple, Optional, Sequence, Tuple, Union
@@ -183,19 +184,18 @@ class Defocus:
         destination = frame_of(out, wanted, meaning)
 
         raised: "list[BaseException]" = []
+        interrupt = _Interrupt()
 
-        # Asked even where nobody wants to know: only Python code sees that somebody pressed Ctrl-C.
         def tell(_user: Any, done: float) -> int:
             try:
                 if progress is not None:
                     progress(done)
             except BaseException as error:  # it goes on where the render was called
                 raised.append(error)
-                return 1
-            return 0
+            return 1 if raised or interrupt.came else 0
 
         callback = _library.Progress(tell)
-        with self._busy() as handle:
+        with self._busy() as handle, interrupt:
             library.glimmerblur_set_progress(handle, callback, None)
             status = library.glimmerblur_render(
                 handle,
@@ -207,7 +207,8 @@ class Defocus:
             library.glimmerblur_set_progress(handle, _library.Progress(), None)
             if raised:
                 raise raised[0]
-            _check(status, message)
+            if not interrupt.came:
+                _check(status, message)
             report = _library.Report()
             library.glimmerblur_report_init(ctypes.byref(report))
             _check(library.glimmerblur_get_report(handle, ctypes.byref(report)), b"")
@@ -287,6 +288,36 @@ class Defocus:
 
     def _busy(self) -> "_Busy":
         return _Busy(self)
+
+
+class _Interrupt:
+    """Keeps Ctrl-C until a render is over: raised on the way into a callback it would be lost.
+
+    came  whether somebody pressed it
+    """
+
+    def __init__(self) -> None:
+        self.came = False
+        self._is_ours = False
+
+    def __enter__(self) -> None:
+        # A handler of somebody else's stays. Handlers run on the main thread alone, and only that one
+        # may exchange them.
+        self._is_ours = (
+            threading.current_thread() is threading.main_thread()
+            and signal.getsignal(signal.SIGINT) is signal.default_int_handler
+        )
+        if self._is_ours:
+            signal.signal(signal.SIGINT, self._note)
+
+    def __exit__(self, *_error: Any) -> None:
+        if self._is_ours:
+            signal.signal(signal.SIGINT, signal.default_int_handler)
+        if self.came:
+            raise KeyboardInterrupt
+
+    def _note(self, _number: int, _frame: Any) -> None:
+        self.came = True
 
 
 class _Busy:

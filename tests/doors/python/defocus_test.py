@@ -5,6 +5,7 @@
 """
 
 import os
+import signal
 import subprocess
 import sys
 import threading
@@ -430,6 +431,23 @@ class Progress(unittest.TestCase):
         self.assertTrue((out == 3.0).all())
         self.blur.render(self.picture, out)
         self.assertFalse((out == 3.0).any())
+
+    def test_is_where_an_interrupt_ends_the_render(self):
+        told = []
+
+        def interrupt(done):
+            told.append(done)
+            signal.raise_signal(signal.SIGINT)
+
+        out = numpy.full(self.picture.shape, 3.0, "f4")
+        before = signal.getsignal(signal.SIGINT)
+        with self.assertRaises(KeyboardInterrupt):
+            self.blur.render(self.picture, out, progress=interrupt)
+
+        self.assertEqual(len(told), 1)
+        self.assertTrue((out == 3.0).all())
+        self.assertIs(signal.getsignal(signal.SIGINT), before)
+        self.blur.render(self.picture, out)
 
     def test_may_not_render_by_the_same_object(self):
         with self.assertRaisesRegex(RuntimeError, "its own progress function"):
