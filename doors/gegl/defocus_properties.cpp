@@ -73,7 +73,7 @@ void InstallShape(GObjectClass* objects, const glimmerblur_look& initial) {
   GParamSpec* radius = RealSpec("radius", "Radius",
                                 "Radius of the aperture, of an ellipse and a polygon half the "
                                 "width",
-                                0.0, 16000.0, initial.radius_x, {0.0, 300.0, 2.0, 0.5, 5.0, 2});
+                                0.0, 8000.0, initial.radius_x, {0.0, 300.0, 2.0, 0.5, 5.0, 2});
   gegl_param_spec_set_property_key(radius, "unit", "pixel-distance");
   gegl_param_spec_set_property_key(radius, "sensitive", "shape {circle, ellipse, polygon}");
   g_object_class_install_property(objects, kRadius, radius);
@@ -91,7 +91,7 @@ void InstallShape(GObjectClass* objects, const glimmerblur_look& initial) {
 
   GParamSpec* rotation =
       RealSpec("rotation", "Rotation", "Rotation of the ellipse or the polygon, anticlockwise",
-               -G_MAXDOUBLE, G_MAXDOUBLE, initial.rotation, {-180.0, 180.0, 1.0, 1.0, 15.0, 2});
+               -1e6, 1e6, initial.rotation, {-180.0, 180.0, 1.0, 1.0, 15.0, 2});
   gegl_param_spec_set_property_key(rotation, "unit", "degree");
   gegl_param_spec_set_property_key(rotation, "direction", "ccw");
   gegl_param_spec_set_property_key(rotation, "sensitive", "shape {ellipse, polygon}");

@@ -8,6 +8,7 @@
 #include <functional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "doors/library/glimmerblur.h"
@@ -428,6 +429,41 @@ TEST(GeglDefocus, TellsOfEachPropertyWhatItIsAndItsRange) {
       EXPECT_LT(real->ui_minimum, real->ui_maximum) << name;
       EXPECT_LE(real->ui_maximum, range.maximum) << name;
     }
+  }
+  g_free(properties);
+}
+
+// Whether the library takes a look in which one member is another.
+bool Takes(double glimmerblur_look::*member, double value) {
+  glimmerblur* object = nullptr;
+  glimmerblur_create(nullptr, &object);
+  glimmerblur_look look;
+  glimmerblur_look_init(&look);
+  look.*member = value;
+  const bool takes = glimmerblur_set_look(object, &look) == GLIMMERBLUR_OK;
+  glimmerblur_destroy(object);
+  return takes;
+}
+
+TEST(GeglDefocus, HasTheRangesThatTheLibraryHas) {
+  StartGegl();
+  const std::pair<const char*, double glimmerblur_look::*> members[] = {
+      {"radius", &glimmerblur_look::radius_x},
+      {"rotation", &glimmerblur_look::rotation},
+      {"emphasis", &glimmerblur_look::emphasis},
+      {"pixel-aspect", &glimmerblur_look::pixel_aspect}};
+  guint count = 0;
+  GParamSpec** properties = gegl_operation_list_properties(kName, &count);
+
+  for (const auto& [name, member] : members) {
+    GParamSpec* const* found = std::find_if(properties, properties + count, [&](GParamSpec* spec) {
+      return std::string(g_param_spec_get_name(spec)) == name;
+    });
+    const auto& range = *G_PARAM_SPEC_DOUBLE(*found);
+    EXPECT_TRUE(Takes(member, range.minimum)) << name;
+    EXPECT_TRUE(Takes(member, range.maximum)) << name;
+    EXPECT_FALSE(Takes(member, range.minimum - 0.001)) << name;
+    EXPECT_FALSE(Takes(member, range.maximum + 0.001)) << name;
   }
   g_free(properties);
 }

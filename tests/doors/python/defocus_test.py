@@ -5,9 +5,12 @@
 """
 
 import os
+import pathlib
 import signal
+import struct
 import subprocess
 import sys
+import tempfile
 import threading
 import tracemalloc
 import unittest
@@ -602,6 +605,18 @@ class Objects(unittest.TestCase):
 
     def test_tell_the_librarys_version(self):
         self.assertRegex(glimmerblur.__version__, r"^\d+\.\d+")
+
+
+class Example(unittest.TestCase):
+    def test_writes_its_picture(self):
+        script = pathlib.Path(__file__).parents[3] / "examples" / "window.py"
+        with tempfile.TemporaryDirectory() as folder:
+            path = pathlib.Path(folder) / "window.png"
+
+            subprocess.run([sys.executable, "-B", script, path], check=True)
+
+            size = struct.unpack(">II", path.read_bytes()[16:24])
+        self.assertEqual(size, (720, 405))
 
 
 if __name__ == "__main__":
