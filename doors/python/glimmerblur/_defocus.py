@@ -242,8 +242,9 @@ class Defocus:
 
     def close(self) -> None:
         """Ends the threads. Leaving a with statement does it, and so does forgetting the object."""
-        with self._busy():
-            self._end()
+        if self._end.alive:
+            with self._busy():
+                self._end()
 
     def __enter__(self) -> "Defocus":
         return self

@@ -598,10 +598,10 @@ class Objects(unittest.TestCase):
             numpy.testing.assert_allclose(got, expected, atol=1e-5)
 
     def test_that_are_closed_say_so(self):
-        blur = glimmerblur.Defocus()
-        blur.close()
-        with self.assertRaisesRegex(ValueError, "closed"):
-            blur.render(make_picture((4, 4)))
+        with glimmerblur.Defocus() as blur:
+            blur.close()
+            with self.assertRaisesRegex(ValueError, "closed"):
+                blur.render(make_picture((4, 4)))
 
     def test_tell_the_librarys_version(self):
         self.assertRegex(glimmerblur.__version__, r"^\d+\.\d+")
