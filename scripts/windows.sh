@@ -2,7 +2,7 @@
 # What building and running for Windows needs; sourced after common.sh, not run.
 
 windows_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev cmake ninja-build pkg-config make
-  dpkg-dev libcli11-dev libtomlplusplus-dev nlohmann-json3-dev libxxhash-dev wine wine64)
+  dpkg-dev libcli11-dev libtomlplusplus-dev nlohmann-json3-dev libxxhash-dev frei0r-plugins-dev wine wine64)
 
 # A link to where the user's clones share them.
 windows_libraries=$root/build/windows-libraries
