@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
-# The Debian packages: glimmerblur, and glimmerblur-dev for authors of hosts.
+# The Debian packages: glimmerblur, and glimmerblur-dev for authors of hosts; libglimmerblur0, and
+# libglimmerblur-dev for authors of other programs; and one for each door that this build has.
 
 # install_compressed(file folder component [name]): under its own name or another, with .gz behind it.
 # Without name and time in it, so that it is the same each time.
@@ -13,7 +14,8 @@ function(install_compressed file folder component)
                 COMMAND_ERROR_IS_FATAL ANY)" COMPONENT ${component})
 endfunction()
 
-# The copyright file: of what is linked in, and of FFTW only where a module has it.
+# The copyright files: of what is linked in, and of FFTW only where a module has it. The library and the
+# doors have nothing of anybody else's.
 file(READ LICENSE licence)
 string(REGEX REPLACE "^.*authors\n\n" "" licence "${licence}")
 string(REGEX REPLACE "([^\n]*)\n" " \\1\n" BSD_3_CLAUSE "${licence}")
@@ -21,16 +23,8 @@ string(REPLACE "\n \n" "\n .\n" BSD_3_CLAUSE "${BSD_3_CLAUSE}")
 if(LX_WITH_FFTW)
   file(READ packaging/copyright_fftw.in FFTW_PARAGRAPH)
 endif()
-configure_file(packaging/copyright.in ${PROJECT_BINARY_DIR}/packaging/copyright @ONLY)
-configure_file(packaging/changelog.in ${PROJECT_BINARY_DIR}/packaging/changelog @ONLY)
-
-foreach(component program development)
-  set(folder ${documents})
-  if(component STREQUAL development)
-    set(folder ${documents}-dev)
-  endif()
-  install(FILES ${PROJECT_BINARY_DIR}/packaging/copyright DESTINATION ${folder} COMPONENT ${component})
-  install_compressed(${PROJECT_BINARY_DIR}/packaging/changelog ${folder} ${component})
+foreach(file copyright copyright_library changelog shlibs)
+  configure_file(packaging/${file}.in ${PROJECT_BINARY_DIR}/packaging/${file} @ONLY)
 endforeach()
 
 install(FILES packaging/README.md DESTINATION ${documents})
@@ -40,21 +34,54 @@ install_compressed(${PROJECT_BINARY_DIR}/glimmerhost.1 ${CMAKE_INSTALL_MANDIR}/m
 install(FILES host/completion/glimmerhost.bash
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME glimmerhost)
 
-install(FILES packaging/lintian-overrides DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides
-        RENAME glimmerblur)
-
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_COMPONENTS_ALL program development)
+set(CPACK_COMPONENTS_ALL)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+# Of our own libraries, which no package on this machine has.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
+    ${PROJECT_BINARY_DIR}/${LX_HOST_LIBRARY_FOLDER} ${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR})
 
-set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME glimmerblur)
-set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION video)
-set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/${LX_HOST_LIBRARY_FOLDER})
-set(CPACK_DEBIAN_PROGRAM_DESCRIPTION
-    "lens defocus for moving pictures
+# CPack adds scripts that call ldconfig wherever a library lies in a folder right below lib, unless there
+# are others of these names; those that are not there are left out. A trigger does it for the library,
+# and nobody has to for plug-ins.
+set(no_scripts ${PROJECT_BINARY_DIR}/packaging/none/postinst
+               ${PROJECT_BINARY_DIR}/packaging/none/postrm)
+
+# Only what has files here becomes a package: a door whose programs' headers are not on the machine has
+# none.
+get_cmake_property(components_with_files COMPONENTS)
+
+# lx_debian_package(component package section [COPYRIGHT name] [DEPENDS list] DESCRIPTION text): the
+# package of a component, with what every package must have.
+#   DEPENDS      packages that no shared library of others tells
+#   DESCRIPTION  its first line is the summary
+macro(lx_debian_package component package section)
+  cmake_parse_arguments(ARG "" "COPYRIGHT;DEPENDS;DESCRIPTION" "" ${ARGN})
+  if("${component}" IN_LIST components_with_files)
+    list(APPEND CPACK_COMPONENTS_ALL ${component})
+    string(TOUPPER CPACK_DEBIAN_${component} variables)
+    set(${variables}_PACKAGE_NAME ${package})
+    set(${variables}_PACKAGE_SECTION ${section})
+    set(${variables}_PACKAGE_DEPENDS ${ARG_DEPENDS})
+    set(${variables}_PACKAGE_SHLIBDEPS ON)
+    set(${variables}_DESCRIPTION ${ARG_DESCRIPTION})
+    set(${variables}_PACKAGE_CONTROL_EXTRA ${no_scripts})
+    set(folder ${CMAKE_INSTALL_DATADIR}/doc/${package})
+    install(FILES ${PROJECT_BINARY_DIR}/packaging/${ARG_COPYRIGHT} DESTINATION ${folder}
+            RENAME copyright COMPONENT ${component})
+    install_compressed(${PROJECT_BINARY_DIR}/packaging/changelog ${folder} ${component})
+    if(EXISTS ${PROJECT_SOURCE_DIR}/packaging/lintian-overrides-${component})
+      install(FILES packaging/lintian-overrides-${component} RENAME ${package} COMPONENT ${component}
+              DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides)
+    endif()
+  endif()
+endmacro()
+
+lx_debian_package(
+  program glimmerblur video COPYRIGHT copyright DESCRIPTION
+  "lens defocus for moving pictures
 Every frame is convolved with the shape of an aperture: a circle, an ellipse,
 a polygon or a picture. Highlights can outweigh the rest: bright points open
 into images of the aperture.
@@ -62,12 +89,60 @@ into images of the aperture.
 The package holds the plug-in module and glimmerhost, a program that renders
 pictures and shots with it.")
 
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME glimmerblur-dev)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "glimmerblur (= ${PROJECT_VERSION})")
-set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
-    "lens defocus for moving pictures (headers for hosts)
+lx_debian_package(
+  development glimmerblur-dev libdevel COPYRIGHT copyright DEPENDS "glimmerblur (= ${PROJECT_VERSION})"
+  DESCRIPTION
+  "lens defocus for moving pictures (headers for hosts)
 GlimmerBlur is a plug-in module. This package is for authors of programs that
 load it: the interfaces that host and module share, a configuration for CMake
 that finds them and the libraries that a host links, and a small host as an
 example.")
+
+set(library "libglimmerblur0 (= ${PROJECT_VERSION})")
+set(defocus
+    "GlimmerBlur convolves every frame with the shape of an aperture: a circle, an
+ellipse, a polygon or a picture. Highlights can outweigh the rest: bright
+points open into images of the aperture.
+.")
+
+lx_debian_package(
+  library libglimmerblur0 libs COPYRIGHT copyright_library DESCRIPTION
+  "lens defocus for other programs (shared library)
+${defocus}
+The package holds the library that other programs use it by.")
+list(APPEND CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/packaging/shlibs
+     ${PROJECT_SOURCE_DIR}/packaging/triggers)
+
+lx_debian_package(
+  library_development libglimmerblur-dev libdevel COPYRIGHT copyright_library DEPENDS "${library}"
+  DESCRIPTION
+  "lens defocus for other programs (development files)
+${defocus}
+The package holds the headers of the library, and what pkg-config and CMake
+find it by.")
+
+lx_debian_package(
+  gegl glimmerblur-gegl graphics COPYRIGHT copyright_library DEPENDS "${library}" DESCRIPTION
+  "lens defocus for GIMP and gegl
+${defocus}
+The package holds an operation of GEGL, which GIMP and the command gegl offer.")
+
+lx_debian_package(
+  frei0r glimmerblur-frei0r video COPYRIGHT copyright_library DEPENDS "${library}" DESCRIPTION
+  "lens defocus for ffmpeg and MLT editors
+${defocus}
+The package holds two frei0r plug-ins: a filter, and a mixer that takes the
+aperture out of a second picture.")
+
+lx_debian_package(
+  ofx glimmerblur-ofx graphics COPYRIGHT copyright_library DEPENDS "${library}" DESCRIPTION
+  "lens defocus for compositing and grading programs
+${defocus}
+The package holds an OpenFX plug-in.")
+
+lx_debian_package(
+  python python3-glimmerblur python COPYRIGHT copyright_library
+  DEPENDS "${library}, python3, python3-numpy" DESCRIPTION
+  "lens defocus for Python
+${defocus}
+The package holds a module that blurs NumPy arrays.")
