@@ -23,11 +23,8 @@ install(
   ARCHIVE DESTINATION ${library_folder} COMPONENT library_development
   INCLUDES
   DESTINATION ${library_headers})
-set(headers doors/library/glimmerblur.h)
-if(EXISTS ${PROJECT_SOURCE_DIR}/doors/library/glimmerblur.hpp)
-  list(APPEND headers doors/library/glimmerblur.hpp)
-endif()
-install(FILES ${headers} DESTINATION ${library_headers} COMPONENT library_development)
+install(FILES doors/library/glimmerblur.h doors/library/glimmerblur.hpp
+        DESTINATION ${library_headers} COMPONENT library_development)
 
 # Found from where it lies, as an installation may have been moved. But not where the system's own
 # libraries are: a compiler that is told of their folders once more searches them in another order.
@@ -49,3 +46,7 @@ install(FILES ${configuration} DESTINATION ${library_folder}/cmake/libglimmerblu
         COMPONENT library_development)
 install(EXPORT libglimmerblur FILE libglimmerblurConfig.cmake NAMESPACE libglimmerblur::
         DESTINATION ${library_folder}/cmake/libglimmerblur COMPONENT library_development)
+if(NOT WIN32)
+  install(FILES docs/library.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libglimmerblur-dev
+          COMPONENT library_development)
+endif()

@@ -50,9 +50,9 @@ set(holds_glimmerblur-dev
 set(holds_libglimmerblur0 usr/${LIBRARIES}/libglimmerblur.so.0 usr/${LIBRARIES}/libglimmerblur.so.0.1.0)
 set(configuration usr/${LIBRARIES}/cmake/libglimmerblur/libglimmerblurConfig)
 set(holds_libglimmerblur-dev
-    usr/include/glimmerblur.h ${configuration}.cmake ${configuration}-release.cmake
-    ${configuration}Version.cmake usr/${LIBRARIES}/libglimmerblur.so
-    usr/${LIBRARIES}/pkgconfig/glimmerblur.pc)
+    usr/include/glimmerblur.h usr/include/glimmerblur.hpp ${configuration}.cmake
+    ${configuration}-release.cmake ${configuration}Version.cmake usr/${LIBRARIES}/libglimmerblur.so
+    usr/${LIBRARIES}/pkgconfig/glimmerblur.pc usr/share/doc/libglimmerblur-dev/library.md)
 set(holds_glimmerblur-frei0r usr/lib/frei0r-1/glimmerblur.so usr/lib/frei0r-1/glimmerblur_aperture.so)
 
 file(GLOB packages ${PACKED}/*.deb)
