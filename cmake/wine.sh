@@ -11,9 +11,10 @@ set -eu
 # In the plain locale names of files could only be ASCII.
 export WINEPREFIX WINEDEBUG=-all LC_ALL=C.UTF-8
 
+# WITHOUT_RUNTIMES is for programs that must do without.
 triple=x86_64-w64-mingw32
 runtimes=$(dirname "$($triple-g++-posix -print-file-name=libstdc++-6.dll)")
-export WINEPATH="Z:$runtimes;Z:/usr/$triple/lib"
+[ -n "${WITHOUT_RUNTIMES:-}" ] || export WINEPATH="Z:$runtimes;Z:/usr/$triple/lib"
 
 # Once, by whoever comes first. Without a display only the driver that draws nothing has windows,
 # and a console needs one. A program that crashes is not to wait for somebody to close a window.

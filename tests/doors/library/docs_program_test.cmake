@@ -8,23 +8,7 @@
 #   FOLDER     receives all of it
 cmake_minimum_required(VERSION 3.25)
 
-# run(OUTPUT COMMAND...): what it says. Its failure is the test's.
-function(run output)
-  execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE said ERROR_VARIABLE said RESULT_VARIABLE result
-                  OUTPUT_STRIP_TRAILING_WHITESPACE)
-  if(NOT result EQUAL 0)
-    list(JOIN ARGN " " command)
-    message(FATAL_ERROR "${command}: ${result}\n${said}")
-  endif()
-  set(${output} "${said}" PARENT_SCOPE)
-endfunction()
-
-# check(WORDS): an impulse of 1000 keeps its sum, give or take what floats round.
-function(check said)
-  if(NOT said MATCHES "(^|[^0-9])(1000\\.[0-4]|999\\.[5-9])[0-9]*$")
-    message(FATAL_ERROR "The program says: ${said}")
-  endif()
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/docs_program.cmake)
 
 file(REMOVE_RECURSE ${FOLDER})
 set(prefix ${FOLDER}/prefix)
@@ -32,18 +16,7 @@ foreach(component library library_development)
   run(said ${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix} --component ${component})
 endforeach()
 
-# Between the fences of the page's first block of C.
-file(READ ${PAGE} text)
-string(FIND "${text}" "```c\n" start)
-if(start EQUAL -1)
-  message(FATAL_ERROR "${PAGE} has no program.")
-endif()
-math(EXPR start "${start} + 5")
-string(SUBSTRING "${text}" ${start} -1 text)
-string(FIND "${text}" "\n```" end)
-string(SUBSTRING "${text}" 0 ${end} text)
-file(WRITE ${FOLDER}/example.c "${text}\n")
-
+write_program(${PAGE} ${FOLDER}/example.c)
 set(ENV{PKG_CONFIG_PATH} ${prefix}/${LIBRARIES}/pkgconfig)
 set(ENV{LD_LIBRARY_PATH} ${prefix}/${LIBRARIES})
 run(version pkg-config --modversion glimmerblur)
