@@ -56,12 +56,11 @@ build_packages=(g++ cmake ninja-build pkg-config libfftw3-dev libpng-dev libtiff
   nlohmann-json3-dev libxxhash-dev)
 
 # What the doors into other programs are built against. None of it is needed for the program.
-door_packages=(frei0r-plugins-dev)
+door_packages=(frei0r-plugins-dev libgegl-dev)
 
 # What the tests and the benchmarks need beside it. Without ccache one of them compiles all once more.
 test_packages=(libgtest-dev libbenchmark-dev binutils ccache ffmpeg parallel slurm-wlm munge
-  gegl libgegl-dev python3-numpy python3-setuptools python3-venv python3-wheel
-  melt)
+  gegl melt python3-numpy python3-setuptools python3-venv python3-wheel)
 
 # tell_steps TEXT [at-once]: passes on what a build says, and tells on stream 3, behind TEXT, how far it
 # is: on a terminal in one line, elsewhere now and then. Nothing where there is nothing to do, unless the
