@@ -279,8 +279,7 @@ class Defocus:
         height, width = self._aperture.shape[:2]
         rect = Rect(0, 0, width, height)
         picture = frame_of(self._aperture, rect, Meaning("planes", "premultiplied", "top"))
-        # The pixel that is the middle of the whole array, too: it is to the right of the place and above.
-        x, y = self._aperture_centre or (width // 2, height - height // 2)
+        x, y = self._aperture_centre or (width / 2, height / 2)
         inner, outer = self._aperture_radii or (-1.0, -1.0)
         status = library.glimmerblur_set_aperture(
             self._handle, ctypes.byref(picture), x, y, inner, outer

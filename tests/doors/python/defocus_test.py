@@ -172,8 +172,8 @@ class Convolution(unittest.TestCase):
         aperture = numpy.random.default_rng(3).integers(0, 256, (9, 11), "u1")
         picture = make_picture((40, 53))
         y, x = numpy.indices(aperture.shape)
-        # The pixel to the right of the place and above it becomes the middle.
-        for centre, row, column in (((6, 4), 3, 6), (None, 4, 5)):
+        # On an edge between pixels it is the one to the right, or above.
+        for centre, row, column in (((6, 4), 3, 6), ((6.5, 4.5), 4, 6), (None, 4, 5)):
             with self.subTest(centre):
                 distance = numpy.hypot(x - column, y - row)
                 weights = numpy.floor(aperture * numpy.clip((3.5 - distance) / 2.0, 0, 1))
