@@ -11,11 +11,12 @@ include(GoogleTest)
 
 # Makes each test of a program a test of CTest, and under a sanitizer each suite: a start takes as
 # long there as many tests do.
-#   lx_discover_tests(program [PREFIX text] [ENVIRONMENT assignment] [APART pattern])
+#   lx_discover_tests(program [SUITES] [PREFIX text] [ENVIRONMENT assignment] [APART pattern])
+#     SUITES  each suite in every build, of a program that takes long to start
 #     PREFIX  is put before names
 #     APART   of suites whose tests stay apart under a sanitizer, too, because each takes long
 function(lx_discover_tests program)
-  cmake_parse_arguments(ARG "" "PREFIX;ENVIRONMENT;APART" "" ${ARGN})
+  cmake_parse_arguments(ARG "SUITES" "PREFIX;ENVIRONMENT;APART" "" ${ARGN})
   set(properties TIMEOUT 300)
   if(CMAKE_CXX_FLAGS MATCHES "-fsanitize=")
     set(properties TIMEOUT 1200)
@@ -23,7 +24,7 @@ function(lx_discover_tests program)
   if(ARG_ENVIRONMENT)
     list(APPEND properties ENVIRONMENT ${ARG_ENVIRONMENT})
   endif()
-  if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize=")
+  if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize=" AND NOT ARG_SUITES)
     gtest_discover_tests(${program} TEST_PREFIX "${ARG_PREFIX}" TEST_LIST ${ARG_PREFIX}${program}_TESTS
                          DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
     return()

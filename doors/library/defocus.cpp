@@ -335,7 +335,8 @@ void Defocus::Render(const glimmerblur_frame* source, const glimmerblur_frame* d
                   "The source is " + Words(source->rect) + "; the destination needs " +
                       Words(ToRect(needed, all, source->first_row == GLIMMERBLUR_TOP)) + '.');
   }
-  const bool isFloat = backend_->GetRules().takesFloat;
+  // The other one takes floats as well, and leaves them as they are.
+  const bool isFloat = options_.engine == GLIMMERBLUR_FAST;
   if (!isFloat && !job.source.isRgba) {
     throw Refusal(GLIMMERBLUR_INVALID_FRAME,
                   "The engine exact takes RGBA alone, and the frames are planes.");

@@ -73,11 +73,11 @@ void PassRunner::Divide(void* owner, std::int32_t count) {
   self->blocksDone_ = 0;
   if (self->parallelFor_ != nullptr) {
     self->parallelFor_(self->parallelUser_, self->blocks_, DoBlock, owner);
-    // Nothing may have run on the calling thread.
-    self->Ask(1.0);
   } else {
     self->threads_.Run(self->blocks_, DoBlock, owner);
   }
+  // Others may have done every block.
+  self->Ask(1.0);
   ++self->pass_;
 }
 

@@ -40,6 +40,8 @@ TEST(LibraryObject, IsNotMadeFromWrongOptions) {
   options = Options();
   options.engine = 2;
   EXPECT_EQ(GLIMMERBLUR_INVALID_ARGUMENT, glimmerblur_create(&options, &made));
+  options.engine = GLIMMERBLUR_EXACT;
+  EXPECT_EQ(GLIMMERBLUR_NOT_BUILT, glimmerblur_create(&options, &made));
   options = Options();
   options.size -= 4;
   EXPECT_EQ(GLIMMERBLUR_INVALID_ARGUMENT, glimmerblur_create(&options, &made));
