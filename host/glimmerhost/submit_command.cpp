@@ -208,7 +208,7 @@ std::optional<ShotForesight> Foreseen(const lx::Footprint& engine, const Page& p
   try {
     const PictureHead picture = FirstHead(plan);
     const KeyframedValues values(page, settings.layers, picture.width, picture.height, plan.span);
-    return ForeseeShot(engine, values, plan, picture, settings.grow);
+    return ForeseeShot(engine, values, plan, picture, settings);
   } catch (const MissingInput&) {
     return std::nullopt;
   }

@@ -76,7 +76,7 @@ void Explain(const lx::Footprint& engine, const Page& page, const ShotSettings& 
              const ShotPlan& plan, std::ostream& out) {
   const PictureHead picture = FirstHead(plan);
   const KeyframedValues values(page, settings.layers, picture.width, picture.height, plan.span);
-  const ShotForesight foresight = ForeseeShot(engine, values, plan, picture, settings.grow);
+  const ShotForesight foresight = ForeseeShot(engine, values, plan, picture, settings);
   std::vector<int> frames;
   for (const FrameFiles& files : plan.files) {
     frames.push_back(files.frame);

@@ -20,9 +20,10 @@ PictureHead FirstHead(const ShotPlan& plan) {
 }
 
 ShotForesight ForeseeShot(const lx::Footprint& engine, const KeyframedValues& values,
-                          const ShotPlan& plan, const PictureHead& picture, bool grow) {
+                          const ShotPlan& plan, const PictureHead& picture,
+                          const ShotSettings& settings) {
   ShotForesight shot;
-  shot.growth = grow ? GrowthOf(values, plan.span, picture.width) : 0;
+  shot.growth = settings.grow ? GrowthOf(values, plan.span, picture.width) : 0;
   for (const FrameFiles& files : plan.files) {
     const Foresight frame =
         Foresee(engine, values.AtGrown(files.frame, shot.growth), picture.width + 2 * shot.growth,
@@ -31,6 +32,10 @@ ShotForesight ForeseeShot(const lx::Footprint& engine, const KeyframedValues& va
     shot.radius = std::max(shot.radius, frame.radius);
     shot.effectBytes = std::max(shot.effectBytes, frame.effectBytes);
     shot.pictureBytes = frame.pictureBytes;
+  }
+  // Floats take twice as much.
+  if (settings.reading.KeepsFloats(picture.floats)) {
+    shot.pictureBytes *= 2;
   }
   return shot;
 }

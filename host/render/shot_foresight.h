@@ -9,6 +9,7 @@
 #include "fftlib/backends/footprint.h"
 #include "host/looks/keyframed_values.h"
 #include "host/pictures/picture_head.h"
+#include "host/render/shot_settings.h"
 #include "host/shots/shot_plan.h"
 
 namespace glimmerhost {
@@ -28,9 +29,10 @@ inline constexpr lx::GridSides kTooLarge{};
 // reading does, and MissingInput where none is there. No samples are read.
 PictureHead FirstHead(const ShotPlan& plan);
 
-//   engine  of the module that will render
-//   grow    whether the canvas grows
+//   engine    of the module that will render
+//   settings  whether the canvas grows, and whether pictures are of floats
 ShotForesight ForeseeShot(const lx::Footprint& engine, const KeyframedValues& values,
-                          const ShotPlan& plan, const PictureHead& picture, bool grow);
+                          const ShotPlan& plan, const PictureHead& picture,
+                          const ShotSettings& settings);
 
 }  // namespace glimmerhost

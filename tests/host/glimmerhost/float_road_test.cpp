@@ -272,4 +272,29 @@ TEST_F(FloatRoad, IsToldOfByInfo) {
       RunHere("info --engine double").text.find("floating point  through the module, in 16 bits"));
 }
 
+// 16 copies of 8 bytes a pixel, and of 16.
+TEST_F(FloatRoad, TakesTwiceTheMemoryForPictures) {
+  const std::string input = WriteFloats("in.tif", Lit(1024, 512, 0.0F, 1.0F));
+  const std::string to = "render " + input + " -o " + File("out.tif") + " --explain";
+  EXPECT_NE(std::string::npos, RunHere(to).text.find(", 128 MiB for pictures"));
+  EXPECT_NE(std::string::npos, RunHere(to + " --precision 16").text.find(", 64 MiB for pictures"));
+}
+
+// A frame of the other road is not the same.
+TEST_F(FloatRoad, IsPartOfWhatMakesAFrameStale) {
+  const std::string input = WriteFloats("in.tif", Lit(40, 30, 0.0F, 1.0F));
+  const std::string to = "render " + input + " -o " + File("out.tif") +
+                         " --skip-existing --manifest " + File("m.jsonl") + " --quiet";
+  const auto isSkipped = [&](const std::string& options) {
+    const std::string before = Manifest();
+    EXPECT_EQ(0, RunHere(to + " " + options).code);
+    return Manifest() == before;
+  };
+  EXPECT_FALSE(isSkipped(""));
+  EXPECT_TRUE(isSkipped(""));
+  EXPECT_FALSE(isSkipped("--precision 16"));
+  EXPECT_FALSE(isSkipped("--centred"));
+  EXPECT_TRUE(isSkipped("--centred"));
+}
+
 }  // namespace
