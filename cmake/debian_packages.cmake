@@ -55,7 +55,8 @@ get_cmake_property(components_with_files COMPONENTS)
 
 # lx_debian_package(component package section [COPYRIGHT name] [DEPENDS list] DESCRIPTION text): the
 # package of a component, with what every package must have.
-#   DEPENDS      packages that no shared library of others tells
+#   DEPENDS      packages that no shared library of others tells; a door that has the library inside
+#                needs none
 #   DESCRIPTION  its first line is the summary
 macro(lx_debian_package component package section)
   cmake_parse_arguments(ARG "" "COPYRIGHT;DEPENDS;DESCRIPTION" "" ${ARGN})
@@ -122,7 +123,7 @@ The package holds the headers of the library, and what pkg-config and CMake
 find it by.")
 
 lx_debian_package(
-  gegl glimmerblur-gegl graphics COPYRIGHT copyright_library DEPENDS "${library}" DESCRIPTION
+  gegl glimmerblur-gegl graphics COPYRIGHT copyright_library DESCRIPTION
   "lens defocus for GIMP and gegl
 ${defocus}
 The package holds an operation of GEGL, which GIMP and the command gegl offer.")
@@ -135,7 +136,7 @@ The package holds two frei0r plug-ins: a filter, and a mixer that takes the
 aperture out of a second picture.")
 
 lx_debian_package(
-  ofx glimmerblur-ofx graphics COPYRIGHT copyright_library DEPENDS "${library}" DESCRIPTION
+  ofx glimmerblur-ofx graphics COPYRIGHT copyright_library DESCRIPTION
   "lens defocus for compositing and grading programs
 ${defocus}
 The package holds an OpenFX plug-in.")

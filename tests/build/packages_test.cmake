@@ -53,6 +53,13 @@ set(holds_libglimmerblur-dev
     usr/include/glimmerblur.h usr/include/glimmerblur.hpp ${configuration}.cmake
     ${configuration}-release.cmake ${configuration}Version.cmake usr/${LIBRARIES}/libglimmerblur.so
     usr/${LIBRARIES}/pkgconfig/glimmerblur.pc usr/share/doc/libglimmerblur-dev/library.md)
+set(bundle usr/OFX/Plugins/GlimmerBlur.ofx.bundle)
+set(holds_glimmerblur-ofx ${bundle}/Contents/Linux-x86-64/GlimmerBlur.ofx
+    usr/share/lintian/overrides/glimmerblur-ofx)
+set(holds_glimmerblur-gegl usr/${LIBRARIES}/gegl-0.4/glimmerblur.so)
+set(python usr/lib/python3/dist-packages/glimmerblur)
+set(holds_python3-glimmerblur ${python}/__init__.py ${python}/_defocus.py ${python}/_frames.py
+    ${python}/_library.py ${python}/py.typed)
 set(holds_glimmerblur-frei0r usr/lib/frei0r-1/glimmerblur.so usr/lib/frei0r-1/glimmerblur_aperture.so)
 
 file(GLOB packages ${PACKED}/*.deb)
@@ -101,6 +108,9 @@ foreach(file IN LISTS packages)
     set(needed "glimmerblur (= ${VERSION})")
   elseif(package STREQUAL libglimmerblur0)
     set(needed "libstdc++6 (")
+  elseif(package MATCHES "-(gegl|ofx)$")
+    # These have it inside.
+    set(needed "libc6 (")
   endif()
   string(FIND "${depends}" "${needed}" found)
   if(found EQUAL -1)
@@ -119,7 +129,8 @@ foreach(file IN LISTS packages)
   endforeach()
 endforeach()
 
-foreach(package glimmerblur glimmerblur-dev libglimmerblur0 libglimmerblur-dev)
+foreach(package glimmerblur glimmerblur-dev libglimmerblur0 libglimmerblur-dev glimmerblur-gegl
+        glimmerblur-frei0r glimmerblur-ofx python3-glimmerblur)
   if(NOT package IN_LIST seen)
     message(SEND_ERROR "No package ${package}: ${seen}")
   endif()
