@@ -353,8 +353,14 @@ void Defocus::Render(const glimmerblur_frame* source, const glimmerblur_frame* d
   const std::uint64_t samples = static_cast<std::uint64_t>(to.box.Pixels()) *
                                 static_cast<std::uint64_t>(to.channels) * to.SampleBytes();
   const std::int32_t channels = to.isRgba ? to.channels : 1;
-  const TilePlan plan = PlanTiles(box, to.box, reach, *footprint_,
-                                  {channels, isFloat ? 4 : 2, options_.memory_limit, samples});
+  // Planes that are done wait for the others, whether there are tiles or not.
+  const std::uint64_t ofAperture =
+      mask.weights.size() +
+      (picture_.has_value() ? picture_->samples.size() * sizeof(std::uint16_t) : 0);
+  const std::uint64_t beside = ofAperture + (jobs > 1 ? samples : 0);
+  const TilePlan plan =
+      PlanTiles(box, to.box, reach, *footprint_,
+                {channels, isFloat ? 4 : 2, options_.memory_limit, beside, jobs > 1 ? 0 : samples});
   const bool isKept = plan.tiles.size() > 1 || jobs > 1;
   std::vector<unsigned char> kept(isKept ? samples : 0);
   const FrameView target = isKept ? Packed(to, kept.data()) : to;

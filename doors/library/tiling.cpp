@@ -85,8 +85,9 @@ TilePlan PlanTiles(const Box& whole, const Box& wanted, const Reach4& reach,
                    const Footprint& engine, const TileLimits& limits) {
   const Box atOnce = RoomFor(Intersect(Grow(wanted, reach), whole), reach);
   const Fit all = FitOf(atOnce, reach, engine, limits);
-  if (all.isPossible && (limits.memory == 0 || all.bytes <= limits.memory)) {
-    return {{{wanted, atOnce}}, all.place, all.bytes};
+  const std::uint64_t bytesAtOnce = all.bytes + limits.beside;
+  if (all.isPossible && (limits.memory == 0 || bytesAtOnce <= limits.memory)) {
+    return {{{wanted, atOnce}}, all.place, bytesAtOnce};
   }
   // Halves of the longer side, until a tile fits.
   std::int32_t width = wanted.width;
@@ -95,13 +96,13 @@ TilePlan PlanTiles(const Box& whole, const Box& wanted, const Reach4& reach,
     const bool isLast = width <= kSmallestTile && height <= kSmallestTile;
     const Box work = RoomFor(Grow({0, 0, width, height}, reach), reach);
     const Fit fit = FitOf(work, reach, engine, limits);
-    const bool isAllowed =
-        fit.isPossible && (limits.memory == 0 || fit.bytes + limits.besideTiles <= limits.memory);
+    const std::uint64_t bytes = fit.bytes + limits.beside + limits.besideTiles;
+    const bool isAllowed = fit.isPossible && (limits.memory == 0 || bytes <= limits.memory);
     // Beyond that halving costs more by what tiles share than it saves.
     const bool isSmall = fit.gridBytes <= kGridsOfATile ||
                          (width <= reach.left + reach.right && height <= reach.below + reach.above);
     if (isAllowed && (isSmall || isLast)) {
-      return {CutInto(wanted, width, height, reach), fit.place, fit.bytes + limits.besideTiles};
+      return {CutInto(wanted, width, height, reach), fit.place, bytes};
     }
     if (isLast) {
       if (!fit.isPossible) {
@@ -110,7 +111,7 @@ TilePlan PlanTiles(const Box& whole, const Box& wanted, const Reach4& reach,
       throw Refusal(GLIMMERBLUR_NO_MEMORY,
                     "The memory limit is " + std::to_string(limits.memory) +
                         " bytes; with this aperture even the smallest tile needs " +
-                        std::to_string(fit.bytes + limits.besideTiles) + '.');
+                        std::to_string(bytes) + '.');
     }
     std::int32_t* longer = width >= height ? &width : &height;
     *longer = std::max((*longer + 1) / 2, std::min(kSmallestTile, *longer));

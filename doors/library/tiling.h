@@ -21,7 +21,7 @@ struct Tile {
 struct TilePlan {
   std::vector<Tile> tiles;  // if more than one, all with work boxes of one size
   GridPlace place;          // of a work box in the engine's grid
-  std::uint64_t bytes;      // of one tile: grids and work picture
+  std::uint64_t bytes;      // of all that is held: grids, work picture, and what is beside them
 };
 
 // What a plan must keep to.
@@ -29,7 +29,8 @@ struct TileLimits {
   std::int32_t channels;      // of the work picture
   std::int32_t sampleBytes;   // of one of its samples
   std::uint64_t memory;       // bytes; 0: no limit
-  std::uint64_t besideTiles;  // bytes more that more than one tile takes
+  std::uint64_t beside;       // bytes more that are held in any case
+  std::uint64_t besideTiles;  // and those that more than one tile takes
 };
 
 // One tile where that is possible, else as few as the limits allow, with grids of at most 64 MiB if
