@@ -83,7 +83,9 @@ glimmerblur_look AnyLook(Wild* wild) {
 }
 
 bool IsSane(const glimmerblur_look& look) {
-  const auto in = [](double value, double low, double high) { return value >= low && value <= high; };
+  const auto in = [](double value, double low, double high) {
+    return value >= low && value <= high;
+  };
   return look.size == sizeof look && look.version == GLIMMERBLUR_ABI && in(look.shape, 0, 3) &&
          in(look.sides, 3, 50) && in(look.radius_x, 0, 8000) && in(look.radius_y, 0, 8000) &&
          std::isfinite(look.rotation) && in(look.pixel_aspect, 0.01, 100) &&
@@ -118,13 +120,17 @@ AnyFrame DrawFrame(Wild* wild, const glimmerblur_frame* like) {
   const auto in = [](std::int32_t value, std::int32_t low, std::int32_t high) {
     return value >= low && value <= high;
   };
-  any.isSane = frame.version == 1 && in(frame.rect.width, 1, 4096) && in(frame.rect.height, 1, 4096) &&
-               in(frame.sample, 0, 2) && in(frame.layout, 0, 1) && in(frame.channels, 1, 16) &&
+  any.isSane = frame.version == 1 && in(frame.rect.width, 1, 4096) &&
+               in(frame.rect.height, 1, 4096) && in(frame.sample, 0, 2) && in(frame.layout, 0, 1) &&
+               in(frame.channels, 1, 16) &&
                (frame.layout == GLIMMERBLUR_PLANES || frame.channels > 2);
-  const std::int64_t bytes = frame.sample == 2 ? 4 : frame.sample + 1;
-  any.memory.resize(
-      any.isSane ? static_cast<std::size_t>(bytes * frame.channels * frame.rect.width * frame.rect.height)
-                 : 1);
+  any.memory.resize(1);
+  if (any.isSane) {
+    const int bytes = frame.sample == GLIMMERBLUR_FLOAT ? 4 : frame.sample + 1;
+    const int pixels = frame.rect.width * frame.rect.height;
+    any.memory.resize(static_cast<std::size_t>(bytes * frame.channels) *
+                      static_cast<std::size_t>(pixels));
+  }
   for (unsigned char& byte : any.memory) {
     byte = static_cast<unsigned char>(wild->Of(0, 255));
   }
