@@ -158,6 +158,21 @@ int DepthOf(const OIIO::ImageSpec& spec) {
   return bits > 8 && bits < 16 ? bits : 16;
 }
 
+// How many channels go into a file. Some formats have no place for a brightness alone, or beside an
+// alpha: the library refuses that, or ends the program.
+int ChannelsFor(const OutputFormat& format, const Picture& picture, bool withAlpha) {
+  const bool asColours = format.name == "hdr" || (format.name == "dpx" && withAlpha);
+  return (picture.grey && !asColours ? 1 : 3) + (withAlpha ? 1 : 0);
+}
+
+// A brightness and its alpha, which the library would call red and green.
+void NameGreyChannels(OIIO::ImageSpec* spec) {
+  if (spec->nchannels == 2) {
+    spec->channelnames = {"Y", "A"};
+    spec->alpha_channel = 1;
+  }
+}
+
 // The picture with further channels, and the parts behind it.
 void WriteParts(const std::string& name, FileBytes* bytes, const OIIO::ImageSpec& spec,
                 const std::vector<std::byte>& samples, const FileExtras& extras,
@@ -269,11 +284,12 @@ void WriteByOpenImageIo(const OutputFile& file, FileBytes* bytes, const OutputFo
                         std::vector<NotCarried>* lost) {
   std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(file.name);
   const bool withAlpha = picture.alpha != Alpha::kNone && format.holdsAlpha;
-  const int channels = (picture.grey ? 1 : 3) + (withAlpha ? 1 : 0);
+  const int channels = ChannelsFor(format, picture, withAlpha);
   const OIIO::TypeDesc type = SampleType(format, coding, picture.bits);
   // Half floats and floats of an EXR are kept by the same compressions.
   const int bits = format.name == "openexr" ? picture.bits : BitsOf(coding, picture.bits);
   OIIO::ImageSpec spec(picture.width, picture.height, channels, type);
+  NameGreyChannels(&spec);
   SetMetadata(picture, format.name, bits, &spec);
   SetCoding(format, coding, &spec);
   // Also for samples that the format would hold otherwise: the library must not convert

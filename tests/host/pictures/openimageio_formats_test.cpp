@@ -103,6 +103,47 @@ TEST(OpenImageIoFormats, DropsAlphaWhereTheFormatHasNone) {
   EXPECT_EQ(Alpha::kNone, Read(folder / "a.jpg").alpha);
 }
 
+Picture Grey(Alpha alpha) {
+  Picture grey = Sample(9, 5, alpha);
+  grey.grey = true;
+  for (std::size_t i = 0; i < grey.samples.size(); i += 4) {
+    grey.samples[i + 1] = grey.samples[i + 2] = grey.samples[i];
+  }
+  return grey;
+}
+
+TEST(OpenImageIoFormats, NamesTheAlphaBesideABrightnessAlpha) {
+  const ScratchFolder folder;
+  const Picture grey = Grey(Alpha::kPremultiplied);
+  Write(folder / "a.exr", grey, 16);
+
+  const auto input = OIIO::ImageInput::open((folder / "a.exr").string());
+  const std::vector<std::string> expected{"Y", "A"};
+  EXPECT_EQ(expected, input->spec().channelnames);
+  const Picture back = Read(folder / "a.exr");
+  EXPECT_TRUE(back.grey);
+  EXPECT_EQ(Alpha::kPremultiplied, back.alpha);
+  for (std::size_t i = 0; i < grey.samples.size(); ++i) {
+    EXPECT_NEAR(grey.samples[i], back.samples[i], 17) << i;
+  }
+}
+
+TEST(OpenImageIoFormats, WritesABrightnessAsColoursWhereTheFormatHasNothingElse) {
+  const ScratchFolder folder;
+  const Picture withAlpha = Grey(Alpha::kPremultiplied);
+  Write(folder / "a.dpx", withAlpha, 16);
+  EXPECT_EQ(withAlpha.samples, Read(folder / "a.dpx").samples);
+  EXPECT_EQ(Alpha::kPremultiplied, Read(folder / "a.dpx").alpha);
+
+  const Picture alone = Grey(Alpha::kNone);
+  Write(folder / "a.hdr", alone, 16);
+  const Picture back = Read(folder / "a.hdr");
+  for (std::size_t i = 0; i < alone.samples.size(); ++i) {
+    // Eight bits behind an exponent that three colours share.
+    EXPECT_NEAR(alone.samples[i], back.samples[i], 260) << i;
+  }
+}
+
 TEST(OpenImageIoFormats, CarriesMetadataAndPixelAspectOver) {
   const ScratchFolder folder;
   const std::string file = (folder / "in.tif").string();
