@@ -2,7 +2,7 @@
 // A module whose render throws what a module may throw.
 #include <cstdint>
 
-#include "tests/host/glimmerhost/one_class_module.h"
+#include "tests/host/module/one_class_module.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "tests/host/glimmerhost/one_class_module.h"
+#include "tests/host/module/one_class_module.h"
 
 namespace {
 
