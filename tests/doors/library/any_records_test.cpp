@@ -107,6 +107,10 @@ AnyFrame DrawFrame(Wild* wild, const glimmerblur_frame* like) {
     frame = *like;
   }
   frame.rect = {wild->Number(-3, 3), wild->Number(-3, 3), wild->Number(1, 33), wild->Number(1, 33)};
+  // Either with memory behind it, or too long for any frame.
+  for (std::int32_t* side : {&frame.rect.width, &frame.rect.height}) {
+    *side = *side > 4096 ? std::max(*side, (1 << 20) + 1) : *side;
+  }
   frame.sample = wild->Number(0, 2);
   if (like == nullptr || wild->Once(30)) {
     frame.layout = wild->Number(0, 1);
