@@ -338,7 +338,7 @@ void ShareWithParts(const OIIO::ImageSpec& first, OIIO::ImageSpec* part) {
 }
 
 std::vector<std::byte> WithExtraChannels(const Picture& picture, const std::vector<float>& own,
-                                         const OIIO::ImageSpec& spec) {
+                                         const OIIO::ImageSpec& spec, std::uint64_t* cut) {
   const std::size_t pixels = picture.PixelCount();
   const std::size_t pixelBytes = spec.pixel_bytes(true);
   const std::size_t ownBytes = own.size() / pixels * spec.format.size();
@@ -349,12 +349,15 @@ std::vector<std::byte> WithExtraChannels(const Picture& picture, const std::vect
     }
   };
   place(InType(own, spec.format), ownBytes, 0);
-  const auto blurred = BlurredChannels(picture);
+  auto blurred = BlurredChannels(picture);
   std::size_t at = ownBytes;
   for (const Channel& channel : picture.extras->channels) {
     const auto found = std::find_if(blurred.begin(), blurred.end(), [&channel](const auto& one) {
       return one.first == channel.name;
     });
+    if (found != blurred.end() && channel.type == OIIO::TypeDesc::HALF) {
+      *cut += CutToHalf(&found->second);
+    }
     place(found == blurred.end() ? Grown(channel, picture) : InType(found->second, channel.type),
           channel.type.size(), at);
     at += channel.type.size();

@@ -6,6 +6,7 @@
 #include <OpenImageIO/imageio.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -63,7 +64,8 @@ void ShareWithParts(const OIIO::ImageSpec& first, OIIO::ImageSpec* part);
 // The samples of that part, each of its channel's type.
 //   own     the picture's, as floats
 //   spec    with all channels
+//   cut     counts those of blurred channels that half floats do not hold, and that are cut to them
 std::vector<std::byte> WithExtraChannels(const Picture& picture, const std::vector<float>& own,
-                                         const OIIO::ImageSpec& spec);
+                                         const OIIO::ImageSpec& spec, std::uint64_t* cut);
 
 }  // namespace glimmerhost

@@ -301,16 +301,15 @@ void WriteByOpenImageIo(const OutputFile& file, FileBytes* bytes, const OutputFo
     const bool withExtras = HoldsExtras(format) && picture.extras;
     std::vector<float> values =
         picture.colours ? ManagedFloats(picture, withAlpha) : GatherFloats(picture, channels);
-    if (type == OIIO::TypeDesc::HALF) {
-      NoteCutToHalf(CutToHalf(&values), lost);
-    }
+    std::uint64_t cut = type == OIIO::TypeDesc::HALF ? CutToHalf(&values) : 0;
     if (withExtras) {
       AddExtraChannels(picture, &spec);
-      WriteParts(file.name, bytes, spec, WithExtraChannels(picture, values, spec), *picture.extras,
-                 std::move(output));
+      WriteParts(file.name, bytes, spec, WithExtraChannels(picture, values, spec, &cut),
+                 *picture.extras, std::move(output));
     } else {
       WriteWhole(file.name, bytes, spec, OIIO::TypeDesc::FLOAT, values.data(), std::move(output));
     }
+    NoteCutToHalf(cut, lost);
   } else {
     std::vector<std::uint16_t> samples = picture.colours
                                              ? ManagedWords(picture, withAlpha, format, lost)

@@ -293,6 +293,29 @@ TEST_F(ExrExtras, OfALayerWithAlphaTakeItAlongAskedForOrNot) {
   EXPECT_EQ(glimmerhost::Alpha::kPremultiplied, picture.layers[0].picture.alpha);
 }
 
+// An infinite sample, which a half float beyond its end would be, spoils all that is blurred next.
+TEST_F(ExrExtras, ThatAreLayersOfHalfFloatsAreCutToThemWithALine) {
+  lx_test::MakeExr(folder / "in.exr", {Layered()});
+  Picture picture = Take("in.exr", {"diffuse.*"});
+  ASSERT_EQ(1U, picture.layers.size());
+  for (Picture* each : {&picture, &picture.layers[0].picture}) {
+    each->floats.assign(each->samples.size(), 0.5F);
+    each->samples.clear();
+  }
+  picture.layers[0].picture.floats[0] = 1e6F;
+  picture.layers[0].picture.floats[5] = -1e6F;
+
+  std::vector<NotCarried> lost;
+  PictureOutput(folder / "out.exr", true).Write(picture, {}, &lost);
+
+  const ReadExr out = lx_test::Read(folder / "out.exr");
+  EXPECT_EQ(65504.0, out.values.at("diffuse.R")[0]);
+  EXPECT_EQ(-65504.0, out.values.at("diffuse.G")[1]);
+  EXPECT_EQ(0.5, out.values.at("diffuse.G")[0]);
+  ASSERT_EQ(1U, lost.size());
+  EXPECT_EQ(0U, lost[0].line.find("2 samples beyond 65504 are cut")) << lost[0].line;
+}
+
 TEST_F(ExrExtras, OfWhichSomeColoursAreAskedForAreNumbers) {
   lx_test::MakeExr(folder / "in.exr", {Layered()});
 
