@@ -8,8 +8,8 @@
 namespace glimmerhost {
 namespace {
 
-// A matrix makes of the infinite what is no number.
-constexpr float kLargest = 65504.0F;  // as a half float
+// A matrix makes of the largest floats what is infinite, and of that what is no number.
+constexpr float kLargest = 0x1p100F;
 
 bool IsBlack(const float* colour) {
   return std::all_of(colour, colour + 3, [](float v) { return v == 0.0F; });
@@ -31,7 +31,7 @@ void TransformColours(const ColourTransform& transform, Alpha alpha, std::vector
     const float coverage = Coverage(alpha, pixel);
     for (std::size_t c = 0; c < 3; ++c) {
       const float value = pixel[c] / coverage;
-      colours[i * 3 + c] = std::isnan(value) ? 0.0F : std::clamp(value, -kLargest, kLargest);
+      colours[i * 3 + c] = std::isfinite(pixel[c]) ? std::clamp(value, -kLargest, kLargest) : 0.0F;
     }
   }
   transform.Apply(&colours);
@@ -42,7 +42,7 @@ void TransformColours(const ColourTransform& transform, Alpha alpha, std::vector
     }
     const float coverage = Coverage(alpha, pixel);
     for (std::size_t c = 0; c < 3; ++c) {
-      pixel[c] = std::isnan(pixel[c]) ? pixel[c] : colours[i * 3 + c] * coverage;
+      pixel[c] = std::isfinite(pixel[c]) ? colours[i * 3 + c] * coverage : pixel[c];
     }
   }
 }

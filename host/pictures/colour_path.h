@@ -33,7 +33,7 @@ struct ColourPath {
 // Transforms pixels of red, green, blue and, if there are four channels, alpha. A transform is
 // for colours that are not multiplied by alpha: premultiplied ones are divided by it before and
 // multiplied after. Where alpha is 0, black stays black, and light without a body is transformed
-// as it is.
+// as it is. A sample that is infinite or no number stays so, and counts as 0 for the others.
 //   alpha  kNone for three channels
 void TransformColours(const ColourTransform& transform, Alpha alpha, std::vector<float>* pixels);
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 #include "host/pictures/colour_path.h"
 #include "host/pictures/floats/float_picture.h"
@@ -39,9 +40,11 @@ std::vector<float> ManagedFloats(const Picture& picture, bool withAlpha) {
   if (picture.colours->out) {
     TransformColours(*picture.colours->out, picture.alpha, &values);
   }
-  std::replace_if(
-      values.begin(), values.end(), [](float value) { return std::isnan(value); }, 0.0F);
-  CutToHalf(&values);
+  // What a transform has no number for; the samples of a file may hold less, and cut themselves.
+  constexpr float kLargest = std::numeric_limits<float>::max();
+  for (float& value : values) {
+    value = std::isnan(value) ? 0.0F : std::clamp(value, -kLargest, kLargest);
+  }
   if (channels == 4 && !withAlpha) {
     for (std::size_t i = 0; i < picture.PixelCount(); ++i) {
       std::copy_n(values.begin() + static_cast<std::ptrdiff_t>(i * 4), 3,

@@ -128,6 +128,17 @@ TEST_F(ColourSpaces, GoFromTheInputsToTheOutputs) {
   ExpectMiddle({0.75F, 0.25F, 0.5F}, "c.exr");
 }
 
+TEST_F(ColourSpaces, OfFloatsEndWhereTheSamplesOfTheFileDo) {
+  const std::string input = Flat("in.exr", TypeDesc::FLOAT, {200000.0F, 8.0F, 1.0F});
+
+  EXPECT_EQ("", RenderIn(input, "a.exr", "--colour-out Halved --bits float").text);
+  const std::string told = RenderIn(input, "b.exr", "--colour-out Halved --bits half").text;
+
+  ExpectMiddle({100000.0F, 4.0F, 0.5F}, "a.exr");
+  ExpectMiddle({65504.0F, 4.0F, 0.5F}, "b.exr");
+  EXPECT_NE(std::string::npos, told.find("384 samples beyond 65504")) << told;
+}
+
 TEST_F(ColourSpaces, ComeBackWhereOnlyTheInputsIsGiven) {
   const std::string input = Flat("in.exr", TypeDesc::HALF, {0.5F, 0.25F, 0.75F});
 

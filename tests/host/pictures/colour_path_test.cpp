@@ -87,10 +87,18 @@ TEST(TransformColours, KeepsWhatIsNoNumberToItsOwnSample) {
   EXPECT_EQ(0.5F, result[2]);
 }
 
-TEST(TransformColours, TakesTheInfiniteForTheLargestHalfFloat) {
+TEST(TransformColours, KeepsTheInfiniteToItsOwnSample) {
   const float infinite = std::numeric_limits<float>::infinity();
-  EXPECT_EQ((Values{65504.0F, 0.0F, 32752.0F}),
-            Transformed(MixesRedIntoAll(), Alpha::kNone, {infinite, 0.0F, 0.0F}));
+  EXPECT_EQ((Values{infinite, 0.25F, 0.5F}),
+            Transformed(MixesRedIntoAll(), Alpha::kNone, {infinite, 0.25F, 0.5F}));
+}
+
+TEST(TransformColours, TakesLightsAsBrightAsFloatsHold) {
+  EXPECT_EQ((Values{1e6F, 0.0F, 5e5F}),
+            Transformed(MixesRedIntoAll(), Alpha::kNone, {1e6F, 0.0F, 0.0F}));
+  // A glow under hardly any alpha: its colour is 2^20.
+  EXPECT_EQ((Values{1024.0F, 0.0F, 512.0F, 0x1p-10F}),
+            Transformed(MixesRedIntoAll(), Alpha::kPremultiplied, {1024.0F, 0.0F, 0.0F, 0x1p-10F}));
 }
 
 }  // namespace
