@@ -29,15 +29,17 @@ run(said cc -std=c11 -Wall -Wextra -Wpedantic -Werror ${FOLDER}/example.c ${flag
 run(said ${FOLDER}/by_pkg_config)
 check("${said}")
 
-# A version that is older than wanted is none.
+# A library of another major version than was wanted is none.
 file(
   WRITE ${FOLDER}/CMakeLists.txt
   "cmake_minimum_required(VERSION 3.25)
 project(Example VERSION 1 LANGUAGES C)
-find_package(libglimmerblur 99 QUIET)
-if(libglimmerblur_FOUND)
-  message(FATAL_ERROR \"There is no 99.\")
-endif()
+foreach(version 4 99)
+  find_package(libglimmerblur \${version} QUIET)
+  if(libglimmerblur_FOUND)
+    message(FATAL_ERROR \"This is no \${version}.\")
+  endif()
+endforeach()
 find_package(libglimmerblur ${VERSION} REQUIRED)
 add_executable(example example.c)
 target_link_libraries(example libglimmerblur::libglimmerblur)
