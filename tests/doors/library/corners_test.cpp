@@ -165,6 +165,42 @@ TEST(LibraryLimit, ThatIsNamedJustDoes) {
   library_test::ExpectNear(Blurred(Look(6.0), source), dest, 1e-6);
 }
 
+// Planes that are done, and tiles, wait for the last.
+TEST(LibraryCancel, BetweenPlanesAndTilesLeavesNothing) {
+  struct Countdown {
+    int left;
+    static std::int32_t Ask(void* user, double /*done*/) {
+      return --static_cast<Countdown*>(user)->left == 0 ? 1 : 0;
+    }
+  };
+  for (const std::uint64_t limit : {0, 700000}) {
+    for (const int channels : {3, 4}) {
+      glimmerblur_options options = Options(2);
+      options.memory_limit = limit;
+      Floats source = Noise(110, 90, 3, 0.0, 1.0, channels);
+      glimmerblur_frame frame = source.Frame();
+      frame.layout = channels == 3 ? GLIMMERBLUR_PLANES : GLIMMERBLUR_RGBA;
+      const Floats before = source;
+      int cancelled = 0;
+      for (int at = 1;; ++at) {
+        const Object object = Make(Look(3.0), options);
+        Countdown countdown{at};
+        glimmerblur_set_progress(object.get(), Countdown::Ask, &countdown);
+        const glimmerblur_status status = glimmerblur_render(object.get(), &frame, &frame, nullptr);
+        if (countdown.left > 0) {
+          ASSERT_EQ(GLIMMERBLUR_OK, status) << glimmerblur_message(object.get());
+          break;
+        }
+        ++cancelled;
+        ASSERT_EQ(GLIMMERBLUR_CANCELLED, status);
+        ASSERT_EQ(before, source) << at;
+      }
+      EXPECT_GT(cancelled, 10);
+      EXPECT_NE(before, source);
+    }
+  }
+}
+
 TEST(LibraryEnds, OfFloatsGoThroughAnApertureOfOnePixel) {
   constexpr float kLargest = std::numeric_limits<float>::max();
   constexpr float kLeast = std::numeric_limits<float>::denorm_min();
