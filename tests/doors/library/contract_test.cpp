@@ -15,6 +15,7 @@
 
 namespace {
 
+using library_test::Blurred;
 using library_test::FrameLook;
 using library_test::Make;
 using library_test::Object;
@@ -292,5 +293,61 @@ TEST_P(LibraryContract, HoldsForRecordsDrawnAtRandom) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Dice, LibraryContract, testing::Range(0, 10));
+
+struct BrightLight {
+  const char* about;
+  int channels;
+  float value;
+  int only;  // the one channel that it is in; -1 for all
+};
+
+class LibraryLights : public testing::TestWithParam<BrightLight> {};
+
+// What the light does not reach is as it would be without it.
+TEST_P(LibraryLights, LeaveWhatIsDimAsItIs) {
+  const BrightLight& light = GetParam();
+  Dice dice(7);
+  const Shape shape = DrawShape(&dice);
+  for (const double emphasis : {1.0, 1.5, 5.0, 20.0, 50.0, 90.0, 500.0}) {
+    for (const int edge : {GLIMMERBLUR_REPEAT, GLIMMERBLUR_ZERO}) {
+      library_test::Floats source = library_test::Noise(40, 30, 8, 0.0, 1.0, light.channels);
+      for (int c = 0; c < light.channels; ++c) {
+        source.At(33, 24, c) = light.only < 0 || light.only == c ? light.value : 0.5F;
+      }
+      glimmerblur_look look = library_test::Look(1.0, emphasis);
+      look.shape = GLIMMERBLUR_PICTURE;
+      look.edge = edge;
+      look.emphasis_alpha = 1;
+      const Object object = Make(look);
+      library_test::Pixels<std::uint8_t> picture = shape.picture;
+      const glimmerblur_frame aperture = picture.Frame();
+      ASSERT_EQ(GLIMMERBLUR_OK, glimmerblur_set_aperture(object.get(), &aperture, 0, 0, -1, -1));
+      const PlainBlur plain(source.Frame(), look, shape.weights);
+
+      const library_test::Floats dest = Blurred(object, source);
+
+      for (int y = 0; y < 30; ++y) {
+        for (int x = 0; x < 40; ++x) {
+          const std::vector<double> expected = plain.At(x, y);
+          for (int c = 0; c < light.channels; ++c) {
+            const double value = expected[static_cast<std::size_t>(c)];
+            // A channel that the light is not in has what luma leaves of it.
+            const double largest = *std::max_element(expected.begin(), expected.end());
+            ASSERT_NEAR(value, dest.At(x, y, c), 2e-5 * std::max(1.0, largest))
+                << light.about << " emphasis " << emphasis << " edge " << edge << " at " << x << ','
+                << y << ',' << c;
+          }
+        }
+      }
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, LibraryLights,
+    testing::Values(BrightLight{"white", 4, 1e6F, -1}, BrightLight{"red", 3, 1e5F, 0},
+                    BrightLight{"alpha", 4, 1e4F, 3}, BrightLight{"plane", 1, 1e6F, -1},
+                    BrightLight{"sun", 3, 1e9F, -1}, BrightLight{"ten", 3, 10.0F, -1}),
+    [](const auto& each) { return std::string(each.param.about); });
 
 }  // namespace
