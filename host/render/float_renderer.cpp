@@ -9,6 +9,7 @@
 
 #include "host/looks/keys.h"
 #include "host/support/failure.h"
+#include "hostframe/interfaces/geometry.h"
 
 namespace glimmerhost {
 namespace {
@@ -20,6 +21,19 @@ double Number(const FrameInput& input, const char* key) {
 // A radius of the store is a diameter as a part of the picture's width.
 double Pixels(const FrameInput& input, const char* key, int width) {
   return Number(input, key) * width * 0.5;
+}
+
+// The library's range is narrower than the module's, and a file may say anything.
+double PixelAspect(const quantel::cSize2& ratio) {
+  constexpr double kMost = 100.0;
+  const double aspect = static_cast<double>(ratio.first) / ratio.second;
+  if (!(aspect >= 1.0 / kMost && aspect <= kMost)) {
+    throw Failure("a pixel aspect of " + std::to_string(ratio.first) + ":" +
+                  std::to_string(ratio.second) +
+                  " cannot be rendered in floats, where 1:100 to 100:1 can: --pixel-aspect gives "
+                  "another, and --precision 16 takes any");
+  }
+  return aspect;
 }
 
 glimmerblur_look LookOf(const FrameInput& input, const Picture& picture, bool centred) {
@@ -36,7 +50,7 @@ glimmerblur_look LookOf(const FrameInput& input, const Picture& picture, bool ce
   look.radius_y = ownY ? Pixels(input, kRadiusYKey, picture.width) : look.radius_x;
   look.rotation = Number(input, kRotationKey);
   look.sides = static_cast<std::int32_t>(Number(input, kSidesKey));
-  look.pixel_aspect = static_cast<double>(input.pixelAspect.first) / input.pixelAspect.second;
+  look.pixel_aspect = PixelAspect(input.pixelAspect);
   look.emphasis = Number(input, kEmphasisKey);
   look.emphasis_alpha = std::get<bool>(input.values.at(kEmphAlphaKey)) ? 1 : 0;
   look.centred = centred ? 1 : 0;

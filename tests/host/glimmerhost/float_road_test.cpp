@@ -264,6 +264,17 @@ TEST_F(FloatRoad, IsRefusedBesideWhatAsksForTheModule) {
                 "--centred needs floats, and --engine single asks for 16 bits");
 }
 
+TEST_F(FloatRoad, SaysWhatToDoAboutPixelsThatItHasNotRoomFor) {
+  const std::string input = WriteFloats("in.tif", Lit(40, 30, 0.0F, 1.0F));
+  const std::string to =
+      "render " + input + " -o " + File("out.tif") + " --radius 5px --quiet --overwrite";
+  ExpectRefusal(to + " --pixel-aspect 200:1", 1,
+                "a pixel aspect of 200:1 cannot be rendered in floats, where 1:100 to 100:1 can: "
+                "--pixel-aspect gives another, and --precision 16 takes any");
+  EXPECT_EQ(0, RunHere(to + " --pixel-aspect 200:1 --precision 16").code);
+  EXPECT_EQ(0, RunHere(to + " --pixel-aspect 100:1").code);
+}
+
 TEST_F(FloatRoad, IsToldOfByInfo) {
   EXPECT_NE(std::string::npos,
             RunHere("info").text.find("floating point  through the library, in floats"));
