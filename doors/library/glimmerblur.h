@@ -8,7 +8,8 @@
  *
  * A frame is convolved with the shape of an aperture, with an emphasis curve before and its exact
  * inverse after it, so that bright points open into bright images of the aperture. Samples may be
- * of 8 or 16 bits or floats. Floats stay floats: values above 1 and below 0 go through.
+ * of 8 or 16 bits or floats. Floats stay floats: values above 1 and below 0 go through, but for a
+ * luma below 0 under an emphasis, which counts as 0.
  *
  * An object serves one thread at a time; several objects may work at once. Its threads belong to
  * it and are gone when glimmerblur_destroy returns: without objects the library may be unloaded.
@@ -157,7 +158,7 @@ typedef enum glimmerblur_sample {
 
 typedef enum glimmerblur_layout {
   GLIMMERBLUR_RGBA = 0,  /* red, green, blue and, with four channels, alpha */
-  GLIMMERBLUR_PLANES = 1 /* any number of channels, each for itself */
+  GLIMMERBLUR_PLANES = 1 /* any number of channels, each for itself and as a luma of its own */
 } glimmerblur_layout;
 
 /* What alpha is to the colours. */

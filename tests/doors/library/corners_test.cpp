@@ -215,6 +215,18 @@ TEST(LibraryEnds, OfFloatsGoThroughAnApertureOfOnePixel) {
   }
 }
 
+// The emphasis curve begins at 0.
+TEST(LibraryEnds, OfFloatsBelowZeroAreNothingUnderAnEmphasis) {
+  for (const int channels : {1, 4}) {
+    Floats source(9, 7, channels);
+    for (int c = 0; c < std::min(channels, 3); ++c) {
+      source.At(4, 3, c) = -0.5F;
+    }
+    EXPECT_NEAR(-0.5, Blurred(Look(0.0), source).At(4, 3, 0), 1e-6);
+    EXPECT_NEAR(0.0, Blurred(Look(0.0, 20.0), source).At(4, 3, 0), 2e-3);
+  }
+}
+
 // All of the brightest: sums must not leave the floats.
 TEST(LibraryEnds, OfFloatsEverywhereStayNumbers) {
   for (const double emphasis : {1.0, 20.0, 500.0}) {
