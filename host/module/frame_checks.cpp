@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <limits>
 #include <string_view>
+#include <vector>
 
 #include "host/looks/foresight.h"
 #include "host/looks/keys.h"
@@ -50,6 +51,20 @@ bool IsCopy(const Samples& source, const Samples& result) {
     }
   }
   return true;
+}
+
+// A transform rounds by what is brightest.
+bool IsCopy(const std::vector<float>& source, const std::vector<float>& result) {
+  constexpr float kRounding = 1e-5F;
+  float brightest = 0.0F;
+  float farthest = 0.0F;
+  for (std::size_t i = 0; i < source.size(); ++i) {
+    if (i % 4 != 3) {
+      brightest = std::max(brightest, std::abs(source[i]));
+      farthest = std::max(farthest, std::abs(source[i] - result[i]));
+    }
+  }
+  return farthest <= kRounding * brightest;
 }
 
 bool Differ(const std::uint16_t* a, const std::uint16_t* b) {
@@ -152,6 +167,12 @@ bool CheckRendered(const FrameInput& input, FrameImage* result) {
   throw Failure(
       "the effect gave the frame back as it was, though its aperture is larger than a "
       "pixel: it could not work on it");
+}
+
+bool StayedAsItWas(const FrameInput& input, const Picture& source,
+                   const std::vector<float>& result) {
+  return ApertureRadius(input.values, source.width) > 1.0 && ApertureHoldsNothing(input) &&
+         IsCopy(source.floats, result);
 }
 
 }  // namespace glimmerhost

@@ -6,10 +6,12 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "fftlib/backends/footprint.h"
 #include "host/looks/page.h"
 #include "host/module/frame_renderer.h"
+#include "host/pictures/picture.h"
 
 namespace glimmerhost {
 
@@ -38,5 +40,9 @@ inline constexpr const char* kEmptyAperture =
 // than a pixel and the source has neighbours that differ. Alpha does not count: it may be left
 // alone on purpose.
 bool CheckRendered(const FrameInput& input, FrameImage* result);
+
+// Whether a result in floats is the source, but for rounding, since the aperture holds nothing.
+bool StayedAsItWas(const FrameInput& input, const Picture& source,
+                   const std::vector<float>& result);
 
 }  // namespace glimmerhost

@@ -45,8 +45,10 @@ void TakeFloats(const FrameWork& work, std::vector<float>* result, Picture* pict
 
 // All results into their pictures.
 void TakeFloats(FrameWork* work) {
-  if (ApertureHoldsNothing(work->input)) {
+  if (StayedAsItWas(work->input, work->picture, work->floats)) {
+    // The input's own samples, without what rounding does to them.
     work->report.remarks.emplace_back(kEmptyAperture);
+    return;
   }
   TakeFloats(*work, &work->floats, &work->picture);
   for (std::size_t i = 0; i < work->layers.size(); ++i) {

@@ -275,6 +275,31 @@ TEST_F(FloatRoad, SaysWhatToDoAboutPixelsThatItHasNotRoomFor) {
   EXPECT_EQ(0, RunHere(to + " --pixel-aspect 100:1").code);
 }
 
+// The three spreads: nothing, too dim to be seen as lit, and a disc of a single pixel.
+TEST_F(FloatRoad, SaysThatAnApertureHoldsNothingWhereThePictureStays) {
+  const std::string input = WriteFloats("in.tif", Lit(60, 40, 0.25F, 9.0F));
+  const auto spread = [&](const char* name, float value) {
+    return " --spread " + WriteFloats(name, Lit(60, 40, value, value));
+  };
+  const std::string to = "render " + input + " -o " + File("out.tif") +
+                         " --bits float --quiet --overwrite --shape image";
+  const std::string disc = " --radius-psf1 5px --radius-psf2 9px";
+
+  const auto black = RunHere(to + disc + spread("black.tif", 0.0F));
+  EXPECT_EQ(
+      "glimmerhost: the aperture holds nothing, as its disc shows no red: the picture stays as it "
+      "is\n",
+      black.text);
+  EXPECT_EQ(ReadFloats(input).floats, ReadFloats(File("out.tif")).floats);
+
+  EXPECT_EQ("", RunHere(to + disc + spread("dim.tif", 0.1F)).text);
+
+  const std::vector<float> blurred = ReadFloats(File("out.tif")).floats;
+  EXPECT_LT(*std::max_element(blurred.begin(), blurred.end()), 1.01F);
+
+  EXPECT_EQ("", RunHere(to + " --radius-psf1 0 --radius-psf2 0" + spread("white.tif", 1.0F)).text);
+}
+
 TEST_F(FloatRoad, IsToldOfByInfo) {
   EXPECT_NE(std::string::npos,
             RunHere("info").text.find("floating point  through the library, in floats"));
