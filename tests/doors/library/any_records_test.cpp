@@ -17,7 +17,6 @@
 
 namespace {
 
-using library_test::Look;
 using library_test::Make;
 using library_test::Object;
 using library_test::Options;

@@ -71,8 +71,10 @@ TEST_P(LibraryOutline, CoversPixelsByTheirArea) {
     const auto y = kMiddle - static_cast<int>(i / kSize);
     int inside = 0;
     for (int part = 0; part < kParts * kParts; ++part) {
-      const double across = (part % kParts + 0.5) / kParts - 0.5;
-      const double up = (part / kParts + 0.5) / kParts - 0.5;
+      const int column = part % kParts;
+      const int row = part / kParts;
+      const double across = (column + 0.5) / kParts - 0.5;
+      const double up = (row + 0.5) / kParts - 0.5;
       inside += IsInside(outline, x + across, y + up) ? 1 : 0;
     }
     covered[i] = inside / double{kParts * kParts};
