@@ -62,7 +62,7 @@ class LibraryOutline : public testing::TestWithParam<Outline> {};
 TEST_P(LibraryOutline, CoversPixelsByTheirArea) {
   constexpr int kSize = 61;
   constexpr int kMiddle = 30;
-  constexpr int kParts = 40;
+  constexpr int kParts = 16;
   const Outline& outline = GetParam();
   std::vector<double> covered(std::size_t{kSize} * kSize);
   double sum = 0.0;
@@ -93,7 +93,7 @@ TEST_P(LibraryOutline, CoversPixelsByTheirArea) {
 
   for (std::size_t i = 0; i < covered.size(); ++i) {
     // Weights are of 8 bits, and circles have corners.
-    ASSERT_NEAR(covered[i] / sum, image.samples[i], 0.04 / sum)
+    ASSERT_NEAR(covered[i] / sum, image.samples[i], 0.05 / sum)
         << outline.about << ' ' << i % kSize << ',' << i / kSize;
   }
 }
@@ -184,7 +184,7 @@ TEST(LibraryCancel, BetweenPlanesAndTilesLeavesNothing) {
       frame.layout = channels == 3 ? GLIMMERBLUR_PLANES : GLIMMERBLUR_RGBA;
       const Floats before = source;
       int cancelled = 0;
-      for (int at = 1;; ++at) {
+      for (int at = 1;; at += 1 + at / 8) {
         const Object object = Make(Look(3.0), options);
         Countdown countdown{at};
         glimmerblur_set_progress(object.get(), Countdown::Ask, &countdown);
