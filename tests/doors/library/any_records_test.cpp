@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <limits>
 #include <random>
 #include <string>
@@ -17,6 +18,7 @@
 
 namespace {
 
+using library_test::Look;
 using library_test::Make;
 using library_test::Object;
 using library_test::Options;
@@ -155,9 +157,9 @@ void ExpectAnswer(const Object& object, glimmerblur_status status, unsigned seed
   EXPECT_NE(GLIMMERBLUR_FAILED, status) << seed << message;
 }
 
-class LibraryRecords : public testing::TestWithParam<int> {};
+class LibraryRecordsOf : public testing::TestWithParam<int> {};
 
-TEST_P(LibraryRecords, OfAnyValuesAreDoneOrRefused) {
+TEST_P(LibraryRecordsOf, AnyValuesAreDoneOrRefused) {
   glimmerblur_options options = Options(2);
   options.memory_limit = 40U << 20U;
   const Object object = Make(options);
@@ -210,6 +212,55 @@ TEST_P(LibraryRecords, OfAnyValuesAreDoneOrRefused) {
   EXPECT_GT(rendered, 40);
 }
 
-INSTANTIATE_TEST_SUITE_P(Wild, LibraryRecords, testing::Range(0, 4));
+INSTANTIATE_TEST_SUITE_P(Wild, LibraryRecordsOf, testing::Range(0, 4));
+
+// A pair that is well but for one number of one of the two.
+TEST(LibraryRecords, OfOneWrongNumberAreRefused) {
+  const std::function<void(glimmerblur_frame&)> damages[] = {
+      [](auto& f) { f.size += 8; },
+      [](auto& f) { f.version = 2; },
+      [](auto& f) { f.sample = 3; },
+      [](auto& f) { f.sample = -1; },
+      [](auto& f) { f.layout = 2; },
+      [](auto& f) { f.layout = -1; },
+      [](auto& f) { f.channels = 2; },
+      [](auto& f) { f.channels = 0; },
+      [](auto& f) { f.alpha = 2; },
+      [](auto& f) { f.alpha = -1; },
+      [](auto& f) { f.first_row = 2; },
+      [](auto& f) { f.first_row = -1; },
+      [](auto& f) { f.rect.width = 0; },
+      [](auto& f) { f.rect.height = -1; },
+      [](auto& f) { f.rect.width = (1 << 20) + 1; },
+      [](auto& f) { f.rect.x = std::numeric_limits<std::int32_t>::max(); },
+      [](auto& f) { f.rect.y = std::numeric_limits<std::int32_t>::min(); },
+      [](auto& f) { f.row_stride = std::numeric_limits<std::int64_t>::min(); },
+      [](auto& f) { f.pixel_stride = std::numeric_limits<std::int64_t>::max(); },
+      [](auto& f) { f.channel_stride = std::numeric_limits<std::int64_t>::min(); },
+      [](auto& f) { f.data = nullptr; },
+  };
+  const Object object = Make(Look(2.0));
+  int number = 0;
+  for (const auto& damage : damages) {
+    for (const int which : {1, 2, 3}) {
+      library_test::Floats source = library_test::Noise(16, 12, 1);
+      library_test::Floats dest(16, 12);
+      glimmerblur_frame in = source.Frame();
+      glimmerblur_frame out = dest.Frame();
+      const glimmerblur_rect whole = in.rect;
+      if ((which & 1) != 0) {
+        damage(in);
+      }
+      if ((which & 2) != 0) {
+        damage(out);
+      }
+      const glimmerblur_status status = glimmerblur_render(object.get(), &in, &out, &whole);
+      EXPECT_NE(GLIMMERBLUR_OK, status) << number << ' ' << which;
+      ExpectAnswer(object, status, static_cast<unsigned>(number));
+      EXPECT_EQ(library_test::Floats(16, 12), dest) << number;
+    }
+    ++number;
+  }
+}
 
 }  // namespace
