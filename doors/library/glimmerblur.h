@@ -98,7 +98,7 @@ GLIMMERBLUR_API glimmerblur_status glimmerblur_create(const glimmerblur_options*
 GLIMMERBLUR_API void glimmerblur_destroy(glimmerblur* object);
 
 /* What the last function on this object failed of, in one sentence; empty after success. Valid
- * until the next call on the object. */
+ * until the next call on the object. glimmerblur_get_report leaves it as it is. */
 GLIMMERBLUR_API const char* glimmerblur_message(const glimmerblur* object);
 
 /* ---- the look ---- */
