@@ -55,6 +55,9 @@ build_packages=(g++ cmake ninja-build pkg-config libfftw3-dev libpng-dev libtiff
   libdeflate-dev libopenimageio-dev libopencolorio-dev libcli11-dev libtomlplusplus-dev
   nlohmann-json3-dev libxxhash-dev)
 
+# What the window is built with, and needs to be shown.
+viewer_packages=(qt6-base-dev)
+
 # What the doors into other programs are built against. None of it is needed for the program.
 door_packages=(frei0r-plugins-dev libgegl-dev)
 

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "host/viewer/support/doorbell.h"
+
+#include <QMetaObject>
+#include <mutex>
+
+namespace glimmerhost {
+
+struct Doorbell::State {
+  std::mutex mutex;
+  Doorbell* bell;  // null once it is gone
+  bool isRinging = false;
+};
+
+Doorbell::Doorbell(QObject* parent) : QObject(parent), state_(std::make_shared<State>()) {
+  state_->bell = this;
+}
+
+Doorbell::~Doorbell() {
+  const std::lock_guard lock(state_->mutex);
+  state_->bell = nullptr;
+}
+
+std::function<void()> Doorbell::Ringer() const {
+  return [state = state_] {
+    const std::lock_guard lock(state->mutex);
+    if (state->bell != nullptr && !state->isRinging) {
+      state->isRinging = true;
+      QMetaObject::invokeMethod(state->bell, &Doorbell::Answer, Qt::QueuedConnection);
+    }
+  };
+}
+
+void Doorbell::Answer() {
+  {
+    const std::lock_guard lock(state_->mutex);
+    state_->isRinging = false;
+  }
+  emit Rung();
+}
+
+}  // namespace glimmerhost
