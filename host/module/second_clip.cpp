@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 
 #include "host/pictures/alpha.h"
+#include "host/pictures/floats/float_picture.h"
 #include "host/pictures/picture_file.h"
 
 namespace glimmerhost {
@@ -53,6 +55,11 @@ quantel::cPtr<FrameImage> OpenSpread(const std::filesystem::path& file, int widt
     Premultiply(&picture);
   }
   return quantel::cPtr<FrameImage>(new FrameImage(Centred(picture, width, height)));
+}
+
+quantel::cPtr<FrameImage> SpreadOfItself(const Picture& picture) {
+  std::uint64_t cut = 0;
+  return quantel::cPtr<FrameImage>(new FrameImage(Quantised(picture, &cut)));
 }
 
 }  // namespace glimmerhost

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/module/border_pictures.h"
+#include "host/pictures/picture.h"
 #include "hostframe/interfaces/ptr.h"
 
 namespace glimmerhost {
@@ -18,5 +19,9 @@ namespace glimmerhost {
 // Throws as reading a picture does.
 quantel::cPtr<FrameImage> OpenSpread(const std::filesystem::path& file, int width, int height,
                                      bool premultiplied, std::vector<std::string>* remarks);
+
+// Of a picture of floats without a second clip: the frame itself, cut to 0 to 1, as apertures are
+// of whole numbers on either road.
+quantel::cPtr<FrameImage> SpreadOfItself(const Picture& picture);
 
 }  // namespace glimmerhost

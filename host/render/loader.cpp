@@ -248,9 +248,7 @@ void Loader::SettleInput(FrameWork* work) {
   WarnOfRange(work);
   input.source = SourceOf(picture);
   if (picture.IsFloat() && !input.spread && ShapeOf(input.values) == Shape::kImage) {
-    // Cut out of the picture itself: apertures are of whole numbers on either road.
-    std::uint64_t cut = 0;
-    input.spread = quantel::cPtr<FrameImage>(new FrameImage(Quantised(picture, &cut)));
+    input.spread = SpreadOfItself(picture);
   }
   SettleLayers(work, by);
 }

@@ -15,7 +15,7 @@
 #include "host/pictures/floats/float_picture.h"
 #include "host/pictures/pam_stream.h"
 #include "host/render/frame_digest.h"
-#include "host/render/mix.h"
+#include "host/render/frame_result.h"
 #include "host/shots/file_hash.h"
 #include "host/support/failure.h"
 
@@ -25,50 +25,28 @@ namespace {
 // What a PAM picture holds.
 const OutputFormat kPamFormat{"pam", true, true, false, false};
 
-// What is seen of it, in the place of the samples that it was made from.
-void TakeResult(const FrameWork& work, const FrameImage& result, Picture* picture) {
-  if (work.mix < 1.0 || work.mask) {
-    const std::vector<std::uint16_t> frame = std::move(picture->samples);
-    result.CopyTo(picture);
-    MixSamples(frame, work.mix, work.mask.get(), &picture->samples);
-  } else {
-    result.CopyTo(picture);
-  }
-}
+SeenPart SeenOf(const FrameWork& work) { return {work.mix, work.mask.get()}; }
 
-void TakeFloats(const FrameWork& work, std::vector<float>* result, Picture* picture) {
-  if (work.mix < 1.0 || work.mask) {
-    MixFloats(picture->floats, work.mix, work.mask.get(), result);
-  }
-  picture->floats = std::move(*result);
-}
-
-// All results into their pictures.
-void TakeFloats(FrameWork* work) {
-  if (StayedAsItWas(work->input, work->picture, work->floats)) {
-    // The input's own samples, without what rounding does to them.
-    work->report.remarks.emplace_back(kEmptyAperture);
-    return;
-  }
-  TakeFloats(*work, &work->floats, &work->picture);
-  for (std::size_t i = 0; i < work->layers.size(); ++i) {
-    TakeFloats(*work, &work->layers[i].floats, &work->picture.layers[i].picture);
-  }
-}
-
-void TakeWords(FrameWork* work) {
-  Picture& picture = work->picture;
-  if (CheckRendered(work->input, work->result.Object())) {
-    TakeResult(*work, *work->result, &picture);
-  } else {
-    // The input's own samples, which have not passed the border.
-    work->report.remarks.emplace_back(kEmptyAperture);
+// All results into their pictures. False if the aperture holds nothing.
+bool TakeAllFloats(FrameWork* work) {
+  const SeenPart seen = SeenOf(*work);
+  if (!TakeFloats(work->input, &work->floats, seen, &work->picture)) {
+    return false;
   }
   for (std::size_t i = 0; i < work->layers.size(); ++i) {
-    if (CheckRendered(work->layers[i].input, work->layers[i].result.Object())) {
-      TakeResult(*work, *work->layers[i].result, &picture.layers[i].picture);
-    }
+    TakeSeenFloats(&work->layers[i].floats, seen, &work->picture.layers[i].picture);
   }
+  return true;
+}
+
+bool TakeAllWords(FrameWork* work) {
+  const SeenPart seen = SeenOf(*work);
+  const bool isSeen = TakeWords(work->input, work->result.Object(), seen, &work->picture);
+  for (std::size_t i = 0; i < work->layers.size(); ++i) {
+    const LayerWork& layer = work->layers[i];
+    TakeWords(layer.input, layer.result.Object(), seen, &work->picture.layers[i].picture);
+  }
+  return isSeen;
 }
 
 }  // namespace
@@ -103,10 +81,8 @@ void Writer::Run(FrameChannel* rendered) {
 
 void Writer::Write(FrameWork* work) const {
   Picture& picture = work->picture;
-  if (picture.IsFloat()) {
-    TakeFloats(work);
-  } else {
-    TakeWords(work);
+  if (!(picture.IsFloat() ? TakeAllFloats(work) : TakeAllWords(work))) {
+    work->report.remarks.emplace_back(kEmptyAperture);
   }
   const bool toPipe = !work->output;
   if (settings_.premultiplied) {
