@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "host/viewer/clip/clip_opener.h"
+
+#include <exception>
+#include <utility>
+
+#include "host/support/utf8_path.h"
+
+namespace glimmerhost {
+
+ClipOpener::ClipOpener(std::function<void()> ring)
+    : ring_(std::move(ring)), worker_([this](const Request& request) { Open(request); }) {}
+
+std::uint64_t ClipOpener::Ask(const std::string& name) {
+  worker_.Ask({++serial_, name});
+  return serial_;
+}
+
+std::optional<OpenedClip> ClipOpener::Fetch() {
+  const std::lock_guard lock(mutex_);
+  return std::exchange(opened_, std::nullopt);
+}
+
+void ClipOpener::Open(const Request& request) {
+  OpenedClip opened{request.serial, request.name, nullptr, {}, {}};
+  try {
+    opened.clip = std::make_shared<const ViewedClip>(request.name);
+    if (!opened.clip->IsSequence()) {
+      opened.sequence = SequenceOf(Utf8Path(request.name));
+    }
+  } catch (const std::exception& fault) {
+    opened.fault = fault.what();
+  }
+  {
+    const std::lock_guard lock(mutex_);
+    opened_ = std::move(opened);
+  }
+  ring_();
+}
+
+}  // namespace glimmerhost
