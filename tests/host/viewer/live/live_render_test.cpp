@@ -3,81 +3,24 @@
 
 #include <gtest/gtest.h>
 
-#include <condition_variable>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <ostream>
-#include <streambuf>
 #include <string>
 #include <utility>
 
 #include "host/looks/keys.h"
 #include "host/module/frame_renderer.h"
 #include "host/module/module_choice.h"
-#include "host/render/mix.h"
+#include "tests/host/viewer/shut_stream.h"
 
 namespace glimmerhost {
 namespace {
 
+using viewer_test::Count;
+using viewer_test::ShutStream;
+
 const std::string kFastModule = std::string(MODULE_FOLDER) + "/fast/" + MODULE_NAME;
-
-// Counts, and lets somebody wait for a number.
-class Count {
- public:
-  void Add() {
-    const std::lock_guard lock(mutex_);
-    ++count_;
-    changed_.notify_all();
-  }
-
-  void WaitFor(int count) {
-    std::unique_lock lock(mutex_);
-    changed_.wait(lock, [&] { return count_ >= count; });
-  }
-
- private:
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  int count_ = 0;
-};
-
-// A stream that lets nothing through while it is shut: who traces calls into it hangs.
-class ShutStream : public std::streambuf {
- public:
-  void Shut() { isShut_ = true; }
-
-  void Open() {
-    const std::lock_guard lock(mutex_);
-    isShut_ = false;
-    changed_.notify_all();
-  }
-
-  Count entered;
-
- private:
-  int overflow(int c) override {
-    Pass();
-    return c;
-  }
-
-  std::streamsize xsputn(const char* /*text*/, std::streamsize count) override {
-    Pass();
-    return count;
-  }
-
-  void Pass() {
-    std::unique_lock lock(mutex_);
-    if (isShut_) {
-      entered.Add();
-    }
-    changed_.wait(lock, [this] { return !isShut_; });
-  }
-
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  bool isShut_ = false;
-};
 
 // A light in the middle, opaque.
 std::shared_ptr<const LoadedFrame> Light(int frame, int width = 64, int height = 48) {
