@@ -2,6 +2,7 @@
 #include "host/viewer/pixels/area_mean.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 
@@ -28,79 +29,117 @@ const float* Samples(const Picture& picture) {
   return picture.floats.data();
 }
 
-template <class Sample>
-void AddRow(const Sample* row, float weight, std::size_t count, float* sums) {
+// Four rows at most, each with its weight: sums are stored once, not once a row.
+template <class Sample, std::size_t rows>
+void AddRows(const std::array<const Sample*, 4>& row, const std::array<float, 4>& weight,
+             std::size_t count, float* __restrict sums) {
   for (std::size_t i = 0; i < count; ++i) {
-    sums[i] += static_cast<float>(row[i]) * weight;
+    float sum = static_cast<float>(row[0][i]) * weight[0];
+    if constexpr (rows > 1) {
+      sum += static_cast<float>(row[1][i]) * weight[1];
+    }
+    if constexpr (rows > 2) {
+      sum += static_cast<float>(row[2][i]) * weight[2];
+    }
+    if constexpr (rows > 3) {
+      sum += static_cast<float>(row[3][i]) * weight[3];
+    }
+    sums[i] += sum;
   }
 }
 
-// Over the rows, column by column. In blocks that stay in the first cache.
 template <class Sample>
-void SumRows(const Picture& picture, const Stretch& rows, int firstColumn, int endColumn,
-             float* sums) {
+constexpr std::array kAddRows{AddRows<Sample, 1>, AddRows<Sample, 2>, AddRows<Sample, 3>,
+                              AddRows<Sample, 4>};
+
+// Over rows with their weights, column by column. In blocks that stay in the first cache.
+template <class Sample>
+void SumRows(const Picture& picture, int firstRow, const float* weights, int count, int firstColumn,
+             int endColumn, float* sums) {
   constexpr std::size_t kBlock = 1024;
   const std::size_t stride = static_cast<std::size_t>(picture.width) * 4;
-  const std::size_t begin = static_cast<std::size_t>(firstColumn) * 4;
   const std::size_t end = static_cast<std::size_t>(endColumn) * 4;
-  for (std::size_t at = begin; at < end; at += kBlock) {
-    const std::size_t count = std::min(kBlock, end - at);
-    float* const block = sums + (at - begin);
-    std::fill_n(block, count, 0.0F);
-    for (int y = rows.first; y <= rows.last; ++y) {
-      const float weight = y == rows.first  ? rows.firstWeight
-                           : y == rows.last ? rows.lastWeight
-                                            : 1.0F;
-      AddRow(Samples<Sample>(picture) + static_cast<std::size_t>(y) * stride + at, weight, count,
-             block);
+  std::size_t at = static_cast<std::size_t>(firstColumn) * 4;
+  for (; at < end; at += kBlock, sums += kBlock) {
+    const std::size_t length = std::min(kBlock, end - at);
+    std::fill_n(sums, length, 0.0F);
+    for (int y = 0; y < count; y += 4) {
+      std::array<const Sample*, 4> row{};
+      std::array<float, 4> weight{};
+      const auto height = static_cast<std::size_t>(std::min(count - y, 4));
+      for (std::size_t i = 0; i < height; ++i) {
+        const std::size_t line = static_cast<std::size_t>(y) + i;
+        row[i] =
+            Samples<Sample>(picture) + (static_cast<std::size_t>(firstRow) + line) * stride + at;
+        weight[i] = weights[line];
+      }
+      kAddRows<Sample>[height - 1](row, weight, length, sums);
     }
   }
+}
+
+// The sums with the weights of each stretch.
+//   sums  from the first pixel of the first stretch on
+void SumColumns(const Stretches& columns, const float* sums, float* means) {
+  const int origin = columns.first.front();
+  const int taps = columns.taps;
+  const float* weight = columns.weights.data();
+  for (const int first : columns.first) {
+    const float* from = sums + std::ptrdiff_t{first - origin} * 4;
+    Pixel mean = LoadPixel(from) * *weight++;
+    for (int tap = 1; tap < taps; ++tap) {
+      mean += LoadPixel(from += 4) * *weight++;
+    }
+    __builtin_memcpy(means, &mean, sizeof mean);
+    means += 4;
+  }
+}
+
+// What of a pixel lies between two places.
+double Covered(int pixel, double begin, double end) {
+  return std::max(std::min(end, pixel + 1.0) - std::max(begin, static_cast<double>(pixel)), 0.0);
 }
 
 }  // namespace
 
-std::vector<Stretch> CutIntoStretches(double start, double length, int count, int size) {
-  std::vector<Stretch> stretches;
-  stretches.reserve(static_cast<std::size_t>(count));
+Stretches CutIntoStretches(double start, double length, int count, int size) {
+  Stretches stretches;
+  stretches.taps = std::min(static_cast<int>(std::ceil(length)) + 1, size);
   for (int i = 0; i < count; ++i) {
     const double begin = std::clamp(start + i * length, 0.0, static_cast<double>(size));
     const double end = std::clamp(start + (i + 1) * length, begin, static_cast<double>(size));
     const int first = std::min(static_cast<int>(begin), size - 1);
-    const int last = std::clamp(static_cast<int>(std::ceil(end)) - 1, first, size - 1);
-    const double firstWeight = std::min(end, first + 1.0) - begin;
-    const double lastWeight = last > first ? end - last : 0.0;
-    // Nothing is left of a stretch whose middle is on the edge, by rounding: it is its first pixel.
-    const double sum = firstWeight + lastWeight + std::max(last - first - 1, 0);
-    stretches.push_back({first, last, static_cast<float>(sum > 0.0 ? firstWeight : 1.0),
-                         static_cast<float>(lastWeight),
-                         static_cast<float>(sum > 0.0 ? 1.0 / sum : 1.0)});
+    stretches.first.push_back(first);
+    const double share = end > begin ? 1.0 / (end - begin) : 0.0;
+    for (int tap = 0; tap < stretches.taps; ++tap) {
+      stretches.weights.push_back(static_cast<float>(Covered(first + tap, begin, end) * share));
+    }
   }
   return stretches;
 }
 
-void MeanRow(const Picture& picture, const std::vector<Stretch>& columns, const Stretch& rows,
-             std::vector<float>* sums, float* means) {
-  const int firstColumn = columns.front().first;
-  const int endColumn = columns.back().last + 1;
-  sums->resize(static_cast<std::size_t>(endColumn - firstColumn) * 4);
-  if (picture.IsFloat()) {
-    SumRows<float>(picture, rows, firstColumn, endColumn, sums->data());
+AreaMean::AreaMean(const Picture& picture, const Stretches& columns)
+    : picture_(picture),
+      columns_(columns),
+      endColumn_(std::min(columns.first.back() + columns.taps, picture.width)),
+      sums_(static_cast<std::size_t>(columns.first.back() + columns.taps - columns.first.front()) *
+            4) {}
+
+void AreaMean::Row(const Stretches& rows, std::size_t i, float* means) {
+  const float* const weights = rows.WeightsOf(i);
+  const int firstRow = rows.first[i];
+  int count = rows.taps;
+  while (count > 1 && weights[count - 1] == 0.0F) {
+    --count;
+  }
+  const int firstColumn = columns_.first.front();
+  if (picture_.IsFloat()) {
+    SumRows<float>(picture_, firstRow, weights, count, firstColumn, endColumn_, sums_.data());
   } else {
-    SumRows<std::uint16_t>(picture, rows, firstColumn, endColumn, sums->data());
+    SumRows<std::uint16_t>(picture_, firstRow, weights, count, firstColumn, endColumn_,
+                           sums_.data());
   }
-  for (const Stretch& column : columns) {
-    const float* from = sums->data() + std::ptrdiff_t{column.first - firstColumn} * 4;
-    Pixel sum = LoadPixel(from) * column.firstWeight;
-    for (int x = column.first + 1; x < column.last; ++x) {
-      sum += LoadPixel(from += 4);
-    }
-    if (column.last > column.first) {
-      sum += LoadPixel(from + 4) * column.lastWeight;
-    }
-    sum *= column.share * rows.share;
-    __builtin_memcpy(means, &sum, sizeof sum);
-    means += 4;
-  }
+  SumColumns(columns_, sums_.data(), means);
 }
 
 }  // namespace glimmerhost

@@ -2,36 +2,48 @@
 // Means of the rectangles of a picture that a screen's pixels cover.
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "host/pictures/picture.h"
 
 namespace glimmerhost {
 
-// Pixels of a row or a column that fall into one pixel of the screen: the first and the last with
-// the part of them that does, all between them whole.
+// Pixels of a row or a column that fall into one pixel of the screen after the other, each with the
+// part of them that does. The weights of one of the screen sum up to 1.
 //
-//    first     first + 1             last
+//    first     first + 1   first + 2   first + 3
 //   |   ####|##########|##########|###     |
-//    <firstWeight>                 <lastWeight>
-struct Stretch {
-  int first;
-  int last;
-  float firstWeight;
-  float lastWeight;  // 0 where the first is the last
-  float share;       // 1 / the sum of all weights
+//    small      whole      whole    small       and 0 up to as many as the longest has
+struct Stretches {
+  int taps = 0;  // weights of each
+  std::vector<int> first;
+  std::vector<float> weights;
+
+  const float* WeightsOf(std::size_t i) const {
+    return weights.data() + i * static_cast<std::size_t>(taps);
+  }
 };
 
-// One stretch after the other, each of the same length; what is beyond 0 or size is cut off.
+// Each of the same length, without a gap. What is beyond 0 or size is cut off.
 //   start   where the first begins. The middles of all lie between 0 and size
 //   length  1 or more
-std::vector<Stretch> CutIntoStretches(double start, double length, int count, int size);
+Stretches CutIntoStretches(double start, double length, int count, int size);
 
-// The means of one row of the screen, four a pixel: samples as the picture has them, 0 to 65535 or
-// floats.
-//   sums   room for the sums of columns, kept from row to row
-//   means  four for each column
-void MeanRow(const Picture& picture, const std::vector<Stretch>& columns, const Stretch& rows,
-             std::vector<float>* sums, float* means);
+// Rows of means, four numbers a pixel: samples as the picture has them, 0 to 65535 or floats.
+class AreaMean {
+ public:
+  // Both must outlive it.
+  AreaMean(const Picture& picture, const Stretches& columns);
+
+  // The means of the rows that stretch i of the rows has, one for each of the columns.
+  void Row(const Stretches& rows, std::size_t i, float* means);
+
+ private:
+  const Picture& picture_;
+  const Stretches& columns_;
+  int endColumn_;
+  std::vector<float> sums_;  // of columns, with as many more as weights may reach beyond
+};
 
 }  // namespace glimmerhost

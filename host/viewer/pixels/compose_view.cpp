@@ -74,16 +74,16 @@ class Drawing {
   }
 
   void DrawMeans(Range columns, Range rows) {
-    const auto stretches = CutIntoStretches(across_.InPicture(columns.first), 1.0 / across_.zoom,
-                                            columns.Count(), across_.size);
-    const auto lines =
+    const auto count = static_cast<std::size_t>(columns.Count());
+    const Stretches across = CutIntoStretches(across_.InPicture(columns.first), 1.0 / across_.zoom,
+                                              columns.Count(), across_.size);
+    const Stretches down =
         CutIntoStretches(down_.InPicture(rows.first), 1.0 / down_.zoom, rows.Count(), down_.size);
-    std::vector<float> sums;
-    std::vector<float> means(stretches.size() * 4);
+    AreaMean mean(picture_, across);
+    numbers_.resize(count * 4);
     for (int y = rows.first; y < rows.end; ++y) {
-      MeanRow(picture_, stretches, lines[static_cast<std::size_t>(y - rows.first)], &sums,
-              means.data());
-      colours_.Show(means.data(), stretches.size(), RowOf(y, columns.first));
+      mean.Row(down, static_cast<std::size_t>(y - rows.first), numbers_.data());
+      colours_.Show(numbers_.data(), count, RowOf(y, columns.first));
     }
   }
 

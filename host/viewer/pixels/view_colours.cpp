@@ -16,6 +16,19 @@ std::uint32_t Packed(std::uint32_t red, std::uint32_t green, std::uint32_t blue)
   return kOpaque | red << 16 | green << 8 | blue;
 }
 
+// Red, green, blue and alpha, and where they are in a table.
+using Pixel __attribute__((vector_size(4 * sizeof(float)))) = float;
+using Places __attribute__((vector_size(4 * sizeof(std::int32_t)))) = std::int32_t;
+
+// Without a branch, which noise about white would make a wrong guess of. The first comparison makes
+// 0 of what is no number.
+Places PlacesOf(Pixel samples, float scale) {
+  const Pixel scaled = samples * scale;
+  const Pixel above = scaled > 0.0F ? scaled : Pixel{};
+  const Pixel cut = above < kFull ? above : Pixel{} + kFull;
+  return __builtin_convertvector(cut + 0.5F, Places);
+}
+
 // As transforms want their numbers: a matrix makes of the largest floats what is infinite.
 float Finite(float value) {
   constexpr float kLargest = 0x1p100F;
@@ -54,11 +67,19 @@ std::shared_ptr<const ViewColours::Table> ViewColours::TableOf(double gain, doub
   return kept;
 }
 
-// Not by std::clamp, which would let pass what is no number.
 std::uint32_t ViewColours::Lookup(float sample, float scale) const {
-  const float scaled = sample * scale;
-  const float cut = scaled > 0.0F ? std::min(scaled, kFull) : 0.0F;
-  return (*table_)[static_cast<std::size_t>(static_cast<int>(cut + 0.5F))];
+  const Places place = PlacesOf(Pixel{sample, 0.0F, 0.0F, 0.0F}, scale);
+  return (*table_)[static_cast<std::size_t>(place[0])];
+}
+
+std::uint32_t ViewColours::ColourOf(const float* pixel, float scale) const {
+  Pixel samples;
+  __builtin_memcpy(&samples, pixel, sizeof samples);
+  const Places places = PlacesOf(samples, scale);
+  const Table& table = *table_;
+  return Packed(table[static_cast<std::size_t>(places[0])],
+                table[static_cast<std::size_t>(places[1])],
+                table[static_cast<std::size_t>(places[2])]);
 }
 
 std::uint32_t ViewColours::GreyOf(float sample, float scale) const {
@@ -89,9 +110,7 @@ void ViewColours::Show(const float* samples, std::size_t count, std::uint32_t* c
   }
   if (settings_.channel == ViewChannel::kColour) {
     for (std::size_t i = 0; i < count; ++i) {
-      const float* const pixel = samples + i * 4;
-      colours[i] =
-          Packed(Lookup(pixel[0], scale_), Lookup(pixel[1], scale_), Lookup(pixel[2], scale_));
+      colours[i] = ColourOf(samples + i * 4, scale_);
     }
     return;
   }

@@ -26,6 +26,7 @@ class ViewColours {
 
   static std::shared_ptr<const Table> TableOf(double gain, double gamma);
   std::uint32_t Lookup(float sample, float scale) const;
+  std::uint32_t ColourOf(const float* pixel, float scale) const;
   std::uint32_t GreyOf(float sample, float scale) const;
   float Chosen(const float* pixel) const;
   void ShowThroughDisplay(const float* samples, std::size_t count, std::uint32_t* colours);
