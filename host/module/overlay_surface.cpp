@@ -28,14 +28,16 @@ struct Span {
   int last;
 };
 
-void PaintPixel(Picture* picture, double x, double y, const OverlayColour& colour) {
-  if (x >= 0.0 && x < picture->width && y >= 0.0 && y < picture->height) {
-    const std::size_t pixel =
-        static_cast<std::size_t>(y) * static_cast<std::size_t>(picture->width) +
-        static_cast<std::size_t>(x);
-    std::uint16_t* sample = picture->samples.data() + pixel * 4;
-    std::copy(colour.begin(), colour.end(), sample);
-    sample[3] = 65535;
+// What is painted on.
+struct Canvas {
+  int width;
+  int height;
+  const PaintPixel& paint;
+};
+
+void PaintAt(const Canvas& canvas, double x, double y, const OverlayColour& colour) {
+  if (x >= 0.0 && x < canvas.width && y >= 0.0 && y < canvas.height) {
+    canvas.paint(static_cast<int>(x), static_cast<int>(y), colour);
   }
 }
 
@@ -52,12 +54,12 @@ bool Narrow(double a, double b, double low, double high, double* first, double* 
   return *first <= *last;
 }
 
-// Cuts a line at the picture's edges. False if nothing of it is left.
-bool CutLine(Point* from, Point* to, const Picture& picture) {
+// Cuts a line at the canvas's edges. False if nothing of it is left.
+bool CutLine(Point* from, Point* to, const Canvas& canvas) {
   double first = 0.0;
   double last = 1.0;
-  if (!Narrow(from->x, to->x, 0.0, picture.width, &first, &last) ||
-      !Narrow(from->y, to->y, 0.0, picture.height, &first, &last)) {
+  if (!Narrow(from->x, to->x, 0.0, canvas.width, &first, &last) ||
+      !Narrow(from->y, to->y, 0.0, canvas.height, &first, &last)) {
     return false;
   }
   const Point start = *from;
@@ -81,35 +83,35 @@ bool IsFinite(const quantel::cRect4& rect) {
          std::isfinite(rect.fourth);
 }
 
-void Paint(const OverlayLine& line, Picture* picture) {
+void Paint(const OverlayLine& line, const Canvas& canvas) {
   Point from{Snap(line.from.x), Snap(line.from.y)};
   Point to{Snap(line.to.x), Snap(line.to.y)};
   if (!std::isfinite(from.x + from.y) || !std::isfinite(to.x + to.y) ||
-      !CutLine(&from, &to, *picture)) {
+      !CutLine(&from, &to, canvas)) {
     return;
   }
   const int steps = static_cast<int>(std::max(std::abs(std::floor(to.x) - std::floor(from.x)),
                                               std::abs(std::floor(to.y) - std::floor(from.y))));
   for (int step = 0; step <= steps; ++step) {
     const double part = steps == 0 ? 0.0 : static_cast<double>(step) / steps;
-    PaintPixel(picture, std::floor(from.x + (to.x - from.x) * part),
-               std::floor(from.y + (to.y - from.y) * part), line.colour);
+    PaintAt(canvas, std::floor(from.x + (to.x - from.x) * part),
+            std::floor(from.y + (to.y - from.y) * part), line.colour);
   }
 }
 
-void Paint(const OverlayRectangle& rectangle, Picture* picture) {
+void Paint(const OverlayRectangle& rectangle, const Canvas& canvas) {
   const quantel::cRect4& rect = rectangle.rect;
   if (!IsFinite(rect)) {
     return;
   }
-  const Span x = Covered(Snap(rect.first), Snap(rect.third), picture->width);
-  const Span y = Covered(Snap(rect.second), Snap(rect.fourth), picture->height);
+  const Span x = Covered(Snap(rect.first), Snap(rect.third), canvas.width);
+  const Span y = Covered(Snap(rect.second), Snap(rect.fourth), canvas.height);
   for (int row = y.first; row <= y.last; ++row) {
     const bool whole = rectangle.filled || row == y.first || row == y.last;
     // Between its first and its last row a frame is two pixels, which may be the same one.
     const int stride = whole ? 1 : std::max(x.last - x.first, 1);
     for (int column = x.first; column <= x.last; column += stride) {
-      PaintPixel(picture, column, row, rectangle.colour);
+      PaintAt(canvas, column, row, rectangle.colour);
     }
   }
 }
@@ -143,10 +145,24 @@ void OverlaySurface::frameRect(quantel::cRect4 rect, quantel::cColour colour) {
   strokes_.emplace_back(OverlayRectangle{rect, ColourOf(colour), false});
 }
 
-void OverlaySurface::PaintOn(Picture* picture) const {
-  for (const OverlayStroke& stroke : strokes_) {
-    std::visit([picture](const auto& one) { Paint(one, picture); }, stroke);
+void PaintStrokes(const std::vector<OverlayStroke>& strokes, int width, int height,
+                  const PaintPixel& paint) {
+  const Canvas canvas{width, height, paint};
+  for (const OverlayStroke& stroke : strokes) {
+    std::visit([&](const auto& one) { Paint(one, canvas); }, stroke);
   }
+}
+
+void OverlaySurface::PaintOn(Picture* picture) const {
+  PaintStrokes(strokes_, picture->width, picture->height,
+               [picture](int x, int y, const OverlayColour& colour) {
+                 const std::size_t pixel =
+                     static_cast<std::size_t>(y) * static_cast<std::size_t>(picture->width) +
+                     static_cast<std::size_t>(x);
+                 std::uint16_t* const sample = picture->samples.data() + pixel * 4;
+                 std::copy(colour.begin(), colour.end(), sample);
+                 sample[3] = 65535;
+               });
 }
 
 }  // namespace glimmerhost

@@ -12,6 +12,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <variant>
 #include <vector>
 
@@ -40,6 +41,15 @@ struct OverlayRectangle {
 
 using OverlayStroke = std::variant<OverlayLine, OverlayRectangle>;
 
+// Receives a pixel and its colour, and may receive it again: the last colour counts.
+using PaintPixel = std::function<void(int x, int y, const OverlayColour& colour)>;
+
+// Paints opaque and without antialiasing: lines one pixel wide, from the pixel that the one end
+// lies in to that of the other; a square covers the pixels whose middles lie in it, and its frame
+// is the outermost of them. What lies outside of width and height, or is not a number, is left out.
+void PaintStrokes(const std::vector<OverlayStroke>& strokes, int width, int height,
+                  const PaintPixel& paint);
+
 // A drawing pass replaces the one before. A module draws within the host's calls on it: all
 // operations belong on the thread that makes these.
 class OverlaySurface final : public qplugin::iQpluginOverlaySurface, public quantel::cRefCount {
@@ -56,10 +66,7 @@ class OverlaySurface final : public qplugin::iQpluginOverlaySurface, public quan
 
   bool IsEmpty() const { return strokes_.empty(); }
 
-  // Paints the last pass onto a picture, opaque and without antialiasing: lines one pixel
-  // wide, from the pixel that the one end lies in to that of the other; a square covers the
-  // pixels whose middles lie in it, and its frame is the outermost of them. What lies outside
-  // the picture, or is not a number, is left out.
+  // Paints the last pass onto a picture of 16 bits, as PaintStrokes does.
   void PaintOn(Picture* picture) const;
 
  private:
