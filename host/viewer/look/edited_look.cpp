@@ -148,8 +148,7 @@ bool EditedLook::JoinPoint(const PageOption& point, const std::string& key,
                            const std::string& text) {
   const bool isFirst = key == point.keys[0];
   const std::string& before = look_.At(point.name);
-  if (HasKeyframes(text) || HasKeyframes(before) ||
-      Assigned(point.keys[isFirst ? 1 : 0]) != nullptr) {
+  if (HasKeyframes(text) || HasKeyframes(before)) {
     return false;
   }
   const std::string whole = before.empty() ? ValueText(point.name, page_->Defaults()) : before;
@@ -199,6 +198,17 @@ void EditedLook::SetTextAt(const std::string& name, int frame, const std::string
   SetList(name, list);
 }
 
+// A half of a point that has its own text keeps it.
+void EditedLook::Write(const std::string& name, const std::string& text) {
+  if (Option(name) != nullptr || name == kMix) {
+    look_[name] = text;
+  } else if (const std::string* assigned = Assigned(name)) {
+    look_.set[static_cast<std::size_t>(assigned - look_.set.data())] = name + "=" + text;
+  } else {
+    look_.set.push_back(name + "=" + text);
+  }
+}
+
 std::string EditedLook::ValueText(const std::string& name, const FrameValues& values) const {
   std::string text;
   for (const std::string& key : KeysOf(name)) {
@@ -223,7 +233,8 @@ void EditedLook::SetValues(const FrameValues& byKey, int frame, const FrameValue
     }
   }
   for (const std::string& name : names) {
-    SetTextAt(name, frame, ValueText(name, all), span);
+    const std::string text = ValueText(name, all);
+    IsKeyframed(name) ? SetTextAt(name, frame, text, span) : Write(name, text);
   }
 }
 
@@ -233,7 +244,7 @@ KeyframeList EditedLook::Keyframes(const std::string& name, const ShotSpan& span
 
 void EditedLook::SetList(const std::string& name, const KeyframeList& list) {
   if (!list.All().empty()) {
-    SetText(name, list.Text());
+    Write(name, list.Text());
   }
 }
 
@@ -256,7 +267,7 @@ void EditedLook::RemoveKeyframe(const std::string& name, double frame, const Sho
   }
   const std::string value = there->key.value;
   list.Remove(frame);
-  SetText(name, list.All().empty() ? value : list.Text());
+  Write(name, list.All().empty() ? value : list.Text());
 }
 
 void EditedLook::MoveKeyframes(const std::string& name, const std::vector<double>& frames, int by,

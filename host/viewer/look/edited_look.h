@@ -86,6 +86,9 @@ class EditedLook {
   void SetKey(const std::string& key, const std::string& text);
   // False where the other half cannot stand beside it.
   bool JoinPoint(const PageOption& point, const std::string& key, const std::string& text);
+  // Under a finest name, and nothing else changes.
+  void Write(const std::string& name, const std::string& text);
+
   // Leaves a text without keyframes alone.
   void SetList(const std::string& name, const KeyframeList& list);
   std::string ValueText(const std::string& name, const FrameValues& values) const;

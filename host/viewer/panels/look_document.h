@@ -32,7 +32,7 @@ class LookDocument : public QObject {
   // What is saved, and what a command line says.
   const Look& CurrentLook() const { return look_.Texts(); }
   const EditedLook& Edited() const { return look_; }
-  const Page& EffectPage() const { return page_; }
+  const Page& ThePage() const { return page_; }
 
   // What percent, pixels and times mean from now on. No edit, and never refused: what does not go
   // with the picture has its default, and Fault tells of it.
