@@ -20,6 +20,7 @@
 #include "host/support/failure.h"
 #include "host/support/system.h"
 #include "host/viewer/jobs/host_program.h"
+#include "tests/host/viewer/jobs/shot_folder.h"
 #include "tests/support/child_program.h"
 #include "tests/support/scratch_folder.h"
 
@@ -29,11 +30,6 @@ namespace {
 namespace fs = std::filesystem;
 using lx_test::ScratchFolder;
 using Words = std::vector<std::string>;
-
-const Page& ThePage() {
-  static const Page page = Page::Load(PAGE);
-  return page;
-}
 
 // What the program makes of its words.
 RenderOptions Parsed(const Words& words) {
@@ -132,6 +128,7 @@ TEST(RenderWords, SayWhatIsWrittenAndWhere) {
   target.compression = "dwaa";
   target.quality = "60";
   target.precision = "float";
+  target.engine = "fast";
   target.manifest = "out.jsonl";
   target.frames = {1001, 1002, 1003, 1010};
   target.keepsGoing = true;
@@ -143,6 +140,7 @@ TEST(RenderWords, SayWhatIsWrittenAndWhere) {
   EXPECT_EQ("dwaa", options.coding.compression);
   EXPECT_EQ(60, options.coding.quality);
   EXPECT_EQ("float", options.precision);
+  EXPECT_EQ("fast", options.engine);
   EXPECT_EQ("1001-1003,1010", options.frames);
   EXPECT_TRUE(options.keepGoing);
   EXPECT_TRUE(options.skipExisting);
