@@ -12,8 +12,6 @@
 namespace glimmerhost {
 namespace {
 
-constexpr const char* kWorking = "scene_linear";
-
 void CheckSpace(const ColourConfig& config, const char* option, const std::string& space) {
   if (!space.empty() && !config.Knows(space)) {
     throw UsageError(std::string(option) + ": " +
@@ -54,7 +52,7 @@ std::shared_ptr<const ColourPath> ParseColours(const ColourOptions& options) {
   const auto config = ColourConfig::Load(Utf8Path(ConfigFile(options, asked)));
   CheckSpace(*config, "--colour-in", options.in);
   CheckSpace(*config, "--colour-out", options.out);
-  const std::string in = options.in.empty() ? kWorking : options.in;
+  const std::string in = options.in.empty() ? kWorkingSpace : options.in;
   return config->Path(in, options.out.empty() ? in : options.out);
 }
 

@@ -11,6 +11,9 @@
 
 namespace glimmerhost {
 
+// The role of the space that the effect works in.
+inline constexpr const char* kWorkingSpace = "scene_linear";
+
 // Whether this build can have one.
 extern const bool kHasColourManagement;
 
@@ -34,6 +37,18 @@ class ColourConfig {
   // Throws Failure if the configuration cannot do it.
   virtual std::shared_ptr<const ColourPath> Path(const std::string& in,
                                                  const std::string& out) const = 0;
+
+  // Screens that pictures can be shown on, the usual one first.
+  virtual std::vector<std::string> Displays() const = 0;
+
+  // The ways to show them there, the usual one first; none for a display that is not there.
+  virtual std::vector<std::string> Views(const std::string& display) const = 0;
+
+  // From a known space to what such a screen is given. Null where that is the same.
+  // Throws Failure if the configuration cannot do it.
+  virtual std::shared_ptr<const ColourTransform> DisplayPath(const std::string& in,
+                                                             const std::string& display,
+                                                             const std::string& view) const = 0;
 };
 
 }  // namespace glimmerhost

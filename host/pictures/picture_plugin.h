@@ -46,6 +46,11 @@ class PluginColours {
   virtual bool Knows(const std::string& name) const = 0;
   virtual PluginOutcome Path(const std::string& in, const std::string& out,
                              std::shared_ptr<const ColourPath>* path) const = 0;
+  virtual std::vector<std::string> Displays() const = 0;
+  virtual std::vector<std::string> Views(const std::string& display) const = 0;
+  virtual PluginOutcome DisplayPath(const std::string& in, const std::string& display,
+                                    const std::string& view,
+                                    std::shared_ptr<const ColourTransform>* path) const = 0;
 };
 
 // Any thread may call. Results are set only where the outcome is kDone.

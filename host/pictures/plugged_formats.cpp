@@ -82,6 +82,20 @@ class PluggedConfig final : public ColourConfig {
     return path;
   }
 
+  std::vector<std::string> Displays() const override { return colours_->Displays(); }
+
+  std::vector<std::string> Views(const std::string& display) const override {
+    return colours_->Views(display);
+  }
+
+  std::shared_ptr<const ColourTransform> DisplayPath(const std::string& in,
+                                                     const std::string& display,
+                                                     const std::string& view) const override {
+    std::shared_ptr<const ColourTransform> path;
+    Raise(colours_->DisplayPath(in, display, view, &path));
+    return path;
+  }
+
  private:
   std::unique_ptr<const PluginColours> colours_;
 };

@@ -17,11 +17,18 @@ namespace {
 namespace fs = std::filesystem;
 namespace ocio = OCIO_NAMESPACE;
 
-constexpr const char* kWorking = "scene_linear";
-
 [[noreturn]] void Fail(const fs::path& file, std::string why) {
   std::replace(why.begin(), why.end(), '\n', ' ');
   throw Failure(file.string() + ": " + why);
+}
+
+// In their order, but that one before all others, if it is there.
+std::vector<std::string> WithFirst(const char* first, std::vector<std::string> names) {
+  const auto found = std::find(names.begin(), names.end(), first == nullptr ? "" : first);
+  if (found != names.end()) {
+    std::rotate(names.begin(), found, found + 1);
+  }
+  return names;
 }
 
 class Transform final : public ColourTransform {
@@ -64,15 +71,42 @@ class Config final : public ColourConfig {
 
   std::shared_ptr<const ColourPath> Path(const std::string& in,
                                          const std::string& out) const override {
-    if (!config_->hasRole(kWorking)) {
-      Fail(file_, std::string("the configuration has no role ") + kWorking +
+    if (!config_->hasRole(kWorkingSpace)) {
+      Fail(file_, std::string("the configuration has no role ") + kWorkingSpace +
                       ", which the effect works in");
     }
     auto path = std::make_shared<ColourPath>();
-    path->in = Between(in, kWorking, &path->identity);
-    path->out = Between(kWorking, out, &path->identity);
+    path->in = Between(in, kWorkingSpace, &path->identity);
+    path->out = Between(kWorkingSpace, out, &path->identity);
     path->sameSpace = NameOf(in) == NameOf(out);
     return path;
+  }
+
+  std::vector<std::string> Displays() const override {
+    std::vector<std::string> displays;
+    for (int i = 0; i < config_->getNumDisplays(); ++i) {
+      displays.emplace_back(config_->getDisplay(i));
+    }
+    return WithFirst(config_->getDefaultDisplay(), std::move(displays));
+  }
+
+  std::vector<std::string> Views(const std::string& display) const override {
+    std::vector<std::string> views;
+    for (int i = 0; i < config_->getNumViews(display.c_str()); ++i) {
+      views.emplace_back(config_->getView(display.c_str(), i));
+    }
+    return WithFirst(config_->getDefaultView(display.c_str()), std::move(views));
+  }
+
+  std::shared_ptr<const ColourTransform> DisplayPath(const std::string& in,
+                                                     const std::string& display,
+                                                     const std::string& view) const override {
+    return Made(
+        [&] {
+          return config_->getProcessor(in.c_str(), display.c_str(), view.c_str(),
+                                       ocio::TRANSFORM_DIR_FORWARD);
+        },
+        nullptr);
   }
 
  private:
@@ -82,16 +116,24 @@ class Config final : public ColourConfig {
 
   std::shared_ptr<const ColourTransform> Between(const std::string& from, const std::string& to,
                                                  std::string* identity) const {
+    return Made([&] { return config_->getProcessor(from.c_str(), to.c_str()); }, identity);
+  }
+
+  // Null where the library's processor does nothing.
+  //   identity  gets what the transform does; null if nobody asks
+  template <class GetProcessor>
+  std::shared_ptr<const ColourTransform> Made(const GetProcessor& getProcessor,
+                                              std::string* identity) const {
     try {
-      const ocio::ConstProcessorRcPtr processor = config_->getProcessor(from.c_str(), to.c_str());
-      if (processor->isNoOp()) {
-        *identity += "/";
-        return nullptr;
+      const ocio::ConstProcessorRcPtr processor = getProcessor();
+      const bool isNoOp = processor->isNoOp();
+      const ocio::ConstCPUProcessorRcPtr onCpu =
+          isNoOp ? nullptr : processor->getDefaultCPUProcessor();
+      if (identity != nullptr) {
+        // Made from all that the transform does, tables in files of their own included.
+        *identity += (isNoOp ? std::string() : onCpu->getCacheID()) + "/";
       }
-      const ocio::ConstCPUProcessorRcPtr onCpu = processor->getDefaultCPUProcessor();
-      // Made from all that the transform does, tables in files of their own included.
-      *identity += onCpu->getCacheID() + std::string("/");
-      return std::make_shared<Transform>(onCpu);
+      return isNoOp ? nullptr : std::make_shared<Transform>(onCpu);
     } catch (const ocio::Exception& fault) {
       Fail(file_, fault.what());
     }

@@ -43,6 +43,18 @@ class Colours final : public PluginColours {
     return Outcome([&] { *path = config_->Path(in, out); });
   }
 
+  std::vector<std::string> Displays() const override { return config_->Displays(); }
+
+  std::vector<std::string> Views(const std::string& display) const override {
+    return config_->Views(display);
+  }
+
+  PluginOutcome DisplayPath(const std::string& in, const std::string& display,
+                            const std::string& view,
+                            std::shared_ptr<const ColourTransform>* path) const override {
+    return Outcome([&] { *path = config_->DisplayPath(in, display, view); });
+  }
+
  private:
   std::unique_ptr<const ColourConfig> config_;
 };
