@@ -160,8 +160,18 @@ void LookDocument::MoveKeyframes(const std::map<std::string, std::vector<double>
 }
 
 void LookDocument::SetCourse(const std::string& name, double frame, Course course) {
-  Edit(tr("Change how a keyframe goes on"), 0,
-       [&](EditedLook* look) { look->SetCourse(name, frame, course, Span()); });
+  SetCourses({{name, {frame}}}, course);
+}
+
+void LookDocument::SetCourses(const std::map<std::string, std::vector<double>>& byName,
+                              Course course) {
+  Edit(tr("Change how keyframes go on"), 0, [&](EditedLook* look) {
+    for (const auto& [name, frames] : byName) {
+      for (const double frame : frames) {
+        look->SetCourse(name, frame, course, Span());
+      }
+    }
+  });
 }
 
 void LookDocument::Reset(const std::string& name) {

@@ -80,6 +80,7 @@ class LookDocument : public QObject {
   void RemoveKeyframes(const std::map<std::string, std::vector<double>>& byName);
   void MoveKeyframe(const std::string& name, double from, int to);
   void SetCourse(const std::string& name, double frame, Course course);
+  void SetCourses(const std::map<std::string, std::vector<double>>& byName, Course course);
 
   // Moves keyframes by so many frames. Within a gesture it is counted from where the gesture began:
   // a keyframe that others were moved across is there again.

@@ -30,8 +30,8 @@ LookRow::LookRow(LookDocument* document, std::string key, const std::string& nam
       help_(help),
       label_(new QLabel(this)),
       controls_(new QHBoxLayout),
-      keyframe_(new RowButton(RowButton::Sign::kKeyframe, this)),
-      reset_(new RowButton(RowButton::Sign::kReset, this)),
+      keyframe_(new RowButton(Sign::kKeyframe, this)),
+      reset_(new RowButton(Sign::kReset, this)),
       note_(SmallLabel(this)),
       error_(SmallLabel(this)) {
   setObjectName(QString::fromStdString(key_.empty() ? name_ : key_));
@@ -58,6 +58,10 @@ LookRow::LookRow(LookDocument* document, std::string key, const std::string& nam
 }
 
 void LookRow::AddButtons() {
+  // The ends of all rows stand below each other, also of those without keyframes.
+  QSizePolicy kept = keyframe_->sizePolicy();
+  kept.setRetainSizeWhenHidden(true);
+  keyframe_->setSizePolicy(kept);
   controls_->addWidget(keyframe_);
   controls_->addWidget(reset_);
   NamePart(keyframe_, "keyframe", "");

@@ -1,30 +1,19 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// RowButton: the small buttons at the end of a row, drawn in the colours of the palette.
+// RowButton: the small buttons at the end of a row and on the timeline, drawn in the colours of the
+// palette.
 #pragma once
 
 #include <QAbstractButton>
 
-class QPainter;
-class QRectF;
+#include "host/viewer/panels/signs.h"
 
 namespace glimmerhost {
-
-// Whether a value has keyframes.
-enum class KeyState {
-  kNone,       // an outline
-  kElsewhere,  // half full: keyframes, but none at this frame
-  kHere,       // full
-};
-
-// A keyframe in the middle of a rectangle, as buttons and timelines show it.
-void DrawKeyframe(QPainter* painter, const QRectF& rect, KeyState state, const QColor& colour);
 
 class RowButton : public QAbstractButton {
   Q_OBJECT
 
  public:
-  enum class Sign { kKeyframe, kReset };
-
+  // A button that plays shows the sign of what a click does.
   RowButton(Sign sign, QWidget* parent);
 
   KeyState State() const { return state_; }
