@@ -68,7 +68,9 @@ Words WordsOf(const char* command, const Page& page, const JobInput& input,
               const RenderTarget& target) {
   Words words{command};
   AddTarget(target, &words);
-  if (!target.frames.empty()) {
+  // A picture alone is frame 1 without a word.
+  const bool isStill = !FileSequence("INPUT", input.input).HasFrames();
+  if (!target.frames.empty() && !(isStill && target.frames == std::vector<int>{1})) {
     Add("frames", ShowFrames(target.frames), &words);
   }
   AddLook(page, input, &words);

@@ -147,6 +147,19 @@ TEST(RenderWords, SayWhatIsWrittenAndWhere) {
   EXPECT_FALSE(options.overwrite);
 }
 
+TEST(RenderWords, NameNoFrameOfAPictureAlone) {
+  JobInput input = Everything();
+  input.input = "night.png";
+  RenderTarget target = Somewhere();
+  target.frames = {1};
+  EXPECT_EQ("", Parsed(RenderWords(ThePage(), input, target)).frames);
+  target.frames = {7};
+  EXPECT_EQ("7", Parsed(RenderWords(ThePage(), input, target)).frames);
+  input.input = "night.####.png";
+  target.frames = {1};
+  EXPECT_EQ("1", Parsed(RenderWords(ThePage(), input, target)).frames);
+}
+
 TEST(RenderWords, NameTheSecondClipFromTheRootOn) {
   JobInput input = Everything();
   input.look[kSpread] = "../stars.####.png";
