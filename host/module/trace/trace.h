@@ -6,6 +6,7 @@
 // itself.
 #pragma once
 
+#include <mutex>
 #include <ostream>
 #include <sstream>
 #include <string>
@@ -20,28 +21,34 @@
 
 namespace glimmerhost {
 
-// Must outlive every object that it traces. Instances may call from threads of their own,
-// one at a time.
+// Must outlive every object that it traces. Any thread may call: lines stay whole.
 class Trace {
  public:
   explicit Trace(std::ostream& out) : out_(out) {}
 
   // What a person did; the calls of it follow.
-  void Step(const std::string& what) { out_ << what << '\n'; }
+  void Step(const std::string& what) { Line("", what); }
 
   // A call of the host on the module: "  ui.mouseDown(3, 4)".
   template <class... Parts>
   void ToModule(const Parts&... parts) {
-    ((out_ << "  ") << ... << parts) << '\n';
+    Line("  ", parts...);
   }
 
   // A call of the module on the host, with its result: "    dialog.isWidgetVisible(...) = no".
   template <class... Parts>
   void FromModule(const Parts&... parts) {
-    ((out_ << "    ") << ... << parts) << '\n';
+    Line("    ", parts...);
   }
 
  private:
+  template <class... Parts>
+  void Line(const Parts&... parts) {
+    const std::lock_guard lock(mutex_);
+    (out_ << ... << parts) << '\n';
+  }
+
+  std::mutex mutex_;
   std::ostream& out_;
 };
 
