@@ -75,6 +75,9 @@ class FrameLoader {
   void SetCacheLimit(std::uint64_t bytes);
   std::uint64_t CacheBytes() const;
 
+  // Whether nothing is asked for, and nothing read.
+  bool IsIdle() const { return worker_.IsIdle(); }
+
   // Forgets what was read, as files may be others now.
   void Forget();
 
