@@ -35,6 +35,7 @@ void PictureView::ShowFrames(std::shared_ptr<const Picture> before,
     camera_.SetPicture({before_->width, before_->height});
   } else {
     shown_ = {};
+    shown_.serial = asked_;
   }
   Follow();
 }
@@ -88,7 +89,7 @@ void PictureView::Follow() {
 void PictureView::Compose() {
   const ViewPlace place = camera_.Place();
   if (before_ && place.width > 0 && place.height > 0) {
-    composer_.Ask({before_, after_, settings_, place});
+    composer_.Ask({++asked_, before_, after_, settings_, place});
   }
 }
 

@@ -11,6 +11,7 @@
 #include <QSize>
 #include <QString>
 #include <QWidget>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -41,6 +42,9 @@ class PictureView : public QWidget {
   bool IsProxy() const { return isProxy_; }
   // What the image on the screen was made of.
   const std::shared_ptr<const Picture>& ComposedAfter() const { return shown_.after; }
+
+  // Whether the image on the screen shows all that was asked for.
+  bool IsUpToDate() const { return asked_ == shown_.serial; }
 
   // In logical pixels of the screen from the picture's corner, and as large at every zoom.
   void ShowStrokes(std::vector<OverlayStroke> strokes);
@@ -117,6 +121,7 @@ class PictureView : public QWidget {
   std::shared_ptr<const Picture> after_;
   bool isProxy_ = false;
   ViewImage shown_;
+  std::uint64_t asked_ = 0;  // the last image that was asked for
   ViewSettings settings_;
   ViewCamera camera_;
   StrokeLayer strokes_;

@@ -34,6 +34,7 @@ std::optional<ViewImage> ViewComposer::Fetch() {
 
 void ViewComposer::Make(const ViewRequest& request) {
   ViewImage made;
+  made.serial = request.serial;
   made.place = request.place;
   made.after = request.after;
   try {

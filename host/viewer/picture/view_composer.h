@@ -4,6 +4,7 @@
 
 #include <QImage>
 #include <QObject>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -18,6 +19,7 @@
 namespace glimmerhost {
 
 struct ViewRequest {
+  std::uint64_t serial;
   std::shared_ptr<const Picture> before;
   std::shared_ptr<const Picture> after;  // null for none
   ViewSettings settings;
@@ -25,7 +27,8 @@ struct ViewRequest {
 };
 
 struct ViewImage {
-  QImage image;  // as large as the viewport, in pixels of the device
+  std::uint64_t serial = 0;  // of the request
+  QImage image;              // as large as the viewport, in pixels of the device
   ViewPlace place;
   std::shared_ptr<const Picture> after;  // what it was made of
 };
