@@ -10,6 +10,11 @@
 namespace glimmerhost {
 namespace {
 
+QVariant AlignmentOf(int column) {
+  return QVariant((column == FrameTable::kSeconds ? Qt::AlignRight : Qt::AlignLeft) |
+                  Qt::AlignVCenter);
+}
+
 QString NoteOf(const FrameReport& report) {
   QStringList lines;
   if (!report.fault.empty()) {
@@ -129,8 +134,8 @@ QVariant FrameTable::data(const QModelIndex& index, int role) const {
     font.setBold(true);
     return font;
   }
-  if (role == Qt::TextAlignmentRole && (index.column() == kFrame || index.column() == kSeconds)) {
-    return QVariant(Qt::AlignRight | Qt::AlignVCenter);
+  if (role == Qt::TextAlignmentRole) {
+    return AlignmentOf(index.column());
   }
   if (role == Qt::ToolTipRole) {
     if (row.standing == FrameStanding::kUnknown && !row.hasFailed) {
@@ -154,6 +159,9 @@ QVariant FrameTable::data(const QModelIndex& index, int role) const {
 }
 
 QVariant FrameTable::headerData(int section, Qt::Orientation orientation, int role) const {
+  if (orientation == Qt::Horizontal && role == Qt::TextAlignmentRole) {
+    return AlignmentOf(section);
+  }
   if (orientation != Qt::Horizontal || role != Qt::DisplayRole) {
     return {};
   }

@@ -89,6 +89,7 @@ JobsPanel::JobsPanel(const Page& page, std::function<JobInput()> input, fs::path
   layout->addWidget(pace_);
   layout->addWidget(message_);
   layout->addWidget(MakeTold(), 1);
+  AlignLabels();
   setFocusProxy(output_->FirstWidget());
 
   connect(output_, &OutputForm::Changed, this, &JobsPanel::Refresh);
@@ -103,6 +104,21 @@ JobsPanel::JobsPanel(const Page& page, std::function<JobInput()> input, fs::path
 
 JobsPanel::~JobsPanel() = default;
 
+// The two forms look like one.
+void JobsPanel::AlignLabels() {
+  int widest = 0;
+  QList<QLabel*> labels;
+  for (QLabel* label : findChildren<QLabel*>()) {
+    if (label->buddy() != nullptr) {
+      labels.append(label);
+      widest = std::max(widest, label->sizeHint().width());
+    }
+  }
+  for (QLabel* label : labels) {
+    label->setMinimumWidth(widest);
+  }
+}
+
 void JobsPanel::MakeButtons() {
   start_->setObjectName("startButton");
   cancel_->setObjectName("cancelButton");
@@ -116,7 +132,10 @@ void JobsPanel::MakeButtons() {
   bar_->setObjectName("jobProgress");
   bar_->setAccessibleName(tr("Frames that are done"));
   bar_->setFormat(tr("%v of %m"));
+  bar_->hide();
   pace_->setObjectName("jobPace");
+  pace_->hide();
+  message_->hide();
   message_->setObjectName("jobMessage");
   message_->setWordWrap(true);
   message_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
@@ -132,6 +151,7 @@ void JobsPanel::MakeTable() {
   view_->setShowGrid(false);
   view_->setAlternatingRowColors(true);
   view_->setWordWrap(false);
+  view_->setTextElideMode(Qt::ElideMiddle);
   view_->verticalHeader()->hide();
   view_->verticalHeader()->setDefaultSectionSize(view_->fontMetrics().height() + 4);
   view_->horizontalHeader()->setStretchLastSection(true);
@@ -199,7 +219,8 @@ void JobsPanel::Start() {
     lines_->clear();
     bar_->setRange(0, static_cast<int>(command.target.frames.size()));
     bar_->setValue(0);
-    pace_->clear();
+    bar_->show();
+    pace_->hide();
     Say(tr("The program starts."), false);
     // The program itself tells more, and sooner.
     watch_.Forget();
@@ -213,7 +234,6 @@ void JobsPanel::Cancel() {
   if (IsRunning()) {
     Say(tr("The program is ending."), false);
     job_.Cancel();
-    cancel_->setEnabled(false);
   }
 }
 
@@ -281,25 +301,33 @@ void JobsPanel::ShowProgress() {
   const JobProgress& progress = job_.Progress();
   bar_->setRange(0, static_cast<int>(std::max(progress.count, progress.Seen())));
   bar_->setValue(static_cast<int>(progress.Seen()));
+  ShowPace();
+  Say(tr("Rendering."), false);
+}
+
+// What is left is of interest while it runs.
+void JobsPanel::ShowPace() {
+  const JobProgress& progress = job_.Progress();
   QStringList words;
   if (const auto rate = progress.Rate()) {
     words.append(*rate >= 1.0
                      ? tr("%1 frames a second").arg(QLocale().toString(*rate, 'f', 1))
                      : tr("%1 seconds a frame").arg(QLocale().toString(1.0 / *rate, 'f', 1)));
   }
-  if (const auto left = progress.SecondsLeft()) {
+  if (const auto left = progress.SecondsLeft(); left && IsRunning()) {
     words.append(tr("%1 left").arg(Clock(*left)));
   }
   if (progress.failed > 0) {
     words.append(tr("%1 failed").arg(progress.failed));
   }
   pace_->setText(words.join(", "));
-  Say(tr("Rendering."), false);
+  pace_->setVisible(!words.isEmpty());
 }
 
 void JobsPanel::TakeEnd(const JobEnd& end) {
   const bool isHandedOver = isSlurm_ && end.isDone;
   watch_.SetPolls(isHandedOver);
+  ShowPace();
   Say(isHandedOver ? tr("Handed over to Slurm. The table follows what its jobs write.") : end.words,
       !end.isDone && !end.isCancelled);
   ShowRunning();
@@ -311,15 +339,20 @@ void JobsPanel::Say(const QString& words, bool isBad) {
   font.setBold(isBad);
   message_->setFont(font);
   message_->setText(words);
+  message_->show();
 }
 
 void JobsPanel::ShowRunning() {
   const bool isRunning = IsRunning();
   const bool hasChanged = start_->isEnabled() == isRunning;
+  const bool hadFocus = start_->hasFocus() || cancel_->hasFocus();
   output_->setEnabled(!isRunning);
   farm_->setEnabled(!isRunning);
   start_->setEnabled(!isRunning);
   cancel_->setEnabled(isRunning);
+  if (hadFocus) {
+    (isRunning ? cancel_ : start_)->setFocus();
+  }
   if (hasChanged) {
     emit RunningChanged(isRunning);
   }

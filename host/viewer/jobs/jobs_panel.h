@@ -73,6 +73,7 @@ class JobsPanel : public QWidget {
     bool isSlurm = false;
   };
 
+  void AlignLabels();
   void MakeButtons();
   void MakeTable();
   QWidget* MakeTold();
@@ -82,6 +83,7 @@ class JobsPanel : public QWidget {
   void Refresh();
   void TakeFrame(const FrameReport& report);
   void ShowProgress();
+  void ShowPace();
   void TakeEnd(const JobEnd& end);
   void Say(const QString& words, bool isBad);
   void ShowRunning();

@@ -115,7 +115,7 @@ TEST(JobsPanel, RendersWhatIsShownAndTellsEachFrame) {
     EXPECT_EQ("done", panel.StateAt(frame - 1));
     EXPECT_TRUE(fs::exists(shot.Out(frame)));
   }
-  EXPECT_TRUE(panel.Find<QLabel>("jobPace")->text().contains("0:00 left"));
+  EXPECT_TRUE(panel.Find<QLabel>("jobPace")->text().contains("a second"));
   EXPECT_EQ(3U, ReadManifest(shot.target.manifest).size());
 }
 
@@ -265,6 +265,22 @@ TEST(JobsPanel, ShowsAFrameThatIsChosenInTheTable) {
   QTest::keyClick(table, Qt::Key_Return);
   ASSERT_EQ(1, chosen.count());
   EXPECT_EQ(6, chosen.front().front().toInt());
+}
+
+// Space starts, and space again cancels.
+TEST(JobsPanel, LeavesTheKeyboardWithTheButtonThatGoesOn) {
+  ShotFolder shot(1, 40, 200, 150);
+  Panel panel(&shot);
+  auto* const start = panel.Find<QPushButton>("startButton");
+  auto* const cancel = panel.Find<QPushButton>("cancelButton");
+  start->setFocus();
+  QTest::keyClick(start, Qt::Key_Space);
+  ASSERT_TRUE(panel.widget.IsRunning());
+  EXPECT_EQ(cancel, QApplication::focusWidget());
+  QSignalSpy running(&panel.widget, &JobsPanel::RunningChanged);
+  QTest::keyClick(cancel, Qt::Key_Space);
+  ASSERT_TRUE(running.wait(kLong));
+  EXPECT_EQ(start, QApplication::focusWidget());
 }
 
 TEST(JobsPanel, IsReachedByTheKeyboardInTheOrderOfItsRows) {
