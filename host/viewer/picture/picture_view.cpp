@@ -38,6 +38,7 @@ void PictureView::ShowFrames(std::shared_ptr<const Picture> before,
     shown_.serial = asked_;
   }
   Follow();
+  emit FramesShown();
 }
 
 void PictureView::ShowStrokes(std::vector<OverlayStroke> strokes) {
@@ -110,7 +111,7 @@ void PictureView::paintEvent(QPaintEvent* /*event*/) {
     Follow();
   }
   QPainter painter(this);
-  painter.fillRect(rect(), palette().color(QPalette::Dark));
+  painter.fillRect(rect(), palette().color(before_ ? QPalette::Dark : QPalette::Window));
   if (before_) {
     PaintImage(&painter);
     strokes_.Paint(&painter, camera_.Corner(), camera_.ScreenSize(), size());
@@ -118,7 +119,7 @@ void PictureView::paintEvent(QPaintEvent* /*event*/) {
       WipeLine(camera_, settings_.wipe).Paint(&painter, palette(), tr("before"), tr("after"));
     }
   } else {
-    painter.setPen(palette().color(QPalette::BrightText));
+    painter.setPen(palette().color(QPalette::WindowText));
     painter.drawText(rect().adjusted(24, 24, -24, -24), Qt::AlignCenter | Qt::TextWordWrap, hint_);
   }
   if (hasFocus()) {

@@ -78,6 +78,8 @@ class PictureView : public QWidget {
   void Moved(QPointF at);
   void Released(QPointF at);
 
+  // Other pictures are to be seen, or none.
+  void FramesShown();
   void ScreenSizeChanged(QSize size);
   void ZoomChanged(double zoom);
   void ViewChanged();

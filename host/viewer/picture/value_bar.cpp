@@ -47,11 +47,11 @@ ValueBar::ValueBar(PictureView* view, QWidget* parent) : QWidget(parent), view_(
   auto* const layout = new QHBoxLayout(this);
   layout->setContentsMargins(8, 2, 8, 2);
   layout->setSpacing(24);
-  place_ = AddLabel("place", tr("Pixel under the cursor, from the top left"), layout);
-  before_ = AddLabel("before", tr("Red, green, blue and alpha before the blur"), layout);
-  after_ = AddLabel("after", tr("Red, green, blue and alpha after the blur"), layout);
+  place_ = AddLabel("pixelPlace", tr("Pixel under the cursor, from the top left"), layout);
+  before_ = AddLabel("valuesBefore", tr("Red, green, blue and alpha before the blur"), layout);
+  after_ = AddLabel("valuesAfter", tr("Red, green, blue and alpha after the blur"), layout);
   layout->addStretch(1);
-  mark_ = AddLabel("mark", tr("What is shown"), layout);
+  mark_ = AddLabel("frameMark", tr("What is shown"), layout);
   mark_->setFont(font());
   connect(view_, &PictureView::Hovered, this, [this](QPoint pixel) {
     pixel_ = pixel;
@@ -61,7 +61,7 @@ ValueBar::ValueBar(PictureView* view, QWidget* parent) : QWidget(parent), view_(
     pixel_.reset();
     ShowValues();
   });
-  connect(view_, &PictureView::Composed, this, &ValueBar::ShowValues);
+  connect(view_, &PictureView::FramesShown, this, &ValueBar::ShowValues);
   ShowValues();
 }
 

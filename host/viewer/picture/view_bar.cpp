@@ -40,6 +40,7 @@ ViewBar::ViewBar(PictureView* view, QWidget* parent)
   AddColours();
   connect(view_, &PictureView::ViewChanged, this, &ViewBar::ShowView);
   connect(view_, &PictureView::ZoomChanged, this, &ViewBar::ShowZoom);
+  connect(view_, &PictureView::FramesShown, this, &ViewBar::ShowZoom);
   connect(&colours_, &ScreenColours::Settled, this, &ViewBar::ShowColours);
   connect(&colours_, &ScreenColours::Failed, this, [this](const QString& why) {
     ShowColours();
@@ -200,7 +201,8 @@ void ViewBar::ShowView() {
 
 void ViewBar::ShowZoom() {
   const double percent = view_->Zoom() * 100.0;
-  zoom_->setText(tr("%1%").arg(percent, 0, 'f', percent < 10.0 ? 1 : 0));
+  zoom_->setText(view_->Before() ? tr("%1%").arg(percent, 0, 'f', percent < 10.0 ? 1 : 0)
+                                 : QString());
 }
 
 void ViewBar::ShowColours() {
