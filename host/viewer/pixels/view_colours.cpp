@@ -41,7 +41,7 @@ float Finite(float value) {
 // so does a transform.
 ViewColours::ViewColours(const ViewSettings& settings, bool floats) : settings_(settings) {
   const auto gain = static_cast<float>(std::exp2(settings.exposure));
-  const bool goesThroughDisplay = settings.display && settings.channel != ViewChannel::kAlpha;
+  const bool goesThroughDisplay = settings.display && settings.channel != ViewChannel::kOpacity;
   unit_ = floats ? gain : gain / kFull;
   scale_ = floats ? gain * kFull : 1.0F;
   const bool tableHasGain = !floats && !goesThroughDisplay;
@@ -93,7 +93,7 @@ float ViewColours::Chosen(const float* pixel) const {
       return pixel[1];
     case ViewChannel::kBlue:
       return pixel[2];
-    case ViewChannel::kAlpha:
+    case ViewChannel::kOpacity:
       return pixel[3];
     case ViewChannel::kLuma:
       return static_cast<float>(lx::kLumaR * pixel[0] + lx::kLumaG * pixel[1] +
@@ -104,7 +104,7 @@ float ViewColours::Chosen(const float* pixel) const {
 }
 
 void ViewColours::Show(const float* samples, std::size_t count, std::uint32_t* colours) {
-  if (settings_.display && settings_.channel != ViewChannel::kAlpha) {
+  if (settings_.display && settings_.channel != ViewChannel::kOpacity) {
     ShowThroughDisplay(samples, count, colours);
     return;
   }

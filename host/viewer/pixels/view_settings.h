@@ -11,7 +11,7 @@
 namespace glimmerhost {
 
 // One channel alone is shown in grey; luma is the effect's own.
-enum class ViewChannel { kColour, kRed, kGreen, kBlue, kAlpha, kLuma };
+enum class ViewChannel { kColour, kRed, kGreen, kBlue, kOpacity, kLuma };
 
 // A sample becomes, in this order: times 2^exposure; through the display transform; cut to 0..1;
 // to the power of 1 / gamma. Premultiplied colours are shown as they are, that is over black. Alpha

@@ -232,7 +232,7 @@ TEST(ComposeView, ShowsOneChannelInGrey) {
   EXPECT_EQ((Pixels{0xff0a0a0a, 0xff000000}), shown(ViewChannel::kRed));
   EXPECT_EQ((Pixels{0xff141414, 0xffffffff}), shown(ViewChannel::kGreen));
   EXPECT_EQ((Pixels{0xff1e1e1e, 0xff000000}), shown(ViewChannel::kBlue));
-  EXPECT_EQ((Pixels{0xff282828, 0xff000000}), shown(ViewChannel::kAlpha));
+  EXPECT_EQ((Pixels{0xff282828, 0xff000000}), shown(ViewChannel::kOpacity));
   // 0.299 * 10 + 0.587 * 20 + 0.114 * 30 is 18.15, and 0.587 * 255 is 149.7.
   EXPECT_EQ((Pixels{0xff121212, 0xff969696}), shown(ViewChannel::kLuma));
 }
@@ -350,7 +350,7 @@ TEST_F(Displays, GetAChannelAloneAsAGreyPictureAndNoAlpha) {
 
   EXPECT_EQ(Pixels{0xff290000}, shown(ViewChannel::kColour));
   EXPECT_EQ(Pixels{0xff292929}, shown(ViewChannel::kRed));
-  EXPECT_EQ(Pixels{0xff666666}, shown(ViewChannel::kAlpha));
+  EXPECT_EQ(Pixels{0xff666666}, shown(ViewChannel::kOpacity));
 }
 
 TEST_F(Displays, GetNoMoreThanIsSeen) {

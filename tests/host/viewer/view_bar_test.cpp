@@ -59,7 +59,7 @@ class ViewBars : public testing::Test {
 TEST_F(ViewBars, ChooseTheChannelByKeys) {
   const std::vector<std::pair<Qt::Key, ViewChannel>> keys{
       {Qt::Key_R, ViewChannel::kRed},  {Qt::Key_G, ViewChannel::kGreen},
-      {Qt::Key_B, ViewChannel::kBlue}, {Qt::Key_A, ViewChannel::kAlpha},
+      {Qt::Key_B, ViewChannel::kBlue}, {Qt::Key_A, ViewChannel::kOpacity},
       {Qt::Key_L, ViewChannel::kLuma}, {Qt::Key_C, ViewChannel::kColour},
   };
   for (const auto& [key, channel] : keys) {

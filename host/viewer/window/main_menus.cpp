@@ -1,0 +1,297 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The menus of MainWindow, and what their entries do that no part does by itself.
+#include <QAction>
+#include <QActionGroup>
+#include <QDockWidget>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QSettings>
+#include <QStringList>
+#include <algorithm>
+#include <cstddef>
+#include <functional>
+#include <string>
+
+#include "host/looks/look.h"
+#include "host/module/module_choice.h"
+#include "host/support/utf8_path.h"
+#include "host/viewer/jobs/jobs_panel.h"
+#include "host/viewer/panels/shot_timeline.h"
+#include "host/viewer/picture/picture_view.h"
+#include "host/viewer/picture/view_bar.h"
+#include "host/viewer/window/corner_aperture.h"
+#include "host/viewer/window/exact_view.h"
+#include "host/viewer/window/main_window.h"
+#include "host/viewer/window/message_bar.h"
+#include "host/viewer/window/player.h"
+#include "host/viewer/window/theme.h"
+
+namespace glimmerhost {
+namespace {
+
+constexpr const char* kRecentKey = "recent";
+constexpr int kMostRecent = 10;
+
+QString LookFilter() { return MainWindow::tr("Looks (*.toml *.json)"); }
+
+}  // namespace
+
+QAction* MainWindow::Add(QMenu* menu, const char* name, const QString& text,
+                         const QKeySequence& keys, const std::function<void()>& act) {
+  auto* const action = new QAction(text, this);
+  action->setObjectName(name);
+  action->setShortcut(keys);
+  if (act) {
+    connect(action, &QAction::triggered, this, [this, act] { Try(act); });
+  }
+  menu->addAction(action);
+  return action;
+}
+
+void MainWindow::MakeFileMenu() {
+  QMenu* const file = menuBar()->addMenu(tr("&File"));
+  Add(file, "openAction", tr("&Open picture or sequence…"), QKeySequence::Open,
+      [this] { ChoosePicture(); });
+  recent_ = file->addMenu(tr("Open &recent"));
+  recent_->setObjectName("recentMenu");
+  connect(recent_, &QMenu::aboutToShow, this, &MainWindow::FillRecent);
+  Add(file, "openSecondAction", tr("Open s&econd clip…"), QKeySequence("Ctrl+Shift+O"),
+      [this] { ChooseSecondClip(); });
+  file->addSeparator();
+  Add(file, "loadLookAction", tr("&Load look…"), QKeySequence("Ctrl+L"), [this] { LoadLook(); });
+  Add(file, "saveLookAction", tr("&Save look"), QKeySequence::Save, [this] { SaveLook(); });
+  Add(file, "saveLookAsAction", tr("Save look &as…"), QKeySequence("Ctrl+Shift+S"),
+      [this] { SaveLookAs(); });
+  Add(file, "copyCommandAction", tr("&Copy command line"), QKeySequence("Ctrl+Shift+C"),
+      [this] { CopyCommand(); });
+  file->addSeparator();
+  Add(file, "renderAction", tr("Re&nder to disk…"), QKeySequence("Ctrl+R"), [this] {
+    auto* const dock = findChild<QDockWidget*>("jobsDock");
+    dock->show();
+    dock->raise();
+    jobs_->setFocus();
+  });
+  file->addSeparator();
+  Add(file, "quitAction", tr("&Quit"), QKeySequence::Quit, [this] { close(); });
+}
+
+void MainWindow::MakeEditMenu() {
+  QMenu* const edit = menuBar()->addMenu(tr("&Edit"));
+  QAction* const undo = document_->UndoStack()->createUndoAction(this, tr("&Undo"));
+  undo->setObjectName("undoAction");
+  undo->setShortcut(QKeySequence::Undo);
+  edit->addAction(undo);
+  QAction* const redo = document_->UndoStack()->createRedoAction(this, tr("&Redo"));
+  redo->setObjectName("redoAction");
+  redo->setShortcut(QKeySequence::Redo);
+  edit->addAction(redo);
+  edit->addSeparator();
+  Add(edit, "resetAction", tr("Reset &look"), QKeySequence("Ctrl+Backspace"),
+      [this] { document_->ResetAll(); });
+}
+
+void MainWindow::MakeViewMenu() {
+  QMenu* const view = menuBar()->addMenu(tr("&View"));
+  view->addActions(viewBar_->actions());
+  view->addSeparator();
+  QAction* const aperture =
+      Add(view, "apertureAction", tr("&Aperture in the corner"), QKeySequence("P"), {});
+  aperture->setCheckable(true);
+  aperture->setChecked(true);
+  connect(aperture, &QAction::toggled, aperture_, &CornerAperture::SetShown);
+  MakeEngineMenu(view);
+  MakeThemeMenu(view);
+  view->addSeparator();
+  for (const char* dock : {"lookDock", "presetsDock", "jobsDock", "timelineDock"}) {
+    view->addAction(findChild<QDockWidget*>(dock)->toggleViewAction());
+  }
+}
+
+void MainWindow::MakeEngineMenu(QMenu* view) {
+  QMenu* const menu = view->addMenu(tr("&Engine"));
+  menu->setObjectName("engineMenu");
+  auto* const group = new QActionGroup(this);
+  for (const std::string& name : EngineList()) {
+    const bool isOwn = name == kDefaultEngine;
+    QAction* const action = Add(menu, "", QString::fromStdString(name), {},
+                                [this, name, isOwn] { exact_->SetEngine(isOwn ? "" : name); });
+    action->setObjectName(QString::fromStdString(name) + "Action");
+    action->setCheckable(true);
+    action->setChecked(isOwn);
+    group->addAction(action);
+  }
+}
+
+void MainWindow::MakeThemeMenu(QMenu* view) {
+  QMenu* const menu = view->addMenu(tr("&Theme"));
+  auto* const group = new QActionGroup(this);
+  const int chosen = QSettings().value("theme", static_cast<int>(Theme::kDark)).toInt();
+  for (const auto& [theme, text] : {std::pair{Theme::kDark, tr("&Dark")},
+                                    {Theme::kLight, tr("&Light")},
+                                    {Theme::kDesktop, tr("Like the des&ktop")}}) {
+    QAction* const action = Add(menu, "", text, {}, [theme = theme] {
+      UseTheme(theme);
+      QSettings().setValue("theme", static_cast<int>(theme));
+    });
+    action->setCheckable(true);
+    action->setChecked(static_cast<int>(theme) == chosen);
+    group->addAction(action);
+  }
+  UseTheme(static_cast<Theme>(chosen));
+}
+
+void MainWindow::MakeShotMenu() {
+  QMenu* const shot = menuBar()->addMenu(tr("&Shot"));
+  Add(shot, "playAction", tr("&Play or stop"), QKeySequence("K"),
+      [this] { timeline_->TogglePlay(); });
+  Add(shot, "previousAction", tr("P&revious frame"), QKeySequence(","), [this] { Step(-1); });
+  Add(shot, "nextAction", tr("&Next frame"), QKeySequence("."), [this] { Step(1); });
+  Add(shot, "firstAction", tr("&First frame"), QKeySequence("Ctrl+,"),
+      [this] { timeline_->GoToFirst(); });
+  Add(shot, "lastAction", tr("&Last frame"), QKeySequence("Ctrl+."),
+      [this] { timeline_->GoToLast(); });
+  shot->addSeparator();
+  Add(shot, "keyBeforeAction", tr("Keyframe &before"), QKeySequence("["),
+      [this] { timeline_->GoToKeyframeBefore(); });
+  Add(shot, "keyAfterAction", tr("Keyframe &after"), QKeySequence("]"),
+      [this] { timeline_->GoToKeyframeAfter(); });
+  shot->addSeparator();
+  QMenu* const rates = shot->addMenu(tr("Frames a &second"));
+  auto* const group = new QActionGroup(this);
+  for (const double rate : {12.0, 23.976, 24.0, 25.0, 29.97, 30.0, 50.0, 60.0}) {
+    QAction* const action =
+        Add(rates, "", QString::number(rate), {}, [this, rate] { player_->SetRate(rate); });
+    action->setCheckable(true);
+    action->setChecked(rate == player_->Rate());
+    group->addAction(action);
+  }
+}
+
+// Frames that the clip lacks are passed over.
+void MainWindow::Step(int by) {
+  if (!viewing_->Clip()) {
+    return;
+  }
+  player_->Play(false);
+  const std::vector<int>& frames = viewing_->Clip()->Frames();
+  const auto at = std::lower_bound(frames.begin(), frames.end(), viewing_->Frame());
+  const auto place = std::clamp<std::ptrdiff_t>(at - frames.begin() + by, 0,
+                                                static_cast<std::ptrdiff_t>(frames.size()) - 1);
+  viewing_->SetFrame(frames[static_cast<std::size_t>(place)]);
+}
+
+void MainWindow::MakeHelpMenu() {
+  QMenu* const help = menuBar()->addMenu(tr("&Help"));
+  Add(help, "keysAction", tr("&Keys and mouse"), QKeySequence::HelpContents,
+      [this] { ShowKeys(); });
+  Add(help, "aboutAction", tr("&About GlimmerBlur"), {}, [this] { ShowAbout(); });
+}
+
+void MainWindow::ChoosePicture() {
+  const QString file = QFileDialog::getOpenFileName(
+      this, tr("Open picture or sequence"),
+      viewing_->Clip() ? QString::fromStdString(viewing_->Clip()->Input()) : QString());
+  if (!file.isEmpty()) {
+    Open(file);
+  }
+}
+
+void MainWindow::ChooseSecondClip() {
+  const QString file = QFileDialog::getOpenFileName(this, tr("Open second clip"));
+  if (!file.isEmpty()) {
+    document_->SetText(kSpread, file.toStdString(), tr("Open second clip"));
+  }
+}
+
+void MainWindow::LoadLook() {
+  if (!MayDropLook()) {
+    return;
+  }
+  const QString file = QFileDialog::getOpenFileName(this, tr("Load look"), {}, LookFilter());
+  if (!file.isEmpty()) {
+    document_->Load(Utf8Path(file.toStdString()));
+  }
+}
+
+bool MainWindow::SaveLook() {
+  if (document_->File().empty()) {
+    return SaveLookAs();
+  }
+  Try([this] { document_->Save(document_->File()); });
+  return document_->IsClean();
+}
+
+bool MainWindow::SaveLookAs() {
+  QString file = QFileDialog::getSaveFileName(this, tr("Save look"), "look.toml", LookFilter());
+  if (file.isEmpty()) {
+    return false;
+  }
+  if (QFileInfo(file).suffix().isEmpty()) {
+    file += ".toml";
+  }
+  Try([&] { document_->Save(Utf8Path(file.toStdString())); });
+  return document_->IsClean();
+}
+
+void MainWindow::CopyCommand() {
+  jobs_->CopyCommandLine();
+  loading_->setText(tr("The command line is in the clipboard."));
+}
+
+// The newest first, each once.
+void MainWindow::Remember(const QString& name) {
+  QSettings settings;
+  QStringList recent = settings.value(kRecentKey).toStringList();
+  recent.removeAll(name);
+  recent.prepend(name);
+  settings.setValue(kRecentKey, QStringList(recent.mid(0, kMostRecent)));
+}
+
+void MainWindow::FillRecent() {
+  recent_->clear();
+  for (const QString& name : QSettings().value(kRecentKey).toStringList()) {
+    // An ampersand would be a mnemonic.
+    QString text = name;
+    QAction* const action = recent_->addAction(text.replace("&", "&&"));
+    connect(action, &QAction::triggered, this, [this, name] { Open(name); });
+  }
+  if (recent_->isEmpty()) {
+    recent_->addAction(tr("Nothing yet"))->setEnabled(false);
+  }
+}
+
+void MainWindow::ShowAbout() {
+  const QString engine = QString::fromUtf8(module_->Engine().name.data(),
+                                           static_cast<qsizetype>(module_->Engine().name.size()));
+  QMessageBox::about(
+      this, tr("About GlimmerBlur"),
+      tr("<h3>GlimmerBlur %1</h3><p>A lens defocus for moving pictures.</p>"
+         "<p>Shown by the engine %2.</p>"
+         "<p>Our own sources are under the BSD-3-Clause licence. The engine exact links FFTW, "
+         "which is under the GPL. This window uses Qt %3 under the LGPL, version 3.</p>")
+          .arg(GLIMMERVIEW_VERSION, engine, qVersion()));
+}
+
+void MainWindow::ShowKeys() {
+  QString rows;
+  for (const QAction* action : findChildren<QAction*>()) {
+    if (!action->shortcut().isEmpty()) {
+      QString text = action->text();
+      rows += QString("<tr><td>%1&nbsp;&nbsp;</td><td>%2</td></tr>")
+                  .arg(action->shortcut().toString(QKeySequence::NativeText).toHtmlEscaped(),
+                       text.remove('&').remove("…").toHtmlEscaped());
+    }
+  }
+  QMessageBox box(QMessageBox::NoIcon, tr("Keys and mouse"),
+                  tr("<p>The wheel zooms at the cursor; the middle button, or Space and the left "
+                     "one, moves the picture. Handles on the picture are dragged with the left "
+                     "button.</p><table>%1</table>")
+                      .arg(rows),
+                  QMessageBox::Close, this);
+  box.exec();
+}
+
+}  // namespace glimmerhost
