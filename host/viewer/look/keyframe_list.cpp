@@ -66,7 +66,9 @@ bool IsEarlier(const PlacedKeyframe& a, const PlacedKeyframe& b) { return a.fram
 
 KeyframeList::KeyframeList(const std::string& name, const std::string& text, const ShotSpan& span) {
   std::string_view rest = text;
-  for (KeyframeText& key : ParseKeyframes(name, text)) {
+  std::vector<KeyframeText> parsed = ParseKeyframes(name, text);
+  keys_.reserve(parsed.size());
+  for (KeyframeText& key : parsed) {
     const double frame = FrameOf(key.time, span, name, text);
     keys_.push_back({std::move(key), frame, TakePiece(&rest)});
   }
