@@ -216,9 +216,10 @@ QWidget* OutputForm::MakeFrames() {
 
 void OutputForm::SetInput(const JobInput& input) {
   const bool isAnother = input.input != input_.input;
+  const bool wasSequence = isSequence_;
   input_ = input;
-  isSequence_ = IsSequence(input.input);
-  if (isAnother) {
+  isSequence_ = IsSequence(input.input) || input.frames.size() > 1;
+  if (isAnother || (isSequence_ != wasSequence && !isTyped_)) {
     Propose();
   }
   ShowFrames();
@@ -243,7 +244,8 @@ void OutputForm::ShowFrames() {
 void OutputForm::Propose() {
   isTyped_ = false;
   try {
-    output_->setText(input_.input.empty() ? QString() : Text(ProposedOutput(input_.input)));
+    output_->setText(input_.input.empty() ? QString()
+                                          : Text(ProposedOutput(input_.input, isSequence_)));
   } catch (const std::exception&) {
     output_->clear();
   }

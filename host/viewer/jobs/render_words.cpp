@@ -150,12 +150,15 @@ std::string ManifestBeside(const std::string& output) {
   return FileSequence("-o", output).Stem().string() + ".manifest.jsonl";
 }
 
-std::string ProposedOutput(const std::string& input) {
+std::string ProposedOutput(const std::string& input, bool isShot) {
   const fs::path path = Utf8Path(input);
   const std::string stem = FileSequence("INPUT", input).Stem().filename().string();
   const std::string name = path.filename().string();
   // What is all place and ending has no name of its own.
-  const std::string rest = name.starts_with(stem) ? name.substr(stem.size()) : "." + name;
+  std::string rest = name.starts_with(stem) ? name.substr(stem.size()) : "." + name;
+  if (isShot && !FileSequence("INPUT", input).HasFrames()) {
+    rest = ".####" + rest;
+  }
   return (path.parent_path() / Utf8Path(stem + "_blur" + rest)).string();
 }
 

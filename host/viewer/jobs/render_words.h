@@ -54,7 +54,8 @@ Look ShortLook(const Page& page, const Look& look);
 // Throws UsageError for a name that is none of files.
 std::string ManifestBeside(const std::string& output);
 
-// A name for the output, proposed for an input: shot_blur.####.exr beside shot.####.exr.
-std::string ProposedOutput(const std::string& input);
+// A name for the output, proposed for an input: shot_blur.####.exr beside shot.####.exr, and
+// night_blur.####.png for a shot of night.png.
+std::string ProposedOutput(const std::string& input, bool isShot = false);
 
 }  // namespace glimmerhost

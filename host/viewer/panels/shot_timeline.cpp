@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QSignalBlocker>
 #include <QSpinBox>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 #include "host/viewer/panels/keyframe_tracks.h"
@@ -82,13 +83,19 @@ QHBoxLayout* ShotTimeline::MakeBar() {
   count_->setObjectName("frameCount");
   count_->setForegroundRole(QPalette::PlaceholderText);
   bar->addWidget(count_);
+  bar->addSpacing(8);
+  length_ = new QToolButton(this);
+  length_->setObjectName("length");
+  length_->setToolTip(tr("How many frames the picture is shown in"));
+  connect(length_, &QToolButton::clicked, this, &ShotTimeline::LengthWanted);
+  bar->addWidget(length_);
   bar->addStretch(1);
   dropped_->setObjectName("dropped");
   bar->addWidget(dropped_);
   return bar;
 }
 
-void ShotTimeline::SetShot(const std::vector<int>& frames) {
+void ShotTimeline::SetShot(const std::vector<int>& frames, bool isStill) {
   shot_ = ShotFrames(frames);
   {
     const QSignalBlocker silent(field_);
@@ -105,6 +112,8 @@ void ShotTimeline::SetShot(const std::vector<int>& frames) {
       : hasSeveral
           ? tr("%1 to %2, %3 frames").arg(shot_.First()).arg(shot_.Last()).arg(shot_.Count())
           : tr("one frame"));
+  length_->setVisible(isStill && !shot_.IsEmpty());
+  length_->setText(hasSeveral ? tr("&Length…") : tr("Make it a &shot…"));
   ShowDropped(0);
   SetFrame(shot_.Nearest(frame_));
 }

@@ -12,6 +12,7 @@
 
 class QHBoxLayout;
 class QLabel;
+class QToolButton;
 
 namespace glimmerhost {
 
@@ -27,7 +28,8 @@ class ShotTimeline : public QWidget {
   ShotTimeline(LookDocument* document, QWidget* parent);
 
   // The frames that the clip has; none for no clip.
-  void SetShot(const std::vector<int>& frames);
+  //   isStill  they are all of one picture, and how many there are is a person's choice
+  void SetShot(const std::vector<int>& frames, bool isStill = false);
 
   // Without a signal.
   void SetFrame(int frame);
@@ -55,6 +57,8 @@ class ShotTimeline : public QWidget {
   // By the person; always one that the clip has.
   void FrameChosen(int frame);
   void PlayToggled(bool isPlaying);
+  // A person wants a still to have another number of frames.
+  void LengthWanted();
   void Refused(QString why);
 
  private:
@@ -67,6 +71,7 @@ class ShotTimeline : public QWidget {
   ShotFrames shot_;
   int frame_ = 1;
   RowButton* play_ = nullptr;
+  QToolButton* length_ = nullptr;
   FrameField* field_;
   QLabel* count_;
   QLabel* dropped_;

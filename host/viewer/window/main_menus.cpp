@@ -5,6 +5,7 @@
 #include <QDockWidget>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QInputDialog>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -159,6 +160,7 @@ void MainWindow::MakeShotMenu() {
   Add(shot, "keyAfterAction", tr("Keyframe &after"), QKeySequence("]"),
       [this] { timeline_->GoToKeyframeAfter(); });
   shot->addSeparator();
+  Add(shot, "lengthAction", tr("&Length of a still…"), {}, [this] { ChooseLength(); });
   QMenu* const rates = shot->addMenu(tr("Frames a &second"));
   auto* const group = new QActionGroup(this);
   for (const double rate : {12.0, 23.976, 24.0, 25.0, 29.97, 30.0, 50.0, 60.0}) {
@@ -170,13 +172,31 @@ void MainWindow::MakeShotMenu() {
   }
 }
 
+// A still becomes a shot by the look, which says so to the command line, too.
+void MainWindow::ChooseLength() {
+  if (!viewing_->Clip() || viewing_->Clip()->IsSequence()) {
+    Tell(tr("A sequence has the frames of its files. A picture can be made a shot of any length."));
+    return;
+  }
+  constexpr int kTwoSeconds = 48;
+  const int now = static_cast<int>(viewing_->Frames().size());
+  bool isGiven = false;
+  const int frames = QInputDialog::getInt(this, tr("Length of a still"),
+                                          tr("Frames of the shot that the picture is shown in:"),
+                                          now > 1 ? now : kTwoSeconds, 1, 100000, 1, &isGiven);
+  if (isGiven) {
+    document_->SetText(kShot, frames > 1 ? "1-" + std::to_string(frames) : "",
+                       tr("Length of the shot"));
+  }
+}
+
 // Frames that the clip lacks are passed over.
 void MainWindow::Step(int by) {
-  if (!viewing_->Clip()) {
+  const std::vector<int>& frames = viewing_->Frames();
+  if (frames.empty()) {
     return;
   }
   player_->Play(false);
-  const std::vector<int>& frames = viewing_->Clip()->Frames();
   const auto at = std::lower_bound(frames.begin(), frames.end(), viewing_->Frame());
   const auto place = std::clamp<std::ptrdiff_t>(at - frames.begin() + by, 0,
                                                 static_cast<std::ptrdiff_t>(frames.size()) - 1);

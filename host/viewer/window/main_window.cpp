@@ -139,12 +139,17 @@ void MainWindow::ConnectParts() {
 
   connect(viewing_, &Viewing::Opened, this, [this] {
     messages_->Clear();
-    timeline_->SetShot(viewing_->Clip()->Frames());
     const QString input = QString::fromStdString(viewing_->Clip()->Input());
     keeper_->SetInput(input);
     Remember(input);
     ShowTitle();
   });
+  connect(viewing_, &Viewing::FramesChanged, this, [this] {
+    timeline_->SetShot(viewing_->Frames(), !viewing_->Clip()->IsSequence());
+    jobs_->InputChanged();
+  });
+  connect(timeline_, &ShotTimeline::LengthWanted, this,
+          [this] { Try([this] { ChooseLength(); }); });
   connect(viewing_, &Viewing::BelongsTo, this, [this](const QString& sequence) {
     messages_->Offer(tr("This picture is a frame of %1.").arg(sequence), tr("&Open the sequence"),
                      [this, sequence] { Open(sequence); });
@@ -240,7 +245,7 @@ JobInput MainWindow::Job() const {
     return {};
   }
   const ViewedClip& clip = *viewing_->Clip();
-  return {clip.Input(), document_->Span(), clip.Frames(), document_->CurrentLook()};
+  return {clip.Input(), document_->Span(), viewing_->Frames(), document_->CurrentLook()};
 }
 
 // [*] is where Qt shows that something is not saved.

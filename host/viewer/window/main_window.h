@@ -107,6 +107,7 @@ class MainWindow : public QMainWindow {
   bool MayDropLook();
   void CopyCommand();
   void Step(int by);
+  void ChooseLength();
   void ShowAbout();
   void ShowKeys();
 

@@ -12,14 +12,14 @@ Player::Player(Viewing* viewing, QObject* parent, std::function<std::int64_t()> 
   clock_.start();
   timer_.setTimerType(Qt::PreciseTimer);
   connect(&timer_, &QTimer::timeout, this, &Player::Tick);
-  connect(viewing_, &Viewing::Opened, this, [this] { Play(false); });
+  connect(viewing_, &Viewing::FramesChanged, this, [this] { Play(false); });
 }
 
 std::int64_t Player::Now() const { return milliseconds_ ? milliseconds_() : clock_.elapsed(); }
 
 // Of the frame that is looked at, in the clip's list.
 int Player::Place() const {
-  const std::vector<int>& frames = viewing_->Clip()->Frames();
+  const std::vector<int>& frames = viewing_->Frames();
   const auto at = std::lower_bound(frames.begin(), frames.end(), viewing_->Frame());
   return static_cast<int>(at - frames.begin());
 }
@@ -33,7 +33,7 @@ void Player::Begin() {
 }
 
 void Player::Play(bool plays) {
-  const bool can = viewing_->Clip() && viewing_->Clip()->Frames().size() > 1;
+  const bool can = viewing_->Frames().size() > 1;
   if ((plays && can) == IsPlaying()) {
     return;
   }
@@ -59,7 +59,7 @@ void Player::Tick() {
   if (viewing_->State() == ShownState::kWorking) {
     return;
   }
-  const std::vector<int>& frames = viewing_->Clip()->Frames();
+  const std::vector<int>& frames = viewing_->Frames();
   const auto count = static_cast<std::int64_t>(frames.size());
   const double passed = static_cast<double>(Now() - begun_) * rate_ / 1000.0;
   const auto place =

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/viewer/window/preset_pictures.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <cstring>
@@ -12,23 +11,19 @@
 
 #include "host/looks/keyframed_values.h"
 #include "host/viewer/live/frame_maker.h"
-#include "host/viewer/live/proxy.h"
 #include "host/viewer/pixels/compose_view.h"
 #include "host/viewer/support/doorbell.h"
 
 namespace glimmerhost {
 namespace {
 
-// The picture's shape, as large as there is room.
-ProxySize SizeIn(const Picture& picture, QSize room) {
-  const QSize fitted =
+// As large as there is room.
+QImage ImageOf(const Picture& picture, QSize room) {
+  const QSize size =
       QSize(picture.width, picture.height).scaled(room, Qt::KeepAspectRatio).expandedTo({1, 1});
-  return {std::min(fitted.width(), picture.width), std::min(fitted.height(), picture.height)};
-}
-
-QImage ImageOf(const Picture& picture) {
+  const double zoom = static_cast<double>(size.width()) / picture.width;
   const ViewPixels pixels =
-      ComposeView(picture, nullptr, {}, {1.0, 0.0, 0.0, picture.width, picture.height});
+      ComposeView(picture, nullptr, {}, {zoom, 0.0, 0.0, size.width(), size.height()});
   QImage image(pixels.width, pixels.height, QImage::Format_RGB32);
   for (int y = 0; y < pixels.height; ++y) {
     std::memcpy(image.scanLine(y), pixels.pixels.data() + std::ptrdiff_t{y} * pixels.width,
@@ -67,18 +62,18 @@ void PresetPictures::Make(const Request& request, const Page& page, const Effect
                           Box* box, const std::function<void()>& ring) {
   try {
     const Picture& whole = *request.frame->picture;
-    const auto small = MakeProxy(*request.frame, SizeIn(whole, request.size));
     FrameMaker maker(module);
     for (const Preset& preset : request.presets) {
       if (box->newest != request.serial) {
         return;
       }
-      // Pixels of a preset are the true picture's.
       const KeyframedValues values(page, {{"", preset.look}}, whole.width, whole.height,
                                    request.span);
-      const auto picture = maker.Make(*small, values.At(request.frame->frame), 1.0);
+      // The true frame made smaller: lights of a smaller one would be too dim to open.
+      const auto picture = maker.Make(*request.frame, values.At(request.frame->frame), 1.0);
+      const QImage image = ImageOf(*picture, request.size);
       const std::lock_guard lock(box->mutex);
-      box->made.emplace_back(preset.name, ImageOf(*picture));
+      box->made.emplace_back(preset.name, image);
       ring();
     }
   } catch (const std::exception&) {

@@ -4,11 +4,13 @@
 #include <algorithm>
 #include <cstdlib>
 #include <exception>
+#include <numeric>
 #include <utility>
 
 #include "host/looks/look_layers.h"
 #include "host/looks/units.h"
 #include "host/pictures/alpha.h"
+#include "host/support/failure.h"
 #include "host/viewer/support/doorbell.h"
 
 namespace glimmerhost {
@@ -22,6 +24,9 @@ constexpr milliseconds kRest{150};
 // How often it is looked whether a render hangs.
 constexpr milliseconds kWatch{500};
 constexpr milliseconds kPatience{15000};
+
+// Of a still. Each is a number in a list.
+constexpr int kMostFrames = 100000;
 
 constexpr std::uint64_t kCacheBytes = std::uint64_t{1} << 30U;
 
@@ -83,7 +88,9 @@ void Viewing::TakeClip() {
   }
   clip_ = opened->clip;
   loader_->Forget();
-  frame_ = clip_->Frames().front();
+  frames_.clear();
+  SettleFrames();
+  frame_ = frames_.front();
   // Of the new one nothing is known yet; percent and pixels go by the old one until it is.
   emit Opened();
   emit FrameChanged(frame_);
@@ -97,8 +104,7 @@ void Viewing::SetFrame(int frame) {
   if (!clip_) {
     return;
   }
-  const std::vector<int>& frames = clip_->Frames();
-  const int nearest = *std::min_element(frames.begin(), frames.end(), [frame](int a, int b) {
+  const int nearest = *std::min_element(frames_.begin(), frames_.end(), [frame](int a, int b) {
     return std::abs(static_cast<long long>(a) - frame) <
            std::abs(static_cast<long long>(b) - frame);
   });
@@ -128,6 +134,9 @@ void Viewing::Look() {
     if (!look.pixelAspect.empty()) {
       reading.pixelAspect = ParseRatio(kPixelAspect, look.pixelAspect);
     }
+    if (clip_) {
+      SettleFrames();
+    }
     if (!(reading == reading_)) {
       reading_ = reading;
       AskForFrame();
@@ -138,12 +147,34 @@ void Viewing::Look() {
   AskForRender(true);
 }
 
+// A still has one file for all frames of the shot.
+void Viewing::SettleFrames() {
+  std::vector<int> frames = clip_->Frames();
+  const std::string shot = document_->TextOf(kShot);
+  if (!clip_->IsSequence() && !shot.empty()) {
+    const ShotSpan span = ParseShotSpan(kShot, shot);
+    if (*span.last - *span.first >= kMostFrames) {
+      throw MustBe(kShot, "one of at most " + std::to_string(kMostFrames) + " frames here", shot);
+    }
+    frames.resize(static_cast<std::size_t>(*span.last - *span.first) + 1);
+    std::iota(frames.begin(), frames.end(), *span.first);
+  }
+  if (frames == frames_) {
+    return;
+  }
+  frames_ = std::move(frames);
+  emit FramesChanged();
+  SetFrame(frame_);
+}
+
+int Viewing::FileFrame() const { return clip_->IsSequence() ? frame_ : clip_->Frames().front(); }
+
 void Viewing::AskForFrame() {
   if (!clip_) {
     return;
   }
   isLoading_ = true;
-  loader_->Ask({clip_, reading_, frame_, clip_->IsSequence() ? direction_ : 0});
+  loader_->Ask({clip_, reading_, FileFrame(), clip_->IsSequence() ? direction_ : 0});
   emit StateChanged();
   TakeFrame();
 }
@@ -151,7 +182,7 @@ void Viewing::AskForFrame() {
 void Viewing::TakeFrame() {
   emit Loading(FromUtf8(loader_->Stage()));
   const std::optional<FrameAnswer> answer = loader_->Fetch();
-  if (!answer || answer->request.clip != clip_ || answer->request.frame != frame_ ||
+  if (!answer || answer->request.clip != clip_ || answer->request.frame != FileFrame() ||
       !(answer->request.reading == reading_)) {
     return;
   }
@@ -162,11 +193,16 @@ void Viewing::TakeFrame() {
     return;
   }
   loaded_ = answer->loaded;
+  if (loaded_->frame != frame_) {
+    auto still = std::make_shared<LoadedFrame>(*loaded_);
+    still->frame = frame_;
+    loaded_ = std::move(still);
+  }
   for (const std::string& remark : loaded_->remarks) {
     emit Told(FromUtf8(remark));
   }
   document_->SetPicture(loaded_->picture->width, loaded_->picture->height, clip_->Span());
-  livePage_->Show(loaded_, static_cast<int>(clip_->Frames().size()));
+  livePage_->Show(loaded_, static_cast<int>(frames_.size()));
   emit Shown();
   AskForRender(true);
 }

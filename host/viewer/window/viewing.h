@@ -48,7 +48,11 @@ class Viewing : public QObject {
   // Opens a file or a sequence. What was open stays until the new one is there.
   void Open(const QString& name);
 
-  // Shows another frame of the clip; of those that are there, the one that is nearest.
+  // The frames that there are, ascending: those of a sequence's files, and of a still those of the
+  // shot that the look names, or 1 alone. None before a clip is open.
+  const std::vector<int>& Frames() const { return frames_; }
+
+  // Shows another of the frames; the nearest where that is not among them.
   void SetFrame(int frame);
 
   // A frame that has no end, and is not waited for any longer.
@@ -83,6 +87,7 @@ class Viewing : public QObject {
   void Opened();
   // A numbered file is open, and this sequence is what it belongs to.
   void BelongsTo(const QString& sequence);
+  void FramesChanged();
   void FrameChanged(int frame);
   // Loading goes on: for a person; empty when it has ended.
   void Loading(const QString& what);
@@ -99,6 +104,8 @@ class Viewing : public QObject {
   void TakeFrame();
   void TakeRendered();
   void Look();
+  void SettleFrames();
+  int FileFrame() const;
   void AskForFrame();
   void AskForRender(bool mayBeProxy);
   void Watch();
@@ -107,6 +114,7 @@ class Viewing : public QObject {
   LookDocument* document_;
   LivePage* livePage_;
   std::shared_ptr<const ViewedClip> clip_;
+  std::vector<int> frames_;
   int frame_ = 1;
   int direction_ = 1;
   FrameReading reading_;

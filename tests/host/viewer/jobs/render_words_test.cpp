@@ -215,6 +215,8 @@ TEST(CommandText, ComesThroughAShellAsItWas) {
 TEST(ProposedOutput, LiesBesideTheInputUnderANameOfItsOwn) {
   EXPECT_EQ(fs::path("a/shot_blur.####.exr"), fs::path(ProposedOutput("a/shot.####.exr")));
   EXPECT_EQ(fs::path("night_blur.png"), fs::path(ProposedOutput("night.png")));
+  EXPECT_EQ(fs::path("night_blur.####.png"), fs::path(ProposedOutput("night.png", true)));
+  EXPECT_EQ(fs::path("a/shot_blur.####.exr"), fs::path(ProposedOutput("a/shot.####.exr", true)));
   EXPECT_EQ(fs::path("a/frames_blur.%04d.tif"), fs::path(ProposedOutput("a/%04d.tif")));
 }
 

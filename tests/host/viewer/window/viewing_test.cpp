@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QUndoStack>
 #include <fstream>
 #include <ostream>
 #include <string>
@@ -114,6 +115,33 @@ TEST_F(ViewingOfFiles, ShowsEachFrameOfAShotWithItsOwnValues) {
   values[kRadiusXKey] = 16.0 / 96.0;
   RenderPicture(*module, values, {}, {1, 1}, &expected);
   EXPECT_EQ(viewing.Result()->samples, expected.samples);
+}
+
+TEST_F(ViewingOfFiles, ShowsAStillInAsManyFramesAsItsLookSays) {
+  Write(folder / "still.png", Ramp(96, 64, 1));
+  Open((folder / "still.png").string());
+  ASSERT_TRUE(Settle());
+  EXPECT_EQ(viewing.Frames(), std::vector<int>{1});
+
+  document.SetText("shot", "11-15", "");
+  document.SetText("radius-x", "first=2px; last=10px", "");
+  EXPECT_EQ(viewing.Frames(), (std::vector<int>{11, 12, 13, 14, 15}));
+  EXPECT_EQ(viewing.Frame(), 11);
+  viewing.SetFrame(14);
+  ASSERT_TRUE(WaitUntil(&viewing, &Viewing::StateChanged, [this] {
+    return viewing.IsSettled() && viewing.Rendered().frame->frame == 14;
+  }));
+  // Three quarters of the way from 2 to 10 pixels of 96: a diameter of 16 / 96.
+  Picture expected = Ramp(96, 64, 1);
+  std::map<std::string, Value> values = page.Defaults();
+  values[kRadiusXKey] = 16.0 / 96.0;
+  RenderPicture(*module, values, {}, {1, 1}, &expected);
+  EXPECT_EQ(viewing.Result()->samples, expected.samples);
+
+  document.UndoStack()->undo();
+  document.UndoStack()->undo();
+  EXPECT_EQ(viewing.Frames(), std::vector<int>{1});
+  EXPECT_EQ(viewing.Frame(), 1);
 }
 
 TEST_F(ViewingOfFiles, GoesToTheNearestFrameThatIsThere) {
