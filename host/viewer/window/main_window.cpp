@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/viewer/window/main_window.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QComboBox>
 #include <QDockWidget>
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMessageBox>
 #include <QMimeData>
@@ -71,6 +74,7 @@ MainWindow::MainWindow(const Page& page, std::shared_ptr<const EffectModule> mod
   ShowTitle();
   ShowState();
   picture_->setFocus();
+  QApplication::instance()->installEventFilter(this);
 }
 
 MainWindow::~MainWindow() = default;
@@ -300,6 +304,23 @@ void MainWindow::OfferLeftLook() {
                        }
                      });
                    });
+}
+
+// A letter that is typed at a list goes to the entry that begins with it, and is no key of the
+// view.
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::ShortcutOverride) {
+    const auto& key = static_cast<const QKeyEvent&>(*event);
+    const bool isList = qobject_cast<QComboBox*>(watched) != nullptr ||
+                        qobject_cast<QAbstractItemView*>(watched) != nullptr;
+    const bool isLetter =
+        (key.modifiers() & ~Qt::ShiftModifier) == Qt::NoModifier && !key.text().trimmed().isEmpty();
+    if (isList && isLetter) {
+      event->accept();
+      return true;
+    }
+  }
+  return QMainWindow::eventFilter(watched, event);
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {

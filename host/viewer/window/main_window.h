@@ -73,6 +73,7 @@ class MainWindow : public QMainWindow {
   Viewing* Shown() { return viewing_; }
 
  protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
