@@ -48,7 +48,7 @@ bool WipeLine::IsNear(QPointF at) const {
 }
 
 double WipeLine::WipeAt(const ViewCamera& camera, double x) {
-  return std::clamp((x - camera.Corner().x()) / camera.ScreenSize().width(), 0.0, 1.0);
+  return (x - camera.Corner().x()) / camera.ScreenSize().width();
 }
 
 void WipeLine::Paint(QPainter* painter, const QPalette& palette, const QString& before,

@@ -21,7 +21,7 @@ class WipeLine {
   // Whether a press there takes hold of the line or its grip.
   bool IsNear(QPointF at) const;
 
-  // The wipe whose line is there, cut to 0..1.
+  // The wipe whose line is there; beyond the picture it is not in 0..1.
   static double WipeAt(const ViewCamera& camera, double x);
 
   // The line, its grip, and what is on either side of it.

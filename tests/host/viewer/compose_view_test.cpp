@@ -92,6 +92,8 @@ TEST(ComposeView, MakesSquaresOfPixelsAboveOneToOne) {
                    1, 1, 1, 2, 2, 2,  //
                    3, 3, 3, 4, 4, 4}),
             Shown(picture, {}, At(3.0, 0.0, 0.0, 6, 4)));
+  // Middles at 0.33, 1.0 and 1.67 of the picture.
+  EXPECT_EQ((Greys{1, 2, 2}), Shown(picture, {}, At(1.5, 0.0, 0.0, 3, 1)));
   // The corner is beyond the viewport's, and the middles of its pixels decide.
   EXPECT_EQ((Greys{1, 2, -1, -1}), Shown(picture, {}, At(1.5, -0.9, -0.4, 4, 1)));
 }

@@ -183,6 +183,25 @@ TEST_F(PictureViews, ShowTheLastImageAtItsNewPlaceUntilTheNextIsThere) {
   EXPECT_EQ(QPoint(99, 30), Seen(189, 61));
 }
 
+TEST_F(PictureViews, ScaleTheLastImageUntilTheNextIsThere) {
+  Wheel({150, 60}, 3);
+
+  EXPECT_FALSE(view.IsUpToDate());
+  // The place under the cursor, and one to its left.
+  EXPECT_EQ(QPoint(75, 30), Seen(151, 61));
+  EXPECT_EQ(QPoint(55, 30), Seen(151 - static_cast<int>(20 * view.Zoom()), 61));
+}
+
+TEST_F(PictureViews, ShowNothingOfAPictureThatWasTakenAway) {
+  view.ShowFrames(nullptr, nullptr, false);
+  view.ShowFrames(Grid(100, 50, 255), nullptr, false);
+
+  // The new one's image is not there yet.
+  EXPECT_EQ(view.palette().color(QPalette::Dark).rgb(), view.grab().toImage().pixel(100, 50));
+  WaitForImage();
+  EXPECT_EQ(255, qBlue(view.grab().toImage().pixel(100, 50)));
+}
+
 TEST_F(PictureViews, ObeyKeys) {
   QTest::keyClick(&view, Qt::Key_1);
   EXPECT_EQ(1.0, view.Zoom());
@@ -289,6 +308,21 @@ TEST_F(PictureViews, PaintStrokesAsTheSurfaceDoesAtEveryZoom) {
       }
     }
   }
+}
+
+TEST_F(PictureViews, TakeStrokesAlongWithThePicture) {
+  const auto isRed = [&](QPoint at) { return view.grab().toImage().pixel(at) == 0xffff0000; };
+  const OverlayStroke point = OverlayLine{{50.5F, 40.5F}, {50.5F, 40.5F}, {65535, 0, 0}};
+  view.ShowStrokes({point});
+  EXPECT_TRUE(isRed({50, 40}));
+
+  Drag(Qt::MiddleButton, {100, 50}, {110, 55});
+  EXPECT_FALSE(isRed({50, 40}));
+  EXPECT_TRUE(isRed({60, 45}));
+
+  view.ShowStrokes({OverlayLine{{10.5F, 10.5F}, {10.5F, 10.5F}, {65535, 0, 0}}});
+  EXPECT_FALSE(isRed({60, 45}));
+  EXPECT_TRUE(isRed({20, 15}));
 }
 
 TEST_F(PictureViews, TellThePixelUnderTheCursor) {

@@ -105,6 +105,11 @@ TEST_F(ViewBars, SetLevelsBothWaysAndBack) {
   EXPECT_EQ(-3.0, Find<QDoubleSpinBox>("exposure")->value());
   EXPECT_TRUE(Find<QAction>("channelLuma")->isChecked());
 
+  // The box shows two digits, and keeps nobody from setting more.
+  settings.exposure = 0.125;
+  view->SetView(settings);
+  EXPECT_EQ(0.125, view->View().exposure);
+
   Find<QAction>("resetLevels")->trigger();
   EXPECT_EQ(0.0, view->View().exposure);
   EXPECT_EQ(1.0, view->View().gamma);

@@ -98,6 +98,7 @@ TEST_F(ViewedClips, OfNumberedFilesComeWithTheirSequence) {
       // Numbers as they come: two digits alone would leave out the first two.
       {{"c8.png", "c9.png", "c10.png", "c11.png", "c12.png"}, "c10.png", "c@.png"},
       {{"c8.png", "c9.png"}, "c9.png", "c@.png"},
+      {{"k.01.png", "k.02.png", "k.3.png", "k.4.png", "k.5.png"}, "k.01.png", "k.##.png"},
       {{"d.5.left.tif", "d.6.left.tif"}, "d.5.left.tif", "d.@.left.tif"},
       {{"0001.jp2", "0002.jp2"}, "0001.jp2", "####.jp2"},
       // Nothing beside it, of another width, or of another kind.
