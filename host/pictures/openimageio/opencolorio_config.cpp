@@ -22,15 +22,6 @@ namespace ocio = OCIO_NAMESPACE;
   throw Failure(file.string() + ": " + why);
 }
 
-// In their order, but that one before all others, if it is there.
-std::vector<std::string> WithFirst(const char* first, std::vector<std::string> names) {
-  const auto found = std::find(names.begin(), names.end(), first == nullptr ? "" : first);
-  if (found != names.end()) {
-    std::rotate(names.begin(), found, found + 1);
-  }
-  return names;
-}
-
 class Transform final : public ColourTransform {
  public:
   explicit Transform(ocio::ConstCPUProcessorRcPtr processor) : processor_(std::move(processor)) {}
@@ -82,12 +73,13 @@ class Config final : public ColourConfig {
     return path;
   }
 
+  // The library has the usual display first, and of each display the usual view.
   std::vector<std::string> Displays() const override {
     std::vector<std::string> displays;
     for (int i = 0; i < config_->getNumDisplays(); ++i) {
       displays.emplace_back(config_->getDisplay(i));
     }
-    return WithFirst(config_->getDefaultDisplay(), std::move(displays));
+    return displays;
   }
 
   std::vector<std::string> Views(const std::string& display) const override {
@@ -95,7 +87,7 @@ class Config final : public ColourConfig {
     for (int i = 0; i < config_->getNumViews(display.c_str()); ++i) {
       views.emplace_back(config_->getView(display.c_str(), i));
     }
-    return WithFirst(config_->getDefaultView(display.c_str()), std::move(views));
+    return views;
   }
 
   std::shared_ptr<const ColourTransform> DisplayPath(const std::string& in,

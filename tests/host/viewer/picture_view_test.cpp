@@ -184,12 +184,14 @@ TEST_F(PictureViews, ShowTheLastImageAtItsNewPlaceUntilTheNextIsThere) {
 }
 
 TEST_F(PictureViews, ScaleTheLastImageUntilTheNextIsThere) {
+  Drag(Qt::MiddleButton, {100, 50}, {120, 60});
+  WaitForImage();
   Wheel({150, 60}, 3);
 
   EXPECT_FALSE(view.IsUpToDate());
   // The place under the cursor, and one to its left.
-  EXPECT_EQ(QPoint(75, 30), Seen(151, 61));
-  EXPECT_EQ(QPoint(55, 30), Seen(151 - static_cast<int>(20 * view.Zoom()), 61));
+  EXPECT_EQ(QPoint(65, 25), Seen(152, 62));
+  EXPECT_EQ(QPoint(45, 25), Seen(152 - static_cast<int>(20 * view.Zoom()), 62));
 }
 
 TEST_F(PictureViews, ShowNothingOfAPictureThatWasTakenAway) {
