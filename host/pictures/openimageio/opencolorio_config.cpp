@@ -76,6 +76,7 @@ class Config final : public ColourConfig {
   // The library has the usual display first, and of each display the usual view.
   std::vector<std::string> Displays() const override {
     std::vector<std::string> displays;
+    displays.reserve(static_cast<std::size_t>(config_->getNumDisplays()));
     for (int i = 0; i < config_->getNumDisplays(); ++i) {
       displays.emplace_back(config_->getDisplay(i));
     }
@@ -83,8 +84,10 @@ class Config final : public ColourConfig {
   }
 
   std::vector<std::string> Views(const std::string& display) const override {
+    const int count = config_->getNumViews(display.c_str());
     std::vector<std::string> views;
-    for (int i = 0; i < config_->getNumViews(display.c_str()); ++i) {
+    views.reserve(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) {
       views.emplace_back(config_->getView(display.c_str(), i));
     }
     return views;

@@ -24,31 +24,39 @@ Picture ReadSamples(const fs::path& file, std::vector<std::string>* remarks) {
   return picture;
 }
 
+// What the module is given; floats go past it.
+quantel::cPtr<FrameImage> SourceOf(const Picture& picture) {
+  return quantel::cPtr<FrameImage>(picture.IsFloat() ? nullptr : new FrameImage(picture));
+}
+
 }  // namespace
 
 std::shared_ptr<const LoadedFrame> FrameReader::Read(const ViewedClip& clip,
                                                      const FrameReading& reading, int frame) {
-  LoadedFrame read;
-  read.frame = frame;
-  read.file = clip.File(frame);
-  auto picture = std::make_shared<Picture>(ReadSamples(read.file, &read.remarks));
+  auto read = std::make_shared<LoadedFrame>();
+  read->frame = frame;
+  read->file = clip.File(frame);
+  auto picture = std::make_shared<Picture>(ReadSamples(read->file, &read->remarks));
   if (reading.premultiplied) {
     Premultiply(picture.get());
   }
-  if (!picture->IsFloat()) {
-    read.source = quantel::cPtr<FrameImage>(new FrameImage(*picture));
-  }
-  read.picture = std::move(picture);
-  return Settle(read, reading);
+  read->source = SourceOf(*picture);
+  read->picture = std::move(picture);
+  SettleIn(reading, read.get());
+  return read;
 }
 
 std::shared_ptr<const LoadedFrame> FrameReader::Settle(const LoadedFrame& frame,
                                                        const FrameReading& reading) {
   auto settled = std::make_shared<LoadedFrame>(frame);
-  settled->pixelAspect =
-      reading.pixelAspect.first == 0 ? frame.picture->pixelAspect : reading.pixelAspect;
-  TakeSpread(reading, settled.get());
+  SettleIn(reading, settled.get());
   return settled;
+}
+
+void FrameReader::SettleIn(const FrameReading& reading, LoadedFrame* frame) {
+  frame->pixelAspect =
+      reading.pixelAspect.first == 0 ? frame->picture->pixelAspect : reading.pixelAspect;
+  TakeSpread(reading, frame);
 }
 
 void FrameReader::TakeSpread(const FrameReading& reading, LoadedFrame* frame) {

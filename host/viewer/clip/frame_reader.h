@@ -29,6 +29,7 @@ class FrameReader {
   std::shared_ptr<const LoadedFrame> Settle(const LoadedFrame& frame, const FrameReading& reading);
 
  private:
+  void SettleIn(const FrameReading& reading, LoadedFrame* frame);
   void TakeSpread(const FrameReading& reading, LoadedFrame* frame);
 
   std::filesystem::path spreadFile_;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/viewer/picture/view_bar.h"
 
-#include <QActionGroup>
 #include <QSignalBlocker>
 #include <algorithm>
 #include <utility>
@@ -93,12 +92,11 @@ void ViewBar::AddChannels() {
       {"channelAlpha", tr("A"), Qt::Key_A, tr("Show alpha alone")},
       {"channelLuma", tr("Luma"), Qt::Key_L, tr("Show luma alone")},
   }};
-  auto* const group = new QActionGroup(this);
   for (std::size_t i = 0; i < channels.size(); ++i) {
     QAction* const action =
         Add(channels[i].name, channels[i].text, channels[i].key, channels[i].help);
     action->setCheckable(true);
-    group->addAction(action);
+    channelGroup_.addAction(action);
     channels_[i] = action;
     connect(action, &QAction::triggered, this, [this, i] {
       Change([i](ViewSettings* settings) { settings->channel = static_cast<ViewChannel>(i); });

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QAction>
+#include <QActionGroup>
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QLabel>
@@ -55,6 +56,7 @@ class ViewBar : public QToolBar {
   PictureView* view_;
   ScreenColours colours_;
   QLabel* zoom_;
+  QActionGroup channelGroup_{this};
   std::array<QAction*, 6> channels_{};  // as ViewChannel counts
   QDoubleSpinBox* exposure_;
   QDoubleSpinBox* gamma_;
