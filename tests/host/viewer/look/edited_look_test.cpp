@@ -167,6 +167,21 @@ TEST(EditedLook, TakesTheOtherHalfOfAPointFromTheFrame) {
   EXPECT_EQ(edited.TextOf("center"), "first=0,0; 1006=0.75,0.5; last=0.9,0.9");
 }
 
+TEST(EditedLook, LeavesTheKeyframesOfAPointsOtherHalf) {
+  Look look;
+  look["center"] = "0.1,0.2";
+  look.set = {"PRM_Center_Y=1001=0; 1010=0.9"};
+  EditedLook edited = Using(look);
+
+  edited.SetValues({{"PRM_Center_X", 0.75}}, 1001, AllAt(edited, 1001), kSpan);
+
+  EXPECT_EQ(AllAt(edited, 1001)["PRM_Center_X"], Value(0.75));
+  EXPECT_EQ(edited.TextOf("PRM_Center_Y"), "1001=0; 1010=0.9");
+  edited.SetText("PRM_Center_Y", "");
+  EXPECT_EQ(edited.NameOf("PRM_Center_Y"), "center");
+  EXPECT_EQ(AllAt(edited, 1010)["PRM_Center_X"], Value(0.75));
+}
+
 // What lies beyond the keyframes next to the edit is as it was; with a smooth course, beyond the
 // ones after these.
 TEST(EditedLook, LeavesValuesAloneThatLieBeyondTheNextKeyframes) {

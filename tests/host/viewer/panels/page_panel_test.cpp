@@ -182,6 +182,26 @@ TEST_F(PagePanelTexts, ThatAreRefusedLeaveTheValueAndSayWhy) {
   EXPECT_EQ(NumberAt("PRM_Sides", 1), 7.0);
 }
 
+TEST_F(PagePanelTexts, ThatAreBeingTypedStayWhileOthersChange) {
+  const struct {
+    const char* row;
+    const char* name;
+    const char* other;
+    const char* shown;
+  } typed[] = {{"PRM_Emphasis", "emphasis", "7", "7"},
+               {"pixel-aspect", "pixel-aspect", "2:1", "2:1"}};
+  for (const auto& one : typed) {
+    auto* field = PartOf<QLineEdit>(one.row, "field");
+    field->setFocus();
+    field->selectAll();
+    QTest::keyClicks(field, "12");
+    document_.SetText("sides", one.row == typed[0].row ? "5" : "6", "");
+    EXPECT_EQ(field->text(), "12");
+    document_.SetText(one.name, one.other, "");
+    EXPECT_EQ(field->text(), one.shown);
+  }
+}
+
 TEST_F(PagePanelTexts, ThatAreLeftEmptyChangeNothing) {
   Type("PRM_Emphasis", "20");
   auto* field = PartOf<QLineEdit>("PRM_Emphasis", "field");

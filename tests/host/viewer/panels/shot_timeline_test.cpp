@@ -83,7 +83,7 @@ TEST_F(TimelineFrames, AreChosenByADragOnTheRuler) {
 }
 
 TEST_F(TimelineFrames, AreChosenByKeys) {
-  document_.SetText("mix", "1=0; 40=1; 60.5%=0.5; 90=1", "");
+  document_.SetText("mix", "1=0; 40=1; 60.7%=0.5; 90=1", "");
   timeline_.SetFrame(50);
   const struct {
     int key;
@@ -91,10 +91,10 @@ TEST_F(TimelineFrames, AreChosenByKeys) {
     int frame;
   } pressed[] = {{Qt::Key_Right, {}, 51},
                  {Qt::Key_Left, {}, 50},
-                 {Qt::Key_Right, Qt::ControlModifier, 61},  // 61.5, of which it is the nearest
+                 {Qt::Key_Right, Qt::ControlModifier, 62},  // the nearest of 61.7
                  {Qt::Key_Right, Qt::ControlModifier, 90},
                  {Qt::Key_Right, Qt::ControlModifier, 90},
-                 {Qt::Key_Left, Qt::ControlModifier, 61},
+                 {Qt::Key_Left, Qt::ControlModifier, 62},
                  {Qt::Key_Left, Qt::ControlModifier, 40},
                  {Qt::Key_Home, {}, 1},
                  {Qt::Key_End, {}, 101}};
@@ -173,6 +173,9 @@ TEST_F(TimelineKeyframes, OfSeveralRowsAreMovedAndRemovedTogether) {
   Click(Place("radius-x", 31));
   Click(Place("mix", 101), Qt::ControlModifier);
   EXPECT_EQ(tracks_->Selection(), (Frames{{"radius-x", {31}}, {"mix", {101}}}));
+  Click(Place("radius-x", 31), Qt::ControlModifier);
+  EXPECT_EQ(tracks_->Selection(), (Frames{{"mix", {101}}}));
+  Click(Place("radius-x", 31), Qt::ControlModifier);
 
   Drag(Place("radius-x", 31), {Place("radius-x", 26)});
   EXPECT_EQ(document_.TextOf("radius-x"), "1=1px; 26=2px");
