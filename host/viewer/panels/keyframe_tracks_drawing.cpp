@@ -18,6 +18,10 @@ QColor Faint(const QPalette& palette, float strength) {
   return colour;
 }
 
+// Of a curve. It is drawn anew while a value is dragged; with one for every pixel of a wide window
+// that took longer than all rows of the page.
+constexpr int kMostSamples = 400;
+
 // On the middle of a pixel, so that a thin line is one pixel wide.
 double Sharp(double x) { return std::floor(x) + 0.5; }
 
@@ -117,8 +121,7 @@ void KeyframeTracks::DrawTrack(QPainter* painter, std::size_t index) const {
 
 void KeyframeTracks::DrawCurves(QPainter* painter, const QRect& lane) const {
   if (!hasCurves_) {
-    curves_ = CurvesOf(*document_, SelectedName(), shot_, unit_,
-                       std::max(1, viewport()->width() - kNameWidth));
+    curves_ = CurvesOf(*document_, SelectedName(), shot_, unit_, kMostSamples);
     hasCurves_ = true;
   }
   const QFontMetrics metrics(font());
