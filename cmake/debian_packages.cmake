@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: BSD-3-Clause
-# The Debian packages: glimmerblur, and glimmerblur-dev for authors of hosts; libglimmerblur0, and
-# libglimmerblur-dev for authors of other programs; and one for each door that this build has.
+# The Debian packages: glimmerblur, and glimmerblur-dev for authors of hosts; glimmerview, where this
+# build has the window; libglimmerblur0, and libglimmerblur-dev for authors of other programs; and one
+# for each door that this build has.
 
 # install_compressed(file folder component [name]): under its own name or another, with .gz behind it.
 # Without name and time in it, so that it is the same each time.
@@ -23,7 +24,9 @@ string(REPLACE "\n \n" "\n .\n" BSD_3_CLAUSE "${BSD_3_CLAUSE}")
 if(LX_WITH_FFTW)
   file(READ packaging/copyright_fftw.in FFTW_PARAGRAPH)
 endif()
-foreach(file copyright copyright_library changelog shlibs)
+file(READ packaging/copyright_licences.in text)
+string(CONFIGURE "${text}" LICENCES @ONLY)
+foreach(file copyright copyright_library copyright_viewer changelog shlibs)
   configure_file(packaging/${file}.in ${PROJECT_BINARY_DIR}/packaging/${file} @ONLY)
 endforeach()
 
@@ -31,6 +34,9 @@ install(FILES packaging/README.md DESTINATION ${documents})
 # This one is Debian's; the project's own is for people.
 install(FILES CHANGELOG.md DESTINATION ${documents} OPTIONAL)
 install_compressed(${PROJECT_BINARY_DIR}/glimmerhost.1 ${CMAKE_INSTALL_MANDIR}/man1 program)
+if(TARGET glimmerview)
+  install_compressed(${PROJECT_SOURCE_DIR}/docs/glimmerview.1 ${CMAKE_INSTALL_MANDIR}/man1 viewer)
+endif()
 install(FILES host/completion/glimmerhost.bash
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME glimmerhost)
 
@@ -89,6 +95,18 @@ into images of the aperture.
 .
 The package holds the plug-in module and glimmerhost, a program that renders
 pictures and shots with it.")
+
+lx_debian_package(
+  viewer glimmerview video COPYRIGHT copyright_viewer DEPENDS "glimmerblur (= ${PROJECT_VERSION})"
+  DESCRIPTION
+  "lens defocus for moving pictures (window)
+Every frame is convolved with the shape of an aperture: a circle, an ellipse,
+a polygon or a picture. Highlights can outweigh the rest: bright points open
+into images of the aperture.
+.
+The package holds a window in which the aperture is placed by hand on a
+picture and seen live, values are animated over a shot, and the shot is
+rendered to disk.")
 
 lx_debian_package(
   development glimmerblur-dev libdevel COPYRIGHT copyright DEPENDS "glimmerblur (= ${PROJECT_VERSION})"

@@ -10,6 +10,7 @@ install(
   PATTERN "*.py" EXCLUDE
   PATTERN __pycache__ EXCLUDE
   PATTERN "*.1.in" EXCLUDE
+  PATTERN "*.1" EXCLUDE
   PATTERN inside.md EXCLUDE
   PATTERN examples/host EXCLUDE)
 configure_file(cmake/name_program.cmake.in ${PROJECT_BINARY_DIR}/name_program.cmake @ONLY)
@@ -21,6 +22,9 @@ set(CPACK_PACKAGE_CONTACT "Vantrell <packages@vantrell.example>")
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_SOURCE_DIR}/build/packages)
 set(CPACK_STRIP_FILES ON)
 
+if(TARGET glimmerview)
+  include(cmake/viewer.cmake)
+endif()
 if(WIN32)
   include(cmake/windows_runtimes.cmake)
   set(CPACK_GENERATOR ZIP)

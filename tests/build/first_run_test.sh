@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: BSD-3-Clause
-# What a person sees who starts scripts/glimmerhost in a fresh clone, with a build of 25 steps in place of
-# ours: CMake is a stand-in that calls ninja, and all packages are installed.
+# What a person sees who starts scripts/glimmerhost or scripts/glimmerview in a fresh clone, with a build
+# of 25 steps in place of ours: CMake is a stand-in that calls ninja, and all packages are installed.
 #
 #   first_run_test.sh SOURCE FOLDER CASE
 #
@@ -13,7 +13,7 @@ source_folder=$1
 clone=$2
 rm -rf "$clone"
 mkdir -p "$clone/scripts" "$clone/stand-ins"
-cp "$source_folder"/scripts/{common.sh,glimmerhost} "$clone/scripts"
+cp "$source_folder"/scripts/{common.sh,glimmerhost,glimmerview} "$clone/scripts"
 cd "$clone"
 export PATH=$clone/stand-ins:$PATH
 
@@ -36,7 +36,7 @@ steps() {
       [ "$i" -eq 13 ] && echo "build $i: special $((i - 1))" ||
         echo "build $i: make$([ "$i" -eq 1 ] || echo " $((i - 1))")"
     done
-    echo "build ../build/program/bin/glimmerhost: program 24"
+    echo "build ../build/program/bin/${program:-glimmerhost}: program 24"
   } >stand-ins/build.ninja
 }
 
@@ -56,6 +56,17 @@ SaysNowAndThenHowFarItIs() {
 $text: 10 of 25
 $text: 20 of 25
 $text: 25 of 25"
+}
+
+BuildsTheWindowInTheSameWay() {
+  local program=glimmerview words
+  steps 'touch $out'
+  expect "it prints" "$(scripts/glimmerview "a b" 2>errors)" "ran a b"
+  words="Building glimmerview (about 4 minutes, once)"
+  expect "it says" "$(cat errors)" "$words
+$words: 10 of 25
+$words: 20 of 25
+$words: 25 of 25"
 }
 
 RewritesOneLineOnATerminal() {

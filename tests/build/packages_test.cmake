@@ -41,6 +41,19 @@ set(holds_glimmerblur
     usr/share/glimmerblur/pages/glimmerblur.toml
     usr/share/lintian/overrides/glimmerblur
     usr/share/man/man1/glimmerhost.1.gz)
+set(icons usr/share/icons/hicolor)
+set(holds_glimmerview
+    usr/bin/glimmerview
+    usr/share/applications/glimmerview.desktop
+    ${icons}/128x128/apps/glimmerview.png
+    ${icons}/16x16/apps/glimmerview.png
+    ${icons}/24x24/apps/glimmerview.png
+    ${icons}/256x256/apps/glimmerview.png
+    ${icons}/32x32/apps/glimmerview.png
+    ${icons}/48x48/apps/glimmerview.png
+    ${icons}/64x64/apps/glimmerview.png
+    ${icons}/scalable/apps/glimmerview.svg
+    usr/share/man/man1/glimmerview.1.gz)
 set(configuration usr/${LIBRARIES}/cmake/GlimmerBlur/GlimmerBlur)
 set(holds_glimmerblur-dev
     ${configuration}Config.cmake ${configuration}ConfigVersion.cmake
@@ -104,7 +117,7 @@ foreach(file IN LISTS packages)
     continue()
   endif()
   set(needed "libglimmerblur0 (= ${VERSION})")
-  if(package STREQUAL "glimmerblur-dev")
+  if(package STREQUAL "glimmerblur-dev" OR package STREQUAL glimmerview)
     set(needed "glimmerblur (= ${VERSION})")
   elseif(package STREQUAL libglimmerblur0)
     set(needed "libstdc++6 (")
@@ -129,12 +142,18 @@ foreach(file IN LISTS packages)
   endforeach()
 endforeach()
 
-foreach(package glimmerblur glimmerblur-dev libglimmerblur0 libglimmerblur-dev glimmerblur-gegl
+foreach(package glimmerblur glimmerview glimmerblur-dev libglimmerblur0 libglimmerblur-dev glimmerblur-gegl
         glimmerblur-frei0r glimmerblur-ofx python3-glimmerblur)
   if(NOT package IN_LIST seen)
     message(SEND_ERROR "No package ${package}: ${seen}")
   endif()
 endforeach()
+
+# The window uses the system's Qt, which anybody may exchange.
+run(depends dpkg-deb -f ${PACKED}/glimmerview_${VERSION}_amd64.deb Depends)
+if(NOT depends MATCHES "libqt6core6 " OR NOT depends MATCHES "libqt6widgets6 ")
+  message(SEND_ERROR "glimmerview depends on ${depends}")
+endif()
 
 # The library depends on what every C++ program does, and on nothing else.
 run(depends dpkg-deb -f ${PACKED}/libglimmerblur0_${VERSION}_amd64.deb Depends)
