@@ -63,6 +63,15 @@ bool AsksForWords(int argc, char** argv) {
   });
 }
 
+// The desktop's, or else what is in the program itself.
+QIcon Icon() {
+  QIcon icon;
+  for (const int size : {16, 24, 32, 48, 64, 128, 256}) {
+    icon.addFile(QStringLiteral(":/glimmerview-%1.png").arg(size));
+  }
+  return QIcon::fromTheme("glimmerview", icon);
+}
+
 int Run(const QStringList& names) {
   const Page page = LoadPage();
   auto module = std::make_shared<const EffectModule>(ChooseModule("", ""));
@@ -99,7 +108,7 @@ int main(int argc, char** argv) {
   }
   const QApplication application(argc, argv);
   parser.process(application);
-  QApplication::setWindowIcon(QIcon::fromTheme("glimmerview"));
+  QApplication::setWindowIcon(Icon());
   QGuiApplication::setDesktopFileName("glimmerview");
   try {
     return Run(parser.positionalArguments());
