@@ -216,10 +216,10 @@ QWidget* OutputForm::MakeFrames() {
 
 void OutputForm::SetInput(const JobInput& input) {
   const bool isAnother = input.input != input_.input;
-  const bool wasSequence = isSequence_;
+  const bool wasSequence = isShot_;
   input_ = input;
-  isSequence_ = IsSequence(input.input) || input.frames.size() > 1;
-  if (isAnother || (isSequence_ != wasSequence && !isTyped_)) {
+  isShot_ = IsSequence(input.input) || input.frames.size() > 1;
+  if (isAnother || (isShot_ != wasSequence && !isTyped_)) {
     Propose();
   }
   ShowFrames();
@@ -233,19 +233,19 @@ void OutputForm::SetFrame(int frame) {
 void OutputForm::ShowFrames() {
   const QSignalBlocker quiet(frames_);
   const auto listed = std::min<std::size_t>(input_.frames.size(), 1);
-  frames_->setItemText(kAll, listed == 0 || !isSequence_
+  frames_->setItemText(kAll, listed == 0 || !isShot_
                                  ? tr("All")
                                  : tr("All: %1").arg(Text(glimmerhost::ShowFrames(input_.frames))));
   frames_->setItemText(kShown, tr("This frame: %1").arg(frame_));
-  frames_->setEnabled(isSequence_);
-  list_->setEnabled(isSequence_);
+  frames_->setEnabled(isShot_);
+  list_->setEnabled(isShot_);
 }
 
 void OutputForm::Propose() {
   isTyped_ = false;
   try {
     output_->setText(input_.input.empty() ? QString()
-                                          : Text(ProposedOutput(input_.input, isSequence_)));
+                                          : Text(ProposedOutput(input_.input, isShot_)));
   } catch (const std::exception&) {
     output_->clear();
   }
@@ -311,7 +311,7 @@ void OutputForm::ShowQuality() {
 }
 
 std::vector<int> OutputForm::Frames() const {
-  if (!isSequence_) {
+  if (!isShot_) {
     return input_.frames;
   }
   if (frames_->currentIndex() == kShown) {

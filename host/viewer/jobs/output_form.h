@@ -79,7 +79,7 @@ class OutputForm : public QWidget {
   QCheckBox* keepGoing_ = nullptr;
 
   JobInput input_;
-  bool isSequence_ = false;
+  bool isShot_ = false;
   int frame_ = 1;
   bool isTyped_ = false;  // the output's name, by a person
   OutputChoices choices_;

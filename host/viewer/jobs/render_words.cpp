@@ -152,12 +152,13 @@ std::string ManifestBeside(const std::string& output) {
 
 std::string ProposedOutput(const std::string& input, bool isShot) {
   const fs::path path = Utf8Path(input);
-  const std::string stem = FileSequence("INPUT", input).Stem().filename().string();
+  const FileSequence sequence("INPUT", input);
+  const std::string stem = sequence.Stem().filename().string();
   const std::string name = path.filename().string();
   // What is all place and ending has no name of its own.
   std::string rest = name.starts_with(stem) ? name.substr(stem.size()) : "." + name;
-  if (isShot && !FileSequence("INPUT", input).HasFrames()) {
-    rest = ".####" + rest;
+  if (isShot && !sequence.HasFrames()) {
+    rest = ".####" + path.extension().string();
   }
   return (path.parent_path() / Utf8Path(stem + "_blur" + rest)).string();
 }

@@ -255,6 +255,34 @@ TEST(JobsPanel, ProposesAnOutputUntilSomebodyTypesOne) {
   EXPECT_EQ((shot.folder / "in_blur.@.pngx").string(), output->text().toStdString());
 }
 
+// One picture, over which the values change.
+TEST(JobsPanel, RendersAPictureThatIsAShot) {
+  ShotFolder shot(1, 1);
+  shot.input.input = shot.In(1).string();
+  Panel panel(&shot);
+  shot.input.frames = {1, 2, 3};
+  shot.input.span = {1, 3};
+  shot.target.output = (shot.folder / "out" / "out.@.png").string();
+  panel.widget.InputChanged();
+  panel.Type("outputName", shot.target.output);
+  EXPECT_TRUE(panel.Find<QComboBox>("framesChoice")->isEnabled());
+  panel.Render();
+  EXPECT_EQ("Done: 3 frames.", panel.Message());
+  EXPECT_NE(ReadBack(shot.Out(1)).samples, ReadBack(shot.Out(3)).samples);
+}
+
+TEST(JobsPanel, ProposesAPlaceForFramesWhenAPictureBecomesAShot) {
+  ShotFolder shot(1, 1);
+  shot.input.input = shot.In(1).string();
+  JobsPanel panel(ThePage(), [&] { return shot.input; });
+  panel.InputChanged();
+  auto* const output = panel.findChild<QLineEdit*>("outputName");
+  EXPECT_EQ((shot.folder / "in.1_blur.png").string(), output->text().toStdString());
+  shot.input.frames = {1, 2, 3};
+  panel.InputChanged();
+  EXPECT_EQ((shot.folder / "in.1_blur.####.png").string(), output->text().toStdString());
+}
+
 TEST(JobsPanel, ShowsAFrameThatIsChosenInTheTable) {
   ShotFolder shot(5, 7);
   Panel panel(&shot);

@@ -213,11 +213,13 @@ TEST(CommandText, ComesThroughAShellAsItWas) {
 }
 
 TEST(ProposedOutput, LiesBesideTheInputUnderANameOfItsOwn) {
-  EXPECT_EQ(fs::path("a/shot_blur.####.exr"), fs::path(ProposedOutput("a/shot.####.exr")));
-  EXPECT_EQ(fs::path("night_blur.png"), fs::path(ProposedOutput("night.png")));
-  EXPECT_EQ(fs::path("night_blur.####.png"), fs::path(ProposedOutput("night.png", true)));
   EXPECT_EQ(fs::path("a/shot_blur.####.exr"), fs::path(ProposedOutput("a/shot.####.exr", true)));
-  EXPECT_EQ(fs::path("a/frames_blur.%04d.tif"), fs::path(ProposedOutput("a/%04d.tif")));
+  EXPECT_EQ(fs::path("night_blur.png"), fs::path(ProposedOutput("night.png", false)));
+  EXPECT_EQ(fs::path("a/frames_blur.%04d.tif"), fs::path(ProposedOutput("a/%04d.tif", true)));
+}
+
+TEST(ProposedOutput, HasAPlaceForTheFramesOfAPictureThatIsAShot) {
+  EXPECT_EQ(fs::path("a/night_blur.####.png"), fs::path(ProposedOutput("a/night.png", true)));
 }
 
 TEST(ManifestBeside, IsCalledAfterWhatTheOutputsHaveInCommon) {
