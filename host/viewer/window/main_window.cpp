@@ -18,6 +18,7 @@
 #include <QUrl>
 #include <QVBoxLayout>
 #include <exception>
+#include <initializer_list>
 #include <utility>
 
 #include "host/looks/parameter_file.h"
@@ -77,7 +78,20 @@ MainWindow::MainWindow(const Page& page, std::shared_ptr<const EffectModule> mod
   QApplication::instance()->installEventFilter(this);
 }
 
-MainWindow::~MainWindow() = default;
+// Parts tell of what they do also while they end, and some look at others: nobody listens any more
+// then, and those that look at others end first.
+MainWindow::~MainWindow() {
+  QApplication::instance()->removeEventFilter(this);
+  document_->UndoStack()->disconnect(this);
+  for (QObject* part : findChildren<QObject*>()) {
+    part->disconnect(this);
+  }
+  for (QObject* part : std::initializer_list<QObject*>{
+           jobs_, timeline_, presets_, pagePanel_, aperture_, values_, viewBar_, presetPictures_,
+           exact_, keeper_, player_, viewing_}) {
+    delete part;
+  }
+}
 
 void MainWindow::MakeParts(const WindowPlaces& places) {
   document_ = new LookDocument(page_, this);
