@@ -13,6 +13,7 @@
 #include <QStringList>
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -35,6 +36,14 @@ namespace {
 
 constexpr const char* kRecentKey = "recent";
 constexpr int kMostRecent = 10;
+
+constexpr const char* kCacheKey = "cache";
+constexpr int kUsualCache = 1024;  // MiB
+constexpr int kMostCache = 1 << 20;
+
+int CacheMebibytes() {
+  return std::clamp(QSettings().value(kCacheKey, kUsualCache).toInt(), 0, kMostCache);
+}
 
 QString LookFilter() { return MainWindow::tr("Looks (*.toml *.json)"); }
 
@@ -103,6 +112,7 @@ void MainWindow::MakeViewMenu() {
   aperture->setCheckable(true);
   aperture->setChecked(true);
   connect(aperture, &QAction::toggled, aperture_, &CornerAperture::SetShown);
+  Add(view, "coloursAction", tr("&Colour configuration…"), {}, [this] { ChooseColours(); });
   MakeEngineMenu(view);
   MakeThemeMenu(view);
   view->addSeparator();
@@ -161,6 +171,7 @@ void MainWindow::MakeShotMenu() {
       [this] { timeline_->GoToKeyframeAfter(); });
   shot->addSeparator();
   Add(shot, "lengthAction", tr("&Length of a still…"), {}, [this] { ChooseLength(); });
+  Add(shot, "cacheAction", tr("&Memory for frames…"), {}, [this] { ChooseCache(); });
   QMenu* const rates = shot->addMenu(tr("Frames a &second"));
   auto* const group = new QActionGroup(this);
   for (const double rate : {12.0, 23.976, 24.0, 25.0, 29.97, 30.0, 50.0, 60.0}) {
@@ -188,6 +199,33 @@ void MainWindow::ChooseLength() {
     document_->SetText(kShot, frames > 1 ? "1-" + std::to_string(frames) : "",
                        tr("Length of the shot"));
   }
+}
+
+// A configuration of OpenColorIO; what cannot be had of it is told over the picture.
+void MainWindow::ChooseColours() {
+  const QString file = QFileDialog::getOpenFileName(
+      this, tr("Colour configuration"), {}, tr("OpenColorIO configurations (*.ocio *.ocioz)"));
+  if (!file.isEmpty()) {
+    ScreenChoice choice;
+    choice.config = Utf8Path(file.toStdString());
+    viewBar_->UseColours(choice);
+  }
+}
+
+void MainWindow::ChooseCache() {
+  bool isGiven = false;
+  const int mebibytes = QInputDialog::getInt(
+      this, tr("Memory for frames"), tr("Frames that were read are kept, up to so many MiB:"),
+      CacheMebibytes(), 0, kMostCache, 64, &isGiven);
+  if (isGiven) {
+    QSettings().setValue(kCacheKey, mebibytes);
+    UseCache();
+  }
+}
+
+void MainWindow::UseCache() {
+  constexpr std::uint64_t kMebibyte = 1024 * 1024;
+  viewing_->SetCacheLimit(static_cast<std::uint64_t>(CacheMebibytes()) * kMebibyte);
 }
 
 // Frames that the clip lacks are passed over.

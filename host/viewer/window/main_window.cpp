@@ -71,6 +71,13 @@ MainWindow::MainWindow(const Page& page, std::shared_ptr<const EffectModule> mod
   MakeShotMenu();
   MakeHelpMenu();
   ConnectParts();
+  UseCache();
+  // The configuration that programs of this kind share.
+  if (const QString colours = qEnvironmentVariable("OCIO"); !colours.isEmpty()) {
+    ScreenChoice choice;
+    choice.config = Utf8Path(colours.toStdString());
+    viewBar_->UseColours(choice);
+  }
   RestoreLayout();
   ShowTitle();
   ShowState();

@@ -109,6 +109,9 @@ class MainWindow : public QMainWindow {
   void CopyCommand();
   void Step(int by);
   void ChooseLength();
+  void ChooseColours();
+  void ChooseCache();
+  void UseCache();
   void ShowAbout();
   void ShowKeys();
 
