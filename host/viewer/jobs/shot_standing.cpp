@@ -67,6 +67,7 @@ std::vector<fs::path> Manifests(const fs::path& manifest) {
   }
   std::sort(found.begin(), found.end());
   std::vector<fs::path> files;
+  files.reserve(found.size());
   for (auto& [time, file] : found) {
     files.push_back(std::move(file));
   }
