@@ -26,8 +26,8 @@ std::vector<Span> SpansOf(int from, int to) {
     const double begin = i * step;
     const double end = std::min((i + 1) * step, static_cast<double>(from));
     Span span{static_cast<std::size_t>(begin), {}};
-    for (double at = std::floor(begin); at < end; at += 1.0) {
-      const double covered = std::min(at + 1.0, end) - std::max(at, begin);
+    for (auto pixel = static_cast<int>(begin); pixel < end; ++pixel) {
+      const double covered = std::min(pixel + 1.0, end) - std::max<double>(pixel, begin);
       span.weights.push_back(static_cast<float>(covered / (end - begin)));
     }
     spans.push_back(std::move(span));
@@ -74,11 +74,9 @@ void Shrink(const Sample* from, int width, int height, ProxySize size, Sample* t
   }
 }
 
-quantel::cPtr<FrameImage> ShrinkFrame(const quantel::cPtr<FrameImage>& frame, ProxySize size) {
-  if (!frame) {
-    return {};
-  }
-  quantel::cPtr<FrameImage> smaller(new FrameImage(size.width, size.height));
+// As new.
+FrameImage* ShrinkFrame(FrameImage* frame, ProxySize size) {
+  auto* const smaller = new FrameImage(size.width, size.height);
   const auto [width, height] = frame->size();
   Shrink(frame->buffer(), width, height, size, smaller->buffer());
   return smaller;
@@ -132,7 +130,9 @@ std::shared_ptr<const LoadedFrame> MakeProxy(const LoadedFrame& frame, ProxySize
     proxy->source = quantel::cPtr<FrameImage>(new FrameImage(*picture));
   }
   proxy->picture = std::move(picture);
-  proxy->spread = ShrinkFrame(frame.spread, size);
+  if (frame.spread) {
+    proxy->spread = quantel::cPtr<FrameImage>(ShrinkFrame(frame.spread.Object(), size));
+  }
   return proxy;
 }
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/viewer/support/doorbell.h"
 
-#include <QMetaObject>
+#include <QCoreApplication>
+#include <QEvent>
 #include <mutex>
 
 namespace glimmerhost {
@@ -26,17 +27,21 @@ std::function<void()> Doorbell::Ringer() const {
     const std::lock_guard lock(state->mutex);
     if (state->bell != nullptr && !state->isRinging) {
       state->isRinging = true;
-      QMetaObject::invokeMethod(state->bell, &Doorbell::Answer, Qt::QueuedConnection);
+      QCoreApplication::postEvent(state->bell, new QEvent(QEvent::User));
     }
   };
 }
 
-void Doorbell::Answer() {
+bool Doorbell::event(QEvent* event) {
+  if (event->type() != QEvent::User) {
+    return QObject::event(event);
+  }
   {
     const std::lock_guard lock(state_->mutex);
     state_->isRinging = false;
   }
   emit Rung();
+  return true;
 }
 
 }  // namespace glimmerhost

@@ -28,9 +28,11 @@ class Doorbell : public QObject {
   // On the thread of this object.
   void Rung();
 
+ protected:
+  bool event(QEvent* event) override;
+
  private:
   struct State;
-  void Answer();
 
   std::shared_ptr<State> state_;
 };

@@ -61,6 +61,20 @@ QAction* MainWindow::Add(QMenu* menu, const char* name, const QString& text,
   return action;
 }
 
+// One of several in a menu, of which one holds.
+QAction* MainWindow::AddChoice(QMenu* menu, const QString& text, bool holds,
+                               const std::function<void()>& act) {
+  QAction* const action = Add(menu, "", text, {}, act);
+  action->setCheckable(true);
+  action->setChecked(holds);
+  auto* group = menu->findChild<QActionGroup*>();
+  if (group == nullptr) {
+    group = new QActionGroup(menu);
+  }
+  group->addAction(action);
+  return action;
+}
+
 void MainWindow::MakeFileMenu() {
   QMenu* const file = menuBar()->addMenu(tr("&File"));
   Add(file, "openAction", tr("&Open picture or sequence…"), QKeySequence::Open,
@@ -124,32 +138,24 @@ void MainWindow::MakeViewMenu() {
 void MainWindow::MakeEngineMenu(QMenu* view) {
   QMenu* const menu = view->addMenu(tr("&Engine"));
   menu->setObjectName("engineMenu");
-  auto* const group = new QActionGroup(this);
   for (const std::string& name : EngineList()) {
     const bool isOwn = name == kDefaultEngine;
-    QAction* const action = Add(menu, "", QString::fromStdString(name), {},
-                                [this, name, isOwn] { exact_->SetEngine(isOwn ? "" : name); });
-    action->setObjectName(QString::fromStdString(name) + "Action");
-    action->setCheckable(true);
-    action->setChecked(isOwn);
-    group->addAction(action);
+    AddChoice(menu, QString::fromStdString(name), isOwn, [this, name, isOwn] {
+      exact_->SetEngine(isOwn ? "" : name);
+    })->setObjectName(QString::fromStdString(name) + "Action");
   }
 }
 
 void MainWindow::MakeThemeMenu(QMenu* view) {
   QMenu* const menu = view->addMenu(tr("&Theme"));
-  auto* const group = new QActionGroup(this);
   const int chosen = QSettings().value("theme", static_cast<int>(Theme::kDark)).toInt();
   for (const auto& [theme, text] : {std::pair{Theme::kDark, tr("&Dark")},
                                     {Theme::kLight, tr("&Light")},
                                     {Theme::kDesktop, tr("Like the des&ktop")}}) {
-    QAction* const action = Add(menu, "", text, {}, [theme = theme] {
+    AddChoice(menu, text, static_cast<int>(theme) == chosen, [theme = theme] {
       UseTheme(theme);
       QSettings().setValue("theme", static_cast<int>(theme));
     });
-    action->setCheckable(true);
-    action->setChecked(static_cast<int>(theme) == chosen);
-    group->addAction(action);
   }
   UseTheme(static_cast<Theme>(chosen));
 }
@@ -173,13 +179,9 @@ void MainWindow::MakeShotMenu() {
   Add(shot, "lengthAction", tr("&Length of a still…"), {}, [this] { ChooseLength(); });
   Add(shot, "cacheAction", tr("&Memory for frames…"), {}, [this] { ChooseCache(); });
   QMenu* const rates = shot->addMenu(tr("Frames a &second"));
-  auto* const group = new QActionGroup(this);
   for (const double rate : {12.0, 23.976, 24.0, 25.0, 29.97, 30.0, 50.0, 60.0}) {
-    QAction* const action =
-        Add(rates, "", QString::number(rate), {}, [this, rate] { player_->SetRate(rate); });
-    action->setCheckable(true);
-    action->setChecked(rate == player_->Rate());
-    group->addAction(action);
+    AddChoice(rates, QString::number(rate), rate == player_->Rate(),
+              [this, rate] { player_->SetRate(rate); });
   }
 }
 

@@ -92,6 +92,9 @@ class MainWindow : public QMainWindow {
   QAction* Add(QMenu* menu, const char* name, const QString& text, const QKeySequence& keys,
                const std::function<void()>& act);
 
+  QAction* AddChoice(QMenu* menu, const QString& text, bool holds,
+                     const std::function<void()>& act);
+
   void ShowFrames();
   void ShowState();
   void AskForPresetPictures();
