@@ -216,10 +216,10 @@ QWidget* OutputForm::MakeFrames() {
 
 void OutputForm::SetInput(const JobInput& input) {
   const bool isAnother = input.input != input_.input;
-  const bool wasSequence = isShot_;
+  const bool wasShot = isShot_;
   input_ = input;
   isShot_ = IsSequence(input.input) || input.frames.size() > 1;
-  if (isAnother || (isShot_ != wasSequence && !isTyped_)) {
+  if (isAnother || (isShot_ != wasShot && !isTyped_)) {
     Propose();
   }
   ShowFrames();
