@@ -45,6 +45,24 @@ void Remove(const fs::path& look) {
 
 }  // namespace
 
+struct LookKeeper::Copy {
+  std::optional<Look> look;  // none where nothing would be lost
+  std::string input;
+};
+
+// Throws what writing files does.
+void LookKeeper::Write(const Page& page, const fs::path& file, const Copy& copy) {
+  if (!copy.look) {
+    Remove(file);
+    return;
+  }
+  SaveParameters(page, file, *copy.look, true);
+  QFile input(Name(InputFile(file)));
+  if (input.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+    input.write(copy.input.data(), static_cast<qint64>(copy.input.size()));
+  }
+}
+
 struct LookKeeper::Box {
   std::mutex mutex;
   std::string fault;
@@ -74,11 +92,7 @@ LookKeeper::LookKeeper(const Page& page, LookDocument* document, fs::path folder
       [box = box_, ring = bell->Ringer(), file = file_, &page](const Copy& copy) {
         std::string fault;
         try {
-          SaveParameters(page, file, copy.look, true);
-          QFile input(Name(InputFile(file)));
-          if (input.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-            input.write(copy.input.data(), static_cast<qint64>(copy.input.size()));
-          }
+          Write(page, file, copy);
         } catch (const std::exception& wrong) {
           fault = wrong.what();
         }
@@ -92,6 +106,7 @@ LookKeeper::LookKeeper(const Page& page, LookDocument* document, fs::path folder
   rest_.setInterval(kRest);
   connect(&rest_, &QTimer::timeout, this, &LookKeeper::Keep);
   connect(document_, &LookDocument::Changed, this, [this] { rest_.start(); });
+  connect(document_->UndoStack(), &QUndoStack::cleanChanged, this, [this] { rest_.start(); });
 }
 
 LookKeeper::~LookKeeper() {
@@ -101,12 +116,17 @@ LookKeeper::~LookKeeper() {
 
 void LookKeeper::SetInput(const QString& input) {
   input_ = input;
-  if (!document_->CurrentLook().texts.empty() || !document_->CurrentLook().set.empty()) {
+  if (!document_->IsClean()) {
     rest_.start();
   }
 }
 
-void LookKeeper::Keep() { writer_->Ask({document_->CurrentLook(), input_.toStdString()}); }
+// A look that nobody has changed since it was saved is offered by nobody: it would stand before one
+// that holds work.
+void LookKeeper::Keep() {
+  writer_->Ask({document_->IsClean() ? std::nullopt : std::optional(document_->CurrentLook()),
+                input_.toStdString()});
+}
 
 void LookKeeper::Answer() {
   std::string fault;

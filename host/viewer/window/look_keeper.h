@@ -46,17 +46,15 @@ class LookKeeper : public QObject {
   static void Forget(const LeftLook& left);
 
  signals:
-  // The look is on the disk as it is now.
+  // The look is on the disk as it is now, or has nothing that is not saved.
   void Kept();
   void Failed(const QString& fault);
 
  private:
   struct Box;
-  struct Copy {
-    Look look;
-    std::string input;
-  };
+  struct Copy;
 
+  static void Write(const Page& page, const std::filesystem::path& file, const Copy& copy);
   void Keep();
   void Answer();
 

@@ -30,6 +30,14 @@ class KeptLook : public testing::Test {
     std::ofstream(scratch.Path() / "state" / (name + ".input")) << input;
   }
 
+  int KeptLooks() const {
+    int count = 0;
+    for (const auto& entry : fs::directory_iterator(scratch.Path() / "state")) {
+      count += entry.path().extension() == ".toml" ? 1 : 0;
+    }
+    return count;
+  }
+
   Page page = Page::Load(PAGE);
   lx_test::ScratchFolder scratch;
   LookDocument document{page, nullptr};
@@ -58,6 +66,25 @@ TEST_F(KeptLook, IsGoneWhenItsWindowEndsAsItShould) {
   ASSERT_TRUE(kept.wait());
   keeper.reset();
   EXPECT_FALSE(MakeKeeper(&document)->Left());
+}
+
+TEST_F(KeptLook, IsNoneWhereNothingWasChanged) {
+  const auto keeper = MakeKeeper(&document);
+  QSignalSpy kept(keeper.get(), &LookKeeper::Kept);
+  document.SetPicture(160, 90, {});
+  ASSERT_TRUE(kept.wait());
+  EXPECT_EQ(KeptLooks(), 0);
+}
+
+TEST_F(KeptLook, IsGoneWhenItIsSaved) {
+  const auto keeper = MakeKeeper(&document);
+  QSignalSpy kept(keeper.get(), &LookKeeper::Kept);
+  document.SetText("radius-x", "12px", "");
+  ASSERT_TRUE(kept.wait());
+  EXPECT_EQ(KeptLooks(), 1);
+  document.Save(scratch.Path() / "saved.toml");
+  ASSERT_TRUE(kept.wait());
+  EXPECT_EQ(KeptLooks(), 0);
 }
 
 TEST_F(KeptLook, OfADeadWindowIsFoundWithWhatWasOpen) {
