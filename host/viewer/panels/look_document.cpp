@@ -194,6 +194,10 @@ void LookDocument::UsePreset(const std::string& name) {
 // As it came, and not as it is normalised: a key takes no units, an option does.
 void LookDocument::UseLook(const Look& look, const QString& what, const std::string& origin) {
   CheckLook(page_, look, picture_, origin);
+  TakeUp(look, what);
+}
+
+void LookDocument::TakeUp(const Look& look, const QString& what) {
   EditedLook used(page_);
   used.Use(look);
   Put(used, file_, what, 0);

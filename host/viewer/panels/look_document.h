@@ -97,6 +97,9 @@ class LookDocument : public QObject {
   //   origin  what an error begins with
   void UseLook(const Look& look, const QString& what, const std::string& origin = "");
 
+  // The same for a picture that is not open yet: not refused, as SetPicture would not refuse it.
+  void TakeUp(const Look& look, const QString& what);
+
   // Throw what reading and writing files does; the look is clean then.
   void Load(const std::filesystem::path& file);
   void Save(const std::filesystem::path& file);

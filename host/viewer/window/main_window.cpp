@@ -107,7 +107,8 @@ void MainWindow::MakeParts(const WindowPlaces& places) {
   keeper_ = new LookKeeper(page_, document_, places.state, this);
   exact_ = new ExactView(page_, viewing_, document_, places.program, this);
   auto* const middle = new QWidget(this);
-  messages_ = new MessageBar(middle);
+  messages_ = new MessageBar("messageBar", middle);
+  leftLook_ = new MessageBar("leftLookBar", middle);
   picture_ = new PictureView(middle);
   viewBar_ = new ViewBar(picture_, middle);
   values_ = new ValueBar(picture_, middle);
@@ -116,6 +117,7 @@ void MainWindow::MakeParts(const WindowPlaces& places) {
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);
   column->addWidget(viewBar_);
+  column->addWidget(leftLook_);
   column->addWidget(messages_);
   column->addWidget(picture_, 1);
   column->addWidget(values_);
@@ -311,20 +313,28 @@ void MainWindow::OfferLeftLook() {
   if (!left) {
     return;
   }
-  messages_->Offer(left->input.isEmpty()
-                       ? tr("A look was left by a window that did not end as it should.")
-                       : tr("A look for %1 was left by a window that did not end as it should.")
-                             .arg(left->input),
-                   tr("&Take it up again"), [this, left] {
-                     Try([&] {
-                       document_->UseLook(ReadParameterFile(page_, left->look),
-                                          tr("Take up a look again"));
-                       LookKeeper::Forget(*left);
-                       if (!left->input.isEmpty()) {
-                         viewing_->Open(left->input);
-                       }
-                     });
-                   });
+  leftLook_->Offer(
+      left->input.isEmpty()
+          ? tr("A look was left by a window that did not end as it should.")
+          : tr("A look for %1 was left by a window that did not end as it should.")
+                .arg(left->input),
+      tr("&Take it up again"), [this, left] { Try([&] { TakeUpAgain(*left); }); },
+      tr("&Discard it"),
+      [this, left] {
+        LookKeeper::Forget(*left);
+        OfferLeftLook();
+      });
+}
+
+// The file goes when the look is on the disk as this window's own.
+void MainWindow::TakeUpAgain(const LeftLook& left) {
+  document_->TakeUp(ReadParameterFile(page_, left.look), tr("Take up a look again"));
+  connect(
+      keeper_, &LookKeeper::Kept, this, [left] { LookKeeper::Forget(left); },
+      Qt::SingleShotConnection);
+  if (!left.input.isEmpty()) {
+    viewing_->Open(left.input);
+  }
 }
 
 // A letter that is typed at a list goes to the entry that begins with it, and is no key of the

@@ -100,6 +100,7 @@ class MainWindow : public QMainWindow {
   void AskForPresetPictures();
   void ShowTitle();
   JobInput Job() const;
+  void TakeUpAgain(const LeftLook& left);
   void Tell(const QString& line);
   void Try(const std::function<void()>& act);
 
@@ -130,6 +131,7 @@ class MainWindow : public QMainWindow {
   Player* player_;
   LookKeeper* keeper_;
   MessageBar* messages_;
+  MessageBar* leftLook_;  // of its own: no message of a file that is opened may take it away
   PictureView* picture_;
   ViewBar* viewBar_;
   ValueBar* values_;

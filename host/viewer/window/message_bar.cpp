@@ -10,9 +10,12 @@
 
 namespace glimmerhost {
 
-MessageBar::MessageBar(QWidget* parent)
-    : QFrame(parent), text_(new QLabel(this)), act_(new QPushButton(this)) {
-  setObjectName("messageBar");
+MessageBar::MessageBar(const QString& name, QWidget* parent)
+    : QFrame(parent),
+      text_(new QLabel(this)),
+      act_(AddButton("messageButton", &onAct_)),
+      other_(AddButton("messageOtherButton", &onOther_)) {
+  setObjectName(name);
   setFrameShape(QFrame::StyledPanel);
   setAutoFillBackground(true);
   setBackgroundRole(QPalette::ToolTipBase);
@@ -23,7 +26,6 @@ MessageBar::MessageBar(QWidget* parent)
   // A message may hold a file's name: it is no markup, and can be copied.
   text_->setTextFormat(Qt::PlainText);
   text_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-  act_->setObjectName("messageButton");
   auto* const close = new QToolButton(this);
   close->setObjectName("messageClose");
   close->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
@@ -34,23 +36,33 @@ MessageBar::MessageBar(QWidget* parent)
   row->setContentsMargins(8, 4, 4, 4);
   row->addWidget(text_, 1);
   row->addWidget(act_);
+  row->addWidget(other_);
   row->addWidget(close);
   connect(close, &QToolButton::clicked, this, &MessageBar::Clear);
-  connect(act_, &QPushButton::clicked, this, [this] {
-    const std::function<void()> act = onAct_;
+  hide();
+}
+
+// The line is gone before the act begins, which may show another.
+QPushButton* MessageBar::AddButton(const char* name, std::function<void()>* act) {
+  auto* const button = new QPushButton(this);
+  button->setObjectName(name);
+  connect(button, &QPushButton::clicked, this, [this, act] {
+    const std::function<void()> chosen = *act;
     Clear();
-    if (act) {
-      act();
+    if (chosen) {
+      chosen();
     }
   });
-  hide();
+  return button;
 }
 
 void MessageBar::Tell(const QString& text) {
   text_->setText(text);
   text_->setAccessibleName(text);
   onAct_ = nullptr;
+  onOther_ = nullptr;
   act_->hide();
+  other_->hide();
   show();
 }
 
@@ -61,9 +73,18 @@ void MessageBar::Offer(const QString& text, const QString& button, std::function
   act_->show();
 }
 
+void MessageBar::Offer(const QString& text, const QString& button, std::function<void()> act,
+                       const QString& otherButton, std::function<void()> otherAct) {
+  Offer(text, button, std::move(act));
+  onOther_ = std::move(otherAct);
+  other_->setText(otherButton);
+  other_->show();
+}
+
 void MessageBar::Clear() {
   text_->clear();
   onAct_ = nullptr;
+  onOther_ = nullptr;
   hide();
 }
 

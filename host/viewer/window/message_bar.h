@@ -15,13 +15,17 @@ class MessageBar : public QFrame {
   Q_OBJECT
 
  public:
-  explicit MessageBar(QWidget* parent = nullptr);
+  explicit MessageBar(const QString& name, QWidget* parent = nullptr);
 
   // Shows a line in the place of the one before.
   void Tell(const QString& text);
 
   // The same with a button that does something about it.
   void Offer(const QString& text, const QString& button, std::function<void()> act);
+
+  // The same with a second button, for whoever does not want it.
+  void Offer(const QString& text, const QString& button, std::function<void()> act,
+             const QString& otherButton, std::function<void()> otherAct);
 
   // Takes the line away.
   void Clear();
@@ -30,9 +34,13 @@ class MessageBar : public QFrame {
   QString Text() const;
 
  private:
+  QPushButton* AddButton(const char* name, std::function<void()>* act);
+
   QLabel* text_;
-  QPushButton* act_;
   std::function<void()> onAct_;
+  std::function<void()> onOther_;
+  QPushButton* act_;
+  QPushButton* other_;
 };
 
 }  // namespace glimmerhost

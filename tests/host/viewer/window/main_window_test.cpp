@@ -44,7 +44,15 @@ class Window : public testing::Test, public viewer_test::WindowStage {
     return (scratch / name).string();
   }
 
-  QString Message() { return window->findChild<MessageBar*>()->Text(); }
+  QString Message() { return window->findChild<MessageBar*>("messageBar")->Text(); }
+
+  MessageBar* LeftLookBar() { return window->findChild<MessageBar*>("leftLookBar"); }
+
+  // As a window leaves it that is killed.
+  void LeaveLook(const std::string& name, const std::string& sides, const std::string& input) {
+    std::ofstream(scratch / "state" / (name + ".toml")) << "version = 1\nsides = " << sides << "\n";
+    std::ofstream(scratch / "state" / (name + ".input")) << input;
+  }
 
   QAction* Action(const char* name) { return window->findChild<QAction*>(name); }
 
@@ -235,16 +243,53 @@ TEST_F(Window, ShowsWhatAnotherEngineMakesAndDropsItWhenValuesChange) {
 }
 
 TEST_F(Window, OffersWhatADeadWindowLeft) {
-  std::ofstream(scratch / "state" / "look-1-1.toml") << "version = 1\nsides = 9\n";
-  std::ofstream(scratch / "state" / "look-1-1.input") << WritePicture("was.png");
+  LeaveLook("look-1-1", "9", WritePicture("was.png"));
   window->OfferLeftLook();
-  ASSERT_TRUE(Message().contains("was.png"));
+  ASSERT_TRUE(LeftLookBar()->Text().contains("was.png"));
   QSignalSpy opened(viewing, &Viewing::Opened);
-  QTest::mouseClick(window->findChild<QPushButton*>("messageButton"), Qt::LeftButton);
+  QSignalSpy kept(window->findChild<LookKeeper*>(), &LookKeeper::Kept);
+  QTest::mouseClick(LeftLookBar()->findChild<QPushButton*>("messageButton"), Qt::LeftButton);
   EXPECT_EQ(Number(kSidesKey), 9.0);
-  ASSERT_TRUE(opened.wait());
+  EXPECT_TRUE(fs::exists(scratch / "state" / "look-1-1.toml"));
+  ASSERT_TRUE(opened.count() > 0 || opened.wait());
   EXPECT_EQ(viewing->Clip()->Title(), "was.png");
+  ASSERT_TRUE(kept.count() > 0 || kept.wait());
   EXPECT_FALSE(fs::exists(scratch / "state" / "look-1-1.toml"));
+}
+
+// A radius of 70px is more than half of the small picture, and all right in the one it was for.
+TEST_F(Window, TakesUpALeftLookThatDoesNotGoWithWhatIsOpen) {
+  Write(scratch / "small.png", Ramp(16, 9, 1));
+  ASSERT_TRUE(Open((scratch / "small.png").string()));
+  LeaveLook("look-1-1", "9\nradius-x = \"70px\"", WritePicture("was.png"));
+  window->OfferLeftLook();
+  QSignalSpy opened(viewing, &Viewing::Opened);
+  QTest::mouseClick(LeftLookBar()->findChild<QPushButton*>("messageButton"), Qt::LeftButton);
+  ASSERT_TRUE(opened.count() > 0 || opened.wait());
+  ASSERT_TRUE(Settle());
+  EXPECT_EQ(document->TextOf("radius-x"), "70px");
+  // The store holds the aperture's whole width.
+  EXPECT_EQ(Number(kRadiusXKey), 140.0 / 160.0);
+}
+
+TEST_F(Window, GoesOnOfferingALeftLookWhileAPictureIsOpened) {
+  LeaveLook("look-1-1", "9", WritePicture("was.png"));
+  window->OfferLeftLook();
+  ASSERT_TRUE(Open(WritePicture("other.png")));
+  EXPECT_TRUE(LeftLookBar()->Text().contains("was.png"));
+}
+
+TEST_F(Window, ForgetsALeftLookThatNobodyWantsAndOffersTheNext) {
+  LeaveLook("look-1-1", "9", "first.png");
+  LeaveLook("look-2-1", "8", "second.png");
+  window->OfferLeftLook();
+  const bool isFirst = LeftLookBar()->Text().contains("first.png");
+  auto* const discard = LeftLookBar()->findChild<QPushButton*>("messageOtherButton");
+  QTest::mouseClick(discard, Qt::LeftButton);
+  EXPECT_FALSE(fs::exists(scratch / "state" / (isFirst ? "look-1-1.toml" : "look-2-1.toml")));
+  EXPECT_TRUE(LeftLookBar()->Text().contains(isFirst ? "second.png" : "first.png"));
+  QTest::mouseClick(discard, Qt::LeftButton);
+  EXPECT_EQ(LeftLookBar()->Text(), "");
 }
 
 TEST_F(Window, RemembersWhatWasOpenAndHowItLookedLike) {
