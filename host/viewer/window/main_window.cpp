@@ -110,6 +110,8 @@ void MainWindow::MakeParts(const WindowPlaces& places) {
   messages_ = new MessageBar("messageBar", middle);
   leftLook_ = new MessageBar("leftLookBar", middle);
   picture_ = new PictureView(middle);
+  picture_->SetHint(tr("Drop a picture here, or press %1 to open one.")
+                        .arg(QKeySequence(QKeySequence::Open).toString(QKeySequence::NativeText)));
   viewBar_ = new ViewBar(picture_, middle);
   values_ = new ValueBar(picture_, middle);
   aperture_ = new CornerAperture(module_, viewing_, document_, picture_);
@@ -224,6 +226,8 @@ void MainWindow::ConnectParts() {
 void MainWindow::ShowFrames() {
   const std::shared_ptr<const LoadedFrame>& loaded = viewing_->Loaded();
   if (!loaded) {
+    picture_->SetHint(tr("There is no picture of this frame."));
+    picture_->ShowFrames(nullptr, nullptr, false);
     return;
   }
   // A result of a frame before is better than none while the next is in work.

@@ -189,7 +189,7 @@ void Viewing::TakeFrame() {
   isLoading_ = false;
   if (!answer->loaded) {
     emit Told(FromUtf8(answer->fault));
-    emit StateChanged();
+    DropFrame();
     return;
   }
   loaded_ = answer->loaded;
@@ -205,6 +205,17 @@ void Viewing::TakeFrame() {
   livePage_->Show(loaded_, static_cast<int>(frames_.size()));
   emit Shown();
   AskForRender(true);
+}
+
+// A frame before would be taken for the one that could not be read.
+void Viewing::DropFrame() {
+  rest_.stop();
+  watch_.stop();
+  loaded_ = nullptr;
+  rendered_ = {};
+  rendered_.serial = ++asked_;
+  emit Shown();
+  emit StateChanged();
 }
 
 void Viewing::AskForRender(bool mayBeProxy) {
@@ -230,7 +241,7 @@ void Viewing::AskForRender(bool mayBeProxy) {
 
 void Viewing::TakeRendered() {
   std::optional<RenderedFrame> rendered = live_.Take();
-  if (!rendered) {
+  if (!rendered || !loaded_) {
     return;
   }
   isHangTold_ = false;

@@ -68,7 +68,7 @@ class Viewing : public QObject {
   int Frame() const { return frame_; }
   LivePage* PageOfModule() { return livePage_; }
 
-  // The frame that is looked at; null for none.
+  // The frame that is looked at; null for none, or one that cannot be read.
   const std::shared_ptr<const LoadedFrame>& Loaded() const { return loaded_; }
 
   // What the effect made of it; null for none yet. It may be of a frame before.
@@ -107,6 +107,7 @@ class Viewing : public QObject {
   void SettleFrames();
   int FileFrame() const;
   void AskForFrame();
+  void DropFrame();
   void AskForRender(bool mayBeProxy);
   void Watch();
 

@@ -94,6 +94,23 @@ TEST_F(Window, SaysWhatIsWrongWithABrokenPictureAndLives) {
   EXPECT_EQ(Message(), "");
 }
 
+TEST_F(Window, ShowsNoPictureInThePlaceOfABrokenOne) {
+  WritePicture("shot.0001.png", 1);
+  std::ofstream(scratch / "shot.0002.png") << "no picture";
+  ASSERT_TRUE(Open((scratch / "shot.####.png").string()));
+  ASSERT_NE(view->Before(), nullptr);
+  viewing->SetFrame(2);
+  ASSERT_TRUE(WaitForMessage("shot.0002.png"));
+  ASSERT_TRUE(WaitUntil(viewing, &Viewing::StateChanged, [this] { return viewing->IsSettled(); }));
+  EXPECT_EQ(view->Before(), nullptr);
+  EXPECT_EQ(viewing->State(), ShownState::kNothing);
+
+  viewing->SetFrame(1);
+  ASSERT_TRUE(Settle());
+  EXPECT_NE(view->Before(), nullptr);
+  EXPECT_EQ(viewing->State(), ShownState::kTrueFrame);
+}
+
 TEST_F(Window, TakesTypedValuesAsTheCommandLineDoes) {
   ASSERT_TRUE(Open(WritePicture("in.png")));
   TypeInto(kShapeKey, "polygon");
