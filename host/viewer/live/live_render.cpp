@@ -5,6 +5,7 @@
 #include <exception>
 #include <mutex>
 #include <utility>
+#include <vector>
 
 #include "host/support/newest_worker.h"
 #include "host/viewer/live/frame_maker.h"
@@ -32,6 +33,32 @@ class Pace {
   double secondsPerPoint_ = 0.0;
 };
 
+// Pictures that nobody looks at any more. The last who looked is mostly the window's thread, and
+// giving back so much memory would keep that from its events: the render's thread does it.
+class Graveyard {
+ public:
+  // The same picture; it is buried where it would have been freed.
+  static std::shared_ptr<const Picture> Watch(const std::shared_ptr<Graveyard>& graveyard,
+                                              std::shared_ptr<const Picture> picture) {
+    const Picture* const seen = picture.get();
+    return {seen, [graveyard, held = std::move(picture)](const Picture*) mutable {
+              const std::lock_guard lock(graveyard->mutex_);
+              graveyard->buried_.push_back(std::move(held));
+            }};
+  }
+
+  void Clear() {
+    // Freed behind the lock: declared before it.
+    std::vector<std::shared_ptr<const Picture>> buried;
+    const std::lock_guard lock(mutex_);
+    buried.swap(buried_);
+  }
+
+ private:
+  std::mutex mutex_;
+  std::vector<std::shared_ptr<const Picture>> buried_;
+};
+
 // The renders of one thread.
 class Studio {
  public:
@@ -42,11 +69,13 @@ class Studio {
     RenderedFrame rendered;
     rendered.serial = request.serial;
     rendered.frame = request.frame;
+    graveyard_->Clear();
     try {
       const std::shared_ptr<const LoadedFrame> frame = Chosen(request);
       rendered.isProxy = frame != request.frame;
       const Clock::time_point start = Clock::now();
-      rendered.picture = maker_.Make(*frame, request.values, request.mix);
+      rendered.picture =
+          Graveyard::Watch(graveyard_, maker_.Make(*frame, request.values, request.mix));
       rendered.seconds = std::chrono::duration<double>(Clock::now() - start).count();
       PaceOf(*frame).Note(PointsOf(request, *frame), rendered.seconds);
     } catch (const std::exception& fault) {
@@ -94,6 +123,7 @@ class Studio {
   double handSeconds_;
   FrameMaker maker_;
   Pace paces_[2];
+  std::shared_ptr<Graveyard> graveyard_ = std::make_shared<Graveyard>();
   std::shared_ptr<const LoadedFrame> proxy_;
   std::shared_ptr<const LoadedFrame> proxyOf_;
   ProxySize proxySize_;
