@@ -51,7 +51,9 @@ ViewBar::ViewBar(PictureView* view, QWidget* parent)
 
 QAction* ViewBar::Add(const QString& name, const QString& text, const QKeySequence& key,
                       const QString& help) {
-  QAction* const action = addAction(text);
+  // The bar has the short text; in a menu, R alone says too little.
+  QAction* const action = addAction(help);
+  action->setIconText(text);
   action->setObjectName(name);
   action->setShortcut(key);
   action->setToolTip(

@@ -11,6 +11,7 @@
 #include <QMessageBox>
 #include <QSettings>
 #include <QStringList>
+#include <QWidgetAction>
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -119,7 +120,12 @@ void MainWindow::MakeEditMenu() {
 
 void MainWindow::MakeViewMenu() {
   QMenu* const view = menuBar()->addMenu(tr("&View"));
-  view->addActions(viewBar_->actions());
+  for (QAction* action : viewBar_->actions()) {
+    // A field of the bar would be an empty place in a menu.
+    if (qobject_cast<QWidgetAction*>(action) == nullptr) {
+      view->addAction(action);
+    }
+  }
   view->addSeparator();
   QAction* const aperture =
       Add(view, "apertureAction", tr("&Aperture in the corner"), QKeySequence("P"), {});

@@ -326,6 +326,15 @@ TEST_F(Window, RemembersWhatWasOpenAndHowItLookedLike) {
   EXPECT_TRUE(next.close());
 }
 
+TEST_F(Window, HasNoEmptyPlacesInItsMenus) {
+  for (const QMenu* menu : window->findChildren<QMenu*>()) {
+    for (const QAction* action : menu->actions()) {
+      EXPECT_TRUE(action->isSeparator() || !action->text().isEmpty())
+          << menu->title().toStdString() << ": " << action->objectName().toStdString();
+    }
+  }
+}
+
 // Only what can be reached by keys can be used by them.
 TEST_F(Window, IsReachedByTabFromThePictureToEveryPanel) {
   ASSERT_TRUE(Open(WritePicture("in.png")));
