@@ -8,6 +8,7 @@
 #include <QDockWidget>
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QFileInfo>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMessageBox>
@@ -309,7 +310,8 @@ void MainWindow::Open(const QString& name) {
     }
     return;
   }
-  viewing_->Open(name);
+  // What is remembered of it must be found from another folder, too.
+  viewing_->Open(QFileInfo(name).absoluteFilePath());
 }
 
 void MainWindow::OfferLeftLook() {
@@ -364,10 +366,13 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
   }
 }
 
-// Of several files the first: those of a sequence are dropped together.
+// Of several files the first: those of a sequence are dropped together. Whoever drops waits for the
+// answer, and must not wait for a person who is asked about the look.
 void MainWindow::dropEvent(QDropEvent* event) {
   event->acceptProposedAction();
-  Open(event->mimeData()->urls().front().toLocalFile());
+  const QString file = event->mimeData()->urls().front().toLocalFile();
+  QMetaObject::invokeMethod(
+      this, [this, file] { Open(file); }, Qt::QueuedConnection);
 }
 
 bool MainWindow::MayDropLook() {

@@ -6,6 +6,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QDir>
 #include <QDockWidget>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -324,6 +325,16 @@ TEST_F(Window, RemembersWhatWasOpenAndHowItLookedLike) {
   EXPECT_EQ(recent->actions().front()->text(), QString::fromStdString(file));
   next.findChild<QDockWidget*>("timelineDock")->show();
   EXPECT_TRUE(next.close());
+}
+
+TEST_F(Window, RemembersWhereAFileIsThatWasNamedFromAFolder) {
+  WritePicture("in.png");
+  const QString before = QDir::currentPath();
+  QDir::setCurrent(QString::fromStdString(scratch.Path().string()));
+  const bool isOpen = Open("in.png");
+  QDir::setCurrent(before);
+  ASSERT_TRUE(isOpen);
+  EXPECT_EQ(viewing->Clip()->Input(), (scratch / "in.png").string());
 }
 
 TEST_F(Window, HasNoEmptyPlacesInItsMenus) {
