@@ -13,6 +13,7 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QScreen>
 #include <QSettings>
 #include <QStatusBar>
 #include <QTabWidget>
@@ -413,7 +414,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 void MainWindow::RestoreLayout() {
   const QSettings settings;
   if (!restoreGeometry(settings.value("window/geometry").toByteArray())) {
-    resize(1440, 900);
+    resize(QSize(1440, 900).boundedTo(screen()->availableSize()));
   }
   restoreState(settings.value("window/state").toByteArray(), kLayoutVersion);
 }

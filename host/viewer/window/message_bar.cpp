@@ -63,7 +63,7 @@ void MessageBar::Tell(const QString& text) {
   onOther_ = nullptr;
   act_->hide();
   other_->hide();
-  show();
+  setVisible(!text.isEmpty());
 }
 
 void MessageBar::Offer(const QString& text, const QString& button, std::function<void()> act) {

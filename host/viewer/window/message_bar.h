@@ -17,7 +17,7 @@ class MessageBar : public QFrame {
  public:
   explicit MessageBar(const QString& name, QWidget* parent = nullptr);
 
-  // Shows a line in the place of the one before.
+  // Shows a line in the place of the one before; an empty one takes that away.
   void Tell(const QString& text);
 
   // The same with a button that does something about it.

@@ -188,7 +188,7 @@ void Viewing::TakeFrame() {
   }
   isLoading_ = false;
   if (!answer->loaded) {
-    emit Told(FromUtf8(answer->fault));
+    TellFault(answer->fault);
     DropFrame();
     return;
   }
@@ -198,13 +198,30 @@ void Viewing::TakeFrame() {
     still->frame = frame_;
     loaded_ = std::move(still);
   }
+  TakeFaultBack();
+  QStringList remarks;
   for (const std::string& remark : loaded_->remarks) {
-    emit Told(FromUtf8(remark));
+    remarks += FromUtf8(remark);
+  }
+  if (!remarks.isEmpty()) {
+    emit Told(remarks.join('\n'));
   }
   document_->SetPicture(loaded_->picture->width, loaded_->picture->height, clip_->Span());
   livePage_->Show(loaded_, static_cast<int>(frames_.size()));
   emit Shown();
   AskForRender(true);
+}
+
+void Viewing::TellFault(const std::string& fault) {
+  isFaultTold_ = true;
+  emit Told(FromUtf8(fault));
+}
+
+// What was wrong with one frame is not said of the next.
+void Viewing::TakeFaultBack() {
+  if (std::exchange(isFaultTold_, false)) {
+    emit Told({});
+  }
 }
 
 // A frame before would be taken for the one that could not be read.
@@ -245,8 +262,10 @@ void Viewing::TakeRendered() {
     return;
   }
   isHangTold_ = false;
-  if (!rendered->fault.empty()) {
-    emit Told(FromUtf8(rendered->fault));
+  if (rendered->fault.empty()) {
+    TakeFaultBack();
+  } else {
+    TellFault(rendered->fault);
   }
   rendered_ = std::move(*rendered);
   if (rendered_.serial == asked_ && !rendered_.isProxy) {

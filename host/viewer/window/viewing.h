@@ -94,7 +94,7 @@ class Viewing : public QObject {
   // Another LoadedFrame, or another result, is there.
   void Shown();
   void StateChanged();
-  // A line for a person.
+  // A line for a person; empty where the last does not hold any longer.
   void Told(const QString& line);
   // A render goes on for longer than anybody should wait.
   void Hangs();
@@ -108,6 +108,8 @@ class Viewing : public QObject {
   int FileFrame() const;
   void AskForFrame();
   void DropFrame();
+  void TellFault(const std::string& fault);
+  void TakeFaultBack();
   void AskForRender(bool mayBeProxy);
   void Watch();
 
@@ -125,6 +127,7 @@ class Viewing : public QObject {
   std::uint64_t opening_ = 0;
   bool isLoading_ = false;
   bool isHangTold_ = false;
+  bool isFaultTold_ = false;
   QTimer rest_;
   QTimer watch_;
   std::chrono::milliseconds patience_;

@@ -110,6 +110,7 @@ TEST_F(Window, ShowsNoPictureInThePlaceOfABrokenOne) {
   ASSERT_TRUE(Settle());
   EXPECT_NE(view->Before(), nullptr);
   EXPECT_EQ(viewing->State(), ShownState::kTrueFrame);
+  EXPECT_EQ(Message(), "");
 }
 
 TEST_F(Window, TakesTypedValuesAsTheCommandLineDoes) {
