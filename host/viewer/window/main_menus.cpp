@@ -4,13 +4,11 @@
 #include <QActionGroup>
 #include <QDockWidget>
 #include <QFileDialog>
-#include <QFileInfo>
 #include <QInputDialog>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QSettings>
-#include <QStringList>
 #include <QWidgetAction>
 #include <algorithm>
 #include <cstddef>
@@ -35,9 +33,6 @@
 namespace glimmerhost {
 namespace {
 
-constexpr const char* kRecentKey = "recent";
-constexpr int kMostRecent = 10;
-
 constexpr const char* kCacheKey = "cache";
 constexpr int kUsualCache = 1024;  // MiB
 constexpr int kMostCache = 1 << 20;
@@ -45,8 +40,6 @@ constexpr int kMostCache = 1 << 20;
 int CacheMebibytes() {
   return std::clamp(QSettings().value(kCacheKey, kUsualCache).toInt(), 0, kMostCache);
 }
-
-QString LookFilter() { return MainWindow::tr("Looks (*.toml *.json)"); }
 
 }  // namespace
 
@@ -133,12 +126,24 @@ void MainWindow::MakeViewMenu() {
   aperture->setChecked(true);
   connect(aperture, &QAction::toggled, aperture_, &CornerAperture::SetShown);
   Add(view, "coloursAction", tr("&Colour configuration…"), {}, [this] { ChooseColours(); });
+  QAction* const second = Add(view, "secondClipAction", tr("&Second clip"), QKeySequence("S"), {});
+  second->setCheckable(true);
+  connect(second, &QAction::toggled, this, &MainWindow::ShowSecondClip);
   MakeEngineMenu(view);
   MakeThemeMenu(view);
   view->addSeparator();
   for (const char* dock : {"lookDock", "presetsDock", "jobsDock", "timelineDock"}) {
     view->addAction(findChild<QDockWidget*>(dock)->toggleViewAction());
   }
+}
+
+// In the place of the frame, so that the crosshair can be dragged on what it cuts from.
+void MainWindow::ShowSecondClip(bool shown) {
+  showsSecond_ = shown;
+  if (shown && (!viewing_->Loaded() || !viewing_->Loaded()->spread)) {
+    Tell(tr("There is no second clip: the shape image cuts the aperture out of the frame itself."));
+  }
+  ShowFrames();
 }
 
 void MainWindow::MakeEngineMenu(QMenu* view) {
@@ -255,78 +260,9 @@ void MainWindow::MakeHelpMenu() {
       [this] { ShowKeys(); });
   Add(help, "aboutAction", tr("&About GlimmerBlur"), {}, [this] { ShowAbout(); });
 }
-
-void MainWindow::ChoosePicture() {
-  const QString file = QFileDialog::getOpenFileName(
-      this, tr("Open picture or sequence"),
-      viewing_->Clip() ? QString::fromStdString(viewing_->Clip()->Input()) : QString());
-  if (!file.isEmpty()) {
-    Open(file);
-  }
-}
-
-void MainWindow::ChooseSecondClip() {
-  const QString file = QFileDialog::getOpenFileName(this, tr("Open second clip"));
-  if (!file.isEmpty()) {
-    document_->SetText(kSpread, file.toStdString(), tr("Open second clip"));
-  }
-}
-
-void MainWindow::LoadLook() {
-  if (!MayDropLook()) {
-    return;
-  }
-  const QString file = QFileDialog::getOpenFileName(this, tr("Load look"), {}, LookFilter());
-  if (!file.isEmpty()) {
-    document_->Load(Utf8Path(file.toStdString()));
-  }
-}
-
-bool MainWindow::SaveLook() {
-  if (document_->File().empty()) {
-    return SaveLookAs();
-  }
-  Try([this] { document_->Save(document_->File()); });
-  return document_->IsClean();
-}
-
-bool MainWindow::SaveLookAs() {
-  QString file = QFileDialog::getSaveFileName(this, tr("Save look"), "look.toml", LookFilter());
-  if (file.isEmpty()) {
-    return false;
-  }
-  if (QFileInfo(file).suffix().isEmpty()) {
-    file += ".toml";
-  }
-  Try([&] { document_->Save(Utf8Path(file.toStdString())); });
-  return document_->IsClean();
-}
-
 void MainWindow::CopyCommand() {
   jobs_->CopyCommandLine();
   loading_->setText(tr("The command line is in the clipboard."));
-}
-
-// The newest first, each once.
-void MainWindow::Remember(const QString& name) {
-  QSettings settings;
-  QStringList recent = settings.value(kRecentKey).toStringList();
-  recent.removeAll(name);
-  recent.prepend(name);
-  settings.setValue(kRecentKey, QStringList(recent.mid(0, kMostRecent)));
-}
-
-void MainWindow::FillRecent() {
-  recent_->clear();
-  for (const QString& name : QSettings().value(kRecentKey).toStringList()) {
-    // An ampersand would be a mnemonic.
-    QString text = name;
-    QAction* const action = recent_->addAction(text.replace("&", "&&"));
-    connect(action, &QAction::triggered, this, [this, name] { Open(name); });
-  }
-  if (recent_->isEmpty()) {
-    recent_->addAction(tr("Nothing yet"))->setEnabled(false);
-  }
 }
 
 void MainWindow::ShowAbout() {

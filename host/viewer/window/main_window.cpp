@@ -3,27 +3,19 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
-#include <QCloseEvent>
 #include <QComboBox>
 #include <QDockWidget>
-#include <QDragEnterEvent>
-#include <QDropEvent>
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QMessageBox>
-#include <QMimeData>
 #include <QScreen>
-#include <QSettings>
 #include <QStatusBar>
 #include <QTabWidget>
-#include <QUrl>
 #include <QVBoxLayout>
 #include <exception>
 #include <initializer_list>
 #include <utility>
 
-#include "host/looks/parameter_file.h"
 #include "host/support/utf8_path.h"
 #include "host/viewer/jobs/jobs_panel.h"
 #include "host/viewer/panels/page_panel.h"
@@ -41,13 +33,6 @@
 
 namespace glimmerhost {
 namespace {
-
-// Of the widgets that can be moved and hidden; another number where these are others.
-constexpr int kLayoutVersion = 1;
-
-bool IsLookFile(const QString& name) {
-  return name.endsWith(".toml", Qt::CaseInsensitive) || name.endsWith(".json", Qt::CaseInsensitive);
-}
 
 QDockWidget* MakeDock(QMainWindow* window, Qt::DockWidgetArea area, const char* name,
                       const QString& title, QWidget* content) {
@@ -232,10 +217,29 @@ void MainWindow::ShowFrames() {
     picture_->ShowFrames(nullptr, nullptr, false);
     return;
   }
+  if (showsSecond_ && loaded->spread) {
+    picture_->ShowFrames(SecondClip(), nullptr, false);
+    return;
+  }
   // A result of a frame before is better than none while the next is in work.
   const bool isExact = exact_->Result() != nullptr;
   picture_->ShowFrames(loaded->picture, isExact ? exact_->Result() : viewing_->Result(),
                        !isExact && viewing_->Rendered().isProxy);
+}
+
+// The second clip as a picture, made once for each.
+std::shared_ptr<const Picture> MainWindow::SecondClip() {
+  const quantel::cPtr<FrameImage>& spread = viewing_->Loaded()->spread;
+  if (secondOf_.Object() != spread.Object()) {
+    auto picture = std::make_shared<Picture>();
+    const auto [width, height] = spread->size();
+    picture->width = width;
+    picture->height = height;
+    spread->CopyTo(picture.get());
+    second_ = std::move(picture);
+    secondOf_ = spread;
+  }
+  return second_;
 }
 
 // Once for each clip, by the first frame of it whose true picture is there: no hand waits then.
@@ -304,46 +308,6 @@ void MainWindow::Try(const std::function<void()>& act) {
   }
 }
 
-void MainWindow::Open(const QString& name) {
-  if (IsLookFile(name)) {
-    if (MayDropLook()) {
-      Try([&] { document_->Load(Utf8Path(name.toStdString())); });
-    }
-    return;
-  }
-  // What is remembered of it must be found from another folder, too.
-  viewing_->Open(QFileInfo(name).absoluteFilePath());
-}
-
-void MainWindow::OfferLeftLook() {
-  const std::optional<LeftLook> left = keeper_->Left();
-  if (!left) {
-    return;
-  }
-  leftLook_->Offer(
-      left->input.isEmpty()
-          ? tr("A look was left by a window that did not end as it should.")
-          : tr("A look for %1 was left by a window that did not end as it should.")
-                .arg(left->input),
-      tr("&Take it up again"), [this, left] { Try([&] { TakeUpAgain(*left); }); },
-      tr("&Discard it"),
-      [this, left] {
-        LookKeeper::Forget(*left);
-        OfferLeftLook();
-      });
-}
-
-// The file goes when the look is on the disk as this window's own.
-void MainWindow::TakeUpAgain(const LeftLook& left) {
-  document_->TakeUp(ReadParameterFile(page_, left.look), tr("Take up a look again"));
-  connect(
-      keeper_, &LookKeeper::Kept, this, [left] { LookKeeper::Forget(left); },
-      Qt::SingleShotConnection);
-  if (!left.input.isEmpty()) {
-    viewing_->Open(left.input);
-  }
-}
-
 // A letter that is typed at a list goes to the entry that begins with it, and is no key of the
 // view.
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
@@ -359,70 +323,6 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
     }
   }
   return QMainWindow::eventFilter(watched, event);
-}
-
-void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
-  if (event->mimeData()->hasUrls() && event->mimeData()->urls().front().isLocalFile()) {
-    event->acceptProposedAction();
-  }
-}
-
-// Of several files the first: those of a sequence are dropped together. Whoever drops waits for the
-// answer, and must not wait for a person who is asked about the look.
-void MainWindow::dropEvent(QDropEvent* event) {
-  event->acceptProposedAction();
-  const QString file = event->mimeData()->urls().front().toLocalFile();
-  QMetaObject::invokeMethod(
-      this, [this, file] { Open(file); }, Qt::QueuedConnection);
-}
-
-bool MainWindow::MayDropLook() {
-  if (document_->IsClean()) {
-    return true;
-  }
-  QMessageBox box(QMessageBox::Question, tr("Look not saved"),
-                  tr("The look has changes that are not saved."),
-                  QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
-  box.setObjectName("unsavedBox");
-  switch (box.exec()) {
-    case QMessageBox::Save:
-      return SaveLook();
-    case QMessageBox::Discard:
-      return true;
-    default:
-      return false;
-  }
-}
-
-void MainWindow::closeEvent(QCloseEvent* event) {
-  if (jobs_->IsRunning() &&
-      QMessageBox::question(this, tr("Rendering"),
-                            tr("Frames are still being rendered to disk. Closing the window stops "
-                               "that; what is done stays.")) != QMessageBox::Yes) {
-    event->ignore();
-    return;
-  }
-  if (!MayDropLook()) {
-    event->ignore();
-    return;
-  }
-  player_->Play(false);
-  KeepLayout();
-  event->accept();
-}
-
-void MainWindow::RestoreLayout() {
-  const QSettings settings;
-  if (!restoreGeometry(settings.value("window/geometry").toByteArray())) {
-    resize(QSize(1440, 900).boundedTo(screen()->availableSize()));
-  }
-  restoreState(settings.value("window/state").toByteArray(), kLayoutVersion);
-}
-
-void MainWindow::KeepLayout() const {
-  QSettings settings;
-  settings.setValue("window/geometry", saveGeometry());
-  settings.setValue("window/state", saveState(kLayoutVersion));
 }
 
 }  // namespace glimmerhost

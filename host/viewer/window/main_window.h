@@ -96,6 +96,8 @@ class MainWindow : public QMainWindow {
                      const std::function<void()>& act);
 
   void ShowFrames();
+  std::shared_ptr<const Picture> SecondClip();
+  void ShowSecondClip(bool shown);
   void ShowState();
   void AskForPresetPictures();
   void ShowTitle();
@@ -145,6 +147,9 @@ class MainWindow : public QMainWindow {
   QLabel* loading_;
   QLabel* engine_;
   QMenu* recent_ = nullptr;
+  bool showsSecond_ = false;
+  std::shared_ptr<const Picture> second_;
+  quantel::cPtr<FrameImage> secondOf_;  // what the picture of the second clip was made of
   std::shared_ptr<const ViewedClip> picturedClip_;  // that presets are shown on
 };
 

@@ -188,6 +188,19 @@ TEST_F(Window, SavesAndLoadsLooksThatRenderAsTheySay) {
   EXPECT_EQ(Number(kEmphasisKey), 20.0);
 }
 
+TEST_F(Window, ShowsTheSecondClipInThePlaceOfTheFrame) {
+  ASSERT_TRUE(Open(WritePicture("in.png", 1)));
+  const auto frame = view->Before();
+  document->SetText("spread", WritePicture("spread.png", 7), "");
+  ASSERT_TRUE(Settle());
+  Action("secondClipAction")->trigger();
+  EXPECT_EQ(view->Before()->samples, Ramp(160, 90, 7).samples);
+  EXPECT_EQ(view->After(), nullptr);
+  Action("secondClipAction")->trigger();
+  EXPECT_EQ(view->Before()->samples, frame->samples);
+  EXPECT_EQ(view->After(), viewing->Result());
+}
+
 TEST_F(Window, UsesAPresetAsOneStep) {
   ASSERT_TRUE(Open(WritePicture("in.png")));
   auto* const list = window->findChild<QDockWidget*>("presetsDock")->findChild<QListWidget*>();
