@@ -7,11 +7,10 @@
 #include <QTemporaryDir>
 
 // For the thread sanitizer, which sees memory that Qt moves about and not the locks that Qt does it
-// under: what Qt's libraries do themselves is left out. Qt starts programs by a fork that shares
-// its memory, after which the sanitizer takes this process for the child, and would end it with its
-// next thread. Visible, as the sanitizer's library asks for it by its name.
+// under: what Qt's libraries do themselves is left out. Visible, as the sanitizer's library asks for
+// it by its name.
 extern "C" __attribute__((visibility("default"))) const char* __tsan_default_options();
-const char* __tsan_default_options() { return "ignore_noninstrumented_modules=1:die_after_fork=0"; }
+const char* __tsan_default_options() { return "ignore_noninstrumented_modules=1"; }
 
 int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
