@@ -46,6 +46,8 @@ void MainWindow::Open(const QString& name) {
     }
     return;
   }
+  // Now, and not when it is open: what is said until then may be of a look that came with it.
+  messages_->Clear();
   // What is remembered of it must be found from another folder, too.
   viewing_->Open(QFileInfo(name).absoluteFilePath());
 }

@@ -154,7 +154,6 @@ void MainWindow::ConnectParts() {
   });
 
   connect(viewing_, &Viewing::Opened, this, [this] {
-    messages_->Clear();
     const QString input = QString::fromStdString(viewing_->Clip()->Input());
     keeper_->SetInput(input);
     Remember(input);

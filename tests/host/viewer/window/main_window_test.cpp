@@ -341,6 +341,15 @@ TEST_F(Window, RemembersWhatWasOpenAndHowItLookedLike) {
   EXPECT_TRUE(next.close());
 }
 
+TEST_F(Window, GoesOnSayingWhatIsWrongWithALookThatCameWithThePicture) {
+  std::ofstream(scratch / "bad.toml") << "version = 1\nradiuss-x = \"4px\"\n";
+  QSignalSpy opened(viewing, &Viewing::Opened);
+  window->Open(QString::fromStdString(WritePicture("in.png")));
+  window->Open(QString::fromStdString((scratch / "bad.toml").string()));
+  ASSERT_TRUE(opened.wait());
+  EXPECT_TRUE(Message().contains("radiuss-x"));
+}
+
 TEST_F(Window, RemembersWhereAFileIsThatWasNamedFromAFolder) {
   WritePicture("in.png");
   const QString before = QDir::currentPath();
