@@ -50,6 +50,10 @@ void UseBinaryStreams();
 // fails. In main, before anything is opened.
 void HoldStandardStreams();
 
+// Gives the memory of large blocks back as soon as they are freed. A program that lives for long,
+// on several threads, would hold each one's largest frames otherwise. Before threads are made.
+void GiveLargeBlocksBack();
+
 // Whether a person watches stderr, on a screen that lines can be cleared on.
 bool IsTerminal();
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <malloc.h>
 #include <sched.h>
 #include <signal.h>
 #include <sys/auxv.h>
@@ -75,6 +76,13 @@ bool IsWritable(const std::filesystem::path& folder) { return access(folder.c_st
 void SetVariable(const char* name, const char* value) { setenv(name, value, 1); }
 
 void UseBinaryStreams() {}
+
+// The limit would rise to 32 MiB by itself, the size of a frame; a limit that is set stays. Smaller
+// ones would cost a call of the system for each row buffer.
+void GiveLargeBlocksBack() {
+  constexpr int kBytes = 4 * 1024 * 1024;
+  mallopt(M_MMAP_THRESHOLD, kBytes);
+}
 
 // Open the wrong way round.
 void HoldStandardStreams() {

@@ -104,6 +104,9 @@ void SetVariable(const char* name, const char* value) { SetEnvironmentVariableA(
 // The runtime gives their numbers to nobody else.
 void HoldStandardStreams() {}
 
+// The heap does so by itself.
+void GiveLargeBlocksBack() {}
+
 void UseBinaryStreams() {
   _setmode(_fileno(stdin), _O_BINARY);
   _setmode(_fileno(stdout), _O_BINARY);

@@ -14,6 +14,7 @@
 #include "host/looks/page_file.h"
 #include "host/module/module_choice.h"
 #include "host/support/failure.h"
+#include "host/support/system.h"
 #include "host/support/utf8_path.h"
 #include "host/viewer/jobs/host_program.h"
 #include "host/viewer/window/main_window.h"
@@ -97,6 +98,7 @@ int Run(const QStringList& names) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  GiveLargeBlocksBack();
   QCoreApplication::setOrganizationName("Vantrell");
   QCoreApplication::setApplicationName("glimmerview");
   QCoreApplication::setApplicationVersion(GLIMMERVIEW_VERSION);
