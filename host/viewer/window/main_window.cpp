@@ -205,6 +205,12 @@ void MainWindow::ConnectParts() {
   connect(document_, &LookDocument::Changed, jobs_, &JobsPanel::InputChanged);
   connect(viewing_, &Viewing::FrameChanged, jobs_, &JobsPanel::SetFrame);
   connect(jobs_, &JobsPanel::FrameChosen, viewing_, &Viewing::SetFrame);
+  connect(document_, &LookDocument::Changed, this, [this] {
+    // What does not go with the picture counts as not set, and nobody may think otherwise.
+    if (const QString fault = document_->Fault(); !fault.isEmpty()) {
+      Tell(fault);
+    }
+  });
   connect(document_, &LookDocument::FileChanged, this, &MainWindow::ShowTitle);
   connect(document_->UndoStack(), &QUndoStack::cleanChanged, this, &MainWindow::ShowTitle);
 }

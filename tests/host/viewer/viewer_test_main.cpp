@@ -7,8 +7,8 @@
 #include <QTemporaryDir>
 
 // For the thread sanitizer, which sees memory that Qt moves about and not the locks that Qt does it
-// under: what Qt's libraries do themselves is left out. Visible, as the sanitizer's library asks for
-// it by its name.
+// under: what Qt's libraries do themselves is left out. Visible, as the sanitizer's library asks
+// for it by its name.
 extern "C" __attribute__((visibility("default"))) const char* __tsan_default_options();
 const char* __tsan_default_options() { return "ignore_noninstrumented_modules=1"; }
 

@@ -201,6 +201,14 @@ TEST_F(Window, ShowsTheSecondClipInThePlaceOfTheFrame) {
   EXPECT_EQ(view->After(), viewing->Result());
 }
 
+TEST_F(Window, SaysWhatOfALookDoesNotGoWithThePicture) {
+  document->SetText("radius-x", "150px", "");
+  ASSERT_TRUE(Open(WritePicture("in.png")));
+  // Of 160 pixels, whose half is the most.
+  EXPECT_TRUE(Message().contains("150px")) << Message().toStdString();
+  EXPECT_EQ(Number(kRadiusXKey), 0.02);
+}
+
 TEST_F(Window, UsesAPresetAsOneStep) {
   ASSERT_TRUE(Open(WritePicture("in.png")));
   auto* const list = window->findChild<QDockWidget*>("presetsDock")->findChild<QListWidget*>();
