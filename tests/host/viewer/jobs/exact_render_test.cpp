@@ -16,14 +16,6 @@ namespace fs = std::filesystem;
 
 constexpr int kLong = 60000;
 
-// A program in the place of glimmerhost.
-fs::path Script(const ShotFolder& shot, const std::string& text) {
-  const fs::path file = shot.folder / "script";
-  std::ofstream(file) << "#!/bin/bash\n" << text << "\n";
-  fs::permissions(file, fs::perms::owner_all);
-  return file;
-}
-
 class Answers {
  public:
   explicit Answers(const fs::path& program) : render(ThePage(), program) {
@@ -99,9 +91,9 @@ TEST(ExactRender, GivesColoursTimesAlphaAsTheModuleHasThem) {
 
 TEST(ExactRender, EndsAFrameThatANewerOneFollows) {
   const ShotFolder shot(1, 2);
-  Answers answers(Script(shot,
-                         "case \"$*\" in *--frames=1\\ *) exec sleep 1000;; esac\n"
-                         "exec " PROGRAM " \"$@\""));
+  Answers answers(
+      shot.Script("case \"$*\" in *--frames=1\\ *) exec sleep 1000;; esac\n"
+                  "exec " PROGRAM " \"$@\""));
   answers.render.Ask(RequestOf(shot, 1, 1));
   answers.render.Ask(RequestOf(shot, 2, 2));
   const QList<QProcess*> followed = answers.render.findChildren<QProcess*>();
@@ -116,7 +108,7 @@ TEST(ExactRender, EndsAFrameThatANewerOneFollows) {
 
 TEST(ExactRender, AnswersNothingThatWasCancelled) {
   const ShotFolder shot(1, 1);
-  Answers answers(Script(shot, "exec sleep 1000"));
+  Answers answers(shot.Script("exec sleep 1000"));
   answers.render.Ask(RequestOf(shot, 1, 1));
   answers.render.Cancel();
   EXPECT_FALSE(answers.render.IsRunning());
@@ -129,7 +121,7 @@ TEST(ExactRender, AnswersNothingThatWasCancelled) {
 
 TEST(ExactRender, SaysThatItsProcessDied) {
   const ShotFolder shot(1, 1);
-  Answers answers(Script(shot, "kill -9 $$"));
+  Answers answers(shot.Script("kill -9 $$"));
   answers.render.Ask(RequestOf(shot, 3, 1));
   answers.Wait();
   EXPECT_EQ(3U, answers.frames.front().serial);

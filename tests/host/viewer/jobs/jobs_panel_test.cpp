@@ -228,6 +228,28 @@ TEST(JobsPanel, SubmitsToSeveralProcesses) {
   EXPECT_TRUE(fs::exists(shot.folder / "out" / "out.manifest.0002-of-0002.jsonl"));
 }
 
+// The program's part ends when the jobs are handed over; theirs is seen in the manifests of chunks.
+TEST(JobsPanel, FollowsTheJobsOfAFarmByTheirManifests) {
+  ShotFolder shot(1, 4);
+  Panel panel(&shot, shot.Script("echo \"array job 17: 2 chunks\"; echo \"$@\""));
+  panel.Choose("renderBy", "Slurm jobs");
+  panel.Find<QLineEdit>("farmSbatch")->setText("--partition=long --time=60");
+  panel.WaitForStanding([&] { panel.Render(); });
+  EXPECT_EQ(0U, panel.Message().find("Handed over to Slurm.")) << panel.Message();
+  const QString said = panel.Find<QPlainTextEdit>("jobLines")->toPlainText();
+  EXPECT_TRUE(said.startsWith("array job 17: 2 chunks\n")) << said.toStdString();
+  EXPECT_TRUE(said.contains("--engine=slurm --sbatch=--partition=long --sbatch=--time=60"));
+  EXPECT_EQ("to do", panel.StateAt(0));
+
+  FarmTarget farm;
+  farm.processes = 2;
+  panel.WaitForStanding(
+      [&] { lx_test::RunChild(PROGRAM, SubmitWords(ThePage(), shot.input, shot.target, farm)); });
+  for (int row = 0; row < 4; ++row) {
+    EXPECT_EQ("done", panel.StateAt(row)) << row;
+  }
+}
+
 TEST(JobsPanel, OffersWhatTheOutputsFormatHas) {
   ShotFolder shot(1, 1);
   Panel panel(&shot);

@@ -60,6 +60,14 @@ class ShotFolder {
 
   void Break(int frame) const { std::ofstream(In(frame)) << "no picture"; }
 
+  // A program in the place of glimmerhost.
+  std::filesystem::path Script(const std::string& text) const {
+    const std::filesystem::path file = folder / "script";
+    std::ofstream(file) << "#!/bin/bash\n" << text << "\n";
+    std::filesystem::permissions(file, std::filesystem::perms::owner_all);
+    return file;
+  }
+
   std::vector<std::string> Words() const { return RenderWords(ThePage(), input, target); }
 
   lx_test::ScratchFolder folder;
