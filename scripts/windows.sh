@@ -171,12 +171,23 @@ build_windows_libraries() {
 # start_wine: keeps Wine's server running until the script ends; each program starts the faster.
 start_wine() {
   export WINEPREFIX=$root/build/wine
+  local try
+  # Some one in three thousand programs ends as Wine starts it, and a server that is being ended may
+  # be there again for one of its own programs.
+  for try in 1 2 3; do
+    ! start_wine_once || return 0
+    echo "Wine did not start (try $try of 3)." >&2
+  done
+  return 1
+}
+
+start_wine_once() {
   # The first program sets the prefix up, and waits for its server to end.
-  "$root/cmake/wine.sh" cmd /c exit
+  "$root/cmake/wine.sh" cmd /c exit || return
   # A server lingers after its last program, and takes no order to stay.
   wineserver -k || true
   trap 'wineserver -k || true' EXIT
-  wineserver -p
+  wineserver -p || return
   # The system's own programs start with the first one and stay, holding on to its outputs: whoever
   # read these to their end would wait for ever.
   "$root/cmake/wine.sh" cmd /c exit >/dev/null 2>&1 </dev/null
