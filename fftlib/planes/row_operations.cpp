@@ -97,7 +97,7 @@ const RowOperations& GetRowOperations() {
         return vector;
       }
     }
-    return &PlainRowOperations();
+    return &Vector128RowOperations();
   }();
   return *operations;
 }

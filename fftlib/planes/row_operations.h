@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The inner loops over rows of 16-bit pixels with four channels, which is what frames are,
 // and over rows of a spectrum. They stand in builds that give the same bits: plain loops,
-// AVX2, and AVX-512 for what gains by it.
+// vectors of 128 bits, AVX2, and AVX-512 for what gains by it.
 #pragma once
 
 #include <cstdint>
@@ -48,6 +48,7 @@ struct RowOperations {
 };
 
 const RowOperations& PlainRowOperations();
+const RowOperations& Vector128RowOperations();
 
 // Null where the processor, or the build, does not have them.
 const RowOperations* Avx2RowOperations();

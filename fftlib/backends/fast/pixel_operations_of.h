@@ -5,14 +5,13 @@
 // transpose for all four planes.
 #pragma once
 
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 
 #include "fftkernels/fftkernels/vectors.h"
 #include "fftlib/backends/fast/line_operations.h"
 #include "fftlib/planes/colour_transform.h"
-#include "fftlib/planes/sample_types.h"
+#include "fftlib/planes/pixel_lanes.h"
 
 namespace lx {
 
@@ -41,13 +40,6 @@ class PixelOperationsOf {
   }
 
  private:
-  static constexpr double kScale = SampleScale<std::uint16_t>::toUnit;
-  static constexpr double kFull = SampleScale<std::uint16_t>::full;
-
-  // A number below 2^52 in the low bits of this double is the double plus the number.
-  static constexpr double kBig = 0x1p52;
-  static constexpr std::uint64_t kBigBits = std::bit_cast<std::uint64_t>(kBig);
-
   template <int count>
   using Pixels = Lanes<Form, std::uint64_t, count>;
   template <int count>
@@ -56,12 +48,6 @@ class PixelOperationsOf {
   LX_ALWAYS_INLINE static std::uint64_t* At(const PixelRows& rows, std::int32_t row,
                                             std::int32_t x) {
     return reinterpret_cast<std::uint64_t*>(rows[static_cast<std::size_t>(row)] + 4 * x);
-  }
-
-  template <int channel, class V, class P>
-  LX_ALWAYS_INLINE static V Unit(P pixels) {
-    const P sample = (pixels >> (16 * channel)) & 0xFFFFU;
-    return (std::bit_cast<V>(sample | kBigBits) - kBig) * kScale;
   }
 
   // count pixels of each row, from pixel x on, by as many rows at once.
@@ -77,9 +63,9 @@ class PixelOperationsOf {
       Pixels<count>::Transpose(pixels);
       ForEach<count>([&](auto k) __attribute__((always_inline)) {
         const std::ptrdiff_t at = std::ptrdiff_t{x + k} * kLines + l;
-        const V r = Unit<0, V>(pixels[k]);
-        const V g = Unit<1, V>(pixels[k]);
-        const V b = Unit<2, V>(pixels[k]);
+        const V r = SampleToUnit<0, V>(pixels[k]);
+        const V g = SampleToUnit<1, V>(pixels[k]);
+        const V b = SampleToUnit<2, V>(pixels[k]);
         if (buffers[0] != nullptr) {
           Numbers<count>::Store(buffers[0] + at, b * kLumaB + g * kLumaG + r * kLumaR);
         }
@@ -90,23 +76,10 @@ class PixelOperationsOf {
           Numbers<count>::Store(buffers[2] + at, r * kCbR + g * kCbG + b * kCbB + 0.5);
         }
         if (buffers[3] != nullptr) {
-          Numbers<count>::Store(buffers[3] + at, Unit<3, V>(pixels[k]));
+          Numbers<count>::Store(buffers[3] + at, SampleToUnit<3, V>(pixels[k]));
         }
       });
     }
-  }
-
-  // Clamped and rounded. Written so that not-a-number becomes 0.
-  template <class P, class V>
-  LX_ALWAYS_INLINE static P Sample(V value) {
-    const V zero{};
-    const V one = zero + 1.0;
-    const V low = value > 0.0 ? value : zero;
-    const V raised = (low < 1.0 ? low : one) * kFull + 0.5;
-    // Rounded down: the sum with 2^52 drops the fraction, to the nearest whole number.
-    const V nearest = (raised + kBig) - kBig;
-    const V whole = nearest > raised ? nearest - 1.0 : nearest;
-    return std::bit_cast<P>(whole + kBig) & 0xFFFFU;
   }
 
   template <int count>
@@ -121,10 +94,11 @@ class PixelOperationsOf {
         const V y = Numbers<count>::Load(buffers[0] + at);
         const V cr = Numbers<count>::Load(buffers[1] + at) - 0.5;
         const V cb = Numbers<count>::Load(buffers[2] + at) - 0.5;
-        pixels[k] = Sample<P>(y + cr * kRCr) | (Sample<P>(y * kGY - cr * kGCr - cb * kGCb) << 16) |
-                    (Sample<P>(y * kBY + cb * kBCb) << 32);
+        pixels[k] = UnitToSample<P>(y + cr * kRCr) |
+                    (UnitToSample<P>(y * kGY - cr * kGCr - cb * kGCb) << 16) |
+                    (UnitToSample<P>(y * kBY + cb * kBCb) << 32);
         if (buffers[3] != nullptr) {
-          pixels[k] |= Sample<P>(Numbers<count>::Load(buffers[3] + at)) << 48;
+          pixels[k] |= UnitToSample<P>(Numbers<count>::Load(buffers[3] + at)) << 48;
         }
       });
       Pixels<count>::Transpose(pixels);

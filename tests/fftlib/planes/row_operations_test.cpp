@@ -160,10 +160,11 @@ TEST_P(RowOperationBuilds, CurveToTheSameBits) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, RowOperationBuilds,
-                         testing::Values(Build{"AVX2", lx::Avx2RowOperations},
-                                         Build{"AVX512", lx::Avx512RowOperations}),
-                         [](const auto& build) { return build.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    Of, RowOperationBuilds,
+    testing::Values(Build{"Vector128", [] { return &lx::Vector128RowOperations(); }},
+                    Build{"AVX2", lx::Avx2RowOperations}, Build{"AVX512", lx::Avx512RowOperations}),
+    [](const auto& build) { return build.param.name; });
 
 TEST(RowOperations, StoreWhatIsNoNumberAsZeroAndClampTheRest) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
