@@ -174,7 +174,8 @@ std::int32_t mp_worker_loop(PoolWord record) {
     return 0;
   }
   SetWorkerPriority();
-  while (GetPlatform().waitForEvents(1, &worker->startEvent)) {
+  auto wait = GetPlatform().waitForEvents;
+  while (wait(1, &worker->startEvent)) {
     GetPlatform().resetEvent(worker->startEvent);
     if (worker->entry == nullptr) {
       log_message(kLogError, "MP %d: Missing processing entry..\n", worker->index);
@@ -184,6 +185,8 @@ std::int32_t mp_worker_loop(PoolWord record) {
     (void)CheckFloatControl();
     CallEntry(worker->entry, worker->args);
     worker->entry = nullptr;
+    // Before the dispatcher is told: then it may put other operations in force, and these may go.
+    wait = GetPlatform().waitForEvents;
     GetPlatform().setEvent(worker->doneEvent);
   }
   return 0;

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <mutex>
+#include <semaphore>
 #include <set>
 #include <string>
 #include <thread>
@@ -18,6 +19,7 @@
 #include "baselib/threads/module_state.h"
 #include "baselib/threads/parallel_rows.h"
 #include "baselib/utils/log.h"
+#include "tests/support/fresh_services.h"
 #include "tests/support/logged_lines.h"
 #include "tests/support/platform_recorder.h"
 #include "tests/support/tracked_heap.h"
@@ -730,6 +732,52 @@ TEST(PoolWorker, ResetsItsStartChecksItsWordAndSetsDone) {
                         "wait 1: start 1"};
   const auto at = std::find(log.begin(), log.end(), "wait 1: start 1");
   EXPECT_EQ(expected, Beginning(Log(at, log.end()), expected.size()));
+}
+
+// Operations of which those of a later pass may take the place while a worker is between "done" and
+// its next wait.
+std::counting_semaphore<> goOn{0};
+std::counting_semaphore<> waits{0};
+std::atomic<int> waitsByLater{0};
+
+void SetEventAndHold(lx::EventHandle event) {
+  const bool isWorker = lx::mp_worker_index() > 0;
+  lx::SystemPlatform().setEvent(event);
+  if (isWorker) {
+    goOn.acquire();
+  }
+}
+
+bool WaitAndTell(std::uint32_t count, const lx::EventHandle* events) {
+  waits.release();
+  return lx::SystemPlatform().waitForEvents(count, events);
+}
+
+bool WaitByLater(std::uint32_t count, const lx::EventHandle* events) {
+  ++waitsByLater;
+  return WaitAndTell(count, events);
+}
+
+TEST(PoolWorker, WaitsByTheOperationsOfThePassThatItWasIn) {
+  const lx_test::FreshServices services;
+  lx::Platform first = lx::SystemPlatform();
+  first.processorCount = [] { return std::int32_t{2}; };
+  first.setEvent = SetEventAndHold;
+  first.waitForEvents = WaitAndTell;
+  const lx::ScopedPlatform firstScope(&first);
+  lx::mp_num_ways();
+  EmptyPass();
+  for (int i = 0; i < 2; ++i) {  // the worker's for its start, and the caller's for its end
+    waits.acquire();
+  }
+  {
+    lx::Platform later = lx::SystemPlatform();
+    later.waitForEvents = WaitByLater;
+    const lx::ScopedPlatform laterScope(&later);
+    goOn.release();
+    waits.acquire();
+  }
+  EXPECT_EQ(0, waitsByLater);
 }
 
 TEST(PoolWorker, GoesOnWhereNoPriorityCanBeSet) {
