@@ -15,7 +15,12 @@ bool IsPlain(char c) {
          kPlain.find(c) != std::string_view::npos;
 }
 
-bool IsControl(char c) { return (c >= 0 && c < ' ') || c == '\x7F'; }
+// As a byte: on some processors a char has no sign, on others the bytes of what is not ASCII are
+// below 0.
+bool IsControl(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  return byte < ' ' || byte == 0x7F;
+}
 
 // $'...', in which a control character has a name of its own.
 std::string WithNames(const std::string& text) {

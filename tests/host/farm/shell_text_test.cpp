@@ -40,6 +40,11 @@ TEST(ShellText, NamesControlCharacters) {
   EXPECT_EQ("$'it\\'s\\015\\012\\\\\\011\\0337'", ShellWord("it's\r\n\\\t\0337"));
 }
 
+// Whether a char has a sign is the processor's choice.
+TEST(ShellText, LeavesBytesAboveAsciiAsTheyAreBesideControlCharacters) {
+  EXPECT_EQ("$'caf\xc3\xa9\\011\x80\xff\\177'", ShellWord("caf\xc3\xa9\t\x80\xff\x7f"));
+}
+
 TEST(ShellText, PutsABlankBetweenWords) { EXPECT_EQ("a 'b c' d", ShellLine({"a", "b c", "d"})); }
 
 }  // namespace
