@@ -17,6 +17,7 @@
 #include "baselib/platform/float_control.h"
 #include "baselib/platform/memory.h"
 #include "baselib/platform/process.h"
+#include "baselib/platform/processor.h"
 #include "baselib/platform/settings.h"
 #include "baselib/platform/threads.h"
 
@@ -29,6 +30,7 @@ struct Platform : ClockOperations,
                   FloatControlOperations,
                   MemoryOperations,
                   ProcessOperations,
+                  ProcessorOperations,
                   SettingsOperations,
                   ThreadOperations {};
 
