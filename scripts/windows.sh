@@ -12,6 +12,9 @@ windows_libraries=$root/build/windows-libraries
 windows_flags="-O2 -fomit-frame-pointer -fno-strict-aliasing -ffp-contract=off \
 -Wa,-muse-unaligned-vector-move"
 
+# What FFTW's factors are made of, so that they are those of Debian's own FFTW to the last bit.
+windows_angles=$root/packaging/windows/fftw_angles.h
+
 # debian_sources FOLDER: writes those entries of the machine's own package lists that are Debian's
 # into FOLDER, asking for sources. Whether an entry is Debian's, and where it stands, is apt's word.
 debian_sources() {
@@ -80,7 +83,8 @@ without_place() { echo "-ffile-prefix-map=$1=${1##*/}"; }
 # build_fftw SOURCE BUILD PREFIX OPTION...: not by its CMake files, which let the compiler use every
 # wanted instruction set throughout, so that no processor could do without. Nor as a whole: its tests
 # and tools take a third of the time. What configure is told stands in the library, as a text, and so
-# the option with the folder comes later.
+# the option with the folder comes later. Angles come first: what stands there already is not compiled
+# again with all else.
 build_fftw() {
   local source=$1 build=$2 prefix=$3 part flags
   shift 3
@@ -90,6 +94,7 @@ build_fftw() {
   "$source/configure" --host=x86_64-w64-mingw32 --prefix="$prefix" --disable-shared \
     --enable-static --enable-threads --with-our-malloc --disable-fortran --disable-doc \
     --disable-dependency-tracking CC=x86_64-w64-mingw32-gcc-posix CFLAGS="$windows_flags" "$@"
+  make -C kernel CFLAGS="$flags -include $windows_angles" trig.lo
   for part in support kernel simd-support dft rdft reodft api; do
     make -j "$(nproc)" -C "$part" CFLAGS="$flags"
   done
@@ -110,8 +115,8 @@ build_by_cmake() {
 }
 
 # make_windows_libraries SOURCE PREFIX: the double-precision FFTW has the instruction sets of
-# Debian's own for this machine, so that both plan alike and give the same bits. The other one is
-# there for tests to compare errors with.
+# Debian's own for this machine, so that both plan alike, and its factors, so that both give the same
+# bits. The other one is there for tests to compare errors with.
 make_windows_libraries() {
   local source=$1 prefix=$2 package
   (build_fftw "$source/fftw3" "$source/fftw3-double" "$prefix" --enable-sse2 --enable-avx)
@@ -159,7 +164,8 @@ keep_windows_libraries() {
 build_windows_libraries() {
   local recipe
   recipe=$(dpkg-query -W g++-mingw-w64-x86-64-posix mingw-w64-x86-64-dev libz-mingw-w64-dev &&
-    { declare -f make_windows_libraries build_fftw build_by_cmake without_place; echo "$windows_flags"; } | sha256sum)
+    { declare -f make_windows_libraries build_fftw build_by_cmake without_place; echo "$windows_flags"
+      cat "$windows_angles"; } | sha256sum)
   [ "$recipe" != "$(cat "$windows_libraries/recipe" 2>/dev/null)" ] || return 0
   rm -rf "$windows_libraries"
   mkdir -p "$root/build"
