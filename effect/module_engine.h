@@ -18,8 +18,9 @@ namespace lx {
 // A new engine of the module's kind, owned by the caller; null where there is no memory for one.
 DefocusEngine* MakeModuleEngine();
 
-// "GlimmerBlur engine: double", say, and zeros behind it. In the module's file this is what tells
-// its engine; no code of a module reads it, and the linker must keep it all the same.
+// "GlimmerBlur engine: double", say, a zero, the number of its arithmetic and zeros behind it. In
+// the module's file this is what tells its engine; no code of a module reads it, and the linker
+// must keep it all the same.
 struct EngineMarker {
   std::array<char, 40> text;
 };
@@ -29,7 +30,12 @@ template <class Footprint>
 constexpr EngineMarker MakeEngineMarker() {
   EngineMarker marker{};
   auto* const end = std::copy(kEngineMarker.begin(), kEngineMarker.end(), marker.text.begin());
-  std::copy(Footprint::kName.begin(), Footprint::kName.end(), end);
+  auto* place = std::copy(Footprint::kName.begin(), Footprint::kName.end(), end) + 1;
+  static_assert(Footprint::kArithmetic >= 1 && Footprint::kArithmetic < 100);
+  if (Footprint::kArithmetic >= 10) {
+    *place++ = static_cast<char>('0' + Footprint::kArithmetic / 10);
+  }
+  *place = static_cast<char>('0' + Footprint::kArithmetic % 10);
   return marker;
 }
 

@@ -27,8 +27,8 @@
 
 namespace lx {
 
-// Kinds of back-ends, each by what it says of itself: kName, kDescription, GridFor, BytesAt and
-// Make.
+// Kinds of back-ends, each by what it says of itself: kName, kDescription, GridFor, BytesAt, Make,
+// and kArithmetic, a number that is raised with every change by which a sample may become another.
 template <class... Each>
 struct FootprintList {};
 
@@ -65,7 +65,7 @@ constexpr const Footprint* FindFootprint(std::string_view name) {
 
 // The text that stands in a module's file before its back-end's name and a zero: which back-end a
 // file has is known before it is loaded, and nothing crosses the border for it. A file without one
-// counts as exact.
+// counts as exact. Behind the zero comes the number of its arithmetic, as a text with a zero, too.
 inline constexpr std::string_view kEngineMarker = "GlimmerBlur engine: ";
 
 }  // namespace lx

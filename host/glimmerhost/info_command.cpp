@@ -11,6 +11,7 @@
 #include "host/looks/page_file.h"
 #include "host/module/effect_module.h"
 #include "host/module/module_choice.h"
+#include "host/render/arithmetic.h"
 #include "host/support/failure.h"
 
 namespace glimmerhost {
@@ -76,6 +77,8 @@ class InfoCommand final : public Command {
     const EffectModule effect(choice);
     out << "Module " << choice.file.filename().string() << ", engine " << choice.engine->name
         << '\n';
+    // What manifests keep of each frame.
+    out << "Arithmetic " << ArithmeticOf(effect) << '\n';
     ListEngines(*choice.engine, out);
     TellRoads(module_.empty() && (engine_.empty() || engine_ == kDefaultEngine), out);
     ListClasses(effect, out);

@@ -12,6 +12,7 @@
 #include "host/glimmerhost/render_plan.h"
 #include "host/looks/page_file.h"
 #include "host/module/effect_module.h"
+#include "host/render/arithmetic.h"
 #include "host/render/explain.h"
 #include "host/shots/file_hash.h"
 #include "host/shots/manifest.h"
@@ -68,6 +69,7 @@ void RenderShot(const Page& page, RenderPlan plan, ShotReport* report) {
   if (!plan.manifest.empty()) {
     plan.settings.versions = {{"glimmerhost", GLIMMERHOST_VERSION},
                               {"module", FileHash(plan.module.file)}};
+    plan.settings.arithmetic = ArithmeticOf(module);
     if (plan.shot.span.IsKnown()) {
       plan.settings.shot = ShowSpan(plan.shot.span);
     }

@@ -43,6 +43,12 @@ class EffectModule {
   // The engine that its instances work with.
   const lx::Footprint& Engine() const { return *choice_.engine; }
 
+  // Its file, and what that says of itself.
+  const ModuleChoice& Choice() const { return choice_; }
+
+  // The text of that name in its library or in one that it loads; null for none.
+  const char* FindText(const char* name) const { return file_.FindText(name); }
+
   Trace* GetTrace() const { return trace_; }
 
  private:

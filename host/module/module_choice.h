@@ -16,6 +16,9 @@ inline constexpr const char* kDefaultEngine = "fast";
 struct ModuleChoice {
   std::filesystem::path file;
   const lx::Footprint* engine;  // never null
+
+  // The number of the engine's arithmetic, as the file says it; empty for one that says nothing.
+  std::string arithmetic{};
 };
 
 // The module of an engine, where build and installation put it from the program's folder, or the
@@ -30,9 +33,9 @@ ModuleChoice ChooseModule(const std::string& engine, const std::string& module);
 // The file of an engine's module, whether or not it is there.
 std::filesystem::path ModuleFileOf(const lx::Footprint& engine);
 
-// The engine that a module's file says it has: exact for one that says nothing, for one that cannot
-// be read, and for one that this program does not know. None needs more.
-const lx::Footprint& EngineOfFile(const std::filesystem::path& file);
+// A file with what it says of itself. Its engine is exact for one that says nothing, for one that
+// cannot be read, and for one that this program does not know. None needs more.
+ModuleChoice ChoiceOfFile(const std::filesystem::path& file);
 
 // Whether this build has a module of that engine. Without FFTW it has none of exact. A file of one
 // may be named all the same: what a frame takes in it is known.

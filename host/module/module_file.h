@@ -18,6 +18,9 @@ class ModuleFile {
   void Init(const quantel::cPtr<qplugin::iQpluginModule>& module) const { init_(module); }
   void CleanUp() const { cleanUp_(); }
 
+  // The text of that name in the library or in one that it loads; null for none.
+  const char* FindText(const char* name) const { return library_.Find<const char>(name); }
+
  private:
   SharedLibrary library_;
   qplugin::ModuleInit* init_;

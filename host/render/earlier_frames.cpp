@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "host/render/arithmetic.h"
 #include "host/render/frame_digest.h"
 #include "host/render/frame_work.h"
 #include "host/shots/file_hash.h"
@@ -28,6 +29,16 @@ EarlierFrame EarlierFrames::Find(const FrameFiles& files, const FileState& fromP
   const std::optional<ManifestEntry> line = manifest_->Last(files.frame);
   return line->outputHash == hash && IsCurrent(files, fromPipe, *line) ? EarlierFrame::kCurrent
                                                                        : EarlierFrame::kStale;
+}
+
+std::string EarlierFrames::OtherArithmetic(int frame) const {
+  const std::optional<ManifestEntry> line =
+      manifest_ == nullptr ? std::nullopt : manifest_->Last(frame);
+  if (!line) {
+    return {};
+  }
+  const std::string own = line->precision == "float" ? FloatArithmetic() : settings_.arithmetic;
+  return line->arithmetic == own ? std::string() : line->arithmetic;
 }
 
 // The input first: where it is the same, its size is known without reading it, and so are the

@@ -36,6 +36,10 @@ class EarlierFrames {
   // Throws MissingInput for an input that is not there, and Failure.
   EarlierFrame Find(const FrameFiles& files, const FileState& fromPipe) const;
 
+  // The arithmetic that has made a frame that is there, where the manifest tells that, and another
+  // than this run's; empty otherwise.
+  std::string OtherArithmetic(int frame) const;
+
  private:
   bool IsCurrent(const FrameFiles& files, const FileState& fromPipe,
                  const ManifestEntry& line) const;

@@ -139,6 +139,7 @@ bool Loader::IsToRender(FrameWork* work, Elsewhere elsewhere, FrameChannel* load
   if (settings_.skipExisting) {
     if (IsThere(*work, &found)) {
       work->report.state = FrameState::kSkipped;
+      WarnOfArithmetic(work);
       FrameClaim::RemoveLeftover(work->files.output);
       return false;
     }
@@ -155,12 +156,29 @@ bool Loader::IsToRender(FrameWork* work, Elsewhere elsewhere, FrameChannel* load
     if (IsThere(*work, &found)) {
       work->claim = nullptr;
       work->report.state = FrameState::kSkipped;
+      WarnOfArithmetic(work);
       return false;
     }
   }
   work->output = std::make_unique<PictureOutput>(
       work->files.output, settings_.overwrite || found == EarlierFrame::kStale);
   return true;
+}
+
+// Frames of another arithmetic stay: they are what was asked for, and to render them anew where
+// machines differ would begin again with every machine. Said once.
+void Loader::WarnOfArithmetic(FrameWork* work) {
+  if (warnedOfArithmetic_) {
+    return;
+  }
+  if (const std::string other = earlier_.OtherArithmetic(work->files.frame); !other.empty()) {
+    warnedOfArithmetic_ = true;
+    work->report.remarks.push_back(
+        "is left as another arithmetic has made it, whose samples may differ from those of this "
+        "run "
+        "in their last bits: " +
+        other + "; check counts such frames");
+  }
 }
 
 // Whether the frame needs no work. Throws Failure for an output that nobody knows and that may not

@@ -71,6 +71,7 @@ class Loader {
   void WarnOfNoise(FrameWork* work);
   void CheckRoom(const FrameWork& work);
   void WarnOfRange(FrameWork* work);
+  void WarnOfArithmetic(FrameWork* work);
   const KeyframedValues& ValuesFor(int width, int height);
   // With those that the store does not have.
   std::map<std::string, Value> DecidingValues(int frame, int width, int height);
@@ -101,6 +102,7 @@ class Loader {
   FileState maskState_;
   bool warnedOfNoise_ = false;
   bool warnedOfRange_ = false;
+  bool warnedOfArithmetic_ = false;
   std::uint64_t held_ = 0;  // bytes that the effect may hold already, of frames before
 };
 

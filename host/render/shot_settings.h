@@ -30,6 +30,7 @@ struct ShotSettings {
   std::string film;
   std::string filmOutput;
   std::map<std::string, std::string> versions;  // for the manifest
+  std::string arithmetic;                       // likewise: of frames that go through the module
   std::string shot;                             // likewise: its frames, where times count in them
 };
 

@@ -14,6 +14,7 @@
 #include "host/pictures/alpha.h"
 #include "host/pictures/floats/float_picture.h"
 #include "host/pictures/pam_stream.h"
+#include "host/render/arithmetic.h"
 #include "host/render/frame_digest.h"
 #include "host/render/frame_result.h"
 #include "host/shots/file_hash.h"
@@ -143,6 +144,7 @@ void Writer::Note(const FrameWork& work, const std::filesystem::path& finished) 
   const bool isFloat = !work.input.source;
   entry.engine = isFloat ? lx::FastFootprint::kName : engine_.name;
   entry.precision = isFloat ? "float" : "16";
+  entry.arithmetic = isFloat ? FloatArithmetic() : settings_.arithmetic;
   entry.shot = settings_.shot;
   entry.versions = settings_.versions;
   entry.seconds = work.report.seconds;

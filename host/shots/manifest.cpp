@@ -34,6 +34,7 @@ Json ToJson(const ManifestEntry& entry) {
                {"parameters", entry.parameters},
                {"engine", entry.engine},
                {"precision", entry.precision},
+               {"arithmetic", entry.arithmetic},
                {"versions", entry.versions},
                {"seconds", entry.seconds},
                {"clipped_samples", entry.clippedSamples},
@@ -62,6 +63,7 @@ ManifestEntry FromJson(const Json& json) {
   json.at("parameters").get_to(entry.parameters);
   entry.engine = json.value("engine", "");
   entry.precision = json.value("precision", "");
+  entry.arithmetic = json.value("arithmetic", "");
   json.at("versions").get_to(entry.versions);
   json.at("seconds").get_to(entry.seconds);
   json.at("clipped_samples").get_to(entry.clippedSamples);

@@ -27,9 +27,10 @@ struct ManifestEntry {
   std::string output;
   std::string outputHash;
   std::map<std::string, std::string> parameters;  // the store's keys, values as a person types them
-  std::string engine;       // of the effect; empty where lines of earlier programs do not say
-  std::string precision{};  // float or 16: the library's road or the module's; empty likewise
-  std::string shot{};       // the frames that times count in; empty where none does
+  std::string engine;        // of the effect; empty where lines of earlier programs do not say
+  std::string precision{};   // float or 16: the library's road or the module's; empty likewise
+  std::string arithmetic{};  // that decided how samples are rounded; empty likewise
+  std::string shot{};        // the frames that times count in; empty where none does
 
   // What decides the output's samples, so that it is known when they are out of date. Empty where
   // lines of earlier programs do not say: nothing is known then.

@@ -27,6 +27,22 @@ void Merge(const std::map<int, ManifestEntry>& more, std::map<int, ManifestEntry
   }
 }
 
+// A line for each arithmetic, if there are several. Where no line says its own, nothing is known.
+std::vector<std::string> TellArithmetics(const ManifestCheck& check) {
+  std::vector<std::string> lines;
+  if (check.arithmetics.size() < 2) {
+    return lines;
+  }
+  lines.push_back("frames of " + std::to_string(check.arithmetics.size()) +
+                  " arithmetics, whose samples may differ in their last bits:");
+  for (const auto& [arithmetic, frames] : check.arithmetics) {
+    lines.push_back("  " + std::to_string(frames.size()) +
+                    (frames.size() == 1 ? " frame" : " frames") + ", " + ShowFrames(frames) + ": " +
+                    (arithmetic.empty() ? "not told" : arithmetic));
+  }
+  return lines;
+}
+
 }  // namespace
 
 ManifestCheck CheckManifests(const std::vector<std::filesystem::path>& files,
@@ -43,6 +59,9 @@ ManifestCheck CheckManifests(const std::vector<std::filesystem::path>& files,
   check.lacking = FramesLacking(entries, frames);
   check.faults = CheckOutputs(entries);
   check.frames = entries.size();
+  for (const auto& [frame, entry] : entries) {
+    check.arithmetics[entry.arithmetic].push_back(frame);
+  }
   return check;
 }
 
@@ -56,14 +75,18 @@ int TellOf(const ManifestCheck& check, std::ostream& out) {
   if (check.frames == 0 && lines.empty()) {
     lines.emplace_back("no frame is in any of the manifests");
   }
+  const std::size_t faults = lines.size();
+  for (const std::string& line : TellArithmetics(check)) {
+    lines.push_back(line);
+  }
   for (const std::string& line : lines) {
     std::cerr << "glimmerhost: " << AsLine(line) << '\n';
   }
-  if (lines.empty()) {
+  if (faults == 0) {
     out << check.frames << (check.frames == 1 ? " frame is" : " frames are")
         << " as they were written\n";
   }
-  return lines.empty()                                    ? kExitDone
+  return faults == 0                                      ? kExitDone
          : check.faults.empty() && !check.missing.empty() ? kExitMissing
                                                           : kExitFailed;
 }

@@ -73,10 +73,11 @@ class SharedLibrary {
   SharedLibrary(const SharedLibrary&) = delete;
   SharedLibrary& operator=(const SharedLibrary&) = delete;
 
-  // Null if the library has no such name.
-  template <class Function>
-  Function* Find(const char* name) const {
-    return reinterpret_cast<Function*>(Address(name));
+  // A function or an object. Null if neither the library nor, where the system looks into them,
+  // those that it loads have such a name.
+  template <class Named>
+  Named* Find(const char* name) const {
+    return reinterpret_cast<Named*>(Address(name));
   }
 
  private:

@@ -20,6 +20,7 @@ struct FastFootprint {
   static constexpr std::string_view kDescription =
       "transforms of our own, in double precision, on a grid that just holds frame and aperture";
 
+  static constexpr std::int32_t kArithmetic = 1;
   static constexpr std::int32_t kLargestSide = kLargestGridSide;
 
   // Each side apart. The width is even, as rows are transformed as complex ones of half length.

@@ -18,6 +18,7 @@ struct FftwFootprint {
   static constexpr std::string_view kDescription =
       "the effect as it is written: FFTW, in double precision, on a square grid";
 
+  static constexpr std::int32_t kArithmetic = 1;
   static constexpr std::int32_t kLargestSide = kLargestPaddedSize;
 
   // One side for both: a square is the same whichever side the library is given first.

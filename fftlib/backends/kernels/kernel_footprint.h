@@ -23,6 +23,7 @@ struct KernelFootprint {
           ? "the same kernels in single precision: for previews, and where there is no emphasis"
           : "kernels of fixed sizes, in double precision, on a grid whose sides are apart";
 
+  static constexpr std::int32_t kArithmetic = 1;
   static constexpr std::int32_t kLargestSide = kLargestPaddedSize;
 
   static constexpr GridSides GridFor(std::int32_t width, std::int32_t height, std::int32_t margin) {

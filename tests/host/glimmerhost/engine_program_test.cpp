@@ -16,6 +16,7 @@
 #include "host/looks/page.h"
 #include "host/module/frame_checks.h"
 #include "host/module/module_choice.h"
+#include "host/shots/manifest.h"
 #include "host/support/failure.h"
 #include "tests/host/glimmerhost/program_here.h"
 #include "tests/host/glimmerhost/shot_program.h"
@@ -107,6 +108,22 @@ TEST_F(EngineProgram, TakesFastWhereNoneIsChosen) {
   EXPECT_TRUE(Bytes(folder / "fast.png") == Bytes(folder / "none.png"));
   ExpectPart(Bytes(folder / "none.json"), "\"engine\":\"fast\"");
   ExpectPart(RunHere(Render(input, "x.png", "--explain")).text, "Engine              fast: ");
+}
+
+TEST_F(EngineProgram, TellsInInfoAndKeepsInManifestsByWhatArithmeticFramesComeAbout) {
+  const fs::path input = WriteInput("in.png", 90, 40);
+  for (const std::string engine : {"fast", "exact", "double", "single"}) {
+    const std::string info = RunHere("info --engine " + engine).text;
+    const std::string manifest = (folder / (engine + ".json")).string();
+    ASSERT_EQ(0, RunHere(Render(input, engine + ".png",
+                                "--radius 7px --manifest '" + manifest + "' --engine " + engine))
+                     .code);
+
+    const std::string arithmetic = glimmerhost::ReadManifest(manifest).begin()->second.arithmetic;
+
+    EXPECT_EQ(0U, arithmetic.find(engine + " 1")) << arithmetic;
+    ExpectPart(info, "\nArithmetic " + arithmetic + "\n");
+  }
 }
 
 TEST_F(EngineProgram, WorksInEveryCommandThatLoadsTheModule) {
@@ -246,17 +263,18 @@ constexpr lx::Footprint kGreedy = {
 // every power of two up to 256 KiB.
 TEST(EngineOfFile, IsFoundWhereverInTheFileItStands) {
   const lx_test::ScratchFolder folder;
-  const std::string marker("GlimmerBlur engine: double\0", 27);
+  const std::string marker("GlimmerBlur engine: double\00012\0", 30);
   const fs::path file = folder / "some.module";
   const auto engineAt = [&](std::size_t place) {
     std::ofstream(file, std::ios::binary) << std::string(place, 'x') << marker << "end";
-    return glimmerhost::EngineOfFile(file).name;
+    const glimmerhost::ModuleChoice choice = glimmerhost::ChoiceOfFile(file);
+    return std::string(choice.engine->name) + choice.arithmetic;
   };
 
-  EXPECT_EQ("double", engineAt(0));
+  EXPECT_EQ("double12", engineAt(0));
   for (std::size_t power = 4096; power <= 0x40000; power *= 2) {
     for (std::size_t place = power - 100; place < power + 100; ++place) {
-      ASSERT_EQ("double", engineAt(place)) << place;
+      ASSERT_EQ("double12", engineAt(place)) << place;
     }
   }
 }
@@ -265,8 +283,8 @@ TEST(EngineOfFile, IsExactWhereItsNameIsCutOffOrThereIsNoFile) {
   const lx_test::ScratchFolder folder;
   std::ofstream(folder / "some.module", std::ios::binary) << "xGlimmerBlur engine: double";
 
-  EXPECT_EQ("exact", glimmerhost::EngineOfFile(folder / "some.module").name);
-  EXPECT_EQ("exact", glimmerhost::EngineOfFile(folder / "none.module").name);
+  EXPECT_EQ("exact", glimmerhost::ChoiceOfFile(folder / "some.module").engine->name);
+  EXPECT_EQ("exact", glimmerhost::ChoiceOfFile(folder / "none.module").engine->name);
 }
 
 TEST(EngineRefusal, IsToldByTheEngineThatWillRun) {

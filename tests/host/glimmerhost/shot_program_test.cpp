@@ -138,6 +138,39 @@ TEST_F(ShotProgram, PullsTheFocusHoweverShortTheShotIs) {
   }
 }
 
+// As other machines of a farm may have made them; a version of the arithmetic that there never was.
+TEST_F(ShotProgram, LeavesFramesOfAnotherArithmeticAndSaysSoOnce) {
+  WriteShot(1, 3);
+  const fs::path file = folder / "m.jsonl";
+  const std::string render = "--radius 2px --skip-existing --manifest '" + file.string() + "' ";
+  ASSERT_EQ(0, RunProgram(Shot("out.@.png", render + "--frames 1-2")).code);
+  std::string lines = Bytes(file);
+  const std::string own = R"("arithmetic":"fast 1")";
+  for (std::size_t at = lines.find(own); at != std::string::npos; at = lines.find(own)) {
+    lines.replace(at, own.size(), R"("arithmetic":"fast 0")");
+  }
+  std::ofstream(file, std::ios::binary) << lines;
+  const std::string before = Bytes(folder / "out.1.png") + Bytes(folder / "out.2.png");
+
+  const Outcome outcome = RunProgram(Shot("out.@.png", render));
+  const Outcome check = RunProgram("check '" + file.string() + "'");
+
+  EXPECT_EQ(0, outcome.code);
+  EXPECT_EQ(before, Bytes(folder / "out.1.png") + Bytes(folder / "out.2.png"));
+  const std::string remark =
+      "glimmerhost: frame 1: is left as another arithmetic has made it, whose samples may differ "
+      "from those of this run in their last bits: fast 0; check counts such frames\n";
+  EXPECT_EQ(0U, outcome.text.find(remark)) << outcome.text;
+  EXPECT_EQ(std::string::npos, outcome.text.find("arithmetic", remark.size())) << outcome.text;
+  EXPECT_EQ(0, check.code);
+  EXPECT_EQ(
+      "glimmerhost: frames of 2 arithmetics, whose samples may differ in their last bits:\n"
+      "glimmerhost:   2 frames, 1-2: fast 0\n"
+      "glimmerhost:   1 frame, 3: fast 1\n"
+      "3 frames are as they were written\n",
+      check.text);
+}
+
 TEST_F(ShotProgram, RefusesAFrameThatTheShotHasNot) {
   WriteShot(1, 3);
   const std::string moves = "--radius 'first=2px; last=4px' ";

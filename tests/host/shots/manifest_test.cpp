@@ -104,6 +104,7 @@ TEST_F(Manifests, AreReadWhereTheyDoNotNameTheEngine) {
 
   EXPECT_EQ("", glimmerhost::ReadManifest(file).at(7).engine);
   EXPECT_EQ("", glimmerhost::ReadManifest(file).at(7).digest);
+  EXPECT_EQ("", glimmerhost::ReadManifest(file).at(7).arithmetic);
   Manifest manifest(file, true, false);
   EXPECT_TRUE(manifest.Last(7));
 }
@@ -136,6 +137,7 @@ TEST_F(Manifests, KnowTheFramesOfTheRunThatTheyGoOnWith) {
 TEST_F(Manifests, HoldWhatDecidedAFrame) {
   ManifestEntry entry = Entry(1);
   entry.shot = "-5-1100";
+  entry.arithmetic = "fast 1";
   entry.digest = "xxh128:1";
   entry.sources = {{"input", {12, -34, "xxh128:2"}}, {"spread", {0, 0, ""}}};
   entry.width = 1920;
@@ -145,6 +147,7 @@ TEST_F(Manifests, HoldWhatDecidedAFrame) {
   const ManifestEntry read = glimmerhost::ReadManifest(file).at(1);
 
   EXPECT_EQ(entry.shot, read.shot);
+  EXPECT_EQ(entry.arithmetic, read.arithmetic);
   EXPECT_EQ(entry.digest, read.digest);
   EXPECT_EQ(entry.sources, read.sources);
   EXPECT_EQ(1920, read.width);

@@ -16,6 +16,7 @@ struct DummyFootprint {
   static constexpr std::string_view kName = "dummy";
   static constexpr std::string_view kDescription = "plain sums over every pixel of the mask";
 
+  static constexpr std::int32_t kArithmetic = 1;
   static constexpr std::int32_t kLargestSide = lx::kLargestPaddedSize;
 
   // Sides apart, and no powers of two.
