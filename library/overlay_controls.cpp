@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "baselib/utils/convert.h"
+#include "baselib/utils/distance.h"
 
 namespace lx {
 namespace {
@@ -108,7 +109,7 @@ void CircleOverlayLX::Resize(float pointerX, float pointerY) {
   const auto width = static_cast<double>(owner->pictureWidth);
   const auto height = static_cast<double>(owner->pictureHeight);
   const double distance =
-      std::hypot(static_cast<double>(pointerX) - width * static_cast<double>(x),
+      DistanceOf(static_cast<double>(pointerX) - width * static_cast<double>(x),
                  static_cast<double>(pointerY) - height * static_cast<double>(y));
   switch (activePart) {
     case 1:

@@ -37,9 +37,11 @@ ofx::PointD Unplaced(const OverlayParts& parts, const ofx::PointD& point) {
   return {cosine * x + sine * y, cosine * y - sine * x};
 }
 
-double Distance(const ofx::PointD& a, const ofx::PointD& b) {
-  return std::hypot(a.x - b.x, a.y - b.y);
-}
+// By operations that every system rounds alike, as a C library's own function would not be: what it
+// gives becomes values of parameters.
+double Length(double x, double y) { return std::sqrt(x * x + y * y); }
+
+double Distance(const ofx::PointD& a, const ofx::PointD& b) { return Length(a.x - b.x, a.y - b.y); }
 
 // How many times the outline's ellipse must grow to go through that point. 0 where it has no area.
 double GrowthTo(const OverlayParts& parts, const ofx::PointD& pen) {
@@ -47,7 +49,7 @@ double GrowthTo(const OverlayParts& parts, const ofx::PointD& pen) {
     return 0.0;
   }
   const ofx::PointD point = Unplaced(parts, pen);
-  return std::hypot(point.x / parts.radiusX, point.y / parts.radiusY);
+  return Length(point.x / parts.radiusX, point.y / parts.radiusY);
 }
 
 bool IsOnOutline(const OverlayParts& parts, const ofx::PointD& pen, double reach) {

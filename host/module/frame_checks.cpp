@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "baselib/utils/distance.h"
 #include "host/looks/foresight.h"
 #include "host/looks/keys.h"
 #include "host/support/failure.h"
@@ -100,7 +101,7 @@ int LitPixels(const std::map<std::string, Value>& values, const Samples& picture
   int lit = 0;
   for (int y = 0; y < picture.height; ++y) {
     for (int x = 0; x < picture.width; ++x) {
-      const bool inside = std::hypot(x + 0.5 - middleX, y + 0.5 - middleY) < radius;
+      const bool inside = lx::DistanceOf(x + 0.5 - middleX, y + 0.5 - middleY) < radius;
       lit += inside && picture.At(x, y)[0] > kLit ? 1 : 0;
     }
   }
