@@ -16,18 +16,17 @@
 namespace glimmerhost {
 namespace {
 
-// The version of FFTW where it is a part of a file: "fftw-3.3.10-sse2-avx" between two zeros. Other
-// texts of it begin alike, and go on otherwise.
+// The version of FFTW where it is a part of a file: "fftw-3.3.10-sse2-avx" and a zero. Other texts
+// of it begin alike, and go on otherwise.
 std::string VersionInFile(const std::filesystem::path& file) {
-  constexpr std::string_view kBegin("\0fftw-", 6);
+  constexpr std::string_view kBegin = "fftw-3";
   std::ifstream in(file, std::ios::binary);
   const std::string bytes{std::istreambuf_iterator<char>(in), {}};
   for (std::size_t at = bytes.find(kBegin); at != std::string::npos;
        at = bytes.find(kBegin, at + 1)) {
-    const std::size_t end =
-        bytes.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789.-", at + 1);
+    const std::size_t end = bytes.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789.-", at);
     if (end != std::string::npos && bytes[end] == '\0') {
-      return bytes.substr(at + 1, end - at - 1);
+      return bytes.substr(at, end - at);
     }
   }
   return {};

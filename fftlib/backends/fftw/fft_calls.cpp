@@ -42,10 +42,6 @@ void DestroyPlan(fftw_plan_s* plan) { fftw_destroy_plan(plan); }
 
 static_assert(kPlanEstimate == FFTW_ESTIMATE && kPlanMeasure == FFTW_MEASURE);
 
-// Where the library is a part of a module, its version comes along by this alone: hosts find it in
-// the module's file.
-[[gnu::used]] const char* const kLinkedVersion = fftw_version;
-
 // Null stands for the library's own table, so that no static needs to be built first.
 std::atomic<const FftCalls*> inForce{nullptr};
 
@@ -54,6 +50,10 @@ unsigned engines = 0;
 unsigned threadsReady = 0;
 
 }  // namespace
+
+// Where the library is a part of a module, its text comes along by this alone: hosts find it in the
+// module's file.
+[[gnu::used]] const char* const kFftVersion = fftw_version;
 
 const FftCalls& LibraryFftCalls() {
   static constexpr FftCalls kTable = {

@@ -37,6 +37,10 @@ struct FftCalls {
 inline constexpr unsigned kPlanEstimate = 64;
 inline constexpr unsigned kPlanMeasure = 0;
 
+// The library's version, and the instruction sets that it was built with:
+// "fftw-3.3.10-sse2-avx", say.
+extern const char* const kFftVersion;
+
 const FftCalls& LibraryFftCalls();
 const FftCalls& GetFftCalls();
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // One set of bits on every system: what FFTW makes of numbers on Linux, it makes on Windows, too.
-#include <fftw3.h>
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -74,7 +73,7 @@ TransformBits BitsOf(int rows, int columns) {
 }
 
 TEST(TransformBits, AreThoseOfDebiansLibraryOnEverySystem) {
-  const std::string_view version = fftw_version;
+  const std::string_view version = lx::kFftVersion;
   const std::string_view processor = lx::GetPlatform().processorForm();
   if (version != "fftw-3.3.10-sse2-avx" || processor != "x86-64 with AVX and FMA") {
     GTEST_SKIP() << version << " on " << processor << " rounds by itself";
