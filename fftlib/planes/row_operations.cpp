@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "fftlib/planes/row_operations.h"
 
+#include <atomic>
 #include <cstdint>
 #include <initializer_list>
 
@@ -82,6 +83,9 @@ void Multiply(const double (*psf)[2], double (*work)[2], std::int32_t count) {
   }
 }
 
+// Null for the fastest.
+std::atomic<const RowOperations*> inForce{nullptr};
+
 }  // namespace
 
 const RowOperations& PlainRowOperations() {
@@ -91,7 +95,10 @@ const RowOperations& PlainRowOperations() {
 }
 
 const RowOperations& GetRowOperations() {
-  static const RowOperations* const operations = [] {
+  if (const RowOperations* operations = inForce.load(std::memory_order_acquire)) {
+    return *operations;
+  }
+  static const RowOperations* const fastest = [] {
     for (const RowOperations* vector : {Avx512RowOperations(), Avx2RowOperations()}) {
       if (vector != nullptr) {
         return vector;
@@ -99,7 +106,12 @@ const RowOperations& GetRowOperations() {
     }
     return &Vector128RowOperations();
   }();
-  return *operations;
+  return *fastest;
 }
+
+ScopedRowOperations::ScopedRowOperations(const RowOperations* operations)
+    : previous_(inForce.exchange(operations, std::memory_order_acq_rel)) {}
+
+ScopedRowOperations::~ScopedRowOperations() { inForce.store(previous_, std::memory_order_release); }
 
 }  // namespace lx

@@ -54,7 +54,20 @@ const RowOperations& Vector128RowOperations();
 const RowOperations* Avx2RowOperations();
 const RowOperations* Avx512RowOperations();
 
-// The fastest that the processor has.
+// Those in force: the fastest that the processor has, unless a test has put others in their place.
 const RowOperations& GetRowOperations();
+
+// Puts operations in force for the length of a scope, in which no frame is in work at its ends.
+// They are borrowed, and the processor must have them.
+class ScopedRowOperations {
+ public:
+  explicit ScopedRowOperations(const RowOperations* operations);
+  ~ScopedRowOperations();
+  ScopedRowOperations(const ScopedRowOperations&) = delete;
+  ScopedRowOperations& operator=(const ScopedRowOperations&) = delete;
+
+ private:
+  const RowOperations* previous_;
+};
 
 }  // namespace lx

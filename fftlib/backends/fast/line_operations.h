@@ -104,7 +104,20 @@ const LineOperations& Vector128LineOperations();  // every processor of the fami
 const LineOperations* Avx2LineOperations();
 const LineOperations* Avx512LineOperations();
 
-// The fastest that the processor has.
+// Those in force: the fastest that the processor has, unless a test has put others in their place.
 const LineOperations& GetLineOperations();
+
+// Puts operations in force for the length of a scope, for back-ends that are made in it. They are
+// borrowed, and the processor must have them.
+class ScopedLineOperations {
+ public:
+  explicit ScopedLineOperations(const LineOperations* operations);
+  ~ScopedLineOperations();
+  ScopedLineOperations(const ScopedLineOperations&) = delete;
+  ScopedLineOperations& operator=(const ScopedLineOperations&) = delete;
+
+ private:
+  const LineOperations* previous_;
+};
 
 }  // namespace lx

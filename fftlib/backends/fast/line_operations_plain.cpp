@@ -1,11 +1,18 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // One line at a time: what the other forms are measured by.
+#include <atomic>
+
 #include "fftlib/backends/fast/line_operations.h"
 #include "fftlib/backends/fast/line_operations_of.h"
 
 namespace lx {
 namespace {
+
 struct Plain {};
+
+// Null for the fastest.
+std::atomic<const LineOperations*> inForce{nullptr};
+
 }  // namespace
 
 const LineOperations& PlainLineOperations() {
@@ -14,7 +21,10 @@ const LineOperations& PlainLineOperations() {
 }
 
 const LineOperations& GetLineOperations() {
-  static const LineOperations* const operations = [] {
+  if (const LineOperations* operations = inForce.load(std::memory_order_acquire)) {
+    return *operations;
+  }
+  static const LineOperations* const fastest = [] {
     for (const LineOperations* wide : {Avx512LineOperations(), Avx2LineOperations()}) {
       if (wide != nullptr) {
         return wide;
@@ -22,7 +32,14 @@ const LineOperations& GetLineOperations() {
     }
     return &Vector128LineOperations();
   }();
-  return *operations;
+  return *fastest;
+}
+
+ScopedLineOperations::ScopedLineOperations(const LineOperations* operations)
+    : previous_(inForce.exchange(operations, std::memory_order_acq_rel)) {}
+
+ScopedLineOperations::~ScopedLineOperations() {
+  inForce.store(previous_, std::memory_order_release);
 }
 
 }  // namespace lx
