@@ -45,6 +45,13 @@ set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_ALL)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+# For another architecture, Debian's tool that tells which packages a file needs is told of it by CPack's
+# environment alone.
+if(CPACK_DEBIAN_PACKAGE_ARCHITECTURE)
+  set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_BINARY_DIR}/packaging/architecture.cmake)
+  file(CONFIGURE OUTPUT ${CPACK_PROJECT_CONFIG_FILE} CONTENT
+       "set(ENV{DEB_HOST_ARCH} ${CPACK_DEBIAN_PACKAGE_ARCHITECTURE})\n")
+endif()
 # Of our own libraries, which no package on this machine has.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
     ${PROJECT_BINARY_DIR}/${LX_HOST_LIBRARY_FOLDER} ${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR})

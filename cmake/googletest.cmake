@@ -10,7 +10,8 @@ endif()
 include(GoogleTest)
 
 # Makes each test of a program a test of CTest, and under a sanitizer each suite: a start takes as
-# long there as many tests do.
+# long there as many tests do. With LX_TEST_WHOLE_PROGRAMS the program is one test, which leaves its
+# account in test_results: an emulator would compile the program anew for each test, and for the list.
 #   lx_discover_tests(program [SUITES] [PREFIX text] [ENVIRONMENT assignment] [APART pattern])
 #     SUITES  each suite in every build, of a program that takes long to start
 #     PREFIX  is put before names
@@ -18,6 +19,13 @@ include(GoogleTest)
 function(lx_discover_tests program)
   cmake_parse_arguments(ARG "SUITES" "PREFIX;ENVIRONMENT;APART" "" ${ARGN})
   set(properties TIMEOUT 300)
+  if(LX_TEST_WHOLE_PROGRAMS)
+    set(account xml:${PROJECT_BINARY_DIR}/test_results/${ARG_PREFIX}${program}.xml)
+    add_test(NAME ${ARG_PREFIX}${program} COMMAND ${program})
+    set_tests_properties(${ARG_PREFIX}${program} PROPERTIES TIMEOUT 1800 ENVIRONMENT
+                                                            "GTEST_OUTPUT=${account};${ARG_ENVIRONMENT}")
+    return()
+  endif()
   if(CMAKE_CXX_FLAGS MATCHES "-fsanitize=")
     set(properties TIMEOUT 1200)
   endif()

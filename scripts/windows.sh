@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # What building and running for Windows needs; sourced after common.sh, not run.
+source "$(dirname "${BASH_SOURCE[0]}")/debian.sh"
 
 windows_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev cmake ninja-build pkg-config make
   dpkg-dev libcli11-dev libtomlplusplus-dev nlohmann-json3-dev libxxhash-dev frei0r-plugins-dev wine wine64)
@@ -14,29 +15,6 @@ windows_flags="-O2 -fomit-frame-pointer -fno-strict-aliasing -ffp-contract=off \
 
 # What FFTW's factors are made of, so that they are those of Debian's own FFTW to the last bit.
 windows_angles=$root/packaging/windows/fftw_angles.h
-
-# debian_sources FOLDER: writes those entries of the machine's own package lists that are Debian's
-# into FOLDER, asking for sources. Whether an entry is Debian's, and where it stands, is apt's word.
-debian_sources() {
-  local entry file number
-  apt-get indextargets --format '$(ORIGIN) $(SOURCESENTRY)' 'Created-By: Packages' |
-    sed -n 's/^Debian \(\/.*\)/\1/p' | sort -u | while IFS= read -r entry; do
-    file=${entry%:*}
-    number=${entry##*:}
-    case $file in
-      # Counted by stanza.
-      *.sources)
-        grep -v '^#' "$file" | awk -v RS= -v number="$number" 'NR == number' |
-          sed 's/^Types:.*/Types: deb-src/I' >"$1/${file##*/}-$number.sources"
-        ;;
-      # Counted by line.
-      *)
-        sed -n "${number}s/^[[:space:]]*deb[[:space:]]/deb-src /p" "$file" \
-          >"$1/${file##*/}-$number.list"
-        ;;
-    esac
-  done
-}
 
 # fetch_source PACKAGE OPTION...: unpacks the newest version that can be had, with these options of
 # apt. A mirror may list one that it has not; whoever builds is told, as it may mend something.
@@ -58,11 +36,7 @@ fetch_sources() {
   local folder=$1 package
   shift
   mkdir -p "$folder/entries" "$folder/lists/partial"
-  debian_sources "$folder/entries"
-  if [ -z "$(ls "$folder/entries")" ]; then
-    echo "None of the machine's package lists is Debian's; apt-get update may help."
-    return 1
-  fi
+  debian_entries deb-src "$folder/entries"
   # As the caller: apt's own user may not be allowed into the folder.
   local options=(-o Dir::Etc::SourceList=/dev/null -o "Dir::Etc::SourceParts=$folder/entries"
     -o "Dir::State::Lists=$folder/lists" -o Dir::Cache::pkgcache= -o Dir::Cache::srcpkgcache=
