@@ -116,10 +116,14 @@ class PlainFrame {
             1.020408F * plane[0] + 1.430612F * cb, plane[3]};
   }
 
-  // A stored channel, raised to a power, of 0 to 1. Alpha is raised only where it is treated like
-  // the picture.
+  // Whether a stored channel is raised to a power: alpha only where it is treated like the picture.
+  bool IsRaised(std::size_t channel, float gamma) const {
+    return gamma != 1.0F && (channel != 3 || look_.emphasisAlpha);
+  }
+
+  // A stored channel, of 0 to 1, raised where it is.
   long double StoredAt(int x, int y, std::size_t channel, float gamma) const {
-    const bool isRaised = gamma != 1.0F && (channel != 3 || look_.emphasisAlpha);
+    const bool isRaised = IsRaised(channel, gamma);
     long double sum = 0.0L;
     EachWeight(x, y, [&](long double weight, std::size_t pixel) {
       const long double value = samples_[pixel * channels_ + channel];
