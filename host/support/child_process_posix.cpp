@@ -9,8 +9,8 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <map>
 #include <mutex>
-#include <set>
 #include <utility>
 
 #include "host/support/child_process.h"
@@ -21,7 +21,9 @@ namespace {
 
 struct Registry {
   std::mutex lock;
-  std::set<pid_t> children;  // that nobody has waited for: their numbers are no one else's
+  // That nobody has waited for: their numbers are no one else's. With each the descriptor of its
+  // stream as long as that is open, and -1 otherwise.
+  std::map<pid_t, int> children;
 };
 
 // Never destroyed: a signal may come while the program's last objects go.
@@ -80,12 +82,26 @@ struct ChildProcess::System {
   bool isKept = false;  // whether lines are a file, to be read from its beginning
 
   ~System() {
-    if (stream != nullptr) {
-      std::fclose(stream);
-    }
+    CloseStream();
     if (lines >= 0) {
       close(lines);
     }
+  }
+
+  // Whether all went well that was left to do. Not for the registry any more before that: the
+  // descriptor may be another file's at once.
+  bool CloseStream() {
+    if (stream == nullptr) {
+      return true;
+    }
+    {
+      const std::lock_guard<std::mutex> hold(TheRegistry().lock);
+      if (const auto entry = TheRegistry().children.find(child);
+          entry != TheRegistry().children.end()) {
+        entry->second = -1;
+      }
+    }
+    return std::fclose(std::exchange(stream, nullptr)) == 0;
   }
 
   // Leaves the child's number taken until the registry has forgotten it.
@@ -126,12 +142,16 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
   }
   const int words = use == Use::kLines ? theirs : system_->lines;
   int fault = words < 0 ? errno : 0;
+  if (fault == 0 && system_->isKept && system_->stream == nullptr) {
+    fault = ENOMEM;
+    close(own);
+  }
   if (fault == 0) {
     const SpawnSettings settings(writes ? theirs : -1, writes ? words : theirs, words);
     const std::lock_guard<std::mutex> hold(TheRegistry().lock);
     fault = settings.Spawn(&line, &system_->child);
     if (fault == 0) {
-      TheRegistry().children.insert(system_->child);
+      TheRegistry().children.emplace(system_->child, use == Use::kLines ? -1 : own);
     }
   }
   close(theirs);
@@ -146,6 +166,8 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
 ChildProcess::~ChildProcess() {
   if (system_->child != 0) {
     kill(system_->child, SIGTERM);
+    // A program may take a signal only when what it waits for has come: the end of its input, too.
+    system_->CloseStream();
     system_->Reap();
   }
 }
@@ -165,9 +187,7 @@ bool ChildProcess::ReadSome() {
 
 std::FILE* ChildProcess::Stream() const { return system_->stream; }
 
-bool ChildProcess::CloseStream() {
-  return std::fclose(std::exchange(system_->stream, nullptr)) == 0;
-}
+bool ChildProcess::CloseStream() { return system_->CloseStream(); }
 
 ProcessEnd ChildProcess::Wait() {
   const ProcessEnd end = system_->Reap();
@@ -180,10 +200,15 @@ ProcessEnd ChildProcess::Wait() {
 void EndChildren() noexcept {
   Registry& registry = TheRegistry();
   registry.lock.lock();
-  for (const pid_t child : registry.children) {
+  const int nothing = open("/dev/null", O_RDWR | O_CLOEXEC);
+  for (const auto& [child, stream] : registry.children) {
     kill(child, SIGTERM);
+    // Its input ends so, and another thread that is at it finds the descriptor as good as before.
+    if (stream >= 0 && nothing >= 0) {
+      dup2(nothing, stream);
+    }
   }
-  for (const pid_t child : registry.children) {
+  for (const auto& [child, stream] : registry.children) {
     int status = 0;
     while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
