@@ -13,7 +13,8 @@ namespace lx_test {
 
 class LoadedModule {
  public:
-  explicit LoadedModule(FakeHost* host) : library_(OpenLibrary(ModuleFile())) {
+  explicit LoadedModule(FakeHost* host, const char* file = ModuleFile())
+      : library_(OpenLibrary(file)) {
     EXPECT_NE(nullptr, library_) << LibraryError();
     init_ = reinterpret_cast<qplugin::ModuleInit*>(FunctionOf(library_, "moduleInit"));
     cleanUp_ = reinterpret_cast<qplugin::ModuleCleanUp*>(FunctionOf(library_, "moduleCleanUp"));
