@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "fftkernels/mixed_radix/roots.h"
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
@@ -92,6 +93,9 @@ constexpr Pair kSine[] = {
     {-0x1.5e91aac4928dbp-22, 0x1.36e8311afce96p-76},
 };
 
+// Turns of a radian, 1 / (2 pi).
+constexpr Pair kPerRadian{0x1.45f306dc9c883p-3, -0x1.6b01ec5417056p-57};
+
 template <std::size_t count>
 Pair Series(const Pair (&terms)[count], Pair square) {
   Pair sum = terms[count - 1];
@@ -101,25 +105,15 @@ Pair Series(const Pair (&terms)[count], Pair square) {
   return sum;
 }
 
-// Of an angle up to an eighth of the circle.
-Root Eighth(std::int64_t k, std::int64_t n) {
-  const Pair turn = Quotient(static_cast<double>(k), static_cast<double>(n));
+// Of an angle up to an eighth of the circle either way, in turns.
+Root Eighth(Pair turn) {
   const Pair square = turn * turn;
   return {Series(kCosine, square).high, (turn * Series(kSine, square)).high};
 }
 
-}  // namespace
-
-// By symmetry from the first eighth, so that equal numbers come out equal.
-Root RootOfUnity(std::int64_t k, std::int64_t n) {
-  const std::int64_t quadrant = 4 * k / n;
-  const std::int64_t rest = 4 * k - quadrant * n;  // of a quarter, in units of n
-  const bool isPast = 2 * rest > n;
-  Root root = Eighth(isPast ? n - rest : rest, 4 * n);
-  if (isPast) {
-    std::swap(root.cosine, root.sine);
-  }
-  switch (quadrant) {
+// Further by quarters of a turn, 0 to 3.
+Root Turned(Root root, std::int64_t quarters) {
+  switch (quarters) {
     case 0:
       return root;
     case 1:
@@ -129,6 +123,34 @@ Root RootOfUnity(std::int64_t k, std::int64_t n) {
     default:
       return {root.sine, -root.cosine};
   }
+}
+
+}  // namespace
+
+// By symmetry from the first eighth, so that equal numbers come out equal.
+Root RootOfUnity(std::int64_t k, std::int64_t n) {
+  const std::int64_t quadrant = 4 * k / n;
+  const std::int64_t rest = 4 * k - quadrant * n;  // of a quarter, in units of n
+  const bool isPast = 2 * rest > n;
+  Root root =
+      Eighth(Quotient(static_cast<double>(isPast ? n - rest : rest), static_cast<double>(4 * n)));
+  if (isPast) {
+    std::swap(root.cosine, root.sine);
+  }
+  return Turned(root, quadrant);
+}
+
+// The nearest quarter of a turn is taken away first: what is left lies in the two eighths about 0.
+Root RootOfAngle(double radians) {
+  constexpr double kMost = 1e6;
+  if (!(std::abs(radians) <= kMost)) {
+    return {std::cos(radians), std::sin(radians)};
+  }
+  const Pair turn = Pair{radians, 0.0} * kPerRadian;
+  const double quarters = std::floor(4.0 * turn.high + 0.5);
+  const Root root = Eighth(turn + Pair{-0.25 * quarters, 0.0});
+  const auto quadrant = static_cast<std::int64_t>(quarters - 4.0 * std::floor(0.25 * quarters));
+  return Turned(root, quadrant);
 }
 
 }  // namespace lx

@@ -2,10 +2,10 @@
 #include "fftlib/psf/psf_outlines.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 
 #include "baselib/utils/convert.h"
+#include "fftkernels/mixed_radix/roots.h"
 
 namespace lx {
 namespace {
@@ -25,16 +25,15 @@ PsfPolygon MakeEllipticOutline(const OutlineFrame& frame, std::int32_t count, do
   const double a = RaiseRadius(frame, frame.radiusX);
   const double b = RaiseRadius(frame, frame.radiusY);
   const double theta = frame.rotation * kDegree;
-  const double cosine = std::cos(theta);
-  const double sine = std::sin(theta);
+  const auto [cosine, sine] = RootOfAngle(theta);
   const double ix = 1.0 / frame.aspectX;
   const double iy = 1.0 / frame.aspectY;
   PsfPolygon polygon;
   polygon.count = count;
   for (std::int32_t k = 0; k < count; ++k) {
-    const double t = k * step;
-    const double onA = a * std::cos(t);
-    const double onB = b * std::sin(t);
+    const Root t = RootOfAngle(k * step);
+    const double onA = a * t.cosine;
+    const double onB = b * t.sine;
     polygon.vertices[k] = {NarrowToFloat((cosine * onA - sine * onB) * ix + frame.centreX),
                            NarrowToFloat((sine * onA + cosine * onB) * iy + frame.centreY)};
   }
@@ -44,8 +43,7 @@ PsfPolygon MakeEllipticOutline(const OutlineFrame& frame, std::int32_t count, do
 PsfPolygon MakeRectangleOutline(const OutlineFrame& frame, bool moved) {
   // Intended: rectangles turn the other way round than ellipses.
   const double theta = frame.rotation * -kDegree;
-  const double s = std::sin(theta);
-  const double c = std::cos(theta);
+  const auto [c, s] = RootOfAngle(theta);
   const double length = RaiseRadius(frame, frame.radiusX);
   const double half = RaiseRadius(frame, frame.radiusY) * 0.5;
   double baseX = frame.centreX;

@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
+#include <limits>
+#include <random>
 
 #include "fftkernels/mixed_radix/radices.h"
 #include "tests/fftkernels/mixed_radix/exact_roots.h"
@@ -64,6 +67,50 @@ TEST(RootOfUnity, HasTheSameNumbersWhereTheCircleIsTheSame) {
       EXPECT_EQ(root.sine, finer.sine) << k << " / " << n;
     }
   }
+}
+
+// By another library's numbers of 113 bits: C libraries' own are not all right about them.
+TEST(RootOfAngle, IsTheNearestDoubleOfAnyAngle) {
+  struct Known {
+    double radians;
+    double cosine;
+    double sine;
+  };
+  constexpr Known kKnown[] = {
+      {1, 0.54030230586813977, 0.8414709848078965},
+      {-2, -0.41614683654714241, -0.90929742682568171},
+      {3, -0.98999249660044542, 0.14112000805986721},
+      {6.2831854820251456, 0.99999999999998468, 1.7484555911927041e-07},
+      {0.12566371262073517, 0.99211470050267647, 0.12533323999037346},
+      {22, -0.99996082639463713, -0.0088513092904038762},
+      {355, -0.99999999954565899, -3.0144353359488451e-05},
+      {-9424.7779607693792, 1, 5.0950258689622599e-13},
+      {100000, -0.99936080743821243, 0.035748797972016508},
+      {999999.5, 0.65428150865035095, -0.75625108756167803},
+  };
+  for (const Known& known : kKnown) {
+    EXPECT_EQ(known.cosine, lx::RootOfAngle(known.radians).cosine) << known.radians;
+    EXPECT_EQ(known.sine, lx::RootOfAngle(known.radians).sine) << known.radians;
+  }
+  // Half a turn and a quarter, as far as a double goes.
+  EXPECT_NEAR(1.2246467991473532e-16, lx::RootOfAngle(3.1415926535897931).sine, 1e-29);
+  EXPECT_NEAR(6.123233995736766e-17, lx::RootOfAngle(-1.5707963267948966).cosine, 1e-29);
+}
+
+TEST(RootOfAngle, IsTheNearestDoubleOfSmallAngles) {
+  std::mt19937 random(8);
+  for (int i = 0; i < 100000; ++i) {
+    const double radians = (random() / 4294967296.0 - 0.5) * 1.5707;
+    const lx::Root root = lx::RootOfAngle(radians);
+    ASSERT_TRUE(IsNearest(std::cos(static_cast<long double>(radians)), root.cosine)) << radians;
+    ASSERT_TRUE(IsNearest(std::sin(static_cast<long double>(radians)), root.sine)) << radians;
+  }
+}
+
+TEST(RootOfAngle, LeavesToTheSystemWhatNoApertureHas) {
+  EXPECT_EQ(std::cos(2e6), lx::RootOfAngle(2e6).cosine);
+  EXPECT_TRUE(std::isnan(lx::RootOfAngle(std::numeric_limits<double>::infinity()).sine));
+  EXPECT_TRUE(std::isnan(lx::RootOfAngle(std::numeric_limits<double>::quiet_NaN()).cosine));
 }
 
 // k of each table's entries, of the whole circle.
