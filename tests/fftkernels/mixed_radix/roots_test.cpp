@@ -108,7 +108,9 @@ TEST(RootOfAngle, IsTheNearestDoubleOfSmallAngles) {
 }
 
 TEST(RootOfAngle, LeavesToTheSystemWhatNoApertureHas) {
-  EXPECT_EQ(std::cos(2e6), lx::RootOfAngle(2e6).cosine);
+  // The compiler knows cosines of its own.
+  const volatile double far = 2e6;
+  EXPECT_EQ(std::cos(far), lx::RootOfAngle(far).cosine);
   EXPECT_TRUE(std::isnan(lx::RootOfAngle(std::numeric_limits<double>::infinity()).sine));
   EXPECT_TRUE(std::isnan(lx::RootOfAngle(std::numeric_limits<double>::quiet_NaN()).cosine));
 }
