@@ -12,6 +12,8 @@ std::size_t FileBytes::Read(void* to, std::size_t count) noexcept {
   return got;
 }
 
+bool FileBytes::IsUnreadable() const { return std::ferror(file_.get()) != 0; }
+
 std::size_t FileBytes::Write(const void* from, std::size_t count) noexcept {
   TakeTurn(Turn::kWrite);
   // Some libraries write nothing from nowhere, which the C library does not allow.
@@ -40,13 +42,13 @@ std::int64_t FileBytes::Seek(std::int64_t offset, std::ios_base::seekdir from) n
 // The C library wants to be told between reading and writing.
 void FileBytes::TakeTurn(Turn turn) noexcept {
   if (turn_ != turn && turn_ != Turn::kNone) {
-    SeekFile(file_.get(), 0, SEEK_CUR);
+    refused_ = !SeekFile(file_.get(), 0, SEEK_CUR) || refused_;
   }
   turn_ = turn;
 }
 
 bool FileBytes::Close() noexcept {
-  const bool good = std::ferror(file_.get()) == 0;
+  const bool good = std::ferror(file_.get()) == 0 && !refused_;
   return std::fclose(file_.release()) == 0 && good;
 }
 

@@ -31,7 +31,10 @@ class FileBytes {
   // the place before every row.
   std::int64_t Seek(std::int64_t offset, std::ios_base::seekdir from) noexcept;
 
-  // False if what was written did not all get there.
+  // Whether the system has failed to read, and not just come to the end of the file.
+  bool IsUnreadable() const;
+
+  // False if what was written did not all get there, or not to its place.
   bool Close() noexcept;
 
   // Whether anything was not written, or a place not reached, so far.

@@ -55,7 +55,12 @@ class PngReader {
   explicit PngReader(const fs::path& file)
       : file_(file),
         bytes_(file, FileUse::kRead),
-        library_(&bytes_, PngLibrary::Use::kRead, LargestBlockOfMemory(file)) {}
+        library_(&bytes_, PngLibrary::Use::kRead, LargestBlockOfMemory(file)) {
+    // It was open a moment ago.
+    if (!bytes_.IsOpen()) {
+      ReadFailure(file, "the system does not open it");
+    }
+  }
 
   // To be called first, and once.
   PictureHead Head() {

@@ -25,7 +25,10 @@ Start StartOf(const fs::path& file) {
     ReadFailure(file, "the system does not open it");
   }
   Start start{};
-  bytes.Read(start.data(), start.size());
+  // What cannot be read is not to be taken for another format.
+  if (bytes.Read(start.data(), start.size()) < start.size() && bytes.IsUnreadable()) {
+    ReadFailure(file, "the system does not read it");
+  }
   return start;
 }
 
