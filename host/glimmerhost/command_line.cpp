@@ -11,6 +11,7 @@
 #include "host/glimmerhost/help_text.h"
 #include "host/support/failure.h"
 #include "host/support/nearest.h"
+#include "host/support/system.h"
 #include "host/support/text.h"
 
 namespace glimmerhost {
@@ -133,11 +134,11 @@ int Run(const std::vector<std::string>& arguments) {
   return RunCommand(FindCommand(first), words);
 }
 
-}  // namespace
-
-int RunCommandLine(const std::vector<std::string>& arguments) {
+//   take  gives the arguments, for which there may be no memory
+template <class Take>
+int RunGuarded(const Take& take) {
   try {
-    const int code = Run(arguments);
+    const int code = Run(take());
     // What was asked for is not there, though all went well until then.
     if (!std::cout.flush() && code == kExitDone) {
       throw Failure("standard output: cannot be written");
@@ -152,6 +153,16 @@ int RunCommandLine(const std::vector<std::string>& arguments) {
   } catch (const std::exception& fault) {
     return Complain(fault.what(), kExitFailed);
   }
+}
+
+}  // namespace
+
+int RunCommandLine(const std::vector<std::string>& arguments) {
+  return RunGuarded([&]() -> const std::vector<std::string>& { return arguments; });
+}
+
+int RunCommandLine(int argc, const char* const* argv) {
+  return RunGuarded([&] { return Arguments(argc, argv); });
 }
 
 }  // namespace glimmerhost

@@ -11,4 +11,7 @@ namespace glimmerhost {
 //   arguments  with the program's own name first
 int RunCommandLine(const std::vector<std::string>& arguments);
 
+// The same with what main was given.
+int RunCommandLine(int argc, const char* const* argv);
+
 }  // namespace glimmerhost

@@ -6,5 +6,5 @@
 int main(int argc, char** argv) {
   glimmerhost::HoldStandardStreams();
   glimmerhost::EndOnSignals();
-  return glimmerhost::RunCommandLine(glimmerhost::Arguments(argc, argv));
+  return glimmerhost::RunCommandLine(argc, argv);
 }

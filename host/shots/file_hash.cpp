@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <fstream>
 #include <memory>
+#include <new>
 #include <vector>
 
 #include "host/support/failure.h"
@@ -60,6 +61,9 @@ std::string FileHash(const std::filesystem::path& file) {
   std::ifstream in(file, std::ios::binary);
   const std::unique_ptr<XXH3_state_t, decltype(&XXH3_freeState)> state(XXH3_createState(),
                                                                        XXH3_freeState);
+  if (state == nullptr) {
+    throw std::bad_alloc();
+  }
   XXH3_128bits_reset(state.get());
   std::vector<char> block(1 << 20);
   while (in.read(block.data(), static_cast<std::streamsize>(block.size())) || in.gcount() > 0) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <sstream>
 #include <system_error>
 #include <utility>
@@ -73,6 +74,8 @@ void FrameClaim::RemoveLeftover(const fs::path& output) {
 
 // Null, too, if there is such a file already.
 std::unique_ptr<FrameClaim> FrameClaim::Make(const fs::path& path, bool* isHeld) {
+  // Before there is a file: without memory none is left that nobody knows.
+  std::unique_ptr<FrameClaim> claim(new FrameClaim(path, nullptr));
   const auto hold = HoldTemporaryFiles();
   std::error_code error;
   std::unique_ptr<LockedFile> file = LockedFile::Open(path, LockedFile::How::kMakeAnew, &error);
@@ -88,8 +91,14 @@ std::unique_ptr<FrameClaim> FrameClaim::Make(const fs::path& path, bool* isHeld)
     *isHeld = true;
     return nullptr;
   }
-  RemoveAtEnd(path, hold);
-  return std::unique_ptr<FrameClaim>(new FrameClaim(path, std::move(file)));
+  try {
+    RemoveAtEnd(path, hold);
+  } catch (const std::bad_alloc&) {
+    fs::remove(path, error);
+    throw;
+  }
+  claim->file_ = std::move(file);
+  return claim;
 }
 
 // Null, too, if the file has gone meanwhile.
@@ -139,6 +148,9 @@ void FrameClaim::Sign() {
 
 // While the lock is held, so that nobody has the file for its own yet.
 FrameClaim::~FrameClaim() {
+  if (!file_) {
+    return;
+  }
   const auto hold = HoldTemporaryFiles();
   std::error_code error;
   if (file_->IsAt(path_)) {

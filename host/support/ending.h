@@ -12,7 +12,8 @@ namespace glimmerhost {
 //
 // Once, in main, before any thread starts: where there are signals, they are blocked for this
 // thread and those that it starts, and one thread waits for them. A child that is started other
-// than by child_process.h would inherit that.
+// than by child_process.h would inherit that. Without memory for that thread they end the program
+// as they end any other, and the next one removes what it leaves.
 void EndOnSignals();
 
 }  // namespace glimmerhost

@@ -3,6 +3,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <exception>
 #include <string_view>
 #include <thread>
 
@@ -49,7 +50,12 @@ void EndOnSignals() {
     }
   }
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-  std::thread(WaitAndEnd, signals).detach();
+  try {
+    std::thread(WaitAndEnd, signals).detach();
+  } catch (const std::exception&) {
+    // They end the program as any other, and the next one removes what this one leaves.
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+  }
 }
 
 }  // namespace glimmerhost

@@ -53,6 +53,8 @@ struct LockedFile::Opened {
 std::unique_ptr<LockedFile> LockedFile::Open(const fs::path& file, How how,
                                              std::error_code* error) {
   constexpr mode_t kMode = 0666;
+  // Before there is a file: without memory none is left that nobody knows.
+  std::unique_ptr<LockedFile> object(new LockedFile(std::make_unique<Opened>(Opened{-1})));
   int opened = open(file.c_str(), Flags(how) | O_CLOEXEC, kMode);
   if (opened < 0 && how == How::kGoThere) {
     // What can only be written, the end of a pipe, say.
@@ -66,12 +68,17 @@ std::unique_ptr<LockedFile> LockedFile::Open(const fs::path& file, How how,
     // Whoever shares a folder may be another user, whom this one's habits would shut out.
     fchmod(opened, kMode);
   }
-  return std::unique_ptr<LockedFile>(new LockedFile(std::make_unique<Opened>(Opened{opened})));
+  object->opened_->file = opened;
+  return object;
 }
 
 LockedFile::LockedFile(std::unique_ptr<Opened> opened) : opened_(std::move(opened)) {}
 
-LockedFile::~LockedFile() { close(opened_->file); }
+LockedFile::~LockedFile() {
+  if (opened_->file >= 0) {
+    close(opened_->file);
+  }
+}
 
 LockAnswer LockedFile::TryLock() { return Ask(opened_->file, F_OFD_SETLK, F_WRLCK); }
 
