@@ -52,11 +52,15 @@ const std::vector<quantel::cPtr<quantel::iFactory::iConstructor>>& Factory::Clas
 // A module without memory for a constructor hands over null; there is nothing to list then.
 quantel::cPtr<quantel::cRegistration> Factory::registerClass(
     quantel::cPtr<iConstructor> constructor) {
-  if (constructor) {
-    registrar_->classes.push_back(constructor);
-  }
+  // All that takes memory before the class is listed: one that nobody takes off again would be
+  // there when its module is gone.
+  auto& classes = registrar_->classes;
+  classes.reserve(classes.size() + 1);
   const quantel::cPtr<quantel::cRegistration> registration(
       new quantel::cRegistration(registrar_, constructor));
+  if (constructor) {
+    classes.push_back(constructor);
+  }
   constructor.Reset();
   return registration;
 }

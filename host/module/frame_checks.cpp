@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
+#include <numeric>
 #include <string_view>
 #include <vector>
 
@@ -66,6 +67,17 @@ bool IsCopy(const std::vector<float>& source, const std::vector<float>& result) 
     }
   }
   return farthest <= kRounding * brightest;
+}
+
+// Whether there is nothing at all in a result, alpha included, though the source has more than
+// rounding can take away. No aperture and no emphasis makes a picture darker on the whole.
+bool IsLost(const Samples& source, const Samples& result) {
+  constexpr std::uint64_t kSeen = 256;  // of 65535, on the average
+  const std::size_t count =
+      static_cast<std::size_t>(source.width) * static_cast<std::size_t>(source.height) * 4;
+  const auto isBlack = [](std::uint16_t sample) { return sample == 0; };
+  return std::all_of(result.first, result.first + count, isBlack) &&
+         std::accumulate(source.first, source.first + count, std::uint64_t{0}) > kSeen * count;
 }
 
 bool Differ(const std::uint16_t* a, const std::uint16_t* b) {
@@ -152,6 +164,9 @@ bool ApertureHoldsNothing(const FrameInput& input) {
 
 bool CheckRendered(const FrameInput& input, FrameImage* result) {
   const Samples source = SamplesOf(input.source.Object());
+  if (IsLost(source, SamplesOf(result))) {
+    throw Failure("the effect gave an empty frame for a picture: it had not the memory for it");
+  }
   if (!IsCopy(source, SamplesOf(result)) || ApertureRadius(input.values, source.width) <= 1.0) {
     return true;
   }

@@ -3,6 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+#include "host/module/border_pictures.h"
 #include "host/support/failure.h"
 #include "tests/support/looks.h"
 
@@ -42,6 +47,30 @@ TEST(GridCheck, LeavesTheYRadiusOfACircleOut) {
   EXPECT_THROW(
       glimmerhost::CheckGrid(exact, lx_test::StillValuesOf(page, typed, 6000, 10), 6000, 10),
       glimmerhost::Failure);
+}
+
+// A module without memory hands back a target that nothing was put into.
+TEST(RenderedCheck, RefusesAnEmptyFrameOfAPicture) {
+  const Page page = Page::Load(PAGE);
+  TypedLook typed;
+  typed["radius"] = "2px";
+  constexpr int kWidth = 8;
+  glimmerhost::FrameInput input;
+  input.values = lx_test::StillValuesOf(page, typed, kWidth, kWidth);
+  input.source =
+      quantel::cPtr<glimmerhost::FrameImage>(new glimmerhost::FrameImage(kWidth, kWidth));
+  const quantel::cPtr<glimmerhost::FrameImage> result(new glimmerhost::FrameImage(kWidth, kWidth));
+  constexpr std::size_t kSamples = kWidth * kWidth * 4;
+
+  // Black stays black.
+  EXPECT_TRUE(glimmerhost::CheckRendered(input, result.Object()));
+
+  std::fill_n(input.source->buffer(), kSamples, std::uint16_t{257});
+  EXPECT_THROW(glimmerhost::CheckRendered(input, result.Object()), glimmerhost::Failure);
+
+  // What is there is nothing of a module without memory, however little it is.
+  result->buffer()[kSamples - 1] = 1;
+  EXPECT_TRUE(glimmerhost::CheckRendered(input, result.Object()));
 }
 
 }  // namespace
