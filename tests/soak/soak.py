@@ -121,7 +121,7 @@ def report(options, seconds, steps, samples):
     lines += ["", "Held by the one process, nothing of ours being alive in it:",
               f"  {'':<16} {'after warm-up':>14} {'at most':>12} {'grown by':>12} {'limit':>12}"]
     for called, first, most, grown, limit, reason, held in rows:
-        lines.append(f"  {called:<16} {first:>14} {most:>12} {grown:>12.0f} {limit:>12}"
+        lines.append(f"  {called:<16} {first:>14} {most:>12} {grown:>12.0f} {'none' if limit is None else limit:>12}"
                      f"{'' if held else '   TOO MUCH'}  ({reason})")
     return "\n".join(lines) + "\n", all(row[-1] for row in rows)
 

@@ -9,7 +9,7 @@ import signal
 import time
 
 from inputs import animated, look, mutated, write_png
-from program import Fault, end_group, expect_same
+from program import PATIENCE_SECONDS, Fault, end_group, expect_same
 
 ENGINES = ("fast", "fast", "fast", "exact", "double", "single")
 INPUT_ENDINGS = ("png", "tif", "exr", "dpx", "jpg")
@@ -24,6 +24,7 @@ class Steps:
         self.dice = dice
         self.folder = program.folder / "work"
         self.frames = 0
+        self.killed_group = 0
         self.films = shutil.which("ffmpeg") is not None and shutil.which("ffprobe") is not None
 
     def run(self):
@@ -108,6 +109,7 @@ class Steps:
     def kill(self, words, after, number):
         """Starts a process and sends it a signal after a while, unless it was faster."""
         process = self.program.start(words)
+        self.killed_group = process.pid
         deadline = time.monotonic() + after
         while process.poll() is None and time.monotonic() < deadline:
             time.sleep(min(0.002, max(0.0, deadline - time.monotonic())))
@@ -272,10 +274,24 @@ class Steps:
         code, _ = self.kill(render, self.dice.uniform(0, 0.5), signal.SIGKILL)
         if code not in (0, -signal.SIGKILL):
             raise Fault(f"ended with {code}: {self.program.last[-1]}")
+        # What ffmpeg writes on its own is none of the next run's leftovers yet.
+        await_group(self.killed_group)
         self.program.run(render)
         self.program.run(["render", film, "-o", self.folder / "out" / "f.@.png", "--quiet"]
                          + words[2:])
         self.count_frames(2 * count)
+
+
+def await_group(group):
+    """Comes back when no process of it is alive."""
+    deadline = time.monotonic() + PATIENCE_SECONDS
+    while time.monotonic() < deadline:
+        try:
+            os.killpg(group, 0)
+        except ProcessLookupError:
+            return
+        time.sleep(0.01)
+    raise Fault(f"processes of the group {group} go on")
 
 
 def children_of(process):
