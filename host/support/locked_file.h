@@ -55,6 +55,7 @@ class LockedFile {
   // Whether it has an end that can be asked for: a pipe or a device has none.
   bool IsRegular() const;
 
+  // Throws Failure, which names no file, where the system does not say.
   std::uint64_t Size() const;
 
   // All from an offset on; false if it cannot be read.

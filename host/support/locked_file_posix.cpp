@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "host/support/failure.h"
 #include "host/support/locked_file.h"
 
 namespace glimmerhost {
@@ -48,13 +49,15 @@ LockAnswer Ask(int file, int command, short type) {
 
 struct LockedFile::Opened {
   int file;
+  // Looked at once: a pipe is written to where it is, and a file at its end.
+  bool isRegular = false;
 };
 
 std::unique_ptr<LockedFile> LockedFile::Open(const fs::path& file, How how,
                                              std::error_code* error) {
   constexpr mode_t kMode = 0666;
   // Before there is a file: without memory none is left that nobody knows.
-  std::unique_ptr<LockedFile> object(new LockedFile(std::make_unique<Opened>(Opened{-1})));
+  std::unique_ptr<LockedFile> object(new LockedFile(std::make_unique<Opened>(Opened{-1, false})));
   int opened = open(file.c_str(), Flags(how) | O_CLOEXEC, kMode);
   if (opened < 0 && how == How::kGoThere) {
     // What can only be written, the end of a pipe, say.
@@ -69,6 +72,15 @@ std::unique_ptr<LockedFile> LockedFile::Open(const fs::path& file, How how,
     fchmod(opened, kMode);
   }
   object->opened_->file = opened;
+  struct stat found {};
+  if (fstat(opened, &found) != 0) {
+    *error = {errno, std::generic_category()};
+    if (how == How::kMakeAnew) {
+      unlink(file.c_str());
+    }
+    return nullptr;
+  }
+  object->opened_->isRegular = S_ISREG(found.st_mode);
   return object;
 }
 
@@ -93,14 +105,14 @@ bool LockedFile::IsAt(const fs::path& file) const {
          here.st_dev == there.st_dev && here.st_ino == there.st_ino;
 }
 
-bool LockedFile::IsRegular() const {
-  struct stat found {};
-  return fstat(opened_->file, &found) == 0 && S_ISREG(found.st_mode);
-}
+bool LockedFile::IsRegular() const { return opened_->isRegular; }
 
 std::uint64_t LockedFile::Size() const {
   struct stat found {};
-  return fstat(opened_->file, &found) == 0 ? static_cast<std::uint64_t>(found.st_size) : 0;
+  if (fstat(opened_->file, &found) != 0) {
+    throw Failure("a file that is open cannot be looked at");
+  }
+  return static_cast<std::uint64_t>(found.st_size);
 }
 
 bool LockedFile::Read(std::uint64_t offset, std::string* text) const {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <new>
 #include <system_error>
 
 namespace glimmerhost {
@@ -57,6 +58,9 @@ TiffLibrary::TiffLibrary(const std::filesystem::path& file, Use use)
     return;
   }
   TIFFOpenOptions* const options = TIFFOpenOptionsAlloc();
+  if (options == nullptr) {
+    throw std::bad_alloc();
+  }
   TIFFOpenOptionsSetErrorHandlerExtR(options, OnError, this);
   TIFFOpenOptionsSetWarningHandlerExtR(options, OnWarning, nullptr);
   if (use == Use::kRead) {
