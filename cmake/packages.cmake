@@ -12,6 +12,7 @@ install(
   PATTERN "*.1.in" EXCLUDE
   PATTERN "*.1" EXCLUDE
   PATTERN inside.md EXCLUDE
+  PATTERN soak.* EXCLUDE
   PATTERN examples/host EXCLUDE)
 configure_file(cmake/name_program.cmake.in ${PROJECT_BINARY_DIR}/name_program.cmake @ONLY)
 install(SCRIPT ${PROJECT_BINARY_DIR}/name_program.cmake)

@@ -41,7 +41,11 @@ TEST(MutatedManifest, IsCheckedOrRefusedInPlainLines) {
     const std::string what = "seed " + std::to_string(seed);
     mutations::ExpectCleanEnd(folder, line, run, what);
     EXPECT_TRUE(run.made.empty() && run.changed.empty()) << what;
-    EXPECT_EQ(run.code == 0, run.err.empty()) << what << "\n" << run.err;
+    // Frames that are as they were written may have been made by several arithmetics, changed as it
+    // is.
+    const bool warns = run.err.find(" arithmetics, whose samples may differ") != std::string::npos;
+    EXPECT_TRUE(run.code == 0 ? run.err.empty() || warns : !run.err.empty()) << what << "\n"
+                                                                             << run.err;
     sound += run.code == 0 ? 1 : 0;
     folder.Restore();
   });
