@@ -69,17 +69,6 @@ bool IsCopy(const std::vector<float>& source, const std::vector<float>& result) 
   return farthest <= kRounding * brightest;
 }
 
-// Whether there is nothing at all in a result, alpha included, though the source has more than
-// rounding can take away. No aperture and no emphasis makes a picture darker on the whole.
-bool IsLost(const Samples& source, const Samples& result) {
-  constexpr std::uint64_t kSeen = 256;  // of 65535, on the average
-  const std::size_t count =
-      static_cast<std::size_t>(source.width) * static_cast<std::size_t>(source.height) * 4;
-  const auto isBlack = [](std::uint16_t sample) { return sample == 0; };
-  return std::all_of(result.first, result.first + count, isBlack) &&
-         std::accumulate(source.first, source.first + count, std::uint64_t{0}) > kSeen * count;
-}
-
 bool Differ(const std::uint16_t* a, const std::uint16_t* b) {
   // Less might be lost where samples are rounded.
   constexpr int kClear = 64;
@@ -118,6 +107,37 @@ int LitPixels(const std::map<std::string, Value>& values, const Samples& picture
     }
   }
   return lit;
+}
+
+// How far from the edges of a frame light is that no aperture moves out of it. What is drawn has
+// light in its middle, and beyond the frame its edges go on. A disc cut from a picture may have all
+// its light at its rim.
+int ReachOf(const FrameInput& input, int width) {
+  if (ShapeOf(input.values) != Shape::kImage) {
+    return 0;
+  }
+  const auto number = [&](const char* key) { return std::get<double>(input.values.at(key)); };
+  constexpr int kRounding = 2;
+  const double rim = 0.5 * width * std::max(number(kRadiusPsf1Key), number(kRadiusPsf2Key));
+  return static_cast<int>(std::min(std::ceil(rim), static_cast<double>(width))) + kRounding;
+}
+
+// Whether there is nothing at all in a result, alpha included, though the source has more that
+// stays in the frame than rounding can take away. A frame with anything in it is not searched
+// further.
+bool IsLost(const FrameInput& input, const Samples& source, const Samples& result) {
+  constexpr std::uint64_t kSeen = 256;  // of 65535, on the average
+  const std::size_t count =
+      static_cast<std::size_t>(source.width) * static_cast<std::size_t>(source.height) * 4;
+  if (!std::all_of(result.first, result.first + count, [](auto sample) { return sample == 0; })) {
+    return false;
+  }
+  const int reach = ReachOf(input, source.width);
+  std::uint64_t sum = 0;
+  for (int y = reach; y < source.height - reach && 2 * reach < source.width; ++y) {
+    sum = std::accumulate(source.At(reach, y), source.At(source.width - reach, y), sum);
+  }
+  return sum > kSeen * count;
 }
 
 }  // namespace
@@ -164,7 +184,7 @@ bool ApertureHoldsNothing(const FrameInput& input) {
 
 bool CheckRendered(const FrameInput& input, FrameImage* result) {
   const Samples source = SamplesOf(input.source.Object());
-  if (IsLost(source, SamplesOf(result))) {
+  if (IsLost(input, source, SamplesOf(result))) {
     throw Failure("the effect gave an empty frame for a picture: it had not the memory for it");
   }
   if (!IsCopy(source, SamplesOf(result)) || ApertureRadius(input.values, source.width) <= 1.0) {

@@ -39,7 +39,8 @@ inline constexpr const char* kEmptyAperture =
 // nothing. Throws Failure if it is the source for no such reason, though the aperture is larger
 // than a pixel and the source has neighbours that differ; there alpha does not count, as it may be
 // left alone on purpose. Throws Failure, too, if there is nothing in the result though the source
-// is a picture: so it comes from an effect without memory.
+// is a picture, which no aperture moves out of the frame: so it comes from an effect without
+// memory.
 bool CheckRendered(const FrameInput& input, FrameImage* result);
 
 // Whether a result in floats is the source, but for rounding, since the aperture holds nothing.

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <string>
+#include <utility>
 
 #include "host/module/border_pictures.h"
 #include "host/support/failure.h"
@@ -49,28 +51,92 @@ TEST(GridCheck, LeavesTheYRadiusOfACircleOut) {
       glimmerhost::Failure);
 }
 
-// A module without memory hands back a target that nothing was put into.
-TEST(RenderedCheck, RefusesAnEmptyFrameOfAPicture) {
-  const Page page = Page::Load(PAGE);
-  TypedLook typed;
-  typed["radius"] = "2px";
-  constexpr int kWidth = 8;
+// A frame of the source's size, into which a module without memory has put nothing.
+struct EmptyFrame {
+  EmptyFrame(int columns, int rows, const TypedLook& typed)
+      : result(new glimmerhost::FrameImage(columns, rows)), width(columns), height(rows) {
+    input.values = lx_test::StillValuesOf(Page::Load(PAGE), typed, width, height);
+    input.source =
+        quantel::cPtr<glimmerhost::FrameImage>(new glimmerhost::FrameImage(width, height));
+  }
+
+  // Fills columns of the source, alpha and all.
+  void Fill(int first, int last, std::uint16_t sample) {
+    for (int y = 0; y < height; ++y) {
+      std::fill(Pixel(first, y), Pixel(last, y), sample);
+    }
+  }
+  std::uint16_t* Pixel(int x, int y) const {
+    return input.source->buffer() + (static_cast<std::ptrdiff_t>(y) * width + x) * 4;
+  }
+
+  bool IsTaken() { return glimmerhost::CheckRendered(input, result.Object()); }
+
   glimmerhost::FrameInput input;
-  input.values = lx_test::StillValuesOf(page, typed, kWidth, kWidth);
-  input.source =
-      quantel::cPtr<glimmerhost::FrameImage>(new glimmerhost::FrameImage(kWidth, kWidth));
-  const quantel::cPtr<glimmerhost::FrameImage> result(new glimmerhost::FrameImage(kWidth, kWidth));
-  constexpr std::size_t kSamples = kWidth * kWidth * 4;
+  quantel::cPtr<glimmerhost::FrameImage> result;
+  int width;
+  int height;
+};
 
-  // Black stays black.
-  EXPECT_TRUE(glimmerhost::CheckRendered(input, result.Object()));
+TypedLook Circle(const std::string& radius) {
+  TypedLook typed;
+  typed["radius"] = radius;
+  return typed;
+}
 
-  std::fill_n(input.source->buffer(), kSamples, std::uint16_t{257});
-  EXPECT_THROW(glimmerhost::CheckRendered(input, result.Object()), glimmerhost::Failure);
+TEST(RenderedCheck, RefusesAnEmptyFrameOfAPicture) {
+  for (const auto& [width, height] : {std::pair{8, 8}, {1, 1}, {64, 1}, {1, 64}}) {
+    for (const char* radius : {"0", "0.1", "0.5"}) {
+      EmptyFrame frame(width, height, Circle(radius));
+      frame.Fill(0, width, 257);
+      EXPECT_THROW(frame.IsTaken(), glimmerhost::Failure)
+          << width << " " << height << " " << radius;
+    }
+  }
+}
 
-  // What is there is nothing of a module without memory, however little it is.
-  result->buffer()[kSamples - 1] = 1;
-  EXPECT_TRUE(glimmerhost::CheckRendered(input, result.Object()));
+// Transparent is black in all samples, too.
+TEST(RenderedCheck, TakesBlackForBlack) {
+  for (const auto& [width, height] : {std::pair{8, 8}, {1, 1}, {64, 1}}) {
+    for (const char* radius : {"0", "0.1", "0.5"}) {
+      EXPECT_TRUE(EmptyFrame(width, height, Circle(radius)).IsTaken()) << width << " " << radius;
+    }
+  }
+}
+
+TEST(RenderedCheck, TakesWhatIsTooDarkToBeLeftOver) {
+  EmptyFrame frame(8, 8, Circle("0.5"));
+  frame.Fill(0, 8, 256);
+  EXPECT_TRUE(frame.IsTaken());
+}
+
+// What is there is nothing of a module without memory, however little it is.
+TEST(RenderedCheck, TakesAFrameWithAnythingInIt) {
+  EmptyFrame frame(8, 8, Circle("2px"));
+  frame.Fill(0, 8, 60000);
+  frame.result->buffer()[8 * 8 * 4 - 1] = 1;
+  EXPECT_TRUE(frame.IsTaken());
+}
+
+// The disc reaches 16 of 64 pixels: light at its rim moves the frame by as many.
+TEST(RenderedCheck, KnowsThatADiscOfAPictureMayMoveALightOutOfTheFrame) {
+  TypedLook typed;
+  typed["shape"] = "image";
+  typed["radius-psf1"] = "0.5";
+  typed["radius-psf2"] = "0.1";
+  EmptyFrame moved(64, 64, typed);
+  moved.Fill(0, 16, 60000);
+  moved.Fill(48, 64, 60000);
+  EXPECT_TRUE(moved.IsTaken());
+
+  EmptyFrame lost(64, 64, typed);
+  lost.Fill(24, 40, 60000);
+  EXPECT_THROW(lost.IsTaken(), glimmerhost::Failure);
+
+  // No light of so narrow a frame is sure to stay.
+  EmptyFrame narrow(64, 8, typed);
+  narrow.Fill(0, 64, 60000);
+  EXPECT_TRUE(narrow.IsTaken());
 }
 
 }  // namespace
