@@ -62,7 +62,8 @@ class PicturePlugin {
   PicturePlugin& operator=(const PicturePlugin&) = delete;
 
   // As the functions of picture_formats.h are.
-  virtual std::optional<OutputFormat> FormatOf(const std::filesystem::path& file) const = 0;
+  virtual PluginOutcome FormatOf(const std::filesystem::path& file,
+                                 std::optional<OutputFormat>* format) const = 0;
   virtual PluginOutcome Read(const std::filesystem::path& file, const ReadOptions& options,
                              Picture* picture, ReadReport* report) const = 0;
 

@@ -109,7 +109,9 @@ const char* const kWritableEndings =
     ".png, .tif, .exr, .dpx, .jpg or another format that OpenImageIO writes";
 
 std::optional<OutputFormat> PluggedFormatOf(const fs::path& file) {
-  return OpenFor(file, FormatWanted(file)).FormatOf(file);
+  std::optional<OutputFormat> format;
+  Raise(OpenFor(file, FormatWanted(file)).FormatOf(file, &format));
+  return format;
 }
 
 Picture ReadPlugged(const fs::path& file, const std::string& why, const ReadOptions& options,

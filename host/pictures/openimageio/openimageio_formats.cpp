@@ -31,6 +31,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kBitsPerSample = "oiio:BitsPerSample";
+constexpr const char* kNoWriter =
+    "the picture library had not the memory to write it, or not the threads";
 constexpr const char* kStraightAttribute = "oiio:UnassociatedAlpha";
 
 // Of a file whose samples nobody may want.
@@ -188,9 +190,13 @@ void WriteParts(const std::string& name, FileBytes* bytes, const OIIO::ImageSpec
 }  // namespace
 
 std::optional<OutputFormat> OpenImageIoFormatOf(const fs::path& file) {
+  (void)OIIO::geterror();
   const std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(file.string());
   if (!output) {
-    (void)OIIO::geterror();
+    // Of a format that it does not know the library says so, and nothing where it failed.
+    if (OIIO::geterror().empty()) {
+      throw Failure(file.string() + ": " + kNoWriter);
+    }
     return std::nullopt;
   }
   const std::string name = output->format_name();
@@ -283,6 +289,9 @@ void WriteByOpenImageIo(const OutputFile& file, FileBytes* bytes, const OutputFo
                         const Picture& picture, const Coding& coding,
                         std::vector<NotCarried>* lost) {
   std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(file.name);
+  if (!output) {
+    throw Failure(kNoWriter);
+  }
   const bool withAlpha = picture.alpha != Alpha::kNone && format.holdsAlpha;
   const int channels = ChannelsFor(format, picture, withAlpha);
   const OIIO::TypeDesc type = SampleType(format, coding, picture.bits);

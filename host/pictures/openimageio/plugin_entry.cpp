@@ -61,8 +61,9 @@ class Colours final : public PluginColours {
 
 class Plugin final : public PicturePlugin {
  public:
-  std::optional<OutputFormat> FormatOf(const std::filesystem::path& file) const override {
-    return OpenImageIoFormatOf(file);
+  PluginOutcome FormatOf(const std::filesystem::path& file,
+                         std::optional<OutputFormat>* format) const override {
+    return Outcome([&] { *format = OpenImageIoFormatOf(file); });
   }
 
   PluginOutcome Read(const std::filesystem::path& file, const ReadOptions& options,
