@@ -182,27 +182,46 @@ bool ApertureHoldsNothing(const FrameInput& input) {
   return LitPixels(input.values, aperture) == 0;
 }
 
-bool CheckRendered(const FrameInput& input, FrameImage* result) {
+namespace {
+
+enum class Outcome { kWorked, kNoAperture, kLost, kLeftAlone };
+
+Outcome OutcomeOf(const FrameInput& input, FrameImage* result) {
   const Samples source = SamplesOf(input.source.Object());
   if (IsLost(input, source, SamplesOf(result))) {
-    throw Failure("the effect gave an empty frame for a picture: it had not the memory for it");
+    return Outcome::kLost;
   }
-  if (!IsCopy(source, SamplesOf(result)) || ApertureRadius(input.values, source.width) <= 1.0) {
-    return true;
+  if (ApertureRadius(input.values, source.width) <= 1.0 || !IsCopy(source, SamplesOf(result))) {
+    return Outcome::kWorked;
   }
   if (ApertureHoldsNothing(input)) {
-    return false;
+    return Outcome::kNoAperture;
   }
   // An aperture of one point of light rightly leaves a frame as it is.
   const Samples aperture = SamplesOf((input.spread ? input.spread : input.source).Object());
   const bool isPoint =
       ShapeOf(input.values) == Shape::kImage && LitPixels(input.values, aperture) == 1;
-  if (!HasEdges(source) || isPoint) {
-    return true;
+  return !HasEdges(source) || isPoint ? Outcome::kWorked : Outcome::kLeftAlone;
+}
+
+}  // namespace
+
+bool CheckRendered(const FrameInput& input, FrameImage* result) {
+  const Outcome outcome = OutcomeOf(input, result);
+  if (outcome == Outcome::kLost) {
+    throw Failure("the effect gave an empty frame for a picture: it had not the memory for it");
   }
-  throw Failure(
-      "the effect gave the frame back as it was, though its aperture is larger than a "
-      "pixel: it could not work on it");
+  if (outcome == Outcome::kLeftAlone) {
+    throw Failure(
+        "the effect gave the frame back as it was, though its aperture is larger than a "
+        "pixel: it could not work on it");
+  }
+  return outcome == Outcome::kWorked;
+}
+
+bool IsWorkedOn(const FrameInput& input, FrameImage* result) {
+  const Outcome outcome = OutcomeOf(input, result);
+  return outcome == Outcome::kWorked || outcome == Outcome::kNoAperture;
 }
 
 bool StayedAsItWas(const FrameInput& input, const Picture& source,

@@ -43,6 +43,9 @@ inline constexpr const char* kEmptyAperture =
 // memory.
 bool CheckRendered(const FrameInput& input, FrameImage* result);
 
+// Whether CheckRendered takes the result.
+bool IsWorkedOn(const FrameInput& input, FrameImage* result);
+
 // Whether a result in floats is the source, but for rounding, since the aperture holds nothing.
 bool StayedAsItWas(const FrameInput& input, const Picture& source,
                    const std::vector<float>& result);

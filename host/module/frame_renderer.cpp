@@ -5,6 +5,7 @@
 
 #include "host/looks/foresight.h"
 #include "host/looks/keys.h"
+#include "host/module/frame_checks.h"
 #include "host/module/parameter_store.h"
 
 namespace glimmerhost {
@@ -64,6 +65,11 @@ quantel::cPtr<FrameImage> FrameRenderer::Render(const FrameInput& input) {
     render_->setParams(Traced(store, trace));
     TraceToModule(trace, "render.renderFrame(", input.frame, ", 0, 0)");
     render_->renderFrame(input.frame, 0, 0);
+    // Without the memory for one frame it may lack something for all that it keeps its aperture
+    // for. One that has to carry its aperture on cannot be replaced.
+    if (!carryPsf_ && !IsWorkedOn(input, output.Object())) {
+      render_.Reset();
+    }
   } catch (...) {
     render_.Reset();
     RethrowModuleFault();
