@@ -2,6 +2,8 @@
 // How the program ends when it cannot do what was asked.
 #pragma once
 
+#include <exception>
+#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -29,6 +31,18 @@ class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
+
+// For a thread that has to tell what went wrong, also where there is no memory to tell it with.
+inline std::string FaultText(const std::exception& fault) noexcept {
+  // So short that a string takes no memory for it.
+  constexpr const char* kNoMemory = "no memory left";
+  try {
+    const bool isNoMemory = dynamic_cast<const std::bad_alloc*>(&fault) != nullptr;
+    return isNoMemory ? kNoMemory : fault.what();
+  } catch (const std::bad_alloc&) {
+    return kNoMemory;
+  }
+}
 
 // "--sides must be a whole number from 3 to 50, not 2".
 //   name   what was set: an option, or a name in a file

@@ -4,12 +4,13 @@
 #include <exception>
 #include <utility>
 
+#include "host/support/failure.h"
 #include "host/support/utf8_path.h"
 
 namespace glimmerhost {
 
 ClipOpener::ClipOpener(std::function<void()> ring)
-    : ring_(std::move(ring)), worker_([this](const Request& request) { Open(request); }) {}
+    : ring_(std::move(ring)), worker_([this](Request request) { Open(std::move(request)); }) {}
 
 std::uint64_t ClipOpener::Ask(const std::string& name) {
   worker_.Ask({++serial_, name});
@@ -21,15 +22,16 @@ std::optional<OpenedClip> ClipOpener::Fetch() {
   return std::exchange(opened_, std::nullopt);
 }
 
-void ClipOpener::Open(const Request& request) {
-  OpenedClip opened{request.serial, request.name, nullptr, {}, {}};
+void ClipOpener::Open(Request request) {
+  OpenedClip opened{request.serial, std::move(request.name), nullptr, {}, {}};
   try {
-    opened.clip = std::make_shared<const ViewedClip>(request.name);
-    if (!opened.clip->IsSequence()) {
-      opened.sequence = SequenceOf(Utf8Path(request.name));
+    auto clip = std::make_shared<const ViewedClip>(opened.name);
+    if (!clip->IsSequence()) {
+      opened.sequence = SequenceOf(Utf8Path(opened.name));
     }
+    opened.clip = std::move(clip);
   } catch (const std::exception& fault) {
-    opened.fault = fault.what();
+    opened.fault = FaultText(fault);
   }
   {
     const std::lock_guard lock(mutex_);

@@ -40,7 +40,7 @@ class ClipOpener {
     std::string name;
   };
 
-  void Open(const Request& request);
+  void Open(Request request);
 
   std::function<void()> ring_;
   std::uint64_t serial_ = 0;

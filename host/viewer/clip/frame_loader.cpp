@@ -6,6 +6,8 @@
 #include <new>
 #include <utility>
 
+#include "host/support/failure.h"
+
 namespace glimmerhost {
 namespace {
 
@@ -51,7 +53,7 @@ FrameLoader::FrameLoader(std::uint64_t cacheBytes, std::function<void()> ring,
     : ring_(std::move(ring)),
       reading_(std::move(reading)),
       cache_(cacheBytes),
-      worker_([this](const Numbered& asked) { Work(asked); }) {}
+      worker_([this](Numbered asked) { Work(std::move(asked)); }) {}
 
 std::uint64_t FrameLoader::Ask(const FrameRequest& request) {
   const std::uint64_t serial = newest_ + 1;
@@ -112,20 +114,20 @@ void FrameLoader::Forget() {
   ++forgotten_;
 }
 
-void FrameLoader::Work(const Numbered& asked) {
-  FrameAnswer answer{asked.serial, asked.request, nullptr, {}};
+void FrameLoader::Work(Numbered asked) {
+  FrameAnswer answer{asked.serial, std::move(asked.request), nullptr, {}};
+  std::optional<FrameRequest> ahead;
   try {
-    answer.loaded = Obtain(asked.request, asked.request.frame);
-  } catch (const std::bad_alloc&) {
-    answer.fault = "not enough memory for this picture";
+    answer.loaded = Obtain(answer.request, answer.request.frame);
+    ahead = answer.request;
   } catch (const std::exception& fault) {
-    answer.fault = fault.what();
+    answer.fault = answer.loaded ? "" : FaultText(fault);
   }
   Show({});
   const std::shared_ptr<const LoadedFrame> loaded = answer.loaded;
   Answer(std::move(answer));
-  if (loaded) {
-    ReadAhead(asked, *loaded);
+  if (ahead) {
+    ReadAhead({asked.serial, *std::move(ahead)}, *loaded);
   }
 }
 
@@ -161,9 +163,15 @@ std::shared_ptr<const LoadedFrame> FrameLoader::Obtain(const FrameRequest& reque
 // As many as the cache has room for beside the frame itself: more would push out those that are
 // wanted first. A frame that cannot be read says so when it is asked for.
 void FrameLoader::ReadAhead(const Numbered& asked, const LoadedFrame& frame) {
+  std::vector<int> frames;
+  try {
+    frames = FramesAhead(asked.request);
+  } catch (const std::bad_alloc&) {
+    return;
+  }
   const std::uint64_t bytes = std::max<std::uint64_t>(BytesOf(frame), 1);
   std::vector<std::shared_ptr<const LoadedFrame>> ahead;
-  for (const int next : FramesAhead(asked.request)) {
+  for (const int next : frames) {
     if (!IsNewest(asked.serial)) {
       return;
     }

@@ -87,7 +87,7 @@ class FrameLoader {
     FrameRequest request;
   };
 
-  void Work(const Numbered& asked);
+  void Work(Numbered asked);
   std::shared_ptr<const LoadedFrame> Obtain(const FrameRequest& request, int frame);
   void ReadAhead(const Numbered& asked, const LoadedFrame& frame);
   void Answer(FrameAnswer answer);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <exception>
+#include <new>
 
 #include "host/films/film.h"
 #include "host/support/failure.h"
@@ -40,6 +41,8 @@ std::size_t CountFrames(const std::string& name) {
   try {
     const FileSequence files("", name);
     return files.HasFrames() ? files.Scan().size() : 0;
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (const std::exception&) {
     return 0;
   }

@@ -3,10 +3,11 @@
 
 #include <atomic>
 #include <exception>
+#include <list>
 #include <mutex>
 #include <utility>
-#include <vector>
 
+#include "host/support/failure.h"
 #include "host/support/newest_worker.h"
 #include "host/viewer/live/frame_maker.h"
 #include "host/viewer/live/proxy.h"
@@ -41,22 +42,27 @@ class Graveyard {
   static std::shared_ptr<const Picture> Watch(const std::shared_ptr<Graveyard>& graveyard,
                                               std::shared_ptr<const Picture> picture) {
     const Picture* const seen = picture.get();
-    return {seen, [graveyard, held = std::move(picture)](const Picture*) mutable {
+    // Its place in the list, from the start: to bury must take no memory.
+    Pictures held;
+    held.push_back(std::move(picture));
+    return {seen, [graveyard, held = std::move(held)](const Picture*) mutable {
               const std::lock_guard lock(graveyard->mutex_);
-              graveyard->buried_.push_back(std::move(held));
+              graveyard->buried_.splice(graveyard->buried_.end(), held);
             }};
   }
 
   void Clear() {
     // Freed behind the lock: declared before it.
-    std::vector<std::shared_ptr<const Picture>> buried;
+    Pictures buried;
     const std::lock_guard lock(mutex_);
     buried.swap(buried_);
   }
 
  private:
+  using Pictures = std::list<std::shared_ptr<const Picture>>;
+
   std::mutex mutex_;
-  std::vector<std::shared_ptr<const Picture>> buried_;
+  Pictures buried_;
 };
 
 // The renders of one thread.
@@ -79,7 +85,7 @@ class Studio {
       rendered.seconds = std::chrono::duration<double>(Clock::now() - start).count();
       PaceOf(*frame).Note(PointsOf(request, *frame), rendered.seconds);
     } catch (const std::exception& fault) {
-      rendered.fault = fault.what();
+      rendered.fault = FaultText(fault);
     }
     return rendered;
   }
@@ -155,12 +161,13 @@ LiveRender::LiveRender(std::shared_ptr<const EffectModule> module, std::function
 
 LiveRender::~LiveRender() = default;
 
+// What is there stays where there is no memory or no thread for another.
 void LiveRender::Start() {
-  stage_ = std::make_shared<Stage>();
+  auto fresh = std::make_shared<Stage>();
   // Owned by the thread, so that instances end with it, also where it was abandoned.
   auto studio = std::make_shared<Studio>(module_, handSeconds_);
-  thread_ = std::make_unique<Thread>(
-      [stage = stage_, studio, ring = ring_, hanging = hanging_](const RenderRequest& request) {
+  auto thread = std::make_unique<Thread>(
+      [stage = fresh, studio, ring = ring_, hanging = hanging_](const RenderRequest& request) {
         {
           const std::lock_guard lock(stage->mutex);
           stage->begun = Clock::now();
@@ -178,6 +185,11 @@ void LiveRender::Start() {
         }
         ring();
       });
+  if (thread_) {
+    LeaveAlone();
+  }
+  stage_ = std::move(fresh);
+  thread_ = std::move(thread);
 }
 
 void LiveRender::Ask(RenderRequest request) { thread_->Ask(std::move(request)); }
@@ -197,7 +209,9 @@ std::optional<std::chrono::duration<double>> LiveRender::Busy() const {
   return Clock::now() - *stage_->begun;
 }
 
-void LiveRender::Abandon() {
+void LiveRender::Abandon() { Start(); }
+
+void LiveRender::LeaveAlone() {
   {
     const std::lock_guard lock(stage_->mutex);
     if (stage_->begun && !stage_->isAbandoned) {
@@ -206,7 +220,6 @@ void LiveRender::Abandon() {
     }
   }
   thread_->Abandon();
-  Start();
 }
 
 int LiveRender::Hanging() const { return *hanging_; }

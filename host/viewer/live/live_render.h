@@ -67,7 +67,7 @@ class LiveRender {
   std::optional<std::chrono::duration<double>> Busy() const;
 
   // Leaves a render that hangs to itself, with its thread and its instances. The next request gets
-  // new ones. Throws std::system_error as the constructor does.
+  // new ones. Throws std::system_error as the constructor does, and nothing is left alone then.
   void Abandon();
 
   // How many were abandoned and have not come back. While there are any, the module cannot be
@@ -79,6 +79,7 @@ class LiveRender {
   class Thread;
 
   void Start();
+  void LeaveAlone();
 
   std::shared_ptr<const EffectModule> module_;
   std::function<void()> ring_;

@@ -4,6 +4,8 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <mutex>
+#include <new>
+#include <thread>
 
 namespace glimmerhost {
 
@@ -12,6 +14,22 @@ struct Doorbell::State {
   Doorbell* bell;  // null once it is gone
   bool isRinging = false;
 };
+
+// False where there is no memory for it. Who rings has put something down that nobody would come
+// for otherwise.
+bool Doorbell::TryRing(State* state) {
+  const std::lock_guard lock(state->mutex);
+  if (state->bell == nullptr || state->isRinging) {
+    return true;
+  }
+  try {
+    QCoreApplication::postEvent(state->bell, new QEvent(QEvent::User));
+    state->isRinging = true;
+    return true;
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
 
 Doorbell::Doorbell(QObject* parent) : QObject(parent), state_(std::make_shared<State>()) {
   state_->bell = this;
@@ -24,10 +42,8 @@ Doorbell::~Doorbell() {
 
 std::function<void()> Doorbell::Ringer() const {
   return [state = state_] {
-    const std::lock_guard lock(state->mutex);
-    if (state->bell != nullptr && !state->isRinging) {
-      state->isRinging = true;
-      QCoreApplication::postEvent(state->bell, new QEvent(QEvent::User));
+    while (!TryRing(state.get())) {
+      std::this_thread::yield();
     }
   };
 }

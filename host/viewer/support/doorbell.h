@@ -34,6 +34,8 @@ class Doorbell : public QObject {
  private:
   struct State;
 
+  static bool TryRing(State* state);
+
   std::shared_ptr<State> state_;
 };
 
