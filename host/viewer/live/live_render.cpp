@@ -166,25 +166,29 @@ void LiveRender::Start() {
   auto fresh = std::make_shared<Stage>();
   // Owned by the thread, so that instances end with it, also where it was abandoned.
   auto studio = std::make_shared<Studio>(module_, handSeconds_);
-  auto thread = std::make_unique<Thread>(
-      [stage = fresh, studio, ring = ring_, hanging = hanging_](const RenderRequest& request) {
-        {
-          const std::lock_guard lock(stage->mutex);
-          stage->begun = Clock::now();
-        }
-        RenderedFrame rendered = studio->Render(request);
-        std::optional<RenderedFrame> replaced;
-        {
-          const std::lock_guard lock(stage->mutex);
-          stage->begun.reset();
-          replaced.swap(stage->ready);
-          stage->ready = std::move(rendered);
-          if (stage->isAbandoned) {
-            --*hanging;
-          }
-        }
-        ring();
-      });
+  auto thread = std::make_unique<Thread>([stage = fresh, studio, ring = ring_, hanging = hanging_](
+                                             const RenderRequest& request) mutable {
+    {
+      const std::lock_guard lock(stage->mutex);
+      stage->begun = Clock::now();
+    }
+    RenderedFrame rendered = studio->Render(request);
+    std::optional<RenderedFrame> replaced;
+    bool isAbandoned = false;
+    {
+      const std::lock_guard lock(stage->mutex);
+      stage->begun.reset();
+      replaced.swap(stage->ready);
+      stage->ready = std::move(rendered);
+      isAbandoned = stage->isAbandoned;
+    }
+    // Its instances go before anybody may think that it has come back.
+    if (isAbandoned) {
+      studio.reset();
+      --*hanging;
+    }
+    ring();
+  });
   if (thread_) {
     LeaveAlone();
   }
