@@ -48,6 +48,10 @@ ENDING_LIBRARIES = (
     ("fftw: alloc.c", "FFTW"), ("thread-local data", "the C library"),
     ("directory_iterator", "the C++ library's folders"), ("nlohmann::", "the JSON library"))
 
+# Where a request of these is refused, of which functions that must not throw are many.
+PICTURE_LIBRARIES = ("libOpenImageIO", "libOpenEXR", "libIex", "libImath", "libIlmThread")
+BASE_LIBRARIES = ("librefusals", "libc.so", "libstdc++", "ld-linux")
+
 
 class Server:
     """The program, which runs from its main on as often as it is told to."""
@@ -199,8 +203,14 @@ def ending_library(shot, code, said):
     """Who ended the process, of those that do so; none where it ended as it should."""
     if code not in (-6, -11, 127):
         return None
-    text = said + callers(shot) + pathlib.Path(f"{shot.server.said}.callers").read_text()
-    return next((who for mark, who in ENDING_LIBRARIES if mark in text), None)
+    stack = pathlib.Path(f"{shot.server.said}.callers").read_text()
+    text = said + callers(shot) + stack
+    who = next((who for mark, who in ENDING_LIBRARIES if mark in text), None)
+    asks = next((line for line in stack.splitlines()
+                 if not any(name in line for name in BASE_LIBRARIES)), "")
+    if who is None and any(name in asks for name in PICTURE_LIBRARIES):
+        who = "the picture library"
+    return who
 
 
 def refuse_each(shot, kind, stride, offset):
