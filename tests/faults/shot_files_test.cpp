@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// What a shot keeps on the disk, with each request to the system refused once: manifest, claims and
+// pictures that are read. And a channel, which is abandoned where there is no memory.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/pictures/picture_file.h"
+#include "host/shots/frame_claim.h"
+#include "host/shots/manifest.h"
+#include "host/support/channel.h"
+#include "host/support/failure.h"
+#include "tests/faults/refusals.h"
+#include "tests/support/scratch_folder.h"
+
+namespace {
+
+using faults::Kind;
+using glimmerhost::FrameClaim;
+using glimmerhost::Manifest;
+using glimmerhost::ManifestEntry;
+
+// Does something with the n-th request refused. False where it says that it failed.
+//   refused  receives the function that was; empty for none
+template <class Work>
+bool DoRefused(Kind kind, long n, std::string_view* refused, const Work& work) {
+  bool isDone = false;
+  faults::RefuseFrom(kind, n);
+  try {
+    work();
+    isDone = true;
+  } catch (const std::exception&) {
+  }
+  faults::RefuseNoMore();
+  const char* const what = faults::WhatWasRefused();
+  *refused = what == nullptr ? "" : what;
+  return isDone;
+}
+
+std::vector<std::string> LinesOf(const std::filesystem::path& file) {
+  std::ifstream in(file);
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(in, line);) {
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+ManifestEntry Entry(int frame) {
+  ManifestEntry entry;
+  entry.frame = frame;
+  entry.output = "out" + std::to_string(frame);
+  entry.outputHash = "hash" + std::to_string(frame);
+  entry.engine = "fast";
+  return entry;
+}
+
+TEST(RefusedFiles, LeaveTheLinesOfAManifestWhereTheyAre) {
+  long n = 0;
+  std::string_view refused = "all";
+  while (!refused.empty()) {
+    ++n;
+    const lx_test::ScratchFolder folder;
+    const std::filesystem::path file = folder / "shot.jsonl";
+    Manifest(file, false, false).Add(Entry(1));
+    const std::string first = LinesOf(file).at(0);
+
+    const bool isDone =
+        DoRefused(Kind::kFiles, n, &refused, [&] { Manifest(file, true, false).Add(Entry(2)); });
+
+    const std::vector<std::string> lines = LinesOf(file);
+    ASSERT_FALSE(lines.empty()) << n << " " << refused;
+    EXPECT_EQ(first, lines[0]) << n << " " << refused;
+    EXPECT_LE(lines.size(), 2U) << n << " " << refused;
+    if (!isDone) {
+      Manifest(file, true, false).Add(Entry(2));
+    }
+    Manifest read(file, true, false);
+    EXPECT_EQ("hash1", read.Last(1).value().outputHash) << n << " " << refused;
+    EXPECT_EQ("hash2", read.Last(2).value().outputHash) << n << " " << refused;
+  }
+  RecordProperty("refused", static_cast<int>(n - 1));
+  EXPECT_GT(n, 5);
+}
+
+// A claim that is not had leaves no file, which would keep the frame from everybody.
+void ExpectNoClaimLeft(Kind kind) {
+  long n = 0;
+  std::string_view refused = "all";
+  while (!refused.empty()) {
+    ++n;
+    const lx_test::ScratchFolder folder;
+    const std::filesystem::path output = folder / "out.0001.png";
+    std::unique_ptr<FrameClaim> claim;
+
+    const bool isDone = DoRefused(kind, n, &refused, [&] { claim = FrameClaim::Try(output); });
+
+    if (!isDone) {
+      EXPECT_EQ(0, folder.FileCount()) << n << " " << refused;
+    }
+    claim = nullptr;
+    claim = FrameClaim::Try(output);
+    EXPECT_TRUE(claim) << n << " " << refused;
+    claim = nullptr;
+    EXPECT_EQ(0, folder.FileCount()) << n << " " << refused;
+  }
+  testing::Test::RecordProperty("refused", static_cast<int>(n - 1));
+  EXPECT_GT(n, 3);
+}
+
+TEST(RefusedFiles, LeaveNoClaim) { ExpectNoClaimLeft(Kind::kFiles); }
+
+TEST(RefusedMemory, LeavesNoClaim) { ExpectNoClaimLeft(Kind::kMemory); }
+
+TEST(RefusedMemory, AbandonsAChannelAllTheSame) {
+  glimmerhost::Channel<int> channel(2);
+  channel.Put(1);
+  std::string_view refused;
+
+  EXPECT_TRUE(DoRefused(Kind::kMemory, 1, &refused, [&] { channel.Abandon(); }));
+
+  EXPECT_EQ("", refused);
+  EXPECT_FALSE(channel.Put(2));
+}
+
+// A file that is not read is another format's to nobody.
+TEST(RefusedFiles, AreFaultsOfTheFileThatIsRead) {
+  const lx_test::ScratchFolder folder;
+  for (const char* name : {"in.png", "in.tif"}) {
+    const std::filesystem::path file = folder / name;
+    glimmerhost::Picture picture;
+    picture.width = 8;
+    picture.height = 4;
+    picture.samples.assign(picture.PixelCount() * 4, 1000);
+    glimmerhost::PictureOutput(file, false).Write(picture, {});
+    std::string warning;
+    const glimmerhost::Picture whole = glimmerhost::ReadPicture(file, &warning);
+    ASSERT_EQ(1000, whole.samples.at(0));
+    long n = 0;
+    std::string_view refused = "all";
+    while (!refused.empty()) {
+      ++n;
+      glimmerhost::Picture read;
+      const bool isDone = DoRefused(Kind::kFiles, n, &refused, [&] {
+        try {
+          read = glimmerhost::ReadPicture(file, &warning);
+        } catch (const glimmerhost::Failure& fault) {
+          if (std::string_view(fault.what()).find(name) == std::string_view::npos) {
+            ADD_FAILURE() << n << ": " << fault.what();
+          }
+          throw;
+        }
+      });
+      EXPECT_TRUE(!isDone || read.samples == whole.samples) << name << " " << n << " " << refused;
+    }
+    EXPECT_GT(n, 3) << name;
+  }
+}
+
+}  // namespace
