@@ -139,7 +139,8 @@ def write_report(options, seconds, steps, samples):
 
 def main():
     options = parse()
-    options.build = options.build.resolve()  # processes of the program work in a folder of theirs
+    # Processes of the program work in a folder of theirs.
+    options.build, options.work = options.build.resolve(), options.work.resolve()
     shutil.rmtree(options.work, ignore_errors=True)
     options.work.mkdir(parents=True)
     print(f"Seed {options.seed}", flush=True)
