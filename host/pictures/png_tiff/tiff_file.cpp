@@ -145,6 +145,9 @@ class TiffReader {
     picture.pixelAspect = PixelAspectOf(metadata.resolution);
     picture.metadata = std::make_shared<FileMetadata>(metadata);
     NoteLeft(picture, report);
+    if (library_.IsUnreadable()) {
+      ReadFailure(file_, "the system does not read all of it");
+    }
     return picture;
   }
 

@@ -35,6 +35,9 @@ class TiffLibrary {
   // Whether the system would not do what libtiff asked of it.
   bool IsRefused() const { return bytes_.IsRefused(); }
 
+  // Whether the system has failed to read. The library goes on without what it can do without.
+  bool IsUnreadable() const { return bytes_.IsUnreadable(); }
+
   // The first error since the file was opened, or why it was not; empty if there was none.
   const char* Trouble() const { return trouble_.data(); }
 
