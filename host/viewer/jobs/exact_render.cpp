@@ -3,6 +3,7 @@
 
 #include <exception>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -37,6 +38,15 @@ std::vector<std::string> WordsOf(const Page& page, const ExactRequest& request,
   return words;
 }
 
+// Of a literal the text takes no memory.
+QString WordsOf(const std::exception& fault) noexcept {
+  try {
+    return QString::fromUtf8(fault.what());
+  } catch (const std::bad_alloc&) {
+    return QStringLiteral("no memory left");
+  }
+}
+
 bool IsPremultiplied(const Page& page, const Look& look) {
   return PictureLookOf(page, {{"", look}}).alpha != "as-is";
 }
@@ -65,7 +75,7 @@ ExactRender::ExactRender(const Page& page, fs::path program, QObject* parent)
           }
           frame.picture = std::move(picture);
         } catch (const std::exception& fault) {
-          frame.fault = QString::fromUtf8(fault.what());
+          frame.fault = WordsOf(fault);
         }
         std::error_code ignored;
         fs::remove(reading.file, ignored);
