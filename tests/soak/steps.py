@@ -184,12 +184,13 @@ class Steps:
                 pass
             if victim == process.pid:
                 end_group(process, signal.SIGKILL if self.dice.random() < 0.5 else signal.SIGTERM)
-        # A pipe to it stays open for as long as any of them lives.
         self.program.finish(process)
         self.expect_whole(name)
         self.program.run(share)
         if self.expect_whole(name) != count:
             raise Fault(f"outputs are missing after {self.program.last[-1]}")
+        # One that was told to end while the other one submitted may still be about it.
+        await_group(process.pid)
         self.count_frames(count)
 
     # ---- other commands ----
