@@ -7,7 +7,8 @@ import xml.dom.minidom
 import limits
 import plot
 
-STEADY = {"resident": 40 * limits.MIB, "heap": 200000, "descriptors": 3, "threads": 1, "temporary": 1}
+STEADY = {"resident": 40 * limits.MIB, "heap": 200000, "descriptors": 3, "threads": 1, "temporary": 1,
+          "loads": 0}
 
 
 def lines(count=100, **changed):
@@ -47,6 +48,15 @@ class Limits(unittest.TestCase):
         grown = lines(resident=lambda second: second * limits.MIB,
                       threads=lambda second: 1 + (second > 50))
         self.assertEqual(["threads"], passed(grown, is_sanitized=True))
+        self.assertEqual(["resident memory"],
+                         passed(lines(resident=lambda second: 4 * second * limits.MIB), is_sanitized=True))
+
+    def test_allow_a_sanitizer_some_heap_a_load(self):
+        def grown(loads):
+            return lines(heap=lambda second: second * 10 * 9000, loads=lambda second: second * loads)
+        self.assertEqual([], passed(grown(50), is_sanitized=True))
+        self.assertEqual(["heap in use"], passed(grown(5), is_sanitized=True))
+        self.assertEqual(["heap in use"], passed(grown(50)))
 
 
 class Plot(unittest.TestCase):
