@@ -14,6 +14,7 @@
 #include "host/module/effect_module.h"
 #include "host/render/arithmetic.h"
 #include "host/render/explain.h"
+#include "host/render/frame_digest.h"
 #include "host/shots/file_hash.h"
 #include "host/shots/manifest.h"
 #include "host/support/failure.h"
@@ -68,7 +69,8 @@ void RenderShot(const Page& page, RenderPlan plan, ShotReport* report) {
   std::optional<Manifest> manifest;
   if (!plan.manifest.empty()) {
     plan.settings.versions = {{"glimmerhost", GLIMMERHOST_VERSION},
-                              {"module", FileHash(plan.module.file)}};
+                              {kModuleVersion, FileHash(plan.module.file)},
+                              {kEngineVersion, NumberedEngine(plan.module)}};
     plan.settings.arithmetic = ArithmeticOf(module);
     if (plan.shot.span.IsKnown()) {
       plan.settings.shot = ShowSpan(plan.shot.span);

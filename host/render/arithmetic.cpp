@@ -48,13 +48,17 @@ std::string Numbered(std::string_view engine, std::string_view number) {
 
 }  // namespace
 
+std::string NumberedEngine(const ModuleChoice& choice) {
+  return choice.arithmetic.empty()
+             ? std::string(choice.engine->name) + " of file " + FileHash(choice.file)
+             : Numbered(choice.engine->name, choice.arithmetic);
+}
+
 std::string ArithmeticOf(const EffectModule& module) {
   const ModuleChoice& choice = module.Choice();
   const std::string processor = std::string(", ") + lx::GetPlatform().processorForm();
   const bool isKnown = !choice.arithmetic.empty();
-  std::string text = isKnown
-                         ? Numbered(choice.engine->name, choice.arithmetic)
-                         : std::string(choice.engine->name) + " of file " + FileHash(choice.file);
+  std::string text = NumberedEngine(choice);
   if (isKnown && choice.engine->name == lx::FastFootprint::kName) {
     return text;
   }

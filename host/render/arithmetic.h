@@ -24,6 +24,11 @@ namespace glimmerhost {
 // Threads are counted as an engine made now would. Throws Failure where the file cannot be read.
 std::string ArithmeticOf(const EffectModule& module);
 
+// The engine of a module and the number of its arithmetic, which is the same in its builds for all
+// systems; the file where it tells no number. With what ArithmeticOf begins: "exact 1".
+// Throws Failure where the file cannot be read.
+std::string NumberedEngine(const ModuleChoice& choice);
+
 // That of frames of floats, which go through the library.
 std::string FloatArithmetic();
 

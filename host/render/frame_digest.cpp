@@ -36,7 +36,11 @@ std::vector<std::pair<std::string, std::string>> WhatDecides(
     const std::map<std::string, Value>& values, const std::map<std::string, FileState>& sources) {
   std::vector<std::pair<std::string, std::string>> decides;
   for (const auto& [name, version] : settings.versions) {
-    decides.emplace_back("version of " + name, version);
+    // A farm's machines have other files of a module for each system and processor. Earlier lines
+    // tell of no more than the file.
+    if (name != kModuleVersion || !settings.versions.contains(kEngineVersion)) {
+      decides.emplace_back("version of " + name, version);
+    }
   }
   decides.emplace_back("engine", engine.name);
   for (const auto& [key, value] : values) {

@@ -22,6 +22,11 @@ inline constexpr const char* kInputSource = "input";
 inline constexpr const char* kSpreadSource = "spread";
 inline constexpr const char* kMaskSource = "mask";
 
+// Names among the versions: the hash of the module's file, and the engine with the number of its
+// arithmetic, which counts in place of it.
+inline constexpr const char* kModuleVersion = "module";
+inline constexpr const char* kEngineVersion = "engine";
+
 // The files whose contents go into a frame, by what they are for. A pipe is none: its picture has a
 // hash of its own.
 std::map<std::string, std::filesystem::path> SourceFiles(

@@ -74,4 +74,14 @@ TEST_F(Arithmetic, OfAFileThatTellsNoneNamesTheFile) {
             Of(COPYING_MODULE));
 }
 
+TEST_F(Arithmetic, BeginsWithTheEngineAndItsNumberOnEveryMachine) {
+  for (const fs::path& file :
+       {ModuleOf("fast"), ModuleOf("double"), ModuleOf(""), fs::path(COPYING_MODULE)}) {
+    const std::string engine = glimmerhost::NumberedEngine(glimmerhost::ChoiceOfFile(file));
+    EXPECT_EQ(engine, Of(file).substr(0, engine.size()));
+    EXPECT_EQ(std::string::npos, engine.find(',')) << engine;
+  }
+  EXPECT_EQ("exact 1", glimmerhost::NumberedEngine(glimmerhost::ChoiceOfFile(ModuleOf(""))));
+}
+
 }  // namespace

@@ -388,7 +388,13 @@ class LoaderOfARenderedShot : public LoaderAlone {
     }
     Use("radius = '2px'");
     settings.versions = {{"module", "one"}};
-    Works works = Load("fast", true);
+    Render();
+    settings.skipExisting = true;
+  }
+
+  // With a line for each frame.
+  void Render() {
+    const Works works = Load("fast", true);
     for (const auto& work : works) {
       WriteText(OutputName(work->files.frame), "rendered");
       ManifestEntry entry;
@@ -401,7 +407,6 @@ class LoaderOfARenderedShot : public LoaderAlone {
       entry.height = work->readSize.second;
       manifest->Add(entry);
     }
-    settings.skipExisting = true;
   }
 
   // What becomes of the two frames when they are looked at again.
@@ -468,6 +473,21 @@ TEST_F(LoaderOfARenderedShot, RendersAgainWhatComesOfOtherSettings) {
   settings = before;
   EXPECT_EQ(bothDone, StatesOf(Load("exact", true)));
   EXPECT_EQ(bothSkipped, Again());
+}
+
+// Machines of a farm have each a file of the module, which they would render again and again.
+TEST_F(LoaderOfARenderedShot, SkipsWhatAnotherFileOfTheSameEngineHasRendered) {
+  settings.overwrite = true;
+  settings.skipExisting = false;
+  settings.versions = {{"module", "of this system"}, {"engine", "fast 1"}};
+  Render();
+  settings.overwrite = false;
+  settings.skipExisting = true;
+
+  settings.versions["module"] = "of another system";
+  EXPECT_EQ(bothSkipped, Again());
+  settings.versions["engine"] = "fast 2";
+  EXPECT_EQ(bothDone, Again());
 }
 
 // A PNG has none of them, so that no frame here could be rendered with it.
