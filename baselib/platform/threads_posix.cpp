@@ -16,6 +16,10 @@ namespace {
 
 // A manual-reset event. Most waits of a pool are short, so a waiter looks at the flag for
 // a while before it sleeps.
+//
+// Who writes a flag here and then reads another one exchanges it. A store would do by the language,
+// but an emulator of arm64 lets the read overtake it, and a wake-up is lost. On x86 both are the
+// same instruction.
 struct Event {
   std::atomic<bool> set{false};
   std::atomic<std::int32_t> sleepers{0};
@@ -79,7 +83,7 @@ bool WaitForEvent(Event& event) {
   // the count: one of the two sees the other. The same holds for being told to end.
   event.sleepers.fetch_add(1);
   if (ownRecord != nullptr) {
-    ownRecord->sleepsAt.store(&event);
+    ownRecord->sleepsAt.exchange(&event);
   }
   while (!event.set.load() && !IsTold()) {
     pthread_cond_wait(&event.changed, &event.mutex);
@@ -135,7 +139,7 @@ void EndThread(std::uint32_t /*exitCode*/) {}
 
 bool TerminateThread(ThreadHandle handle, std::uint32_t /*exitCode*/) {
   auto* thread = static_cast<Thread*>(handle);
-  thread->told.store(true);
+  thread->told.exchange(true);
   if (Event* event = thread->sleepsAt.load(); event != nullptr) {
     WakeSleepers(*event);
   }
@@ -202,7 +206,7 @@ void DestroyEvent(EventHandle handle) { delete static_cast<Event*>(handle); }
 
 void SetEvent(EventHandle handle) {
   auto& event = *static_cast<Event*>(handle);
-  event.set.store(true);
+  event.set.exchange(true);
   if (event.sleepers.load() > 0) {
     WakeSleepers(event);
   }
