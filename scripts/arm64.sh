@@ -112,19 +112,61 @@ make_chroot() {
   chmod 755 "$beside"
   "make_$kind" "$beside" "$@"
   mv -T "$beside" "$place"
+  delete_old_chroots "$kind" "$place"
 }
 
-# keep_chroot KIND ARGUMENT...: sets chroot to the one of this kind and recipe that the user's clones share.
+# delete_old_chroots KIND PLACE: those of this kind by other recipes, and those that were left half made,
+# unless another script holds them: it would find them gone. Their locks stay, each an empty file: whoever
+# waits for one must not get it while a third makes a new one of the same name.
+delete_old_chroots() {
+  local kind=$1 place=$2 old whole lock
+  for old in "${place%/*}/arm64-$kind-"*; do
+    [[ ${old##*/} =~ ^arm64-$kind-[0-9a-f]{16}(\.being-made-.{6})?$ ]] || continue
+    [ -d "$old" ] && [ ! -L "$old" ] && [ -O "$old" ] && [ "$old" != "$place" ] || continue
+    whole=${old%.being-made-*}
+    lock=(flock --nonblock "$whole.lock")
+    # That of its own place the caller has.
+    [ "$whole" != "$place" ] || lock=()
+    if ! is_free_of_mounts "$old" || ! "${lock[@]}" rm -rf --one-file-system "$old"; then
+      echo "$old is in use, or cannot be deleted, and stays" >&3
+    fi
+  done
+}
+
+# is_free_of_mounts FOLDER: for every process. What is mounted there may be of the same file system, and
+# deleting would go through it.
+is_free_of_mounts() {
+  local mounts place=${1// /\\040}
+  mounts=$(all_mounts)
+  [[ $mounts != *" $place "* && $mounts != *" $place/"* ]]
+}
+
+all_mounts() { cat /proc/[0-9]*/mountinfo 2>/dev/null || true; }
+
+# keep_chroot KIND ARGUMENT...: sets chroot to the one of this kind and recipe that the user's clones share,
+# and holds it until this script and all that it started have ended.
 keep_chroot() {
   local recipe
   recipe=$(declare -f bootstrap bring_apt_settings "make_$1" && arm64_cross_packages)
   chroot=$arm64_cache/arm64-$1-$(echo "$recipe" | sha256sum | cut -c 1-16)
-  [ ! -e "$chroot" ] || return 0
   mkdir -p "$arm64_cache"
-  # By a shell of its own: in a function whose failure is asked about, none of its commands' stops it.
-  quietly "The chroot could not be made." "${as_root[@]}" bash -euo pipefail -c \
-    'source "$0/common.sh"; source "$0/arm64.sh"; make_chroot "$@"' \
-    "$root/scripts" "$1" "$chroot" "${@:2}"
+  until hold_chroot; do
+    # By a shell of its own: in a function whose failure is asked about, none of its commands' stops it.
+    quietly "The chroot could not be made." "${as_root[@]}" bash -euo pipefail -c \
+      'source "$0/common.sh"; source "$0/arm64.sh"; make_chroot "$@"' \
+      "$root/scripts" "$1" "$chroot" "${@:2}"
+  done
+}
+
+# hold_chroot: false if it is not there yet.
+hold_chroot() {
+  local held
+  [ -e "$chroot.lock" ] || return
+  exec {held}<"$chroot.lock"
+  flock --shared "$held"
+  [ ! -e "$chroot" ] || return 0
+  exec {held}<&-
+  return 1
 }
 
 # keep_cross_chroot: sets arm64_cross.
