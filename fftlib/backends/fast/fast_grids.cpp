@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "fftlib/backends/fast/fast_grids.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -52,15 +53,17 @@ std::int32_t FastGrids::Prepare(const FastLayout& layout) {
     layout_ = layout;
   }
   const bool hasPlans = tables_ != nullptr;
-  for (const std::int32_t made :
-       {Allocate(layout.TableBytes(), &tables_), Allocate(layout.SpectrumBytes(), &spectrum_),
-        Allocate(layout.ScratchBytes(), &scratch_), Allocate(layout.ReachBytes(), &reach_)}) {
-    if (made != kStatusOk) {
-      return made;
-    }
-  }
-  if (!hasPlans) {
+  const std::array<std::int32_t, 4> made = {
+      Allocate(layout.TableBytes(), &tables_), Allocate(layout.SpectrumBytes(), &spectrum_),
+      Allocate(layout.ScratchBytes(), &scratch_), Allocate(layout.ReachBytes(), &reach_)};
+  if (!hasPlans && tables_ != nullptr) {
+    // Also where another one is refused: the next load takes tables that are there for filled ones.
     MakePlans();
+  }
+  for (const std::int32_t status : made) {
+    if (status != kStatusOk) {
+      return status;
+    }
   }
   slots_.SetBlock(scratch_, layout_.Slot());
   return PreparePlane(0);

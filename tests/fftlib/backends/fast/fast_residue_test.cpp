@@ -139,6 +139,28 @@ TEST(FastResidue, ALoadThatFailsLeavesNoApertureToRunWith) {
   }
 }
 
+TEST(FastResidue, ALoadThatFailedIsWholeWhereItIsRepeatedAtItsSize) {
+  const FrameCase frame = Polygon(61, 40, 12.0F, 9);
+  const auto fresh = MakeFastEngine();
+  LoadAperture(fresh.get(), frame);
+  const Image expected = RenderLoaded(fresh.get(), frame);
+  int n = 0;
+  bool isLoaded = false;
+  while (!isLoaded) {
+    ++n;
+    const auto engine = MakeFastEngine();
+    {
+      lx_test::HeapFaults faults;
+      faults.Refuse(n);
+      LoadAperture(engine.get(), frame);
+      isLoaded = engine->GetStatus() == lx::kStatusOk;
+    }
+    LoadAperture(engine.get(), frame);
+    EXPECT_TRUE(SameSamples(expected, RenderLoaded(engine.get(), frame))) << n;
+  }
+  EXPECT_LT(4, n) << "nothing has been refused";
+}
+
 TEST(FastResidue, ABackendThatCouldNotLoadSaysSo) {
   const Image mask = lx_test::NoiseImage(20, 14, 1, lx::kSampleU8, 9);
   const Image larger = lx_test::NoiseImage(40, 14, 1, lx::kSampleU8, 9);
