@@ -11,9 +11,9 @@
 #include <string_view>
 #include <vector>
 
-#include "baselib/utils/distance.h"
 #include "host/looks/foresight.h"
 #include "host/looks/keys.h"
+#include "host/module/image_aperture.h"
 #include "host/support/failure.h"
 #include "host/support/system.h"
 #include "host/support/text.h"
@@ -69,22 +69,21 @@ bool IsCopy(const std::vector<float>& source, const std::vector<float>& result) 
   return farthest <= kRounding * brightest;
 }
 
-bool Differ(const std::uint16_t* a, const std::uint16_t* b) {
-  // Less might be lost where samples are rounded.
-  constexpr int kClear = 64;
+bool Differ(const std::uint16_t* a, const std::uint16_t* b, double by) {
   for (int c = 0; c < 3; ++c) {
-    if (std::abs(a[c] - b[c]) > kClear) {
+    if (std::abs(a[c] - b[c]) > by) {
       return true;
     }
   }
   return false;
 }
 
-bool HasEdges(const Samples& picture) {
+// Whether neighbours differ by more than that.
+bool HasEdges(const Samples& picture, double by) {
   for (int y = 0; y < picture.height; ++y) {
     for (int x = 0; x < picture.width; ++x) {
-      if ((x > 0 && Differ(picture.At(x, y), picture.At(x - 1, y))) ||
-          (y > 0 && Differ(picture.At(x, y), picture.At(x, y - 1)))) {
+      if ((x > 0 && Differ(picture.At(x, y), picture.At(x - 1, y), by)) ||
+          (y > 0 && Differ(picture.At(x, y), picture.At(x, y - 1), by))) {
         return true;
       }
     }
@@ -92,21 +91,8 @@ bool HasEdges(const Samples& picture) {
   return false;
 }
 
-// How many pixels of the disc are lit, half way out on its soft edge. The effect sees red alone.
-int LitPixels(const std::map<std::string, Value>& values, const Samples& picture) {
-  const auto number = [&](const char* key) { return std::get<double>(values.at(key)); };
-  const double middleX = number(kCenterXKey) * picture.width;
-  const double middleY = (1.0 - number(kCenterYKey)) * picture.height;
-  const double radius = 0.25 * picture.width * (number(kRadiusPsf1Key) + number(kRadiusPsf2Key));
-  constexpr std::uint16_t kLit = 8192;
-  int lit = 0;
-  for (int y = 0; y < picture.height; ++y) {
-    for (int x = 0; x < picture.width; ++x) {
-      const bool inside = lx::DistanceOf(x + 0.5 - middleX, y + 0.5 - middleY) < radius;
-      lit += inside && picture.At(x, y)[0] > kLit ? 1 : 0;
-    }
-  }
-  return lit;
+ImageAperture CutFrom(const FrameInput& input) {
+  return ApertureFrom((input.spread ? input.spread : input.source).Object(), input.values);
 }
 
 // How far from the edges of a frame light is that no aperture moves out of it. What is drawn has
@@ -175,16 +161,29 @@ double QuietEmphasis(const lx::Footprint& engine) {
 }
 
 bool ApertureHoldsNothing(const FrameInput& input) {
-  if (ShapeOf(input.values) != Shape::kImage) {
-    return false;
-  }
-  const Samples aperture = SamplesOf((input.spread ? input.spread : input.source).Object());
-  return LitPixels(input.values, aperture) == 0;
+  return ShapeOf(input.values) == Shape::kImage && CutFrom(input).holdsNothing;
 }
 
 namespace {
 
 enum class Outcome { kWorked, kNoAperture, kLost, kLeftAlone };
+
+// Of a frame that came back as it was.
+Outcome OutcomeOfCopy(const FrameInput& input, const Samples& source) {
+  // Less might be lost where samples are rounded.
+  constexpr double kClear = 64.0;
+  if (ShapeOf(input.values) != Shape::kImage) {
+    return HasEdges(source, kClear) ? Outcome::kLeftAlone : Outcome::kWorked;
+  }
+  const ImageAperture aperture = CutFrom(input);
+  if (aperture.holdsNothing) {
+    return Outcome::kNoAperture;
+  }
+  // A point of light rightly leaves a frame as it is, and one with little beside it nearly so.
+  const bool isPoint = aperture.beside <= 0.0;
+  return isPoint || !HasEdges(source, kClear / aperture.beside) ? Outcome::kWorked
+                                                                : Outcome::kLeftAlone;
+}
 
 Outcome OutcomeOf(const FrameInput& input, FrameImage* result) {
   const Samples source = SamplesOf(input.source.Object());
@@ -194,14 +193,7 @@ Outcome OutcomeOf(const FrameInput& input, FrameImage* result) {
   if (ApertureRadius(input.values, source.width) <= 1.0 || !IsCopy(source, SamplesOf(result))) {
     return Outcome::kWorked;
   }
-  if (ApertureHoldsNothing(input)) {
-    return Outcome::kNoAperture;
-  }
-  // An aperture of one point of light rightly leaves a frame as it is.
-  const Samples aperture = SamplesOf((input.spread ? input.spread : input.source).Object());
-  const bool isPoint =
-      ShapeOf(input.values) == Shape::kImage && LitPixels(input.values, aperture) == 1;
-  return !HasEdges(source) || isPoint ? Outcome::kWorked : Outcome::kLeftAlone;
+  return OutcomeOfCopy(input, source);
 }
 
 }  // namespace
