@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <system_error>
 #include <vector>
 
@@ -100,6 +101,9 @@ class PngReader {
       NoteBeyond(metadataBeyond,
                  [&] { CheckPngMetadata(metadata, library_, picture.grey, options.keptFor); });
     }
+    if (library_.IsRefused()) {
+      throw std::bad_alloc();
+    }
     picture.pixelAspect = PixelAspectOf(metadata.resolution);
     picture.metadata = std::make_shared<FileMetadata>(metadata);
     return picture;
@@ -109,6 +113,9 @@ class PngReader {
   template <class Step>
   void Must(const Step& step) {
     if (!library_.Run(step)) {
+      if (library_.IsRefused()) {
+        throw std::bad_alloc();
+      }
       ReadFailure(file_, std::string("cut short or broken: ") + library_.Trouble());
     }
   }
@@ -184,6 +191,9 @@ void WritePng(const fs::path& file, const Picture& picture, const Coding& coding
     png_write_image(png, rows.data());
     png_write_end(png, nullptr);
   });
+  if (library.IsRefused()) {
+    throw std::bad_alloc();
+  }
   if (!written) {
     throw Failure(library.Trouble());
   }

@@ -61,8 +61,13 @@ void PngLibrary::OnError(png_structp png, png_const_charp message) {
 }
 
 png_voidp PngLibrary::OnTake(png_structp png, png_alloc_size_t size) {
-  const auto* const library = static_cast<PngLibrary*>(png_get_mem_ptr(png));
-  return size > library->largestBlock_ ? nullptr : std::malloc(size);
+  auto* const library = static_cast<PngLibrary*>(png_get_mem_ptr(png));
+  if (size > library->largestBlock_) {
+    return nullptr;
+  }
+  void* const block = std::malloc(size);
+  library->refused_ = library->refused_ || block == nullptr;
+  return block;
 }
 
 }  // namespace glimmerhost

@@ -47,6 +47,10 @@ class PngLibrary {
     return true;
   }
 
+  // Whether the system had no memory for something. Where libpng can do without that, it leaves it
+  // out.
+  bool IsRefused() const { return refused_; }
+
   const char* Trouble() const { return trouble_.data(); }
 
  private:
@@ -57,6 +61,7 @@ class PngLibrary {
   png_infop info_ = nullptr;
   Use use_;
   std::size_t largestBlock_;
+  bool refused_ = false;
   std::jmp_buf back_;
   std::array<char, 200> trouble_{};
 };

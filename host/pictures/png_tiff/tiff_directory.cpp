@@ -6,6 +6,7 @@
 #include <ios>
 #include <limits>
 
+#include "host/pictures/channels.h"
 #include "host/pictures/file_bytes.h"
 
 namespace glimmerhost {
@@ -53,7 +54,13 @@ class Numbers {
 class Directories {
  public:
   explicit Directories(const std::filesystem::path& file)
-      : bytes_(file, FileUse::kRead), numbers_(&bytes_), isLarge_(numbers_.Take(2) == 43) {
+      : file_(file),
+        bytes_(file, FileUse::kRead),
+        numbers_(&bytes_),
+        isLarge_(numbers_.Take(2) == 43) {
+    if (!bytes_.IsOpen()) {
+      ReadFailure(file_, "the system does not open it again");
+    }
     if (isLarge_) {
       numbers_.Take(4);
     }
@@ -72,6 +79,9 @@ class Directories {
         break;
       }
       entries.push_back(entry);
+    }
+    if (bytes_.IsRefused() || bytes_.IsUnreadable()) {
+      ReadFailure(file_, "the system does not read on");
     }
     return entries;
   }
@@ -94,6 +104,7 @@ class Directories {
     return entry;
   }
 
+  const std::filesystem::path& file_;
   FileBytes bytes_;
   Numbers numbers_;
   bool isLarge_;

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <optional>
 #include <vector>
 
@@ -18,6 +19,7 @@
 #include "host/pictures/png_tiff/tiff_library.h"
 #include "host/pictures/png_tiff/tiff_metadata.h"
 #include "host/pictures/png_tiff/tiff_samples.h"
+#include "host/pictures/png_tiff/tiff_tags.h"
 #include "host/support/failure.h"
 
 namespace glimmerhost {
@@ -145,15 +147,19 @@ class TiffReader {
     picture.pixelAspect = PixelAspectOf(metadata.resolution);
     picture.metadata = std::make_shared<FileMetadata>(metadata);
     NoteLeft(picture, report);
-    if (library_.IsUnreadable()) {
-      ReadFailure(file_, "the system does not read all of it");
-    }
     return picture;
   }
 
  private:
   FileMetadata Metadata() const {
     FileMetadata metadata = ReadTiffMetadata(tiff_);
+    if (library_.IsStarved()) {
+      throw std::bad_alloc();
+    }
+    // libtiff leaves out a tag that it could not read.
+    if (library_.IsRefused()) {
+      ReadFailure(file_, "the system does not read on");
+    }
     std::uint64_t exif = 0;
     if (TIFFGetField(tiff_, TIFFTAG_EXIFIFD, &exif) != 0) {
       metadata.tiff.exifColourSpace = LoneColourSpace(TiffDirectoryAt(file_, exif));
@@ -473,17 +479,17 @@ class TiffReader {
 };
 
 void SetLayout(TIFF* tiff, const Picture& picture, const Coding& coding, int channels) {
-  TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, picture.width);
-  TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, picture.height);
-  TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, BitsOf(coding, picture.bits));
-  TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, channels);
-  TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, coding.floats ? SAMPLEFORMAT_IEEEFP : SAMPLEFORMAT_UINT);
-  TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-  TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, picture.grey ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB);
+  SetTag(tiff, TIFFTAG_IMAGEWIDTH, picture.width);
+  SetTag(tiff, TIFFTAG_IMAGELENGTH, picture.height);
+  SetTag(tiff, TIFFTAG_BITSPERSAMPLE, BitsOf(coding, picture.bits));
+  SetTag(tiff, TIFFTAG_SAMPLESPERPIXEL, channels);
+  SetTag(tiff, TIFFTAG_SAMPLEFORMAT, coding.floats ? SAMPLEFORMAT_IEEEFP : SAMPLEFORMAT_UINT);
+  SetTag(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+  SetTag(tiff, TIFFTAG_PHOTOMETRIC, picture.grey ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB);
   if (picture.alpha != Alpha::kNone) {
     const std::uint16_t kind =
         picture.alpha == Alpha::kStraight ? EXTRASAMPLE_UNASSALPHA : EXTRASAMPLE_ASSOCALPHA;
-    TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &kind);
+    SetExtraSample(tiff, kind);
   }
 }
 
@@ -564,6 +570,27 @@ bool WriteStrips(TIFF* tiff, const Picture& picture, const Coding& coding, int c
   return true;
 }
 
+// All that comes before the samples.
+void SetTags(TIFF* tiff, const Picture& picture, const Coding& coding, int channels) {
+  const std::uint64_t exif = picture.metadata ? WriteTiffExif(*picture.metadata, tiff) : 0;
+  SetLayout(tiff, picture, coding, channels);
+  if (exif != 0) {
+    SetTag(tiff, TIFFTAG_EXIFIFD, exif);
+  }
+  const Compression& compression = CompressionFor(picture, coding);
+  SetTag(tiff, TIFFTAG_COMPRESSION, compression.tag);
+  if (compression.tag == COMPRESSION_ADOBE_DEFLATE || compression.tag == COMPRESSION_DEFLATE) {
+    SetTag(tiff, TIFFTAG_ZIPQUALITY, DeflateLevel(coding));
+  }
+  if (compression.predicts) {
+    SetTag(tiff, TIFFTAG_PREDICTOR, coding.floats ? PREDICTOR_FLOATINGPOINT : PREDICTOR_HORIZONTAL);
+  }
+  SetTag(tiff, TIFFTAG_ROWSPERSTRIP, kStripRows);
+  if (picture.metadata) {
+    SetTiffMetadata(*picture.metadata, tiff);
+  }
+}
+
 }  // namespace
 
 Picture ReadTiff(const fs::path& file, const ReadOptions& options, Reader reader,
@@ -586,25 +613,12 @@ void WriteTiff(const fs::path& file, const Picture& picture, const Coding& codin
     throw Failure(library.Trouble());
   }
   const int channels = ChannelsToWrite(picture);
-  const std::uint64_t exif = picture.metadata ? WriteTiffExif(*picture.metadata, tiff) : 0;
-  SetLayout(tiff, picture, coding, channels);
-  if (exif != 0) {
-    TIFFSetField(tiff, TIFFTAG_EXIFIFD, exif);
+  try {
+    SetTags(tiff, picture, coding, channels);
+  } catch (const TagRefused&) {
+    library.Abandon();
+    throw;
   }
-  const Compression& compression = CompressionFor(picture, coding);
-  TIFFSetField(tiff, TIFFTAG_COMPRESSION, compression.tag);
-  if (compression.tag == COMPRESSION_ADOBE_DEFLATE || compression.tag == COMPRESSION_DEFLATE) {
-    TIFFSetField(tiff, TIFFTAG_ZIPQUALITY, DeflateLevel(coding));
-  }
-  if (compression.predicts) {
-    TIFFSetField(tiff, TIFFTAG_PREDICTOR,
-                 coding.floats ? PREDICTOR_FLOATINGPOINT : PREDICTOR_HORIZONTAL);
-  }
-  TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, kStripRows);
-  if (picture.metadata) {
-    SetTiffMetadata(*picture.metadata, tiff);
-  }
-
   const bool written = WriteStrips(tiff, picture, coding, channels);
   const bool closed = library.Close();
   if (!written || !closed) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <new>
+#include <string_view>
 #include <system_error>
 
 namespace glimmerhost {
@@ -20,6 +21,10 @@ tmsize_t OnWrite(thandle_t handle, void* from, tmsize_t count) {
 }
 
 toff_t OnSeek(thandle_t handle, toff_t offset, int whence) {
+  // A place that a broken file names, and no file has: the system is not asked for it.
+  if (whence == SEEK_SET && static_cast<std::int64_t>(offset) < 0) {
+    return static_cast<toff_t>(-1);
+  }
   const std::ios_base::seekdir from = whence == SEEK_SET   ? std::ios_base::beg
                                       : whence == SEEK_CUR ? std::ios_base::cur
                                                            : std::ios_base::end;
@@ -34,11 +39,6 @@ toff_t OnSize(thandle_t handle) {
   const std::int64_t size = Bytes(handle)->Seek(0, std::ios_base::end);
   Bytes(handle)->Seek(here, std::ios_base::beg);
   return static_cast<toff_t>(std::max<std::int64_t>(size, 0));
-}
-
-int OnWarning(TIFF* /*tiff*/, void* /*library*/, const char* /*place*/, const char* /*format*/,
-              va_list /*values*/) {
-  return 1;
 }
 
 // A list of strips grows to four times itself, and one block is read at a time.
@@ -62,7 +62,7 @@ TiffLibrary::TiffLibrary(const std::filesystem::path& file, Use use)
     throw std::bad_alloc();
   }
   TIFFOpenOptionsSetErrorHandlerExtR(options, OnError, this);
-  TIFFOpenOptionsSetWarningHandlerExtR(options, OnWarning, nullptr);
+  TIFFOpenOptionsSetWarningHandlerExtR(options, OnWarning, this);
   if (use == Use::kRead) {
     TIFFOpenOptionsSetMaxSingleMemAlloc(options, LargestBlockOfMemory(file));
   }
@@ -97,11 +97,30 @@ bool TiffLibrary::Close() {
 // The first one: later ones follow from it.
 int TiffLibrary::OnError(TIFF* /*tiff*/, void* library, const char* /*place*/, const char* format,
                          va_list values) {
-  auto& trouble = static_cast<TiffLibrary*>(library)->trouble_;
-  if (trouble[0] == '\0') {
-    std::vsnprintf(trouble.data(), trouble.size(), format, values);
+  std::array<char, 200> words{};
+  std::vsnprintf(words.data(), words.size(), format, values);
+  auto* const self = static_cast<TiffLibrary*>(library);
+  self->NoteMemory(words.data());
+  if (self->trouble_[0] == '\0') {
+    self->trouble_ = words;
   }
   return 1;
+}
+
+int TiffLibrary::OnWarning(TIFF* /*tiff*/, void* library, const char* /*place*/, const char* format,
+                           va_list values) {
+  std::array<char, 200> words{};
+  std::vsnprintf(words.data(), words.size(), format, values);
+  static_cast<TiffLibrary*>(library)->NoteMemory(words.data());
+  return 1;
+}
+
+// There are only words to tell by.
+void TiffLibrary::NoteMemory(const char* words) {
+  const std::string_view said = words;
+  const auto has = [said](const char* part) { return said.find(part) != std::string_view::npos; };
+  starved_ = starved_ || has("Out of memory") || has("Failed to allocate");
+  limited_ = limited_ || has("beyond the");
 }
 
 }  // namespace glimmerhost

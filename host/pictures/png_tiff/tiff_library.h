@@ -32,11 +32,18 @@ class TiffLibrary {
   // Writes what is left, and closes the file. False if that fails.
   bool Close();
 
-  // Whether the system would not do what libtiff asked of it.
-  bool IsRefused() const { return bytes_.IsRefused(); }
+  // Asks nothing of libtiff's record any more, not even to free it. Its blocks are lost; the file
+  // is closed.
+  void Abandon() { tiff_ = nullptr; }
 
-  // Whether the system has failed to read. The library goes on without what it can do without.
-  bool IsUnreadable() const { return bytes_.IsUnreadable(); }
+  // Whether the system would not do what libtiff asked of it.
+  bool IsRefused() const {
+    return bytes_.IsRefused() || (bytes_.IsOpen() && bytes_.IsUnreadable());
+  }
+
+  // Whether there was no memory for a tag: libtiff leaves it out, and goes on. What it is not
+  // allowed to take does not count.
+  bool IsStarved() const { return starved_ && !limited_; }
 
   // The first error since the file was opened, or why it was not; empty if there was none.
   const char* Trouble() const { return trouble_.data(); }
@@ -44,9 +51,14 @@ class TiffLibrary {
  private:
   static int OnError(TIFF* tiff, void* library, const char* place, const char* format,
                      va_list values);
+  static int OnWarning(TIFF* tiff, void* library, const char* place, const char* format,
+                       va_list values);
+  void NoteMemory(const char* words);
 
   FileBytes bytes_;
   TIFF* tiff_ = nullptr;
+  bool starved_ = false;
+  bool limited_ = false;
   std::array<char, 200> trouble_{};
 };
 

@@ -3,11 +3,13 @@
 
 #include <algorithm>
 #include <iterator>
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "host/pictures/beyond_reader.h"
+#include "host/pictures/png_tiff/tiff_tags.h"
 
 namespace glimmerhost {
 namespace {
@@ -38,21 +40,31 @@ const TextTag* FindTextTag(const std::string& key) {
 
 std::string Text(TIFF* tiff, std::uint32_t tag) {
   const char* text = nullptr;
-  return TIFFGetField(tiff, tag, &text) != 0 && text != nullptr ? text : std::string();
+  if (TIFFGetField(tiff, tag, &text) == 0) {
+    return {};
+  }
+  // It is there, and there was no memory for it.
+  if (text == nullptr) {
+    throw std::bad_alloc();
+  }
+  return text;
 }
 
 std::vector<std::uint8_t> Block(TIFF* tiff, std::uint32_t tag) {
   std::uint32_t size = 0;
   const std::uint8_t* bytes = nullptr;
-  if (TIFFGetField(tiff, tag, &size, &bytes) == 0 || bytes == nullptr) {
+  if (TIFFGetField(tiff, tag, &size, &bytes) == 0 || size == 0) {
     return {};
+  }
+  if (bytes == nullptr) {
+    throw std::bad_alloc();
   }
   return {bytes, bytes + size};
 }
 
 void SetBlock(TIFF* tiff, std::uint32_t tag, std::size_t size, const void* bytes) {
   if (size > 0) {
-    TIFFSetField(tiff, tag, static_cast<std::uint32_t>(size), bytes);
+    SetBlockTag(tiff, tag, size, bytes);
   }
 }
 
@@ -115,9 +127,11 @@ std::optional<std::uint16_t> LoneColourSpace(const std::vector<TiffEntry>& exif)
 std::uint64_t WriteTiffExif(const FileMetadata& metadata, TIFF* tiff) {
   std::uint64_t place = 0;
   if (metadata.tiff.exifColourSpace) {
-    TIFFCreateEXIFDirectory(tiff);
-    TIFFSetField(tiff, EXIFTAG_COLORSPACE, *metadata.tiff.exifColourSpace);
-    TIFFWriteCustomDirectory(tiff, &place);
+    const bool isMade = TIFFCreateEXIFDirectory(tiff) == 0;
+    SetTag(tiff, EXIFTAG_COLORSPACE, *metadata.tiff.exifColourSpace);
+    if (!isMade || TIFFWriteCustomDirectory(tiff, &place) == 0) {
+      throw TagRefused();
+    }
     TIFFFreeDirectory(tiff);
     TIFFCreateDirectory(tiff);
   }
@@ -172,13 +186,13 @@ FileMetadata ReadTiffMetadata(TIFF* tiff) {
 void SetTiffMetadata(const FileMetadata& metadata, TIFF* tiff) {
   for (const FileText& text : metadata.texts) {
     if (const TextTag* const known = FindTextTag(text.key); known != nullptr) {
-      TIFFSetField(tiff, known->tag, text.value.c_str());
+      SetTextTag(tiff, known->tag, text.value);
     } else if (text.key == kXmpKey) {
       SetBlock(tiff, TIFFTAG_XMLPACKET, text.value.size(), text.value.data());
     }
   }
   if (IsFullDate(metadata.date)) {
-    TIFFSetField(tiff, TIFFTAG_DATETIME, metadata.date.c_str());
+    SetTextTag(tiff, TIFFTAG_DATETIME, metadata.date);
   }
   if (metadata.resolution) {
     SetResolution(*metadata.resolution, tiff);
