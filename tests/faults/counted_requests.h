@@ -11,12 +11,15 @@ namespace faults {
 struct Requests {
   std::atomic<long> seen{0};
   std::atomic<const char*> refused{nullptr};  // a literal of the library's
-  void* callers[24];                          // of the one that was refused, innermost first
-  int callerCount = 0;
 };
 
 // From now on they are counted there, in memory that another process sees, say.
 void CountIn(Requests* place);
+
+// From now on the callers of a refused request are written to that file, by its own process: no
+// other knows where its libraries are.
+//   file  stays the caller's, and must live on
+void SayCallersIn(const char* file);
 
 // Counts a request, and says whether it is the one.
 //   what  the function's name, for whoever asks what was refused; never freed

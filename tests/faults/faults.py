@@ -3,10 +3,11 @@
 files, of threads. After each it looks at what is there and at what was said, and renders once more
 with nothing refused.
 
-    faults.py --build FOLDER --work FOLDER [--stride N] [--offset N] [--only SHOT] [--kind KIND]
+    faults.py --build FOLDER --work FOLDER [--stride N] [--offset N] [--last N] [--only SHOT]
+              [--kind KIND]
 
 With a stride only every N-th request for memory is refused, from the offset on, and every tenth part
-of N of those for files.
+of N of those for files. With a last one no request behind it is refused.
 """
 
 import argparse
@@ -20,6 +21,7 @@ import subprocess
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "soak"))
+from contents import contents  # noqa: E402
 from inputs import write_png  # noqa: E402
 
 KINDS = {"memory": 1, "files": 2, "threads": 3}
@@ -112,8 +114,10 @@ class Shot:
                       f"before/@.{self.ending}", "--manifest", "before.jsonl", "--shot", "1-2"])
         text = (self.folder / "before.jsonl").read_text()
         self.manifest_before = text.replace("before/", "out/")
-        self.whole = {name: (self.folder / "whole" / name).read_bytes() for name in self.outputs}
-        self.before = {self.outputs[0]: (self.folder / "before" / self.outputs[0]).read_bytes()}
+        self.whole = {name: contents((self.folder / "whole" / name).read_bytes())
+                      for name in self.outputs}
+        first = self.outputs[0]
+        self.before = {first: contents((self.folder / "before" / first).read_bytes())}
         self.server = Server(build, self.folder, [
             *self.words, "-o", f"out/@.{self.ending}", "--skip-existing", "--manifest", "out.jsonl"],
             build / PLUGIN if self.ending in ("exr", "dpx") else None)
@@ -126,8 +130,8 @@ class Shot:
         for inside in ("out", "tmp"):
             for entry in (self.folder / inside).iterdir():
                 entry.unlink() if not entry.is_dir() else shutil.rmtree(entry)
-        for name, data in self.before.items():
-            (self.folder / "out" / name).write_bytes(data)
+        for name in self.before:
+            shutil.copyfile(self.folder / "before" / name, self.folder / "out" / name)
         (self.folder / "out.jsonl").write_text(self.manifest_before)
 
     def left(self):
@@ -137,7 +141,7 @@ class Shot:
 
     def output(self, name):
         file = self.folder / "out" / name
-        return file.read_bytes() if file.exists() else None
+        return contents(file.read_bytes()) if file.exists() else None
 
     def wrong_outputs(self, is_done):
         """What is neither whole nor as it was before."""
@@ -190,13 +194,20 @@ class Shot:
 def callers(shot):
     """Of the program's own functions, those that the refused request came from."""
     lines = pathlib.Path(f"{shot.server.said}.callers").read_text().splitlines()
-    places = [line[line.index("(+") + 2:line.index(")")] for line in lines
-              if "glimmerhost(+" in line or "LXTorvane_GlimmerBlur" in line]
-    if not places:
+    ours = [line for line in lines if str(shot.build) in line and "librefusals" not in line]
+    if not ours:
         return " < ".join(line.split("/")[-1].split("(")[0] for line in lines[2:6])
-    named = subprocess.run(["addr2line", "-Cfse", str(shot.build / "bin" / "glimmerhost"), *places],
-                           capture_output=True, text=True, check=False).stdout.splitlines()[::2]
-    return " < ".join(name.split("(")[0].replace("glimmerhost::", "") for name in named[:5])
+    return " < ".join(name_of(line) for line in ours[:5])
+
+
+def name_of(line):
+    """Of the function that a line of a stack is in: FILE(+0xPLACE)[0xADDRESS]"""
+    file, place = line[:line.index("(")], line[line.index("(") + 1:line.index(")")]
+    if not place.startswith("+"):
+        return place
+    named = subprocess.run(["addr2line", "-Cfse", file, place[1:]], capture_output=True, text=True,
+                           check=False).stdout.splitlines()
+    return named[0].split("(")[0].replace("glimmerhost::", "") if named else "?"
 
 
 def ending_library(shot, code, said):
@@ -210,16 +221,18 @@ def ending_library(shot, code, said):
                  if not any(name in line for name in BASE_LIBRARIES)), "")
     if who is None and any(name in asks for name in PICTURE_LIBRARIES):
         who = "the picture library"
+    if who is None and "libtiff" in asks and "(TIFFReadDirectory" in stack:
+        who = "the TIFF library"
     return who
 
 
-def refuse_each(shot, kind, stride, offset):
-    """Refuses the requests of a kind. How many, how many of them the run did without, how often a
-    library ended it, and what went wrong, each with its number."""
+def refuse_each(shot, kind, stride, offset, last):
+    """Refuses the requests of a kind, up to the last one if that is not 0. How many, how many of them
+    the run did without, how often a library ended it, and what went wrong, each with its number."""
     refused_count, granted_count, faults = 0, 0, []
     ended = collections.Counter()
     n = offset
-    while True:
+    while last == 0 or n <= last:
         shot.reset()
         code, _, refused, said = shot.server.run(KINDS[kind], n)
         if refused is None:
@@ -240,6 +253,7 @@ def refuse_each(shot, kind, stride, offset):
         place = place or (callers(shot) if wrong else "")
         faults += [(n, refused, what, f"{place}: {said.strip()}") for what in wrong]
         n += stride
+    return refused_count, granted_count, ended, faults
 
 
 def main():
@@ -248,6 +262,7 @@ def main():
     parser.add_argument("--work", type=pathlib.Path, required=True)
     parser.add_argument("--stride", type=int, default=1)
     parser.add_argument("--offset", type=int, default=1)
+    parser.add_argument("--last", type=int, default=0)
     parser.add_argument("--only", choices=SHOTS)
     parser.add_argument("--kind", choices=KINDS)
     options = parser.parse_args()
@@ -258,8 +273,9 @@ def main():
         for kind in [options.kind] if options.kind else KINDS:
             # There are ten times as many of memory, and few threads.
             stride = {"memory": options.stride, "files": (options.stride + 9) // 10, "threads": 1}[kind]
-            offset = options.offset if stride > 1 else 1
-            refused, done, ended, faults = refuse_each(shot, kind, stride, offset)
+            offset = options.offset if kind == options.kind or stride > 1 else 1
+            refused, done, ended, faults = refuse_each(shot, kind, stride, offset,
+                                                         options.last)
             by = "".join(f", {count} ended by {who}" for who, count in ended.items())
             print(f"{name:<10} {kind:<8} {refused:>6} refused, {done:>5} done without{by}; "
                   f"{len(faults)} faults", flush=True)

@@ -3,10 +3,10 @@
 // main on and in a process of its own, with another request refused.
 //
 // With REFUSALS_SERVER in the environment it reads lines from the descriptor 100, "KIND N FILE":
-// the request and where the process's words go. It answers on 101, "STATUS SEEN WHAT": what waitpid
+// the request and where the process's words go; FILE.callers is whom the refused request came from,
+// innermost first. It answers on 101, "STATUS SEEN WHAT": what waitpid
 // said, how many requests of that kind there were, and the function that was refused, or "-".
 #include <dlfcn.h>
-#include <execinfo.h>
 #include <fcntl.h>
 #include <signal.h>
 #include <stdio.h>
@@ -39,6 +39,9 @@ int RunOnce(int argc, char** argv, char** variables, faults::Kind kind, long n, 
   dup2(file, STDOUT_FILENO);
   dup2(file, STDERR_FILENO);
   close(file);
+  static char callers[4096];
+  snprintf(callers, sizeof callers, "%s.callers", said);
+  faults::SayCallersIn(callers);
   faults::RefuseFrom(kind, n);
   const int code = realMain(argc, argv, variables);
   faults::RefuseNoMore();
@@ -68,14 +71,6 @@ int Await(pid_t child) {
   kill(child, SIGKILL);
   waitpid(child, nullptr, 0);
   return -1;
-}
-
-void SayCallers(const char* said) {
-  char name[4096];
-  snprintf(name, sizeof name, "%s.callers", said);
-  const int file = open(name, O_WRONLY | O_CREAT | O_TRUNC, 0600);
-  backtrace_symbols_fd(shared->callers, shared->callerCount, file);
-  close(file);
 }
 
 int Serve(int argc, char** argv, char** variables) {
@@ -112,7 +107,6 @@ int Serve(int argc, char** argv, char** variables) {
       exit(code);
     }
     const int status = Await(child);
-    SayCallers(said);
     // All processes have the library at the same place.
     const char* const refused = shared->refused;
     dprintf(kAnswers, "%d %ld %s\n", status, shared->seen.load(),

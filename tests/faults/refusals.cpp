@@ -4,7 +4,9 @@
 #include <dlfcn.h>
 #include <errno.h>
 #include <execinfo.h>
+#include <fcntl.h>
 #include <pthread.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <iterator>
@@ -18,7 +20,16 @@ std::atomic<int> refusedKind{0};
 std::atomic<long> refusedAt{0};
 Requests own;
 Requests* requests = &own;
+const char* callersFile = nullptr;
 __attribute__((tls_model("initial-exec"))) thread_local int notOurs = 0;
+
+void SayCallers() {
+  void* callers[24];
+  const int count = backtrace(callers, std::size(callers));
+  const int file = open(callersFile, O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  backtrace_symbols_fd(callers, count, file);
+  close(file);
+}
 
 }  // namespace
 
@@ -30,12 +41,15 @@ bool IsRefused(Kind kind, const char* what) {
     return false;
   }
   const NotOurs itself;
-  requests->callerCount = backtrace(requests->callers, std::size(requests->callers));
+  if (callersFile != nullptr) {
+    SayCallers();
+  }
   requests->refused = what;
   return true;
 }
 
 void CountIn(Requests* place) { requests = place; }
+void SayCallersIn(const char* file) { callersFile = file; }
 
 NotOurs::NotOurs() { ++notOurs; }
 NotOurs::~NotOurs() { --notOurs; }
@@ -53,7 +67,6 @@ void RefuseFrom(Kind kind, long n) {
   backtrace(nobody, 1);
   requests->seen = 0;
   requests->refused = nullptr;
-  requests->callerCount = 0;
   refusedAt = n;
   refusedKind = static_cast<int>(kind);
 }
