@@ -187,11 +187,19 @@ void WriteParts(const std::string& name, FileBytes* bytes, const OIIO::ImageSpec
   WriteWhole(name, bytes, parts, std::move(output));
 }
 
+// Null for a format that the library does not know, and where it failed.
+std::unique_ptr<OIIO::ImageOutput> MakeOutput(const fs::path& file) {
+  // Of a name the library takes the ending, and the name where it has no memory for that, as if its
+  // format were unknown. An ending alone is what it takes either way.
+  const std::string ending = file.extension().string();
+  return OIIO::ImageOutput::create(ending.size() > 1 ? ending.substr(1) : file.string());
+}
+
 }  // namespace
 
 std::optional<OutputFormat> OpenImageIoFormatOf(const fs::path& file) {
   (void)OIIO::geterror();
-  const std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(file.string());
+  const std::unique_ptr<OIIO::ImageOutput> output = MakeOutput(file);
   if (!output) {
     // Of a format that it does not know the library says so, and nothing where it failed.
     if (OIIO::geterror().empty()) {
@@ -288,7 +296,7 @@ void CompleteByOpenImageIo(const fs::path& file, const ReadOptions& options, Pic
 void WriteByOpenImageIo(const OutputFile& file, FileBytes* bytes, const OutputFormat& format,
                         const Picture& picture, const Coding& coding,
                         std::vector<NotCarried>* lost) {
-  std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(file.name);
+  std::unique_ptr<OIIO::ImageOutput> output = MakeOutput(file.name);
   if (!output) {
     throw Failure(kNoWriter);
   }
