@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <exception>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -22,10 +23,10 @@ using Output = std::unique_ptr<OIIO::ImageOutput>;
 
 constexpr const char* kNotTaken = "the system does not take all of it";
 
-// A reason that may have come as several lines.
+// A reason that may have come as several lines, or as none.
 [[noreturn]] void WriteFailure(std::string why) {
   std::replace(why.begin(), why.end(), '\n', ' ');
-  throw Failure(why);
+  throw Failure(why.empty() ? "the picture library could not write it" : why);
 }
 
 // Also the end of the output, which after a failure may write on.
@@ -114,18 +115,18 @@ void WriteWhole(const std::string& name, FileBytes* bytes, const std::vector<Out
   }
   FileProxy proxy(name, bytes);
   output->set_ioproxy(&proxy);
-  std::string trouble;
+  std::exception_ptr trouble;
   try {
     WriteTo(name, parts, std::move(output));
-  } catch (const Failure& fault) {
-    trouble = fault.what();
+  } catch (const Failure&) {
+    trouble = std::current_exception();
   }
   // What the library says of it is long, and names the file otherwise than a person knows it.
   if (!proxy.Finish()) {
     throw Failure(kNotTaken);
   }
-  if (!trouble.empty()) {
-    throw Failure(trouble);
+  if (trouble) {
+    std::rethrow_exception(trouble);
   }
 }
 

@@ -15,12 +15,27 @@
 namespace glimmerhost {
 namespace {
 
-// Runs the work, and says how it ended.
+thread_local long refusedRequests = 0;
+std::new_handler handlerBefore = nullptr;
+
+// Where operator new has no memory, in whatever library.
+void NoteRefused() {
+  ++refusedRequests;
+  if (handlerBefore == nullptr) {
+    throw std::bad_alloc();
+  }
+  handlerBefore();
+}
+
+// Runs the work, and says how it ended. The library catches itself what stops it from keeping or
+// writing an attribute, and goes on without: such work is not done.
 template <class Work>
 PluginOutcome Outcome(const Work& work) {
+  const long refusedBefore = refusedRequests;
   try {
     work();
-    return {};
+    return refusedRequests == refusedBefore ? PluginOutcome{}
+                                            : PluginOutcome{PluginOutcome::Kind::kNoMemory, {}};
   } catch (const MissingInput& fault) {
     return {PluginOutcome::Kind::kMissingInput, fault.what()};
   } catch (const std::bad_alloc&) {
@@ -29,6 +44,9 @@ PluginOutcome Outcome(const Work& work) {
     return {PluginOutcome::Kind::kFailure, fault.what()};
   }
 }
+
+// Once, and for good: the plug-in is never closed.
+void WatchMemory() { handlerBefore = std::set_new_handler(NoteRefused); }
 
 class Colours final : public PluginColours {
  public:
@@ -98,5 +116,7 @@ class Plugin final : public PicturePlugin {
 extern "C" QTL_EXPORT const glimmerhost::PicturePlugin* glimmerhostPicturePlugin(
     const char* version) {
   static const glimmerhost::Plugin plugin;
+  static const bool notes = (glimmerhost::WatchMemory(), true);
+  (void)notes;
   return std::string_view(version) == GLIMMERHOST_VERSION ? &plugin : nullptr;
 }
