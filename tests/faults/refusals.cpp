@@ -74,6 +74,8 @@ void RefuseFrom(Kind kind, long n) {
 void RefuseNoMore() { refusedKind = 0; }
 long RequestsSeen() { return requests->seen; }
 const char* WhatWasRefused() { return requests->refused; }
+void BeginGranted() { ++notOurs; }
+void EndGranted() { --notOurs; }
 
 __attribute__((visibility("default"))) int pthread_create(pthread_t* thread,
                                                           const pthread_attr_t* attributes,

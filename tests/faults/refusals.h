@@ -21,6 +21,18 @@ __attribute__((visibility("default"))) void RefuseNoMore();
 __attribute__((visibility("default"))) long RequestsSeen();           // since RefuseFrom
 __attribute__((visibility("default"))) const char* WhatWasRefused();  // null: all were granted
 __attribute__((visibility("default"))) long BlocksAlive();            // of memory, since the start
+// Between these the thread's requests are neither counted nor refused. They may be nested.
+__attribute__((visibility("default"))) void BeginGranted();
+__attribute__((visibility("default"))) void EndGranted();
 }
+
+// While one lives, its thread's requests are those of another than who is tested.
+class Granted {
+ public:
+  Granted() { BeginGranted(); }
+  ~Granted() { EndGranted(); }
+  Granted(const Granted&) = delete;
+  Granted& operator=(const Granted&) = delete;
+};
 
 }  // namespace faults
