@@ -5,18 +5,16 @@
 
 #include <atomic>
 
-#include "baselib/platform/platform.h"
 #include "fftlib/backends/fftw/transform_threads.h"
 
 namespace lx {
 namespace {
 
-// Ending the library's own threads does not wait for their last instructions, so their code
-// must stay even if the module that brought it is unloaded right away. Where it is part of the
-// module and goes with it, the threads are ours, which are awaited.
+// The library's own threads would be waited for without end where the system refuses one, and its
+// end does not wait for their last instructions, so their code would have to outlive a module that
+// brought it. Ours are awaited, and a job that finds no thread is the caller's.
 int StartThreads() {
-  const bool stays = GetPlatform().keepLoaded(reinterpret_cast<void (*)()>(&fftw_init_threads));
-  fftw_threads_set_callback(stays ? nullptr : RunTransformJobs, nullptr);
+  fftw_threads_set_callback(RunTransformJobs, nullptr);
   return fftw_init_threads();
 }
 
