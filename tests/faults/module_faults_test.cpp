@@ -122,6 +122,8 @@ class RefusedModule : public testing::TestWithParam<std::tuple<std::size_t, Stag
   // What a process reports; what it said before it ended is in a file.
   const LifeReport& Live(Kind kind, long n) {
     new (shared) LifeReport;
+    // FFTW writes out what is still to be written, also here, before it ends the process.
+    std::fflush(stdout);
     const pid_t child = fork();
     if (child == 0) {
       const rlimit none{0, 0};
