@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <optional>
 #include <vector>
 
+#include "host/render/frame_line.h"
 #include "host/shots/manifest_check.h"
 #include "host/support/failure.h"
 
@@ -17,8 +19,8 @@ bool IsSummary(const std::string& line) { return line.starts_with("{\"done\":");
 }  // namespace
 
 void ChunkReport::Line(std::size_t chunk, const std::string& line) {
-  FrameReport frame;
-  if (ReadFrameLine(line, &frame)) {
+  if (const std::optional<FrameLine> told = ParseFrameLine(line)) {
+    const FrameReport& frame = told->report;
     chunks_[chunk].reported.insert(frame.frame);
     chunks_[chunk].failed |=
         frame.state == FrameState::kFailed || frame.state == FrameState::kMissing;

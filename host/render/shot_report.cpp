@@ -40,22 +40,11 @@ std::string Clock(double seconds) {
 
 }  // namespace
 
-bool ReadFrameLine(const std::string& line, FrameReport* report) {
-  const auto json = nlohmann::json::parse(line, nullptr, false);
-  if (!json.is_object() || !json.contains("frame")) {
-    return false;
-  }
-  const auto state = std::find(std::begin(kStateNames), std::end(kStateNames), json.at("state"));
-  if (state == std::end(kStateNames)) {
-    return false;
-  }
-  report->frame = json.at("frame");
-  report->state = static_cast<FrameState>(state - std::begin(kStateNames));
-  report->output = json.at("output");
-  report->seconds = json.at("seconds");
-  report->fault = json.value("fault", "");
-  report->remarks = json.value("remarks", std::vector<std::string>());
-  return true;
+std::optional<FrameState> StateOf(const std::string& name) {
+  const auto state = std::find(std::begin(kStateNames), std::end(kStateNames), name);
+  return state == std::end(kStateNames)
+             ? std::nullopt
+             : std::optional(static_cast<FrameState>(state - std::begin(kStateNames)));
 }
 
 ShotReport::Form ShotReport::ParseForm(const std::string& text) {

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstddef>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,8 +26,8 @@ struct FrameReport {
   double seconds = 0.0;  // of the effect's own work
 };
 
-// Reads what ShotReport has written of a frame for machines. False for any other line.
-bool ReadFrameLine(const std::string& line, FrameReport* report);
+// The state of that name, as lines for machines have it.
+std::optional<FrameState> StateOf(const std::string& name);
 
 class ShotReport {
  public:

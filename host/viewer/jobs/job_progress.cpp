@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/viewer/jobs/job_progress.h"
 
-#include <nlohmann/json.hpp>
+#include <utility>
+
+#include "host/render/frame_line.h"
 
 namespace glimmerhost {
 
@@ -17,14 +19,13 @@ std::optional<double> JobProgress::SecondsLeft() const {
 }
 
 bool JobProgress::Take(const std::string& line, FrameReport* frame) {
-  if (!ReadFrameLine(line, frame)) {
+  std::optional<FrameLine> told = ParseFrameLine(line);
+  if (!told) {
     return false;
   }
-  const auto json = nlohmann::json::parse(line);
-  seconds = json.value("elapsed", seconds);
-  if (const auto all = json.find("count"); all != json.end() && all->is_number()) {
-    count = *all;
-  }
+  *frame = std::move(told->report);
+  seconds = told->elapsed.value_or(seconds);
+  count = told->count.value_or(count);
   done += frame->state == FrameState::kDone ? 1 : 0;
   skipped += frame->state == FrameState::kSkipped ? 1 : 0;
   failed += frame->state == FrameState::kFailed || frame->state == FrameState::kMissing ? 1 : 0;

@@ -25,7 +25,8 @@ struct JobProgress {
   // None where nobody knows.
   std::optional<double> SecondsLeft() const;
 
-  // Takes a line of the process. False, with nothing changed, for one of no frame.
+  // Takes a line of the process. False, with nothing changed, for one of no frame. Throws
+  // std::bad_alloc, with nothing changed, where there is no memory.
   //   frame  receives what it tells
   bool Take(const std::string& line, FrameReport* frame);
 };

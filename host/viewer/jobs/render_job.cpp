@@ -2,6 +2,7 @@
 #include "host/viewer/jobs/render_job.h"
 
 #include <chrono>
+#include <new>
 
 #include "host/support/failure.h"
 
@@ -54,6 +55,7 @@ void RenderJob::Start(const std::filesystem::path& program, const std::vector<st
   Q_ASSERT(!process_);
   progress_ = {};
   lastWords_.clear();
+  hasLostLine_ = false;
   isCancelled_ = false;
   process_ = std::make_unique<QProcess>();
   process_->setProcessChannelMode(QProcess::MergedChannels);
@@ -77,8 +79,19 @@ void RenderJob::Cancel() {
 }
 
 void RenderJob::TakeLines() {
-  while (process_ && process_->canReadLine()) {
-    TakeLine(process_->readLine().trimmed());
+  while (process_ && process_->canReadLine() && TakeNext([this] { return process_->readLine(); })) {
+  }
+}
+
+// Without memory a line is lost, and with it how many frames are done. It may still be there to be
+// read: the lines behind it wait for the next ones then, or for the end.
+bool RenderJob::TakeNext(const std::function<QByteArray()>& read) {
+  try {
+    TakeLine(read().trimmed());
+    return true;
+  } catch (const std::bad_alloc&) {
+    hasLostLine_ = true;
+    return false;
   }
 }
 
@@ -99,7 +112,7 @@ void RenderJob::TakeLine(const QByteArray& line) {
 void RenderJob::End(bool started) {
   if (started) {
     TakeLines();
-    TakeLine(process_->readAll().trimmed());
+    TakeNext([this] { return process_->readAll(); });
   }
   const JobEnd end = EndOf(started);
   patience_.stop();
@@ -117,11 +130,17 @@ JobEnd RenderJob::EndOf(bool started) const {
   const bool isWhole = process_->exitStatus() == QProcess::NormalExit;
   const int code = isWhole ? process_->exitCode() : -1;
   const QString fine = Frames(progress_.done + progress_.skipped);
+  if (isWhole && code == kExitDone && hasLostLine_) {
+    return {true, false, code, tr("Done.")};
+  }
   if (isWhole && code == kExitDone) {
     return {true, false, code,
             progress_.skipped == 0
                 ? tr("Done: %1.").arg(fine)
                 : tr("Done: %1, of which %2 were up to date.").arg(fine).arg(progress_.skipped)};
+  }
+  if (isCancelled_ && hasLostLine_) {
+    return {false, true, code, tr("Cancelled. Starting again goes on with the rest.")};
   }
   if (isCancelled_) {
     return {false, true, code,

@@ -10,6 +10,7 @@
 #include <QString>
 #include <QTimer>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -59,6 +60,7 @@ class RenderJob : public QObject {
 
  private:
   void TakeLines();
+  bool TakeNext(const std::function<QByteArray()>& read);
   void TakeLine(const QByteArray& line);
   void End(bool started);
   JobEnd EndOf(bool started) const;
@@ -66,7 +68,8 @@ class RenderJob : public QObject {
   std::unique_ptr<QProcess> process_;
   QTimer patience_;  // with a process that is to end
   JobProgress progress_;
-  QString lastWords_;  // of what went wrong, as far as the process said it
+  QString lastWords_;         // of what went wrong, as far as the process said it
+  bool hasLostLine_ = false;  // so that progress_ is not all there is
   bool isCancelled_ = false;
 };
 

@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "host/render/shot_report.h"
+#include "host/render/frame_line.h"
 #include "host/shots/frame_claim.h"
 #include "host/shots/manifest.h"
 #include "tests/host/glimmerhost/running_program.h"
@@ -75,10 +75,9 @@ class SharedShot : public host_test::ShotProgram {
     std::set<int> done;
     std::ifstream in(folder / name);
     for (std::string line; std::getline(in, line);) {
-      glimmerhost::FrameReport frame;
-      if (glimmerhost::ReadFrameLine(line, &frame) &&
-          frame.state == glimmerhost::FrameState::kDone) {
-        done.insert(frame.frame);
+      const auto told = glimmerhost::ParseFrameLine(line);
+      if (told && told->report.state == glimmerhost::FrameState::kDone) {
+        done.insert(told->report.frame);
       }
     }
     return done;
