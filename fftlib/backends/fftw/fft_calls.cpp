@@ -20,6 +20,8 @@ int StartThreads() {
 
 void EndThreads() {
   fftw_cleanup_threads();
+  // A host may go on with the library, when our code has gone.
+  fftw_threads_set_callback(nullptr, nullptr);
   EndTransformThreads();
 }
 

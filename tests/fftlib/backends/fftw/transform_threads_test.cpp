@@ -157,10 +157,7 @@ std::vector<double> Transform(bool byItsOwn) {
   const lx::ScopedPlatform scope(&table);
   constexpr int kSide = 256;
   const lx::FftCalls& calls = lx::LibraryFftCalls();
-  EXPECT_NE(0, calls.initThreads());
-  if (byItsOwn) {
-    fftw_threads_set_callback(nullptr, nullptr);
-  }
+  EXPECT_NE(0, byItsOwn ? fftw_init_threads() : calls.initThreads());
   calls.planWithThreads(3);
   auto* spatial = static_cast<double*>(calls.allocate(kSide * kSide * sizeof(double)));
   constexpr std::size_t kSpectrum = kSide * (kSide / 2 + 1) * 2;
@@ -179,11 +176,11 @@ std::vector<double> Transform(bool byItsOwn) {
   return result;
 }
 
-TEST(TransformThreadsOfTheLibrary, AreOursAndGiveTheSameBits) {
-  const auto byItsOwn = Transform(true);
-  EXPECT_EQ(0, begun);
+TEST(TransformThreadsOfTheLibrary, AreOursUntilTheEndAndGiveTheSameBits) {
   const auto byOurs = Transform(false);
   EXPECT_EQ(2, begun);
+  const auto byItsOwn = Transform(true);
+  EXPECT_EQ(0, begun);
 
   EXPECT_EQ(0, std::memcmp(byItsOwn.data(), byOurs.data(), byOurs.size() * sizeof(double)));
 }
