@@ -17,11 +17,6 @@ std::uint32_t ProcessId();
 // Whether the environment has a variable of that name, an empty one included.
 bool HasEnvironmentVariable(const char* name);
 
-// Keeps the shared library of a function in the process for good, also when all its users are
-// unloaded. False, with nothing done, where the library cannot be found or is this module itself,
-// which must be able to go.
-bool KeepLoaded(void (*function)());
-
 // The calling thread's last error of the system, 0 for none, and the text of an error:
 // at most size - 1 bytes and a terminating zero, empty for an error without a text.
 std::uint32_t LastError();
@@ -33,7 +28,6 @@ struct ProcessOperations {
   decltype(native::ProcessorCount)* processorCount = native::ProcessorCount;
   decltype(native::ProcessId)* processId = native::ProcessId;
   decltype(native::HasEnvironmentVariable)* hasEnvironmentVariable = native::HasEnvironmentVariable;
-  decltype(native::KeepLoaded)* keepLoaded = native::KeepLoaded;
   decltype(native::LastError)* lastError = native::LastError;
   decltype(native::ErrorText)* errorText = native::ErrorText;
 };

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include <dlfcn.h>
 #include <sched.h>
 #include <unistd.h>
 
@@ -29,18 +28,6 @@ std::int32_t ProcessorCount() {
 std::uint32_t ProcessId() { return static_cast<std::uint32_t>(getpid()); }
 
 bool HasEnvironmentVariable(const char* name) { return std::getenv(name) != nullptr; }
-
-bool KeepLoaded(void (*function)()) {
-  static const char inThisModule = 0;
-  Dl_info own;
-  Dl_info info;
-  if (dladdr(&inThisModule, &own) == 0 || dladdr(reinterpret_cast<void*>(function), &info) == 0 ||
-      info.dli_fbase == own.dli_fbase) {
-    return false;
-  }
-  // The handle is not kept: what matters is that the library is marked.
-  return dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE) != nullptr;
-}
 
 std::uint32_t LastError() { return static_cast<std::uint32_t>(errno); }
 

@@ -7,17 +7,6 @@
 #include "baselib/platform/windows_api.h"
 
 namespace lx::native {
-namespace {
-
-HMODULE ModuleOf(const void* address) {
-  HMODULE module = nullptr;
-  ::GetModuleHandleExA(
-      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-      static_cast<LPCSTR>(address), &module);
-  return module;
-}
-
-}  // namespace
 
 std::int32_t ProcessorCount() {
   SYSTEM_INFO info;
@@ -31,18 +20,6 @@ std::uint32_t ProcessId() { return ::GetCurrentProcessId(); }
 bool HasEnvironmentVariable(const char* name) {
   return ::GetEnvironmentVariableA(name, nullptr, 0) != 0 ||
          ::GetLastError() != ERROR_ENVVAR_NOT_FOUND;
-}
-
-bool KeepLoaded(void (*function)()) {
-  static const char inThisModule = 0;
-  const auto* address = reinterpret_cast<const void*>(function);
-  if (ModuleOf(address) == ModuleOf(&inThisModule)) {
-    return false;
-  }
-  HMODULE module = nullptr;
-  return ::GetModuleHandleExA(
-             GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
-             static_cast<LPCSTR>(address), &module) != 0;
 }
 
 std::uint32_t LastError() { return ::GetLastError(); }

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // What the platform does with processors, devices and modes that only a POSIX system has.
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mman.h>
@@ -39,27 +38,6 @@ TEST(ProcessorCount, FollowsTheAffinityOfTheProcess) {
 
   EXPECT_EQ(1U, narrowed);
   EXPECT_EQ(static_cast<std::uint32_t>(CPU_COUNT(&before)), lx::get_processor_count());
-}
-
-// A library that the test program does not use by itself, so that nothing else keeps it.
-TEST(PosixLibrary, StaysAfterItsLastUserIsGoneWhereItIsToBeKept) {
-  constexpr const char* kFile = "libfftw3.so.3";
-  void* library = dlopen(kFile, RTLD_NOW | RTLD_LOCAL);
-  if (library == nullptr) {
-    GTEST_SKIP() << "there is no " << kFile;
-  }
-  const auto function = reinterpret_cast<void (*)()>(dlsym(library, "fftw_cleanup"));
-
-  EXPECT_TRUE(lx::SystemPlatform().keepLoaded(function));
-  dlclose(library);
-
-  EXPECT_NE(nullptr, dlopen(kFile, RTLD_NOW | RTLD_NOLOAD));
-}
-
-void OfThisModule() {}
-
-TEST(PosixLibrary, IsNotKeptWhereItIsTheModuleItself) {
-  EXPECT_FALSE(lx::SystemPlatform().keepLoaded(OfThisModule));
 }
 
 // What the system says of the mapping that an address is in; empty where it says nothing.

@@ -160,25 +160,6 @@ TEST(WindowsThread, CountsAsTerminatedWhereTheSystemHasEndedItAtItsWork) {
   EXPECT_TRUE(System().closeThread(thread));
 }
 
-TEST(WindowsLibrary, StaysAfterItsLastUserIsGoneWhereItIsToBeKept) {
-  constexpr const char* kFile = "cabinet.dll";
-  const HMODULE library = LoadLibraryA(kFile);
-  ASSERT_NE(nullptr, library);
-  const auto function = reinterpret_cast<void (*)()>(GetProcAddress(library, "FDIDestroy"));
-  ASSERT_NE(nullptr, function);
-
-  EXPECT_TRUE(System().keepLoaded(function));
-  FreeLibrary(library);
-
-  EXPECT_NE(nullptr, GetModuleHandleA(kFile));
-}
-
-void OfThisModule() {}
-
-TEST(WindowsLibrary, IsNotKeptWhereItIsTheModuleItself) {
-  EXPECT_FALSE(System().keepLoaded(OfThisModule));
-}
-
 // The pool fixes the word on a thread whose x87 precision may differ from a new thread's.
 TEST(WindowsPool, RunsItsWorkersAtIdlePriorityWithTheSavedWord) {
   const lx_test::FreshServices fresh;
