@@ -48,6 +48,7 @@ LOOKS = ("fstat", "lstat")
 # anything. What they say, or who calls; and who they are.
 ENDING_LIBRARIES = (
     ("fftw: alloc.c", "FFTW"), ("thread-local data", "the C library"),
+    ("register TLS destructor", "the C library"),
     ("directory_iterator", "the C++ library's folders"), ("nlohmann::", "the JSON library"))
 
 # Where a request of these is refused, of which functions that must not throw are many.

@@ -9,10 +9,12 @@
 #include <array>
 #include <cstddef>
 #include <exception>
+#include <new>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "host/pictures/guards/exr_chunks.h"
 #include "host/pictures/openimageio/file_proxy.h"
 #include "host/support/failure.h"
 
@@ -99,8 +101,12 @@ void WriteByMemory(FileBytes* bytes, const std::vector<OutputPart>& parts, Outpu
   const MemoryFile memory;
   WriteTo(memory.Name(), parts, std::move(output));
   const bool copied = !memory.IsAtLimit() && memory.CopyTo(bytes);
+  const bool hasAll = HasAllExrChunks(bytes);
   if (!bytes->Close() || !copied) {
     throw Failure(kNotTaken);
+  }
+  if (!hasAll) {
+    throw std::bad_alloc();
   }
 }
 
@@ -121,12 +127,16 @@ void WriteWhole(const std::string& name, FileBytes* bytes, const std::vector<Out
   } catch (const Failure&) {
     trouble = std::current_exception();
   }
+  const bool hasAll = trouble || HasAllExrChunks(bytes);
   // What the library says of it is long, and names the file otherwise than a person knows it.
   if (!proxy.Finish()) {
     throw Failure(kNotTaken);
   }
   if (trouble) {
     std::rethrow_exception(trouble);
+  }
+  if (!hasAll) {
+    throw std::bad_alloc();
   }
 }
 
