@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
-#include <numeric>
 #include <string_view>
 #include <vector>
 
@@ -108,22 +107,44 @@ int ReachOf(const FrameInput& input, int width) {
   return static_cast<int>(std::min(std::ceil(rim), static_cast<double>(width))) + kRounding;
 }
 
-// Whether there is nothing at all in a result, alpha included, though the source has more that
-// stays in the frame than rounding can take away. A frame with anything in it is not searched
-// further.
+// Which samples of a pixel a result has no light in.
+enum class Unlit { kNone, kRedAndBlue, kAll };
+
+// Where the aperture's spectrum could not be made, all planes are 0. Chroma of 0 is a green then,
+// the same in all pixels, and alpha may be the source's.
+Unlit UnlitOf(const Samples& result) {
+  const auto* const end = result.At(0, result.height);
+  if (std::all_of(result.first, end, [](auto sample) { return sample == 0; })) {
+    return Unlit::kAll;
+  }
+  for (const std::uint16_t* pixel = result.first; pixel < end; pixel += 4) {
+    if (pixel[0] != 0 || pixel[2] != 0 || pixel[1] != result.first[1]) {
+      return Unlit::kNone;
+    }
+  }
+  return Unlit::kRedAndBlue;
+}
+
+// Whether there is no light in a result, though the source has more that stays in the frame than
+// rounding can take away. Of one with nothing at all alpha counts, too.
 bool IsLost(const FrameInput& input, const Samples& source, const Samples& result) {
   constexpr std::uint64_t kSeen = 256;  // of 65535, on the average
-  const std::size_t count =
-      static_cast<std::size_t>(source.width) * static_cast<std::size_t>(source.height) * 4;
-  if (!std::all_of(result.first, result.first + count, [](auto sample) { return sample == 0; })) {
+  const Unlit unlit = UnlitOf(result);
+  if (unlit == Unlit::kNone) {
     return false;
   }
+  const int step = unlit == Unlit::kAll ? 1 : 2;
   const int reach = ReachOf(input, source.width);
   std::uint64_t sum = 0;
   for (int y = reach; y < source.height - reach && 2 * reach < source.width; ++y) {
-    sum = std::accumulate(source.At(reach, y), source.At(source.width - reach, y), sum);
+    const std::uint16_t* const end = source.At(source.width - reach, y);
+    for (const std::uint16_t* sample = source.At(reach, y); sample < end; sample += step) {
+      sum += *sample;
+    }
   }
-  return sum > kSeen * count;
+  const std::uint64_t pixels =
+      static_cast<std::uint64_t>(source.width) * static_cast<std::uint64_t>(source.height);
+  return sum > kSeen * pixels * (4 / static_cast<unsigned>(step));
 }
 
 }  // namespace

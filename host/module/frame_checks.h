@@ -38,9 +38,9 @@ inline constexpr const char* kEmptyAperture =
 // False if the result is the source as it passes the border in 15 bits, since the aperture holds
 // nothing. Throws Failure if it is the source for no such reason, though the aperture is larger
 // than a pixel and the source has neighbours that differ; there alpha does not count, as it may be
-// left alone on purpose. Throws Failure, too, if there is nothing in the result though the source
+// left alone on purpose. Throws Failure, too, if there is no light in the result though the source
 // is a picture, which no aperture moves out of the frame: so it comes from an effect without
-// memory.
+// memory. Where an aperture has no spectrum, that is one green throughout.
 bool CheckRendered(const FrameInput& input, FrameImage* result);
 
 // Whether CheckRendered takes the result.

@@ -114,7 +114,45 @@ TEST(RenderedCheck, TakesWhatIsTooDarkToBeLeftOver) {
 TEST(RenderedCheck, TakesAFrameWithAnythingInIt) {
   EmptyFrame frame(8, 8, Circle("2px"));
   frame.Fill(0, 8, 60000);
-  frame.result->buffer()[8 * 8 * 4 - 1] = 1;
+  frame.result->buffer()[8 * 8 * 4 - 2] = 1;  // red
+  EXPECT_TRUE(frame.IsTaken());
+}
+
+// No light at all, which the change of colours makes a green.
+void FillWithoutLight(const EmptyFrame& frame, std::uint16_t green, std::uint16_t alpha) {
+  for (int i = 0; i < frame.width * frame.height * 4; i += 4) {
+    frame.result->buffer()[i + 1] = green;
+    frame.result->buffer()[i + 3] = alpha;
+  }
+}
+
+TEST(RenderedCheck, RefusesAFrameWithoutLightWhateverItsAlpha) {
+  for (const std::uint16_t green : {std::uint16_t{0}, std::uint16_t{35000}}) {
+    EmptyFrame frame(8, 8, Circle("2px"));
+    frame.Fill(0, 8, 257);
+    FillWithoutLight(frame, green, 60000);
+    EXPECT_THROW(frame.IsTaken(), glimmerhost::Failure) << green;
+  }
+}
+
+TEST(RenderedCheck, TakesGreenForGreenAndOpaqueBlackForBlack) {
+  for (const std::uint16_t green : {std::uint16_t{0}, std::uint16_t{35000}}) {
+    EmptyFrame frame(8, 8, Circle("2px"));
+    for (int i = 0; i < 8 * 8 * 4; i += 4) {
+      frame.input.source->buffer()[i + 1] = green;
+      frame.input.source->buffer()[i + 3] = 60000;
+    }
+    FillWithoutLight(frame, green, 60000);
+    EXPECT_TRUE(frame.IsTaken()) << green;
+  }
+}
+
+// Of more than one green something was made.
+TEST(RenderedCheck, TakesAFrameOfSeveralGreens) {
+  EmptyFrame frame(8, 8, Circle("2px"));
+  frame.Fill(0, 8, 60000);
+  FillWithoutLight(frame, 35000, 60000);
+  frame.result->buffer()[8 * 8 * 4 - 3] = 34998;
   EXPECT_TRUE(frame.IsTaken());
 }
 
