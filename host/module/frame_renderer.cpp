@@ -83,7 +83,10 @@ void RenderPicture(const EffectModule& module, const std::map<std::string, Value
   FrameRenderer renderer(module, false);
   const FrameInput input{1, values, quantel::cPtr<FrameImage>(new FrameImage(*picture)), spread,
                          pixelAspect};
-  renderer.Render(input)->CopyTo(picture);
+  const quantel::cPtr<FrameImage> result = renderer.Render(input);
+  // An aperture that holds nothing leaves the picture as it passes the border.
+  (void)CheckRendered(input, result.Object());
+  result->CopyTo(picture);
 }
 
 }  // namespace glimmerhost

@@ -58,7 +58,8 @@ class FrameRenderer {
 };
 
 // Replaces the picture by what the effect makes of it, by an instance of its own, so that
-// none depends on the one before. Throws Failure.
+// none depends on the one before. Throws Failure, with the picture as it was, also where the effect
+// could not work on it.
 void RenderPicture(const EffectModule& module, const std::map<std::string, Value>& values,
                    const quantel::cPtr<FrameImage>& spread, quantel::cSize2 pixelAspect,
                    Picture* picture);
