@@ -319,6 +319,10 @@ SessionScript ReadSessionScript(const std::filesystem::path& file, const Page& p
       throw UsageError(what.append(": ").append(text).append(": ").append(fault.what()));
     }
   }
+  // One that ends before its time is no shorter script.
+  if (in.bad()) {
+    throw Failure(file.string() + ": the script cannot be read");
+  }
   if (script.steps.empty()) {
     throw UsageError(file.string() + ": the script has no steps");
   }
