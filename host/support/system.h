@@ -24,7 +24,7 @@ std::uint32_t ProcessId();
 // Bytes that programs may still take, swapping included; 0 if the system does not tell.
 std::uint64_t AvailableMemory();
 
-// Whether there is a process of that number on this machine, whoever's.
+// Whether there is a process of that number on this machine, whoever's, that has not ended.
 bool ProcessExists(std::uint32_t process);
 
 // The machine's name in its network, in UTF-8; empty if the system does not tell.

@@ -11,14 +11,29 @@
 #include <cerrno>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <limits>
 #include <sstream>
+#include <string>
 #include <system_error>
 
 #include "host/support/failure.h"
 #include "host/support/system.h"
 
 namespace glimmerhost {
+namespace {
+
+// Whether nothing of it is left but the number, which stays until somebody has asked how it ended:
+// the first process of a container may never do. False where the kernel does not say.
+bool HasEnded(std::uint32_t process) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+  const std::string text{std::istreambuf_iterator<char>(file), {}};
+  // The name before it may have brackets of its own.
+  const std::size_t name = text.rfind(") ");
+  return name != std::string::npos && (text[name + 2] == 'Z' || text[name + 2] == 'X');
+}
+
+}  // namespace
 
 const char kShellQuote = '\'';
 
@@ -63,7 +78,7 @@ std::uint64_t AvailableMemory() {
 // Zero and what would be negative ask for groups of processes.
 bool ProcessExists(std::uint32_t process) {
   return process > 0 && process <= std::numeric_limits<pid_t>::max() &&
-         (kill(static_cast<pid_t>(process), 0) == 0 || errno == EPERM);
+         (kill(static_cast<pid_t>(process), 0) == 0 || errno == EPERM) && !HasEnded(process);
 }
 
 std::string HostName() {

@@ -175,6 +175,7 @@ class Steps:
         share = self.submit_words(words, name, manifest)
         process = self.program.start(share)
         time.sleep(self.dice.uniform(0, 2 * seconds))
+        number = None
         if process.poll() is None:
             victim = self.dice.choice([process.pid] + children_of(process.pid))
             self.counts["killed"] += 1
@@ -183,8 +184,12 @@ class Steps:
             except ProcessLookupError:
                 pass
             if victim == process.pid:
-                end_group(process, signal.SIGKILL if self.dice.random() < 0.5 else signal.SIGTERM)
+                number = self.dice.choice((signal.SIGKILL, signal.SIGTERM))
+                end_group(process, number)
         self.program.finish(process)
+        if number == signal.SIGKILL:
+            # What one leaves that is not gone yet is none of the next run's leftovers.
+            await_group(process.pid)
         self.expect_whole(name)
         self.program.run(share)
         if self.expect_whole(name) != count:

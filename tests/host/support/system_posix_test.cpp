@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// What only this system's allocator can be asked.
+// What only these systems can be asked.
 #include <gtest/gtest.h>
 #include <malloc.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "host/support/system.h"
@@ -28,6 +31,21 @@ TEST(GiveLargeBlocksBack, HoldsAlsoForTheSecondBlockOfASize) {
   }
 
   EXPECT_GE(lentByOne(), kLarge);
+}
+
+// Of a container the first process may wait for none: what one leaves that was killed would stay.
+TEST(ProcessExists, NotWhereItHasEndedAndNobodyHasAskedHow) {
+  const pid_t child = fork();
+  if (child == 0) {
+    _exit(0);
+  }
+  siginfo_t end{};
+  ASSERT_EQ(0, waitid(P_PID, static_cast<id_t>(child), &end, WEXITED | WNOWAIT));
+
+  EXPECT_FALSE(glimmerhost::ProcessExists(static_cast<std::uint32_t>(child)));
+
+  ASSERT_EQ(child, waitpid(child, nullptr, 0));
+  EXPECT_TRUE(glimmerhost::ProcessExists(static_cast<std::uint32_t>(getpid())));
 }
 
 }  // namespace
