@@ -43,7 +43,7 @@ def environment(options):
     """What the tests of that preset run in."""
     values = {}
     if options.presets:
-        root = str(options.presets.parent)
+        root = str(options.presets.resolve().parent)
         for preset in json.loads(options.presets.read_text())["testPresets"]:
             if preset["name"] == options.preset:
                 values = preset.get("environment", {})
