@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/pictures/guards/exr_chunks.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 namespace glimmerhost {
 namespace {
@@ -56,17 +58,15 @@ bool HasAllExrChunks(FileBytes* bytes) {
   // The heads of several parts end with one that is empty.
   while (TakeHead(bytes) && hasParts) {
   }
-  // The places of all chunks of all parts; the first chunk stands behind them.
-  std::int64_t at = bytes->Seek(0, std::ios_base::cur);
-  std::int64_t end = at + 8;
-  bool isFirst = true;
-  for (; at < end; at += 8) {
+  // The places of all chunks of all parts. The chunk that is first in the file stands behind them;
+  // where lines are stored from the bottom up, its place is the last of them.
+  std::int64_t end = std::numeric_limits<std::int64_t>::max();
+  for (std::int64_t at = bytes->Seek(0, std::ios_base::cur); at < end; at += 8) {
     const auto place = static_cast<std::int64_t>(Take(bytes, 8));
     if (place == 0) {
       return false;
     }
-    end = isFirst ? place : end;
-    isFirst = false;
+    end = std::min(end, place);
   }
   return true;
 }

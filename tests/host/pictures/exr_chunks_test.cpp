@@ -51,6 +51,8 @@ TEST(ExrChunks, AreAllThereWhereEachHasAPlace) {
   EXPECT_TRUE(HasAll(Exr(1, {0}) + std::string(20, '\0')));
   EXPECT_TRUE(HasAll(Exr(1, {0, 8, 16}) + std::string(24, '\0')));
   EXPECT_TRUE(HasAll(Exr(2, {0, 16, 8}) + std::string(24, '\0')));
+  // From the bottom up.
+  EXPECT_TRUE(HasAll(Exr(1, {16, 8, 0}) + std::string(24, '\0')));
 }
 
 TEST(ExrChunks, AreMissingWhereOneHasNone) {
@@ -58,6 +60,7 @@ TEST(ExrChunks, AreMissingWhereOneHasNone) {
   EXPECT_FALSE(HasAll(Exr(1, {0, -1, 8}) + std::string(16, '\0')));
   EXPECT_FALSE(HasAll(Exr(1, {0, 8, -1}) + std::string(16, '\0')));
   EXPECT_FALSE(HasAll(Exr(3, {0, 8, -1}) + std::string(16, '\0')));
+  EXPECT_FALSE(HasAll(Exr(1, {16, -1, 0}) + std::string(24, '\0')));
 }
 
 TEST(ExrChunks, AreNotLookedForInAFileOfAnotherFormat) {
