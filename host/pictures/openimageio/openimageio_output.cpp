@@ -34,6 +34,7 @@ constexpr const char* kNotTaken = "the system does not take all of it";
 // Also the end of the output, which after a failure may write on.
 void WriteTo(const std::string& name, const std::vector<OutputPart>& parts, Output output) {
   std::vector<OIIO::ImageSpec> specs;
+  specs.reserve(parts.size());
   for (const OutputPart& part : parts) {
     specs.push_back(part.spec);
   }
