@@ -52,6 +52,8 @@ def environment(options):
     # globals, 160,000 with those of the sanitizer, 16 bytes each would stay for good at each load: that
     # they are kept within is for the tests.
     values.setdefault("ASAN_OPTIONS", "quarantine_size_mb=16:report_globals=0")
+    # What the thread sanitizer remembers of each address stays, and a module's are others at each load.
+    values["TSAN_OPTIONS"] = ":".join([*filter(None, [values.get("TSAN_OPTIONS")]), "flush_memory_ms=60000"])
     return dict(os.environ, **values)
 
 
