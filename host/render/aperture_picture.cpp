@@ -110,7 +110,12 @@ ApertureSpread SpreadOneLight(const EffectModule& module, const ApertureLook& lo
   Picture frame = BlackPicture(look.width, look.height);
   const Point light{look.width / 2, look.height / 2};
   FillPixel(light.x, light.y, 65535, &frame);
-  RenderPicture(module, values, look.spread, look.pixelAspect, &frame);
+  // An aperture that holds no pixel leaves nothing of the light, which has words of its own below.
+  FrameRenderer renderer(module, false);
+  renderer
+      .Render({1, values, quantel::cPtr<FrameImage>(new FrameImage(frame)), look.spread,
+               look.pixelAspect})
+      ->CopyTo(&frame);
   ApertureSpread spread = SharesOf(frame, light, Reach(frame, light) + kBorder);
   spread.isCut = TouchesEdge(frame);
   return spread;
