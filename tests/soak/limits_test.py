@@ -68,6 +68,7 @@ class Plot(unittest.TestCase):
         points = [(float(i), 700.0 if i == 4321 else 100.0) for i in range(10000)]
         thinned = plot.thinned(points)
         self.assertIn((4321.0, 700.0), thinned)
+        self.assertEqual(points[-1], thinned[-1])
         self.assertLessEqual(len(thinned), plot.POINTS)
 
 

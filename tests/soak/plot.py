@@ -18,17 +18,18 @@ PANELS = (
 
 
 def thinned(points):
-    """Few enough points to draw, with every peak and every dip."""
+    """Few enough points to draw, with every peak, every dip and the last."""
     if len(points) <= POINTS:
         return points
     kept = []
-    size = len(points) * 2 / POINTS
-    for i in range(POINTS // 2):
+    stretches = POINTS // 2 - 1
+    size = len(points) / stretches
+    for i in range(stretches):
         stretch = points[int(i * size):int((i + 1) * size)] or points[int(i * size):][:1]
         low = min(stretch, key=lambda point: point[1])
         high = max(stretch, key=lambda point: point[1])
         kept += sorted({low, high})
-    return kept
+    return kept + points[-1:]
 
 
 def round_top(value):
