@@ -37,7 +37,8 @@ FreeHelpers& free_helpers() {
 
 std::uint32_t ServeJobs(void* argument) {
   auto& self = *static_cast<Helper*>(argument);
-  const Platform& platform = GetPlatform();
+  // A copy: the thread goes on when what was in force at its first job is gone.
+  const Platform platform = GetPlatform();
   while (platform.waitForEvents(1, &self.start) && self.work != nullptr) {
     platform.resetEvent(self.start);
     self.work(self.job);
