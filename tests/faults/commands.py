@@ -10,26 +10,33 @@ With a stride only every N-th request is refused, from the offset on; of threads
 processes that a submit starts have all that they ask for.
 """
 
-import argparse
-import collections
 import pathlib
 import random
 import shutil
 import subprocess
 import sys
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
-from faults import KINDS, LOOKS, REMOVALS, Server, callers, ending_library, write_png  # noqa: E402
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "soak"))
+from inputs import write_png  # noqa: E402
+from refusing import KINDS, Server, is_excused, options_for, refuse_all  # noqa: E402
 
 LOOK = ["--radius", "3px", "--threads", "2", "--shape", "polygon"]
-SESSION = "load made.1.png\nset PRM_RadiusX 0.25\nset PRM_Emphasis 12\ndraw\nrender\nsave 1.png\nrender\nsave 2.png\n"
+SESSION = """load made.1.png
+set PRM_RadiusX 0.25
+set PRM_Emphasis 12
+draw
+render
+save 1.png
+render
+save 2.png
+"""
 
-# The words of each, without where the outputs go, and whether it looks at outputs alone.
+# The words of each, with braces where the folder of its outputs goes, and its exit code.
 COMMANDS = {
-    "overwrite": (["render", "made.@.png", "-o", "{}/@.png", "--overwrite", *LOOK], None),
+    "overwrite": (["render", "made.@.png", "-o", "{}/@.png", "--overwrite", *LOOK], 0),
     "submit": (["submit", "made.@.png", "-o", "{}/@.png", "--overwrite", "--chunk", "1",
-                "--manifest", "{}/made.jsonl", *LOOK], None),
-    "session": (["session", "steps", "-o", "{}", "--overwrite", "--threads", "2"], None),
+                "--manifest", "{}/made.jsonl", *LOOK], 0),
+    "session": (["session", "steps", "-o", "{}", "--overwrite", "--threads", "2"], 0),
     "check": (["check", "checked.jsonl"], 0),
     "check-changed": (["check", "changed.jsonl"], 1),
 }
@@ -55,9 +62,10 @@ class Command:
         self.program([*render, "-o", "checked/@.png", "--manifest", "checked.jsonl"])
         text = (self.folder / "checked.jsonl").read_text()
         (self.folder / "changed.jsonl").write_text(text.replace("checked/2.png", "before/2.png"))
-        if self.answer is None:
+        makes_outputs = any("{}" in word for word in words)
+        if makes_outputs:
             self.program([word.format("whole") for word in words] + ["--quiet"])
-        self.outputs = ["1.png", "2.png"] if self.answer is None else []
+        self.outputs = ["1.png", "2.png"] if makes_outputs else []
         self.whole = {name: (self.folder / "whole" / name).read_bytes() for name in self.outputs}
         self.before = {name: (self.folder / "before" / name).read_bytes() for name in self.outputs}
         self.server = Server(build, self.folder, [word.format("out") for word in words], None)
@@ -87,14 +95,12 @@ class Command:
         """What has a hidden name, or lies where temporary files do."""
         files = [file for inside in ("out", "tmp") for file in (self.folder / inside).iterdir()
                  if inside == "tmp" or file.name.startswith(".")]
-        return [file.name for file in files
-                if not (refused in REMOVALS or (refused in LOOKS and file.suffix == ".claim"))]
+        return [file.name for file in files if not is_excused(refused, file.name)]
 
     def look_at(self, code, refused, said):
         if code == "hung" or code < 0:
             return ["hung" if code == "hung" else f"ended by signal {-code}"]
-        is_done = code == 0 and self.answer is None
-        wrong = self.wrong_outputs(is_done)
+        wrong = self.wrong_outputs(code == 0)
         if code not in (0, 1, 3) or (code == 0 and self.answer == 1):
             wrong.append(f"exit code {code}")
         # What could not be written may have been these very words.
@@ -107,67 +113,23 @@ class Command:
         """What is wrong after the next run, which has everything granted."""
         code, _, _, said = self.server.run(0, 0)
         wrong = self.wrong_outputs(True)
-        if code != (self.answer or 0):
+        if code != self.answer:
             wrong.append(f"exit code {code}: {said.strip()}")
         if self.left(None):
             wrong.append("leaves " + ", ".join(self.left(None)))
         return ["the next run: " + what for what in wrong]
 
 
-def refuse_each(command, kind, stride, offset):
-    """How many requests were refused, how many of them the run did without, how often a library ended
-    it, and what went wrong, each with its number."""
-    refused_count, granted_count, faults = 0, 0, []
-    ended = collections.Counter()
-    n = offset
-    while True:
-        command.reset()
-        code, _, refused, said = command.server.run(KINDS[kind], n)
-        if refused is None:
-            wrong = command.wrong_outputs(True)
-            if code != (command.answer or 0):
-                wrong.append(f"exit code {code}")
-            return (refused_count, granted_count, ended,
-                    faults + [(n, "nothing", what, said) for what in wrong])
-        refused_count += 1
-        granted_count += 1 if code == (command.answer or 0) else 0
-        library = ending_library(command, code, said)
-        if library:
-            # Killed, as it were: what is there is whole, and the next run goes on.
-            ended[library] += 1
-            wrong = command.wrong_outputs(False)
-        else:
-            wrong = command.look_at(code, refused, said)
-        place = callers(command) if wrong else ""
-        wrong += command.look_again()
-        faults += [(n, refused, what, f"{place}: {said.strip()}") for what in wrong]
-        n += stride
-
-
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--build", type=pathlib.Path, required=True)
-    parser.add_argument("--work", type=pathlib.Path, required=True)
-    parser.add_argument("--stride", type=int, default=1)
-    parser.add_argument("--offset", type=int, default=1)
-    parser.add_argument("--only", choices=COMMANDS)
-    parser.add_argument("--kind", choices=KINDS)
-    options = parser.parse_args()
-    all_faults = 0
-    for name in [options.only] if options.only else COMMANDS:
-        command = Command(options.build.resolve(), options.work.resolve(), name)
-        for kind in [options.kind] if options.kind else KINDS:
-            stride = 1 if kind == "threads" else options.stride
-            offset = 1 if kind == "threads" else options.offset
-            refused, done, ended, faults = refuse_each(command, kind, stride, offset)
-            by = "".join(f", {count} ended by {who}" for who, count in ended.items())
-            print(f"{name:<13} {kind:<8} {refused:>6} refused, {done:>5} done without{by}; "
-                  f"{len(faults)} faults", flush=True)
-            for n, function, what, said in faults:
-                print(f"    {n} {function}: {what} [{said[:300]}]")
-            all_faults += len(faults)
-        command.server.end()
-    return 1 if all_faults else 0
+    options = options_for(COMMANDS).parse_args()
+
+    def steps_of(kind):
+        return (1, 1) if kind == "threads" else (options.stride, options.offset)
+
+    kinds = [options.kind] if options.kind else KINDS
+    names = [options.only] if options.only else COMMANDS
+    return 1 if sum(refuse_all(Command(options.build, options.work, name), kinds, steps_of)
+                    for name in names) else 0
 
 
 if __name__ == "__main__":
