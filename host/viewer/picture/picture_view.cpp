@@ -65,11 +65,13 @@ void PictureView::Fit() {
   Follow();
 }
 
-void PictureView::OneToOne() { ZoomAt(rect().toRectF().center(), 1.0 / camera_.Zoom()); }
+void PictureView::OneToOne() { ZoomTo(rect().toRectF().center(), 1.0); }
 
-void PictureView::ZoomAt(QPointF at, double factor) {
+void PictureView::ZoomAt(QPointF at, double factor) { ZoomTo(at, camera_.Zoom() * factor); }
+
+void PictureView::ZoomTo(QPointF at, double zoom) {
   if (before_) {
-    camera_.ZoomTo(at, camera_.Zoom() * factor);
+    camera_.ZoomTo(at, zoom);
     Follow();
   }
 }

@@ -106,6 +106,7 @@ class PictureView : public QWidget {
   enum class Drag { kNone, kHandle, kPan, kWipe };
 
   // The camera has moved.
+  void ZoomTo(QPointF at, double zoom);
   void Follow();
   void Compose();
   void TakeImage();

@@ -143,6 +143,15 @@ TEST_F(PictureViews, ZoomNoFurtherThanTheyMay) {
   EXPECT_EQ(1.0 / 16.0, view.Zoom());
 }
 
+// A factor of 1 / 1.74 would leave it a rounding away, where nothing is shown pixel by pixel.
+TEST_F(PictureViews, AreOneToOneToTheLastBitFromAnySize) {
+  view.resize(174, 100);
+  ASSERT_NE(1.0, view.Zoom() * (1.0 / view.Zoom()));
+
+  view.OneToOne();
+  EXPECT_EQ(1.0, view.Zoom());
+}
+
 TEST_F(PictureViews, MoveThePictureByTheMiddleButton) {
   QSignalSpy pressed(&view, &PictureView::Pressed);
   Drag(Qt::MiddleButton, {100, 50}, {130, 40});
