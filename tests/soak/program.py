@@ -34,12 +34,16 @@ class Program:
         self.counts = collections.Counter()
         self.last = []  # the newest commands, for whoever looks for what went wrong
 
-    def start(self, words, **more):
-        """A process in a group of its own, so that its children can be ended with it."""
+    def start(self, words, is_ended_early=False, **more):
+        """A process in a group of its own, so that its children can be ended with it. One that is to
+        end before its time awaits no thread, which is meant."""
         words = [str(word) for word in words]
         self.last = self.last[-5:] + [quote(words)]
         self.counts["processes"] += 1
-        return subprocess.Popen([self.file, *words], cwd=self.folder, env=self.environment,
+        variables = dict(self.environment)
+        if is_ended_early:
+            variables["TSAN_OPTIONS"] = variables.get("TSAN_OPTIONS", "") + ":report_thread_leaks=0"
+        return subprocess.Popen([self.file, *words], cwd=self.folder, env=variables,
                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                                 stderr=subprocess.STDOUT, start_new_session=True, **more)
 

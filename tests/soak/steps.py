@@ -108,7 +108,7 @@ class Steps:
 
     def kill(self, words, after, number):
         """Starts a process and sends it a signal after a while, unless it was faster."""
-        process = self.program.start(words)
+        process = self.program.start(words, is_ended_early=True)
         self.killed_group = process.pid
         deadline = time.monotonic() + after
         while process.poll() is None and time.monotonic() < deadline:
@@ -173,7 +173,7 @@ class Steps:
         seconds = self.reference(words, name)
         manifest = self.folder / "farm.jsonl"
         share = self.submit_words(words, name, manifest)
-        process = self.program.start(share)
+        process = self.program.start(share, is_ended_early=True)
         time.sleep(self.dice.uniform(0, 2 * seconds))
         number = None
         if process.poll() is None:
