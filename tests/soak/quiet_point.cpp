@@ -3,12 +3,13 @@
 
 #include <dlfcn.h>
 #include <malloc.h>
-#include <sched.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <thread>
 
 #include "tests/support/process_threads.h"
 
@@ -44,9 +45,15 @@ int Entries(const fs::path& folder) {
 
 }  // namespace
 
+int QuietThreads() {
+  std::thread([] {}).join();
+  std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  return lx_test::ThreadCount();
+}
+
 Held LookAtProcess(int threads) {
-  for (int i = 0; i < 100000 && lx_test::ThreadCount() > threads; ++i) {
-    sched_yield();
+  for (int i = 0; i < 2000 && lx_test::ThreadCount() > threads; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
   // The folder's own descriptor is one of those that are listed.
   return {Resident(), Heap(), Entries("/proc/self/fd") - 1, lx_test::ThreadCount(),

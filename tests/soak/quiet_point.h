@@ -16,8 +16,12 @@ struct Held {
   std::size_t temporary;  // files in the folder for temporary ones
 };
 
-//   threads  waits until there are no more than that, or for a long time: the system lists a thread
-//            for another moment when it has ended
+// How many threads there are before anything lives. A first one has come and gone by then: the
+// thread sanitizer starts one of its own with it, which stays.
+int QuietThreads();
+
+//   threads  waits until there are no more than that, for two seconds at most: the system lists a
+//            thread for another moment when it has ended
 Held LookAtProcess(int threads);
 
 }  // namespace soak
