@@ -22,35 +22,41 @@ constexpr int kBlue = 0;
 constexpr int kRed = 2;
 
 struct LeftAlone {
-  // The disc has its middle at (8, 8), its full weight up to 3 pixels and none from 5 on.
-  LeftAlone() : disc(new FrameImage(kSide, kSide)) {
+  // The disc has its middle at (8, 8), and weighs nothing from 5 pixels on.
+  LeftAlone() : LeftAlone("5px") {}
+
+  // Its full weight up to 3 pixels and none from the outer radius on.
+  explicit LeftAlone(const char* outer, int frameWidth = kSide, const char* middle = "50%,50%")
+      : width(frameWidth), disc(new FrameImage(width, kSide)) {
     glimmerhost::TypedLook typed;
     typed["shape"] = "image";
+    typed["center"] = middle;
     typed["radius-psf1"] = "3px";
-    typed["radius-psf2"] = "5px";
-    input.values = lx_test::StillValuesOf(glimmerhost::Page::Load(PAGE), typed, kSide, kSide);
-    input.source = quantel::cPtr<FrameImage>(new FrameImage(kSide, kSide));
+    typed["radius-psf2"] = outer;
+    input.values = lx_test::StillValuesOf(glimmerhost::Page::Load(PAGE), typed, width, kSide);
+    input.source = quantel::cPtr<FrameImage>(new FrameImage(width, kSide));
     input.spread = disc;
   }
 
   // Columns of two kinds, which differ by that much. Even and dark, so that they pass the border.
   void Stripe(std::uint16_t step) const {
     std::uint16_t* const samples = input.source->buffer();
-    for (int i = 0; i < kSide * kSide * 4; ++i) {
+    for (int i = 0; i < width * kSide * 4; ++i) {
       samples[i] = i / 4 % 2 == 0 ? 1000 : static_cast<std::uint16_t>(1000 + step);
     }
   }
 
   void Light(int x, int rowFromTop, int channel, std::uint16_t sample) const {
-    disc->buffer()[(static_cast<std::ptrdiff_t>(rowFromTop) * kSide + x) * 4 + channel] = sample;
+    disc->buffer()[(static_cast<std::ptrdiff_t>(rowFromTop) * width + x) * 4 + channel] = sample;
   }
 
   bool IsTaken() const {
-    const quantel::cPtr<FrameImage> result(new FrameImage(kSide, kSide));
-    std::copy_n(input.source->buffer(), kSide * kSide * 4, result->buffer());
+    const quantel::cPtr<FrameImage> result(new FrameImage(width, kSide));
+    std::copy_n(input.source->buffer(), width * kSide * 4, result->buffer());
     return glimmerhost::CheckRendered(input, result.Object());
   }
 
+  int width;
   glimmerhost::FrameInput input;
   quantel::cPtr<FrameImage> disc;
 };
@@ -93,6 +99,29 @@ TEST(FrameLeftAlone, HasItsDiscsMiddleInTheRowFromTheBottom) {
     LeftAlone frame;
     frame.Stripe(2000);
     frame.Light(8, row, kRed, 65535);
+    EXPECT_EQ(isLit, frame.IsTaken()) << row;
+  }
+}
+
+// Of a hard edge, too, light is weighed that lies a part of a pixel beyond it: the root of 10.
+TEST(FrameLeftAlone, HasADiscWhoseEdgeIsAtLeastOnePixel) {
+  LeftAlone frame("3px");
+  frame.Stripe(2000);
+  frame.Light(9, 4, kRed, 65535);
+  EXPECT_TRUE(frame.IsTaken());
+
+  LeftAlone beyond("3px");
+  beyond.Stripe(2000);
+  beyond.Light(12, 7, kRed, 65535);
+  EXPECT_FALSE(beyond.IsTaken());
+}
+
+// With its middle, row 4 from the bottom, moved to row 8, what is above row 11 is beyond the frame.
+TEST(FrameLeftAlone, HasADiscThatEndsWhereTheFrameDoes) {
+  for (const auto& [row, isLit] : {std::pair{4, true}, {3, false}}) {
+    LeftAlone frame("15px", 2 * kSide, "50%,25%");
+    frame.Stripe(2000);
+    frame.Light(kSide, row, kRed, 65535);
     EXPECT_EQ(isLit, frame.IsTaken()) << row;
   }
 }
