@@ -34,7 +34,7 @@ class Program:
         self.counts = collections.Counter()
         self.last = []  # the newest commands, for whoever looks for what went wrong
 
-    def start(self, words, is_ended_early=False, **more):
+    def start(self, words, is_ended_early=False):
         """A process in a group of its own, so that its children can be ended with it. One that is to
         end before its time awaits no thread, which is meant."""
         words = [str(word) for word in words]
@@ -45,7 +45,7 @@ class Program:
             variables["TSAN_OPTIONS"] = variables.get("TSAN_OPTIONS", "") + ":report_thread_leaks=0"
         return subprocess.Popen([self.file, *words], cwd=self.folder, env=variables,
                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                                stderr=subprocess.STDOUT, start_new_session=True, **more)
+                                stderr=subprocess.STDOUT, start_new_session=True)
 
     def finish(self, process):
         """Waits for it: its code, minus a signal's number, and what it said."""
